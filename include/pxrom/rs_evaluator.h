@@ -1,0 +1,56 @@
+#pragma once
+
+#include <vector>
+
+#include "pxrom/export.h"
+#include "pxrom/rs_data.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// The base of all evaluators: operations on a record, without any state of their own. Each family
+/// has one; a CFittingCandidatesEvaluator picks it by the record's DataType.
+///
+/// Status of a value form:
+///   0   the outputs are valid.
+///   1   refused or failed; the outputs are as the caller left them, unless a comment says more.
+///   -2  only from the form with an error: `y` is valid, no predictor error is available and
+///       `predictorError` was not written.
+///
+/// A value form refuses (in this order) a null record, a record of another family, one that is not
+/// ready for evaluation or is stopped, and an `x` whose length is not NumberOfInputVariables.
+///
+/// | Family     | Scales the point | Scales the samples    | Backscales the value |
+/// |------------|------------------|-----------------------|----------------------|
+/// | Constant   | no               | no                    | no                   |
+/// | Kriging    | yes              | yes                   | yes                  |
+/// | Regression | yes              | no                    | yes                  |
+/// | SVR        | yes              | yes, a copy per call  | yes                  |
+/// | MLS        | no               | no                    | no                   |
+/// | LBF        | yes              | no                    | yes                  |
+///
+/// Threads: evaluators have no fields, so any number of threads may evaluate at once against
+/// records that nobody writes.
+class PXROM_API CRSEvaluator {
+ public:
+  CRSEvaluator() = default;
+  CRSEvaluator(const CRSEvaluator&) = default;
+  CRSEvaluator& operator=(const CRSEvaluator&) = default;
+
+  /// A new evaluator of the same class, owned by the caller.
+  virtual CRSEvaluator* Clone() const;
+  virtual ~CRSEvaluator();
+  /// Value and predictor error at `x`, in physical units. The base sets both to 0.0 and returns 1,
+  /// which is also the answer of families without a predictor error.
+  virtual int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
+                                      double& predictorError) const;
+  /// Value at `x`, in physical units. The base sets `y` to 0.0 and returns 1.
+  virtual int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
+                                      double& y) const;
+  /// Derivative of the value with respect to `x`. The base only checks its arguments: 0 when `x`
+  /// fits a record that is ready and not stopped, else 1, `gradient` untouched either way. `data`
+  /// must not be null here.
+  virtual int EvaluateResponseSurfaceDerivativeWrtInputVariables(
+      const CRSData* data, const std::vector<double>& x, std::vector<double>& gradient) const;
+};
+
+}  // namespace Tarvane::Plexura::PXROM

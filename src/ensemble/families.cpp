@@ -1,0 +1,40 @@
+#include "ensemble/families.h"
+
+#include "pxrom/constant.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+template <class Record>
+std::unique_ptr<CRSData> NewRecord() {
+  return std::make_unique<Record>();
+}
+
+template <class Evaluator>
+const CRSEvaluator& TheEvaluator() {
+  static const Evaluator evaluator;
+  return evaluator;
+}
+
+template <class Record, class Evaluator>
+constexpr Family Row(E_DataType type, reading::ResumeOperation resume) {
+  return {type, &NewRecord<Record>, &TheEvaluator<Evaluator>, resume};
+}
+
+// A new family is one folder and one row here.
+constexpr Family kFamilies[] = {
+    Row<CRSData, CRSEvaluator>(DT_RSData, &reading::ResumeRSData),
+    Row<CConstantData, CConstantEvaluator>(DT_ConstantData, &reading::ResumeConstantData),
+};
+
+}  // namespace
+
+const Family* FindFamily(E_DataType type) noexcept {
+  for (const Family& family : kFamilies) {
+    if (family.type == type) return &family;
+  }
+  return nullptr;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

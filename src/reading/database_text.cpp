@@ -1,0 +1,140 @@
+#include "reading/database_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+
+namespace Tarvane::Plexura::PXROM::reading {
+
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::size_t kWorkForAnyText = std::size_t{64} << 20;
+constexpr std::size_t kWorkPerCharacter = 64;
+// Longer than any tag of the format can be.
+constexpr std::size_t kLongestTag = 64;
+// What a row of a matrix takes besides its values.
+constexpr std::size_t kRowOverhead = sizeof(std::vector<double>) + 16;
+
+}  // namespace
+
+std::string OpeningTag(const std::string& word) { return "<" + word + ">"; }
+
+std::string OpeningTag(const std::string& word, int id) {
+  return "<" + word + " " + Labels::attID() + std::to_string(id) + ">";
+}
+
+std::string ClosingTag(const std::string& word) { return "</" + word + ">"; }
+
+std::string_view ViewOf(std::string_view text, std::size_t lower, std::size_t upper) {
+  if (lower > text.size()) throw std::out_of_range("PXROM: a range begins behind the text's end");
+  // Not `upper - lower + 1` alone: that wraps to nothing for npos and 0.
+  return text.substr(lower, upper == kNone ? kNone : upper - lower + 1);
+}
+
+std::string_view RestOfLine(std::string_view text, std::size_t position) {
+  const std::string_view rest = text.substr(position);
+  return rest.substr(0, rest.find(Labels::strEOL()[0]));
+}
+
+std::size_t CountLinesWith(std::string_view range, const std::string& key) {
+  std::size_t count = 0;
+  std::size_t position = range.find(key);
+  while (position != kNone) {
+    ++count;
+    const std::size_t lineEnd = range.find(Labels::strEOL(), position);
+    position = lineEnd == kNone ? kNone : range.find(key, lineEnd);
+  }
+  return count;
+}
+
+DatabaseText::DatabaseText(std::string_view text)
+    : text_(text), limit_(kWorkForAnyText + kWorkPerCharacter * text.size()) {}
+
+void DatabaseText::IndexTags() {
+  indexed_ = true;
+  for (std::size_t at = text_.find('<'); at != kNone; at = text_.find('<', at + 1)) {
+    const std::size_t length = text_.substr(at, kLongestTag).find('>');
+    if (length != kNone) tags_[text_.substr(at, length + 1)].push_back(at);
+  }
+}
+
+std::size_t DatabaseText::Find(std::string_view tag, std::size_t from) const {
+  if (!indexed_ || tag.size() > kLongestTag) return text_.find(tag, from);
+  const auto places = tags_.find(tag);
+  if (places == tags_.end()) return kNone;
+  const auto place = std::lower_bound(places->second.begin(), places->second.end(), from);
+  return place == places->second.end() ? kNone : *place;
+}
+
+int DatabaseText::SearchBounds(const std::string& opening, const std::string& closing,
+                               std::size_t from, Bounds& bounds) const {
+  bounds.lower = Find(opening, from) + opening.size();
+  bounds.upper = Find(closing, bounds.lower);
+  return bounds.upper > bounds.lower ? 0 : 1;
+}
+
+bool DatabaseText::FindGroupInside(const std::string& word, int id, const Bounds& outer,
+                                   Bounds& bounds) const {
+  SearchBounds(OpeningTag(word, id), ClosingTag(word), outer.lower, bounds);
+  return bounds.lower >= outer.lower && bounds.lower <= outer.upper;
+}
+
+bool DatabaseText::Charge(std::size_t bytes) {
+  // Saturates one beyond the limit, so that no sum can wrap.
+  charged_ = bytes > limit_ - std::min(charged_, limit_) ? limit_ + 1 : charged_ + bytes;
+  return !IsExhausted();
+}
+
+void AttributeRange::LookThrough() {
+  lookedThrough_ = true;
+  view_ = ViewOf(text_.View(), bounds_.lower, bounds_.upper);
+  if (!text_.Charge(view_.size())) return;
+  for (std::size_t at = view_.find('='); at != kNone; at = view_.find('=', at + 1)) {
+    equalSigns_.push_back(at);
+  }
+}
+
+bool AttributeRange::Find(const std::string& key, std::string_view& value) {
+  if (!lookedThrough_) LookThrough();
+  if (text_.IsExhausted()) return false;
+  for (const std::size_t at : equalSigns_) {
+    const std::size_t behind = at + 1;
+    if (behind >= key.size() && view_.compare(behind - key.size(), key.size(), key) == 0) {
+      value = RestOfLine(view_, behind);
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string_view AttributeRange::ListValue(const std::string& key) {
+  std::string_view value;
+  if (!Find(key, value) || !text_.Charge(value.size())) return {};
+  return value;
+}
+
+int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
+                                std::vector<std::vector<double>>& target) {
+  if (rows < 0 || columns < 0) return 1;
+  const auto rowCount = static_cast<std::size_t>(rows);
+  const auto columnCount = static_cast<std::size_t>(columns);
+  const char separator = Labels::strSep()[0];
+  std::string_view list = ListValue(key);
+  // Both counts are below 2^31, so that their product fits in 64 bits.
+  if (std::uint64_t{rowCount} * columnCount > CountTokens(list, separator)) return 1;
+  if (columnCount == 0 && rowCount > view_.size()) return 1;
+  if (!text_.Charge(rowCount * (columnCount * sizeof(double) + kRowOverhead))) return 1;
+  std::vector<std::vector<double>> matrix(rowCount);
+  for (std::vector<double>& row : matrix) {
+    row.resize(columnCount);
+    for (double& value : row) {
+      const std::size_t length = ExtractToken(list, separator, value);
+      list.remove_prefix(std::min(length + 1, list.size()));
+    }
+  }
+  target = std::move(matrix);
+  return 0;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::reading

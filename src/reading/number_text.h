@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+namespace Tarvane::Plexura::PXROM::reading {
+
+/// Reads a number as `std::stringstream(text) >> target` does in the classic locale, whatever the
+/// global locale is, without a stream. A blank text leaves the target; a text that does not begin
+/// with a number stores 0; overflow stores the limit of the type.
+void Extract(std::string_view text, int& target) noexcept;
+void Extract(std::string_view text, double& target) noexcept;
+/// 0 and 1 by number; any other number is true, any word false.
+void Extract(std::string_view text, bool& target) noexcept;
+
+/// Reads the double at the front of `text` up to the next `delimiter` or the end, as Extract does
+/// into 0.0; returns the number of characters of that token.
+std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept;
+
+}  // namespace Tarvane::Plexura::PXROM::reading

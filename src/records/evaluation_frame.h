@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "pxrom/rs_data.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// The guard of every value evaluation (rs_evaluator.h): whether `data` is a ready record of `type`
+/// with as many inputs as `x` has elements.
+inline bool IsEvaluable(const CRSData* data, E_DataType type, const std::vector<double>& x) {
+  return data != nullptr && data->DataType() == type && data->ReadyForEvaluation &&
+         !data->Stopped && data->NumberOfInputVariables >= 0 &&
+         x.size() == static_cast<std::size_t>(data->NumberOfInputVariables);
+}
+
+/// The record of a family as that family's class: null unless `data` is of `type`.
+template <class Record>
+Record* RecordOf(CRSData* data, E_DataType type) {
+  return data != nullptr && data->DataType() == type ? static_cast<Record*>(data) : nullptr;
+}
+
+}  // namespace Tarvane::Plexura::PXROM
