@@ -15,6 +15,10 @@ namespace Tarvane::Plexura::PXROM {
 class CDiscreteCombinations;
 class CFittingCandidates;
 
+namespace reading {
+class AttributeRange;
+}
+
 /// Turns the text of a database into live objects: construct, ReadDataStream, then
 /// ResumeDiscreteCombinations. The reader keeps no reference to what it filled and may be given a
 /// new text and used again; once everything is read it may be dropped.
@@ -113,6 +117,17 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   // family gives 1 and is left alone. The record is not checked for soundness (IsAllRight).
   int ResumeRSData(CRSData* data, std::size_t lower, std::size_t upper) const;
   int ResumeConstantData(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeKrigingData(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeKrigingDataPredictorError(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeQRSData(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeQRSDataPredictorError(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeSVRData(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeMLSData(CRSData* data, std::size_t lower, std::size_t upper) const;
+  int ResumeLBFData(CRSData* data, std::size_t lower, std::size_t upper) const;
+
+ private:
+  int ResumeInRange(int (*resume)(reading::AttributeRange&, CRSData*), CRSData* data,
+                    std::size_t lower, std::size_t upper) const;
 };
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -16,5 +16,12 @@ using ResumeOperation = int (*)(AttributeRange&, CRSData*);
 /// The base record's attributes, of a record of any family.
 int ResumeRSData(AttributeRange& in, CRSData* data);
 int ResumeConstantData(AttributeRange& in, CRSData* data);
+int ResumeKrigingData(AttributeRange& in, CRSData* data);
+int ResumeKrigingDataPredictorError(AttributeRange& in, CRSData* data);
+int ResumeQRSData(AttributeRange& in, CRSData* data);
+int ResumeQRSDataPredictorError(AttributeRange& in, CRSData* data);
+int ResumeSVRData(AttributeRange& in, CRSData* data);
+int ResumeMLSData(AttributeRange& in, CRSData* data);
+int ResumeLBFData(AttributeRange& in, CRSData* data);
 
 }  // namespace Tarvane::Plexura::PXROM::reading
