@@ -66,8 +66,8 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   // gives a `start` of its length less one, a missing closing tag an `end` of npos, and both
   // results are written in any case. 1 when `end` is not behind `start`; the forms in a range begin
   // at `lower` and also give 1 when `end` lies behind `upper`. Else 0.
-  int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag,
-                                std::size_t& start, std::size_t& end) const;
+  int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, std::size_t& start,
+                                std::size_t& end) const;
   int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, int id,
                                 std::size_t& start, std::size_t& end) const;
   int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, int id,
@@ -78,7 +78,8 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
 
   // Reads the value of the first `key` in the range, whose last character is the one at `upper`
   // (npos: to the end of the text). A scalar target stays as it was when the key is missing or its
-  // value is blank; a list is always replaced. A `lower` beyond the text throws std::out_of_range.
+  // value is blank; a list is always replaced, by an empty one in these cases. A `lower` beyond the
+  // text throws std::out_of_range.
   void CatchKeyValue(const std::string& text, const std::string& key, std::string& target,
                      std::size_t lower, std::size_t upper) const;
   void CatchKeyValue(const std::string& text, const std::string& key, int& target,

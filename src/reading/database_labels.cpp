@@ -7,10 +7,10 @@ CPXROMDatabaseLabels::~CPXROMDatabaseLabels() = default;
 // There is nothing to copy, so that assigning to itself needs no care either.
 CPXROMDatabaseLabels& CPXROMDatabaseLabels::operator=(const CPXROMDatabaseLabels&) { return *this; }
 
-#define PXROM_LABEL(name, literal)               \
+#define PXROM_LABEL(name, literal)                  \
   const std::string& CPXROMDatabaseLabels::name() { \
-    static const std::string label(literal);     \
-    return label;                                \
+    static const std::string label(literal);        \
+    return label;                                   \
   }
 
 PXROM_LABEL(strEOL, "\n")

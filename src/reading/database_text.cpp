@@ -43,7 +43,9 @@ std::size_t CountLinesWith(std::string_view range, const std::string& key) {
   while (position != kNone) {
     ++count;
     const std::size_t lineEnd = range.find(Labels::strEOL(), position);
-    position = lineEnd == kNone ? kNone : range.find(key, lineEnd);
+    // At least one on, so that a key which begins with a line end can't be found twice at one
+    // place.
+    position = lineEnd == kNone ? kNone : range.find(key, std::max(lineEnd, position + 1));
   }
   return count;
 }
@@ -111,7 +113,7 @@ bool AttributeRange::Find(const std::string& key, std::string_view& value) {
 std::string_view AttributeRange::ListValue(const std::string& key) {
   std::string_view value;
   if (!Find(key, value) || !text_.Charge(value.size())) return {};
-  return value;
+  return EmptyIfBlank(value);
 }
 
 int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,

@@ -60,8 +60,8 @@ class DatabaseText {
   /// further on still counts.
   bool FindGroupInside(const std::string& word, int id, const Bounds& outer, Bounds& bounds) const;
 
-  /// Books work in proportion to `bytes`: text looked through or memory taken. False once the sum is
-  /// beyond what a text of this length may ask for; see CReaderPXROMDatabase. Groups can be used
+  /// Books work in proportion to `bytes`: text looked through or memory taken. False once the sum
+  /// is beyond what a text of this length may ask for; see CReaderPXROMDatabase. Groups can be used
   /// any number of times, so the length of the text alone doesn't bound the work.
   bool Charge(std::size_t bytes);
   bool IsExhausted() const { return charged_ > limit_; }

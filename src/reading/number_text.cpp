@@ -124,6 +124,10 @@ double ReadDouble(std::string_view text) {
 
 }  // namespace
 
+std::string_view EmptyIfBlank(std::string_view text) noexcept {
+  return WithoutLeadingBlanks(text).empty() ? std::string_view() : text;
+}
+
 void Extract(std::string_view text, int& target) noexcept {
   text = WithoutLeadingBlanks(text);
   if (text.empty()) return;
@@ -148,7 +152,8 @@ void Extract(std::string_view text, bool& target) noexcept {
 std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept {
   // Nearly every token is digits that end at the delimiter, which std::from_chars takes in one
   // pass exactly as a stream would; everything else goes by the stream's rules.
-  if (!text.empty() && (IsDigit(text[0]) || (text[0] == '-' && text.size() > 1 && IsDigit(text[1])))) {
+  if (!text.empty() &&
+      (IsDigit(text[0]) || (text[0] == '-' && text.size() > 1 && IsDigit(text[1])))) {
     const char* const end = text.data() + text.size();
     double value = 0.0;
     const auto result = std::from_chars(text.data(), end, value);

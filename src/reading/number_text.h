@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace Tarvane::Plexura::PXROM::reading {
+
+/// `text`, or nothing when it is blanks only, such as the "\r" that a line end can leave.
+std::string_view EmptyIfBlank(std::string_view text) noexcept;
 
 /// Reads a number as `std::stringstream(text) >> target` does in the classic locale, whatever the
 /// global locale is, without a stream. A blank text leaves the target; a text that does not begin

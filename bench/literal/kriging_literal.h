@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+#include "pxrom/kriging.h"
+
+// Kriging as its steps are told, one after the other and without any of the library's shortcuts:
+// what the fast paths are measured against, and what they must equal to the last bit.
+namespace literal {
+
+using Tarvane::Plexura::PXROM::CKrigingData;
+
+int EvaluateCorrelationFunction(const CKrigingData& record, const std::vector<double>& x,
+                                const std::vector<double>& y, double& r);
+
+int EvaluateKriging(const CKrigingData& record, const std::vector<double>& x, double& y);
+
+/// Leaves InputSamples as CKrigingEvaluator does.
+int EvaluateKriging(CKrigingData& record, const std::vector<double>& x, double& y,
+                    double& predictorError);
+
+int EvalErrorPredictions(const CKrigingData& record, const std::vector<std::vector<double>>& rows,
+                         std::vector<double>& out);
+
+}  // namespace literal

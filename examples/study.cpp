@@ -1,0 +1,105 @@
+// Walks a whole design study: every fitted combination of discrete values, evaluated in the middle
+// of the continuous inputs' bounds.
+//
+//   study examples/beam.pxdb
+
+#include <pxrom/pxrom.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace Tarvane::Plexura::PXROM;
+
+using DiscreteValues = std::vector<std::pair<std::string, int>>;
+using Values = std::vector<std::pair<std::string, double>>;
+
+namespace {
+
+bool Read(const char* path, CDiscreteCombinations& model) {
+  std::stringstream text;
+  text << std::ifstream(path).rdbuf();
+  if (text.str().empty()) return false;
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  return reader.ResumeDiscreteCombinations(model) == 0;
+}
+
+Values MiddleOfBounds(const CDiscreteCombinations& model) {
+  Values middle;
+  for (const std::string& id : model.ListParameterImmutableID(CausalityInput, true)) {
+    if (!model.IsContinuous(id)) continue;  // discrete and derived inputs have no place here
+    const double lower = model.ListLowerBound({id}).front().second;
+    const double upper = model.ListUpperBound({id}).front().second;
+    middle.emplace_back(id, 0.5 * (lower + upper));
+  }
+  return middle;
+}
+
+void PrintHeading(const CDiscreteCombinations& model, const Values& point) {
+  std::printf("At");
+  for (const auto& [id, value] : point) {
+    const std::string unit = model.ListParameterUnit({id}).front().second;
+    std::printf(" %s=%g%s%s", id.c_str(), value, unit.empty() ? "" : " ", unit.c_str());
+  }
+  std::printf("\n\n");
+  for (const std::string& id : model.ListEnabledDiscreteParameterWrtRegistrationRank()) {
+    std::printf("%-10s", id.c_str());
+  }
+  for (const std::string& id : model.ListParameterImmutableID(CausalityOutput, true)) {
+    const std::string unit = model.ListParameterUnit({id}).front().second;
+    std::printf("%24s", (id + " [" + unit + "]").c_str());
+  }
+  std::printf("\n");
+}
+
+/// One line: the discrete values, then each output and its error where it has one.
+void PrintCombination(const CDiscreteCombinations& model, const DiscreteValues& discrete,
+                      const Values& point) {
+  for (const auto& [id, value] : discrete) std::printf("%-10d", value);
+
+  Values outputs;
+  Values errors;
+  if (model.Evaluate(discrete, point, outputs, errors) == 1) {
+    // Some surface has no errors to give at all: ask for the values alone.
+    errors.clear();
+    if (model.Evaluate(discrete, point, outputs) == 1) outputs.clear();
+  }
+  const std::map<std::string, double> error_of(errors.begin(), errors.end());
+  for (const auto& [id, value] : outputs) {
+    const auto error = error_of.find(id);
+    std::printf("%14.5g", value);
+    if (error == error_of.end()) {
+      std::printf("%10s", "");
+    } else {
+      std::printf(" +-%7.2g", error->second);
+    }
+  }
+  std::printf("\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CDiscreteCombinations model;
+  if (argc != 2 || !Read(argv[1], model)) {
+    std::fprintf(stderr, "usage: study examples/beam.pxdb\n");
+    return 1;
+  }
+  const Values point = MiddleOfBounds(model);
+  PrintHeading(model, point);
+
+  // The keys of the index are the combinations, their values in this order of names.
+  const std::vector<std::string> names = model.ListEnabledDiscreteParameterWrtRegistrationRank();
+  for (const auto& [values, position] : *model.GetDiscreteCombinationsIndexingPtr()) {
+    DiscreteValues discrete;
+    for (std::size_t i = 0; i < values.size(); ++i) discrete.emplace_back(names[i], values[i]);
+    PrintCombination(model, discrete, point);
+  }
+  return 0;
+}

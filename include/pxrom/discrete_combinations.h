@@ -1,0 +1,191 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "pxrom/export.h"
+#include "pxrom/fitting_candidates.h"
+#include "pxrom/types.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// Version of the top object.
+enum E_DiscreteCombinationVersion : std::int32_t { DiscreteCombinationVersion192 = 192 };
+
+/// The top of the library: the registry of a model's parameters, and for each combination of
+/// discrete values one candidate list per output. CReaderPXROMDatabase fills it; Evaluate answers.
+///
+/// Parameters go by their immutable ID. Lists of IDs come in the byte order of the ID; values are
+/// ordered by registration rank, so that a caller may name them in any order.
+///
+/// Ownership: RegisterDiscreteCombination takes the candidate lists it is given; the copy
+/// constructor clones them. **Assignment shares** them: nothing is cloned, and each goes with the
+/// last of its holders.
+/// Threads: const operations may run side by side as long as nothing changes the object; about the
+/// form of Evaluate with errors see there.
+class PXROM_API CDiscreteCombinations {
+ public:
+  using CombinationIndexing = std::map<std::vector<int>, std::int32_t>;
+  using OutputsByID = std::map<std::string, CFittingCandidates*>;
+
+  CDiscreteCombinations();
+  CDiscreteCombinations(const CDiscreteCombinations&);
+  CDiscreteCombinations& operator=(const CDiscreteCombinations&);
+
+  virtual ~CDiscreteCombinations();
+  /// Empties the object. The vector behind GetOutputsWrtDiscCombPtr keeps its length and holds
+  /// empty maps; later registrations append behind them. Always 0.
+  virtual int ResetData();
+
+  /// Predicts every output of one combination, with predicted errors.
+  ///
+  /// `discreteValues` names each enabled discrete input once, `continuousValues` each enabled
+  /// continuous input; derived and disabled parameters are left out. `outputs` is replaced and gets
+  /// (ID, value) in the order of IDs; **`errors` is appended to, not emptied**, and lacks the
+  /// outputs that have no error.
+  /// 0; -2 when an output has no error; 1 when a count, a name or the combination doesn't fit, with
+  /// both lists untouched, or when an output fails, with `outputs` holding those before it. An
+  /// unknown combination is never approached by a neighbour. A registered name of the wrong kind is
+  /// not told apart: it takes its place by rank.
+  /// Threads: several may call this on one object, but not where a Kriging surface is reached
+  /// without cross-validation data, since that writes its record (kriging.h).
+  virtual int Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
+                       const std::vector<std::pair<std::string, double>>& continuousValues,
+                       std::vector<std::pair<std::string, double>>& outputs,
+                       std::vector<std::pair<std::string, double>>& errors) const;
+  /// The same without errors, and never -2. Several threads may call it on one object.
+  virtual int Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
+                       const std::vector<std::pair<std::string, double>>& continuousValues,
+                       std::vector<std::pair<std::string, double>>& outputs) const;
+
+  E_DiscreteCombinationVersion DataVersion() const;
+
+  /// Sets all entries of `id`; its rank is the number of parameters before the call. Registering an
+  /// ID again overwrites it and may so repeat a rank. Always 0.
+  int RegisterParameter(const std::string& id, E_ParameterCausality causality, E_ParameterType type,
+                        bool enabled);
+  /// What is shown of a parameter, whether or not it is registered. **The upper bound comes before
+  /// the lower one.** 1 for an empty id.
+  int RegisterParameterExtraInfos(const std::string& id, const std::string& name,
+                                  const std::string& unit, const std::string& caption,
+                                  double upperBound, double lowerBound);
+  /// Replaces ranks. 1 unless there is one pair per parameter; 1 at the first unknown name, with
+  /// the pairs before it applied.
+  int SetRegistrationRank(const std::vector<std::pair<std::string, int>>& ranks);
+  /// ID to rank, owned by the object.
+  const std::map<std::string, std::int32_t>* GetRegistrationRank() const;
+
+  // False for an unknown ID.
+  bool IsRegistered(const std::string& id) const;
+  bool IsInput(const std::string& id) const;
+  bool IsOutput(const std::string& id) const;
+  bool IsContinuous(const std::string& id) const;
+  bool IsDiscrete(const std::string& id) const;
+  bool IsDerived(const std::string& id) const;
+  bool IsEnabled(const std::string& id) const;
+
+  // With a bool: only those that are enabled (true) or disabled (false).
+  std::size_t ParameterCount() const;
+  std::size_t EnabledParameterCount() const;
+  std::size_t InputParameterCount() const;
+  std::size_t InputParameterCount(bool enabled) const;
+  std::size_t OutputParameterCount() const;
+  std::size_t OutputParameterCount(bool enabled) const;
+  std::size_t ContinuousCount() const;
+  std::size_t ContinuousCount(bool enabled) const;
+  std::size_t DiscreteCount() const;
+  std::size_t DiscreteCount(bool enabled) const;
+  std::size_t DerivedCount() const;
+  std::size_t ContinuousManufacturableCount() const;
+  std::size_t ContinuousNotManufacturableCount() const;
+  std::size_t Count(E_ParameterCausality causality, E_ParameterType type) const;
+  std::size_t Count(E_ParameterCausality causality, E_ParameterType type, bool enabled) const;
+
+  std::vector<std::string> ListParameterImmutableID() const;
+  std::vector<std::string> ListParameterImmutableID(bool enabled) const;
+  std::vector<std::string> ListParameterImmutableID(E_ParameterCausality causality,
+                                                    bool enabled) const;
+  std::vector<std::string> ListParameterImmutableID(E_ParameterType type, bool enabled) const;
+
+  // One entry per known ID in the order given. **Unknown IDs are skipped**, so that the forms
+  // without names may no longer line up with the argument.
+  std::vector<bool> ListParameterAvailability(std::vector<std::string> ids) const;
+  std::vector<E_ParameterCausality> ListParameterCausality(std::vector<std::string> ids) const;
+  std::vector<E_ParameterType> ListParameterType(std::vector<std::string> ids) const;
+  std::vector<std::pair<std::string, std::string>> ListParameterUnit(
+      std::vector<std::string> ids) const;
+  std::vector<std::pair<std::string, std::string>> ListParameterCaption(
+      std::vector<std::string> ids) const;
+  std::vector<std::pair<std::string, double>> ListLowerBound(std::vector<std::string> ids) const;
+  std::vector<std::pair<std::string, double>> ListUpperBound(std::vector<std::string> ids) const;
+
+  /// The enabled discrete parameters by rank: the order of the values in a combination's key.
+  std::vector<std::string> ListEnabledDiscreteParameterWrtRegistrationRank() const;
+  /// The distinct values of `id` over the registered combinations, ascending. **An unknown ID gets
+  /// the values of the first parameter**, on purpose. Empty without discrete parameters.
+  std::vector<int> ListRegisteredValuesForDiscreteParameter(const std::string& id) const;
+
+  /// Registers the outputs of one combination: one value per enabled discrete input, one candidate
+  /// list per enabled output of type ContinuousNotManufacturable. Registering the same values again
+  /// makes Evaluate use the new outputs.
+  /// 0: the object now owns every pointer, also one under a repeated name (the first stays in use).
+  /// 1: a count or a name doesn't fit, or a pointer is null; nothing changed, and the pointers stay
+  /// with the caller, as they do when memory runs out.
+  int RegisterDiscreteCombination(
+      const std::vector<std::pair<std::string, int>>& discreteValues,
+      const std::vector<std::pair<std::string, CFittingCandidates*>>& outputs);
+  /// From a combination's values, by rank, to its position in the vector below.
+  const CombinationIndexing* GetDiscreteCombinationsIndexingPtr() const;
+  /// Per combination, from output ID to its candidate list. Owned by the object.
+  const std::vector<OutputsByID>* GetOutputsWrtDiscCombPtr() const;
+
+ protected:
+  /// The values of `named` by rank, equal ranks by value. 1 at a name that isn't registered, with
+  /// `sorted` empty. Neither kinds nor repeated names are looked at.
+  int PickAndSortValuesWrtParameterRegistrationRank(
+      const std::vector<std::pair<std::string, int>>& named, std::vector<int>& sorted) const;
+  int PickAndSortValuesWrtParameterRegistrationRank(
+      const std::vector<std::pair<std::string, double>>& named, std::vector<double>& sorted) const;
+
+ private:
+  /// Who holds what OutputsWrtDiscComb points at: each pointer once, in a box that an assigned
+  /// object shares.
+  using Boxes = std::map<CFittingCandidates*, std::shared_ptr<std::unique_ptr<CFittingCandidates>>>;
+
+  struct Parameter {
+    E_ParameterCausality causality = CausalityInput;
+    E_ParameterType type = ContinuousNotManufacturable;
+    bool enabled = false;
+  };
+  struct ExtraInfos {
+    std::string unit;
+    std::string caption;
+    double upperBound = 0.0;
+    double lowerBound = 0.0;
+  };
+
+  template <class Predicate>
+  std::size_t CountIf(Predicate predicate) const;
+  template <class Predicate>
+  std::vector<std::string> ListIf(Predicate predicate) const;
+  const OutputsByID* FindOutputs(
+      const std::vector<std::pair<std::string, int>>& discreteValues,
+      const std::vector<std::pair<std::string, double>>& continuousValues,
+      std::vector<double>& point) const;
+
+  E_DiscreteCombinationVersion Version = DiscreteCombinationVersion192;
+  std::map<std::string, std::int32_t> RegistrationRank;
+  std::map<std::string, Parameter> Parameters;
+  std::map<std::string, std::string> NameToImmutableID;
+  std::map<std::string, ExtraInfos> Infos;
+  CombinationIndexing DiscreteCombinationsIndexing;
+  std::vector<OutputsByID> OutputsWrtDiscComb;
+  Boxes Owned;
+};
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "pxrom/export.h"
+#include "pxrom/rs_data.h"
+#include "pxrom/types.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// Version of a candidate record. A candidate read from a database always says 192: the number in
+/// the text only decides whether cross-validation data follows.
+enum E_FittingCandidateVersion : std::int32_t {
+  FittingCandidateVersion170 = 170,
+  FittingCandidateVersion192 = 192,
+};
+
+/// One ensemble: a weighted list of surfaces that predict one output together, the scaling of the
+/// ensemble's own input and output space, and the samples it was fitted on. It may also hold
+/// cross-validation data for a predicted error: per surface one sub surface for each fold, fitted
+/// without it, and the scaled samples sorted fold by fold. CFittingCandidatesEvaluator predicts
+/// from it.
+///
+/// Expected, and not tested here: as many weights as surfaces; a number of sub surfaces that is a
+/// whole multiple of the number of surfaces; fold counts that add up to the sorted rows.
+///
+/// Ownership: Add and Set operations and the copy constructor clone surfaces, so that the caller
+/// keeps what it passed. **Assignment shares**: nothing is cloned, both candidates hold the same
+/// surfaces, and a surface goes when the last of its holders does, in whatever order they are
+/// reset, assigned over or destroyed.
+/// Statuses: 0 unless a comment says otherwise. Indices are the caller's responsibility where no
+/// test is told.
+/// Threads: const operations may run side by side as long as nothing changes the object, nor a
+/// surface that it shares.
+class PXROM_API CFittingCandidate {
+ public:
+  CFittingCandidate();
+  CFittingCandidate(const CFittingCandidate&);
+  CFittingCandidate& operator=(const CFittingCandidate&);
+
+  /// A new candidate by the copy constructor; the caller owns it.
+  virtual CFittingCandidate* Clone() const;
+  virtual ~CFittingCandidate();
+  /// Empties the candidate. **The output slope becomes 0.0**, not the 1.0 of a new candidate, so
+  /// that nothing is backscaled until one is set; the distance scale keeps its value.
+  virtual int ResetData();
+
+  E_DataType DataType() const;
+
+  /// Appends a clone of `rs` and its weight. A null `rs` gives 1.
+  int AddRSAndWeight(const CRSData* rs, double weight);
+  /// Appends a clone of `rs` to the sub surfaces. A null `rs` gives 1.
+  int AddSubRS(const CRSData* rs);
+  /// Sets the flag of error prediction first, also when the call is then refused with 1.
+  ///
+  /// Without error prediction: one surface per weight, else 1. The candidate is **reset** and takes
+  /// clones, so set samples and output scaling afterwards.
+  /// With error prediction: `surfaces` is each surface followed by its sub surfaces; its length has
+  /// to be a multiple of the number of weights, else 1 (also without weights). Clones are
+  /// **appended** to what the lists hold and the sample data stays. The asymmetry is deliberate.
+  /// Null surfaces give 1.
+  int SetRSAndWeights(const std::vector<CRSData*>& surfaces, const std::vector<double>& weights,
+                      bool errorPrediction);
+  std::size_t GetRSCount() const;
+  std::size_t GetSubRSCounts() const;
+  /// The surface, owned by the candidate; null for an index outside the list.
+  const CRSData* GetRSPtr(int i) const;
+  const CRSData* GetSubRSPtr(int i) const;
+  /// The weight at `i`, which is not tested.
+  double GetRSWeight(int i) const;
+
+  /// Takes the sorted samples, in the candidate's scaled space, and the number of rows per fold,
+  /// and turns error prediction on. The distance scale is set apart.
+  int SetCrossValidationData(std::vector<std::vector<double>>& scaledSortedInput,
+                             std::vector<int>& numPtsPerFold);
+  int SetbIsErrPredRequired(bool required);
+  bool GetIsErrPredRequired() const;
+  /// The distance scale of the fold weights, which is a squared distance. 0.0 until it is set.
+  int SetDPMinDist(double& distance);
+  double GetDPMinDist() const;
+  std::vector<int> GetviNumPtsPerFold() const;
+  std::vector<std::vector<double>> GetvvdScSortedInput() const;
+
+  int GetNumberOfInputVariables(int& count) const;
+  int SetNumberOfInputVariables(int count);
+  int GetNumberOfSamples(int& count) const;
+  int SetNumberOfSamples(int count);
+  int GetInputSamples(std::vector<std::vector<double>>& rows) const;
+  int SetInputSamples(const std::vector<std::vector<double>>& rows);
+  int GetOutputSamples(std::vector<double>& ys) const;
+  int SetOutputSamples(const std::vector<double>& ys);
+  int GetInputScaleSlopes(std::vector<double>& slopes) const;
+  int SetInputScaleSlopes(const std::vector<double>& slopes);
+  int GetInputScaleIntercepts(std::vector<double>& intercepts) const;
+  int SetInputScaleIntercepts(const std::vector<double>& intercepts);
+  int GetOutputScaleSlope(double& slope) const;
+  int SetOutputScaleSlope(double slope);
+  int GetOutputScaleIntercept(double& intercept) const;
+  int SetOutputScaleIntercept(double intercept);
+  E_FittingCandidateVersion DataVersion() const;
+  void setDataVersion(E_FittingCandidateVersion& version);
+
+  int GetInputSampleWrtSampleIndex(int i, std::vector<double>& out) const;
+  /// Column `j`: one value from each of the first NumberOfSamples rows.
+  int GetInputSampleWrtInputIndex(int j, std::vector<double>& out) const;
+  int GetOutputSampleWrtSampleIndex(int i, double& out) const;
+
+  /// x[j] = slope[j] * x[j] + intercept[j]. 1 with `x` unchanged unless all three have one length.
+  int ScaleAndOverwriteInputSample(std::vector<double>& x) const;
+  /// The same on each row; 1 at the first row that does not fit, the rows before it scaled.
+  int ScaleAndOverwriteInputSamples(std::vector<std::vector<double>>& rows) const;
+  int ScaleAndOverwriteOutputSample(double& y) const;
+  int ScaleAndOverwriteOutputSamples(std::vector<double>& y) const;
+  /// y = (y - intercept) / slope. 1 with `y` unchanged when the slope is 0.0.
+  int BackscaleAndOverwriteOutputSample(double& y) const;
+  /// The same on each element; an empty vector gives 0 whatever the slope.
+  int BackscaleAndOverwriteOutputSamples(std::vector<double>& y) const;
+
+  /// Stops every surface of the ensemble, so that each evaluation is refused with 1. Sub surfaces
+  /// are left alone.
+  int SetStatusStopped();
+
+ protected:
+  /// Sets the distance scale to the largest squared distance of a sorted row to its nearest other
+  /// one. Row 0 contributes nothing, on purpose: its search never finds its start value.
+  int computeMinDist();
+
+ private:
+  friend class CFittingCandidatesEvaluator;
+  friend struct CandidateAccess;
+
+  using Surfaces = std::vector<std::shared_ptr<CRSData>>;
+
+  E_FittingCandidateVersion Version = FittingCandidateVersion192;
+  Surfaces RSList;
+  Surfaces SubRSList;
+  std::vector<double> Weights;
+  int NumberOfInputVariables = 0;
+  int NumberOfSamples = 0;
+  std::vector<std::vector<double>> InputSamples;
+  std::vector<double> OutputSamples;
+  std::vector<double> InputScaleSlopes;
+  std::vector<double> InputScaleIntercepts;
+  double OutputScaleSlope = 1.0;
+  double OutputScaleIntercept = 0.0;
+  int SubRSPerRS = 0;
+  bool bIsErrPredRequired = false;
+  std::vector<int> viNumPtsPerFold;
+  std::vector<std::vector<double>> vvdScSortedInput;
+  double DPMinDist = 0.0;
+};
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,214 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "pxrom/export.h"
+#include "pxrom/rs_data.h"
+#include "pxrom/rs_evaluator.h"
+#include "pxrom/types.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// Format version of the Kriging record. A database may hold any number; from 192 on a record can
+/// carry the data of its predictor error.
+enum E_CKrigingDataVersion : std::int32_t { KrigingDataVersion192 = 192 };
+
+/// The correlation of two points in scaled space. With a = |xi - yi|, k the kernel of input i and
+/// z = k a, the inputs contribute, in ascending order:
+enum E_KringingCorrelationFunctionType : std::int32_t {
+  CorrNone = 0,          ///< the default of a new record; no function
+  CorrExponential = 1,   ///< exp(-sum of z)
+  CorrGaussian = 2,      ///< exp(-sum of k a a): k is not squared
+  CorrLinear = 3,        ///< product of max(1 - z, 0)
+  CorrSpherical = 4,     ///< product of 1 - 1.5 s + 0.5 s^3, s = min(z, 1)
+  CorrCubic = 5,         ///< product of 1 - 3 s^2 + 2 s^3, s = min(z, 1)
+  CorrMultiquadric = 6,  ///< product of sqrt(k k + a): grows with the distance, |k| at distance 0
+  CorrSpline = 7,        ///< 1 - 15 z^2 + 30 z^3 up to z = 0.2, 1.25 (1 - z)^3 below 1, then 0
+  CorrMatern52 = 8,      ///< product of exp(-t) (1 + t + t^2 / 3), t = sqrt(5) z, summed as logs
+  CorrParabolic = 9,     ///< product of 1 - z^2 below z = 1, then 0
+  CorrBesselJ0 = 10,     ///< product of (J0(z) - c) / (1 - c), c = J0(3.8317); 0 beyond 3.8317
+  CorrSinc = 11,         ///< product of (sin(z) / z - c) / (1 - c), c = sin(e) / e; 0 beyond e,
+                         ///< which is three halves of pi
+};
+
+/// One fitted Kriging surface: a polynomial trend plus a weighted sum of correlation functions
+/// centred on the scaled samples. The library does no fitting.
+///
+/// With d for NumberOfInputVariables, n for NumberOfSamples and p for NumberOfPolyCoeff, a record
+/// that can be evaluated has n coefficients of correlation and either one kernel, shared by all
+/// inputs, or d of them (IsAllRight asks for d). Surplus elements are ignored.
+///
+/// **A record that meets the four-argument EvaluateResponseSurface must not be defined const:**
+/// that form writes InputSamples, see CKrigingEvaluator.
+///
+/// Statuses, ownership and threads are those of CRSData. Accessors return 0 and validate nothing.
+struct PXROM_API CKrigingData : public CRSData {
+  CKrigingData();
+  CKrigingData(const CKrigingData&);
+  CKrigingData& operator=(const CKrigingData&);
+
+  CKrigingData* Clone() const override;
+  ~CKrigingData() override;
+  /// Leaves InvC, InvG, Ft, NumberOfPolyCoeff and Sigma2 as they are: once SavePredictorError is
+  /// false nothing reads them. Always 0.
+  int ResetData() override;
+  /// Whether samples, scaling, coefficients and kernels fit together. A single kernel for several
+  /// inputs gives false although it can be evaluated. The predictor error data are not looked at.
+  bool IsAllRight() override;
+  E_DataType DataType() const override;
+
+  E_CKrigingDataVersion KrigingDataVersion() const;
+  int SetKrigingDataVersion(E_CKrigingDataVersion version);
+  int GetPolynomialType(E_PolynomialType& type) const;
+  int SetPolynomialType(E_PolynomialType type);
+  int GetPolynomialCoefficients(std::vector<double>& coefficients) const;
+  int SetPolynomialCoefficients(const std::vector<double>& coefficients);
+  int GetCorrelationFunctionType(E_KringingCorrelationFunctionType& type) const;
+  int SetCorrelationFunctionType(E_KringingCorrelationFunctionType type);
+  int GetCorrelationCoefficients(std::vector<double>& coefficients) const;
+  int SetCorrelationCoefficients(const std::vector<double>& coefficients);
+  int GetCorrelationKernels(std::vector<double>& kernels) const;
+  int SetCorrelationKernels(const std::vector<double>& kernels);
+  int GetSavePredictorError(bool& save) const;
+  int SetSavePredictorError(const bool& save);
+  int GetNumberOfPolyCoeff(int& count) const;
+  int SetNumberOfPolyCoeff(int& count);
+  int GetSigma2(double& variance) const;
+  int SetSigma2(double& variance);
+  int GetInvC(std::vector<std::vector<double>>& rows) const;
+  int SetInvC(const std::vector<std::vector<double>>& rows);
+  int GetInvG(std::vector<std::vector<double>>& rows) const;
+  int SetInvG(const std::vector<std::vector<double>>& rows);
+  int GetFt(std::vector<std::vector<double>>& rows) const;
+  int SetFt(const std::vector<std::vector<double>>& rows);
+
+  /// The polynomial basis of `type` at `x` (types.h); the record plays no part. Deliberate: type 0
+  /// leaves `out` empty with status 1, a type outside 0 to 4 leaves it empty with status 0.
+  int ComputeVandermondePolynomialVector(const std::vector<double>& x, E_PolynomialType type,
+                                         std::vector<double>& out) const;
+  /// One row of basis functions for each row of `x`; the status of the rows is ignored, so that
+  /// type 0 gives empty rows and 0. 1 with `out` untouched when `x` is empty or ragged.
+  int ComputeVandermondePolynomialMatrix(const std::vector<std::vector<double>>& x,
+                                         E_PolynomialType type,
+                                         std::vector<std::vector<double>>& out) const;
+
+  // Scalings for whoever fits a surface; nothing in the library calls them. Each gives 0, but the
+  // two for inputs give 1 and change nothing when d is negative or a sample has fewer values.
+
+  /// To zero mean and unit variance: slope 1/s, intercept -(1/s) m. s = 0 is not guarded.
+  int ComputeScalingFactorsForInputs();
+  /// To largest magnitude 1, intercepts 0; a largest magnitude below 1e-08 or above 1e+30 gives the
+  /// slope 1.
+  int ComputeScalingFactorsForInputsUsingInfNorm();
+  /// Slope 1/s and intercept **-(s m)**, unlike the inputs' -(1/s) m. Deliberate: this does not
+  /// centre the output unless s is 1.
+  int ComputeScalingFactorForOutput();
+  /// Sets the slope as for inputs. **The intercept keeps what it held.** Deliberate.
+  int ComputeScalingFactorForOutputUsingInfNorm();
+
+  /// Whether there are n coefficients, and not none.
+  bool AreCorrelationCoefficientsCorrect() const;
+  /// Whether there are exactly d kernels.
+  bool AreCorrelationKernelsCorrect() const;
+  /// Whether there are as many as PolynomialType has functions in d inputs; false for a type
+  /// outside 0 to 4.
+  bool ArePolynomialCoefficientsCorrect() const;
+
+  /// `r` becomes the correlation of `x` and `y`, two points in scaled space. 1 with `r` untouched
+  /// unless both have d elements and d is not 0; 1 with `r` at 0 when CorrelationFunctionType is no
+  /// function, or when there are neither one kernel nor at least d. Allocates nothing.
+  int EvaluateCorrelationFunction(const std::vector<double>& x, const std::vector<double>& y,
+                                  double& r) const;
+  /// The correlations of `rows` with each other. **Only the strict lower triangle is filled**, the
+  /// rest stays 0: deliberate, the caller mirrors it and adds the diagonal if needed. 1 when `rows`
+  /// is empty or ragged, with `out` empty; or at the first pair refused, `out` as far as filled.
+  int EvaluateCorrelationMatrix(const std::vector<std::vector<double>>& rows,
+                                std::vector<std::vector<double>>& out) const;
+  /// The Bessel function of the first kind of order 0.
+  double Bessel_j0(double x) const;
+
+  /// The predictor errors at `rows`. **These points and InputSamples must both be scaled**; nothing
+  /// is scaled here. Returns the sum of its steps' statuses: 1 for each point and sample without a
+  /// correlation, 1 when `rows` is empty or ragged, 1 for a PolynomialType outside 0 to 4, and what
+  /// GetPredictorError returns, which is called only if SavePredictorError is true. 1 at once when
+  /// n or d is negative or there are fewer than n samples. `out` is written by GetPredictorError
+  /// alone. `rows` is only read.
+  int EvalErrorPredictions(std::vector<std::vector<double>>& rows, std::vector<double>& out);
+  /// The predictor errors at `m` points from their correlations with the samples (`R`, n values a
+  /// row) and their `p` trend functions (`F`, p values a row), by the mean squared error of the
+  /// Kriging predictor (universal Kriging):
+  ///   v = InvC r, w = Ft v - f, g = InvG w, error = sqrt(|Sigma2 (1 + |g|^2 - |v|^2)|).
+  /// A negative radicand gives a positive error, neither a failure nor 0. The result is in the
+  /// units of the scaled output.
+  /// 1 with `out` untouched when KrigingDataVersion is below 192, when InvC, InvG or Ft is empty
+  /// (so a surface without a trend has no error), or when a count is negative or any of the five
+  /// matrices is smaller than the counts say. The arguments but `out` are only read.
+  int GetPredictorError(std::vector<std::vector<double>>& R, std::vector<std::vector<double>>& F,
+                        int& m, int& p, std::vector<double>& out);
+
+  /// The underscore keeps the field apart from the getter.
+  E_CKrigingDataVersion KrigingDataVersion_ = KrigingDataVersion192;
+  E_PolynomialType PolynomialType = PolyNone;
+  /// One per function of the basis, in its order.
+  std::vector<double> PolynomialCoefficients;
+  E_KringingCorrelationFunctionType CorrelationFunctionType = CorrNone;
+  /// One per sample.
+  std::vector<double> CorrelationCoefficients;
+  /// One for all inputs, or one per input.
+  std::vector<double> CorrelationKernels;
+  /// Whether the fields below hold the data of the predictor error.
+  bool SavePredictorError = false;
+  int NumberOfPolyCoeff = 0;
+  /// Process variance, in the square of the scaled output's units.
+  double Sigma2 = 0.0;
+  /// n by n: inverse of the factor of the correlation matrix.
+  std::vector<std::vector<double>> InvC;
+  /// p by p: inverse of the factor of the trend's regression problem.
+  std::vector<std::vector<double>> InvG;
+  /// p by n: the trend functions at the samples, transformed by InvC.
+  std::vector<std::vector<double>> Ft;
+};
+
+/// Evaluates a CKrigingData. Statuses and the guard are those of CRSEvaluator.
+///
+/// Besides the guard, both value forms give 1, with nothing written, when n is negative, when there
+/// are fewer than n samples, coefficients of correlation, or a sample of another length than d,
+/// when the scaling, the kernels or the function do not serve d inputs, and when the trend has
+/// another number of functions than PolynomialCoefficients has elements. A record with n = 0 is its
+/// trend alone; one with PolynomialType 0 has no trend, whatever coefficients it holds.
+class PXROM_API CKrigingEvaluator : public CRSEvaluator {
+ public:
+  CKrigingEvaluator() = default;
+  CKrigingEvaluator(const CKrigingEvaluator&) = default;
+  CKrigingEvaluator& operator=(const CKrigingEvaluator&) = default;
+
+  CKrigingEvaluator* Clone() const override;
+  ~CKrigingEvaluator() override;
+
+  /// Value and predictor error at `x`. The error is the estimated standard deviation **in units of
+  /// the scaled output**: it is not backscaled.
+  ///
+  /// **This form can change the record, although it takes it as const.** Only status 0 leaves the
+  /// record as it was. When the value is there and the error is not (-2: SavePredictorError is
+  /// false, or the error data are missing, incomplete or older than version 192; a surface without
+  /// a trend always ends here), and when the trend fails (1), InputSamples is left with the first n
+  /// samples *scaled*. The next prediction of either form scales them again: **repeating the call
+  /// gives another value each time.** Deliberate; it is how such records have always behaved. So:
+  ///   - ask for the error only where SavePredictorError is true, else use the form without;
+  ///   - after any other status than 0, SetInputSamples again before the next prediction;
+  ///   - never define such a record const: writing it would be undefined behaviour;
+  ///   - let no other thread use the record meanwhile. Nothing is locked.
+  int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
+                              double& predictorError) const override;
+  /// Value at `x`. It never writes the record and may run in several threads at once.
+  int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
+                              double& y) const override;
+  /// **0 with `gradient` untouched, whatever the arguments are:** Kriging has no derivative here,
+  /// and its 0 is not to be taken for one. Check that `gradient` was filled.
+  int EvaluateResponseSurfaceDerivativeWrtInputVariables(
+      const CRSData* data, const std::vector<double>& x,
+      std::vector<double>& gradient) const override;
+};
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,26 @@
+#pragma once
+
+// All of the library's public headers.
+
+#include "pxrom/constant.h"
+#include "pxrom/database_labels.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/dense_matrix.h"
+#include "pxrom/discrete_combinations.h"
+#include "pxrom/export.h"
+#include "pxrom/fitting_candidate.h"
+#include "pxrom/fitting_candidates.h"
+#include "pxrom/fmu_description_reader.h"
+#include "pxrom/goodness_of_fit.h"
+#include "pxrom/kriging.h"
+#include "pxrom/linear_basis.h"
+#include "pxrom/moving_least_squares.h"
+#include "pxrom/ranking.h"
+#include "pxrom/reader.h"
+#include "pxrom/regression.h"
+#include "pxrom/regression_terms.h"
+#include "pxrom/rs_data.h"
+#include "pxrom/rs_evaluator.h"
+#include "pxrom/support_vector.h"
+#include "pxrom/types.h"
+#include "pxrom/version.h"

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "pxrom/kriging.h"
+
+namespace Tarvane::Plexura::PXROM::kriging {
+
+/// Samples that are scaled while they are read: slope x + intercept for each input.
+struct ScaledRows {
+  const std::vector<double>* rows;
+  std::size_t count;
+  const double* slopes;
+  const double* intercepts;
+};
+
+/// The kernels of a record: one for all inputs if `count` is 1, else one per input.
+struct Kernels {
+  const double* values;
+  std::size_t count;
+};
+
+/// The loops of one correlation function. `d` is the number of inputs, and not 0.
+struct Correlation {
+  /// The correlation of two points in scaled space.
+  double (*ofPair)(const Kernels& kernels, const double* x, const double* y, std::size_t d);
+  /// The correlations of a point with each of the rows, exactly as `ofPair` gives them on rows
+  /// scaled one by one. Each row has at least `d` values; `r` has room for all.
+  void (*ofRows)(const Kernels& kernels, const double* x, const ScaledRows& samples, std::size_t d,
+                 double* r);
+};
+
+/// The function of the record, or null when its type is none, its kernels do not serve its inputs
+/// (neither one nor at least d), or it has no input.
+const Correlation* FindCorrelation(const CKrigingData& record) noexcept;
+
+/// The Bessel function of the first kind of order 0.
+double BesselJ0(double x) noexcept;
+
+}  // namespace Tarvane::Plexura::PXROM::kriging

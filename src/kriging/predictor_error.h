@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "pxrom/kriging.h"
+
+namespace Tarvane::Plexura::PXROM::kriging {
+
+/// The predictor error of one record with one number of trend functions, at any number of points.
+/// It refers to the record, which must outlive it, and holds the working copies of a point.
+class PredictorError {
+ public:
+  PredictorError(const CKrigingData& record, std::size_t trendFunctions)
+      : record_(record), p_(trendFunctions) {}
+
+  /// Whether the record holds the data of an error: new enough, present, and none of its matrices
+  /// smaller than its samples and `trendFunctions` need.
+  bool IsAvailable() const;
+
+  /// The error at a point with the correlations `r` (one per sample) and the trend functions `f`;
+  /// CKrigingData::GetPredictorError tells the formula. Only if IsAvailable.
+  double At(const double* r, const double* f);
+
+ private:
+  const CKrigingData& record_;
+  std::size_t p_;
+  std::vector<double> v_;
+  std::vector<double> w_;
+  std::vector<double> g_;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::kriging

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "pxrom/types.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+// The polynomial basis of a trend, in the order of functions that types.h tells. It is written once
+// here; each family that uses it has a status rule of its own for a type without functions.
+
+/// The number of functions of `type` in `d` inputs, or -1 for a negative `d` or a type outside
+/// PolyNone to PolyFullQuadratic. `d` is the length of a vector or an int, so nothing overflows.
+std::int64_t PolynomialCount(E_PolynomialType type, std::int64_t d) noexcept;
+
+/// Writes the functions at x[0..d) in order to `out`, which has room for PolynomialCount of them.
+/// The type must be one that PolynomialCount knows.
+void EvaluatePolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
+                             double* out) noexcept;
+
+}  // namespace Tarvane::Plexura::PXROM

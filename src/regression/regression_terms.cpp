@@ -1,0 +1,345 @@
+#include "pxrom/regression_terms.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <new>
+#include <typeinfo>
+#include <vector>
+
+#include "regression/terms.h"
+
+namespace {
+
+constexpr double kResetCoefficient = -99.0;
+constexpr int kUnknownCount = -99;
+
+/// x to the power `exponent`. The square is a product: pow need not round as that does.
+double Power(double x, int exponent) { return exponent == 2 ? x * x : std::pow(x, exponent); }
+
+}  // namespace
+
+RegTerm::RegTerm(E_FuncType type, int usedInputVariables)
+    : funcType(type), numUsedInpVar(usedInputVariables) {}
+
+RegTerm::~RegTerm() {
+  delete[] inputVariablesIndex;
+  delete[] coefficientValue;
+}
+
+int StoredRegTerm::SetParamVal(const int& count, const double* values) {
+  if (count != numParam || values == nullptr) return 1;
+  std::unique_ptr<double[]> copy(new (std::nothrow) double[static_cast<std::size_t>(count)]);
+  if (!copy) return 1;
+  std::copy_n(values, count, copy.get());
+  delete[] coefficientValue;
+  coefficientValue = copy.release();
+  isCoefficientSet = 1;
+  return 0;
+}
+
+int StoredRegTerm::StoreIndices(int count, int copied, const int* indices) {
+  if (count < 0 || (copied > 0 && indices == nullptr)) return 1;
+  std::unique_ptr<int[]> copy(new (std::nothrow) int[static_cast<std::size_t>(count)]());
+  if (!copy) return 1;
+  std::copy_n(indices, std::min(copied, count), copy.get());
+  delete[] inputVariablesIndex;
+  inputVariablesIndex = copy.release();
+  numUsedInpVar = count;
+  isInputVariablesIndexSet = 1;
+  return 0;
+}
+
+int StoredRegTerm::SetUsedInpVarIdx(const int& count, const int* indices) {
+  return count == numUsedInpVar ? StoreIndices(count, count, indices) : 1;
+}
+
+int StoredRegTerm::SetActive() {
+  isActive = 1;
+  return 0;
+}
+
+int StoredRegTerm::SetInactive() {
+  isActive = 0;
+  return 0;
+}
+
+int StoredRegTerm::GetNumParam(int& count) const {
+  count = numParam;
+  return 0;
+}
+
+int StoredRegTerm::GetParamVal(double* values) const {
+  if (coefficientValue == nullptr) return 1;
+  std::copy_n(coefficientValue, numParam, values);
+  return 0;
+}
+
+int StoredRegTerm::GetNumUsedInpVar(int& count) const {
+  count = numUsedInpVar;
+  return 0;
+}
+
+int StoredRegTerm::GetUsedInpVarIdx(int* indices) const {
+  if (inputVariablesIndex == nullptr) return 1;
+  std::copy_n(inputVariablesIndex, numUsedInpVar, indices);
+  return 0;
+}
+
+int StoredRegTerm::GetTermTag(int& tag) const {
+  tag = termTag;
+  return 0;
+}
+
+int StoredRegTerm::GetFuncType(E_FuncType& type) const {
+  type = funcType;
+  return 0;
+}
+
+int StoredRegTerm::QryIsActive() const { return isActive; }
+
+int StoredRegTerm::ResetParamVal() {
+  if (coefficientValue != nullptr) std::fill_n(coefficientValue, numParam, kResetCoefficient);
+  isActive = 1;
+  isCoefficientSet = 0;
+  return 0;
+}
+
+inline bool StoredRegTerm::IsIndexInside(int entry, int numInputVars) const {
+  const int index = inputVariablesIndex[entry];
+  return index >= 0 && index < numInputVars;
+}
+
+ConstTerm::ConstTerm() : StoredRegTerm(FuncTypeConst, 0) {}
+
+int ConstTerm::SetUsedInpVarIdx(const int& count, const int*) { return count == 0 ? 0 : 1; }
+int ConstTerm::GetUsedInpVarIdx(int*) const { return 1; }
+
+int ConstTerm::EvaluateValue(const int&, const double*, double* value) const {
+  if (!IsCoefficientSet()) return 1;
+  *value = isActive == 1 ? *coefficientValue : 0.0;
+  return 0;
+}
+
+int ConstTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, const double*,
+                                                   double* gradient) const {
+  if (!IsCoefficientSet()) return 1;
+  std::fill_n(gradient, numInputVars, 0.0);
+  return 0;
+}
+
+int ConstTerm::EvaluateDesignRow(const int&, const double*, double* row) const {
+  row[0] = isActive == 1 ? 1.0 : 0.0;
+  return 0;
+}
+
+LinearTerm::LinearTerm() : StoredRegTerm(FuncTypeLinear, 1) {}
+
+int LinearTerm::EvaluateValue(const int& numInputVars, const double* x, double* value) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive != 1) {
+    *value = 0.0;
+    return 0;
+  }
+  if (!IsIndexInside(0, numInputVars)) return 1;
+  *value = x[inputVariablesIndex[0]] * *coefficientValue;
+  return 0;
+}
+
+int LinearTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, const double*,
+                                                    double* gradient) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive == 1 && !IsIndexInside(0, numInputVars)) return 1;
+  std::fill_n(gradient, numInputVars, 0.0);
+  if (isActive == 1) gradient[inputVariablesIndex[0]] = *coefficientValue;
+  return 0;
+}
+
+int LinearTerm::EvaluateDesignRow(const int& numInputVars, const double* x, double* row) const {
+  if (!IsIndexSet()) return 1;
+  if (isActive == 1 && !IsIndexInside(0, numInputVars)) return 1;
+  row[0] = isActive == 1 ? x[inputVariablesIndex[0]] : 0.0;
+  return 0;
+}
+
+int QuadTerm::EvaluateValue(const int& numInputVars, const double* x, double* value) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive != 1) {
+    *value = 0.0;
+    return 0;
+  }
+  if (!IsIndexInside(0, numInputVars) || !IsIndexInside(1, numInputVars)) return 1;
+  *value = x[inputVariablesIndex[0]] * *coefficientValue * x[inputVariablesIndex[1]];
+  return 0;
+}
+
+int QuadTerm::EvaluateDesignRow(const int& numInputVars, const double* x, double* row) const {
+  if (!IsIndexSet()) return 1;
+  if (isActive != 1) {
+    row[0] = 0.0;
+    return 0;
+  }
+  if (!IsIndexInside(0, numInputVars) || !IsIndexInside(1, numInputVars)) return 1;
+  row[0] = x[inputVariablesIndex[1]] * x[inputVariablesIndex[0]];
+  return 0;
+}
+
+PureQuadTerm::PureQuadTerm() : QuadTerm(FuncTypePureQuad, 2) {}
+
+int PureQuadTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, const double* x,
+                                                      double* gradient) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive == 1 && !IsIndexInside(0, numInputVars)) return 1;
+  std::fill_n(gradient, numInputVars, 0.0);
+  if (isActive != 1) return 0;
+  const int variable = inputVariablesIndex[0];
+  gradient[variable] = (*coefficientValue + *coefficientValue) * x[variable];
+  return 0;
+}
+
+CrossQuadTerm::CrossQuadTerm() : QuadTerm(FuncTypeCrossQuad, 2) {}
+
+int CrossQuadTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, const double* x,
+                                                       double* gradient) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  const bool active = isActive == 1;
+  if (active && !(IsIndexInside(0, numInputVars) && IsIndexInside(1, numInputVars))) return 1;
+  std::fill_n(gradient, numInputVars, 0.0);
+  if (!active) return 0;
+  const int first = inputVariablesIndex[0];
+  const int second = inputVariablesIndex[1];
+  gradient[first] = x[second] * *coefficientValue;
+  // Assigned and not added, on purpose: see the class.
+  gradient[second] = x[first] * *coefficientValue;
+  return 0;
+}
+
+CrossPolyTerm::CrossPolyTerm() : StoredRegTerm(FuncTypeCrossPoly, kUnknownCount) {}
+
+int CrossPolyTerm::SetUsedInpVarIdx(const int& count, const int* indices) {
+  // The old length on purpose: see the class.
+  return StoreIndices(count, std::max(numUsedInpVar, 0), indices);
+}
+
+bool CrossPolyTerm::AreIndicesInside(int numInputVars) const {
+  for (int entry = 0; entry < numUsedInpVar; ++entry) {
+    if (!IsIndexInside(entry, numInputVars)) return false;
+  }
+  return true;
+}
+
+double CrossPolyTerm::Product(double start, const double* x) const {
+  for (int entry = 0; entry < numUsedInpVar; ++entry) start *= x[inputVariablesIndex[entry]];
+  return start;
+}
+
+int CrossPolyTerm::EvaluateValue(const int& numInputVars, const double* x, double* value) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive == 1 && !AreIndicesInside(numInputVars)) return 1;
+  *value = isActive == 1 ? Product(*coefficientValue, x) : 0.0;
+  return 0;
+}
+
+int CrossPolyTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, const double* x,
+                                                       double* gradient) const {
+  if (!IsCoefficientSet() || !IsIndexSet()) return 1;
+  if (isActive == 1 && !AreIndicesInside(numInputVars)) return 1;
+  std::fill_n(gradient, numInputVars, 0.0);
+  if (isActive != 1 || numInputVars <= 0) return 0;
+  std::vector<int> powers(static_cast<std::size_t>(numInputVars));
+  for (int entry = 0; entry < numUsedInpVar; ++entry) {
+    ++powers[static_cast<std::size_t>(inputVariablesIndex[entry])];
+  }
+  for (std::size_t v = 0; v < powers.size(); ++v) {
+    if (powers[v] == 0) continue;
+    const double c = *coefficientValue;
+    double entry = powers[v] == 1 ? c : powers[v] * c * Power(x[v], powers[v] - 1);
+    for (std::size_t u = 0; u < powers.size(); ++u) {
+      if (u != v && powers[u] != 0) entry *= Power(x[u], powers[u]);
+    }
+    gradient[v] = entry;
+  }
+  return 0;
+}
+
+int CrossPolyTerm::EvaluateDesignRow(const int& numInputVars, const double* x, double* row) const {
+  if (!IsIndexSet()) return 1;
+  if (isActive == 1 && !AreIndicesInside(numInputVars)) return 1;
+  row[0] = isActive == 1 ? Product(1.0, x) : 0.0;
+  return 0;
+}
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+/// term->EvaluateValue without the virtual call for the classes that fill a quadratic. The class is
+/// asked and not the type number, since a host's own term may carry any number; comparing addresses
+/// can only miss, and then the virtual call gives the same.
+inline int ValueOf(const RegTerm* term, int numInputVars, const double* x, double& value) {
+  const std::type_info* const type = &typeid(*term);
+  if (type == &typeid(CrossQuadTerm) || type == &typeid(PureQuadTerm)) {
+    return static_cast<const QuadTerm*>(term)->QuadTerm::EvaluateValue(numInputVars, x, &value);
+  }
+  if (type == &typeid(LinearTerm)) {
+    return static_cast<const LinearTerm*>(term)->LinearTerm::EvaluateValue(numInputVars, x, &value);
+  }
+  return term->EvaluateValue(numInputVars, x, &value);
+}
+
+}  // namespace
+
+int SumOfTerms(const RegTerm* const* terms, int count, int numInputVars, const double* x,
+               double& sum) {
+  for (int k = 0; k < count; ++k) {
+    double value = 0.0;
+    if (terms[k] == nullptr) return 1;
+    const int status = ValueOf(terms[k], numInputVars, x, value);
+    if (status != 0) return status;
+    sum += value;
+  }
+  return 0;
+}
+
+std::unique_ptr<RegTerm> NewTerm(E_FuncType type) {
+  switch (type) {
+    case FuncTypeConst:
+      return std::make_unique<ConstTerm>();
+    case FuncTypeLinear:
+      return std::make_unique<LinearTerm>();
+    case FuncTypePureQuad:
+      return std::make_unique<PureQuadTerm>();
+    case FuncTypeCrossQuad:
+      return std::make_unique<CrossQuadTerm>();
+    case FuncTypeCrossPoly:
+      return std::make_unique<CrossPolyTerm>();
+  }
+  return nullptr;
+}
+
+std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source) {
+  E_FuncType type{};
+  std::unique_ptr<RegTerm> copy = source.GetFuncType(type) == 0 ? NewTerm(type) : nullptr;
+  if (!copy) return nullptr;
+  if (source.QryIsActive() == 1) {
+    copy->SetActive();
+  } else {
+    copy->SetInactive();
+  }
+  // What the source doesn't have, or has in another number, the copy goes without.
+  int indexCount = 0;
+  if (source.GetNumUsedInpVar(indexCount) == 0 && indexCount > 0) {
+    std::vector<int> indices(static_cast<std::size_t>(indexCount));
+    if (source.GetUsedInpVarIdx(indices.data()) == 0) {
+      copy->SetUsedInpVarIdx(indexCount, indices.data());
+    }
+  }
+  int parameterCount = 0;
+  if (source.GetNumParam(parameterCount) == 0 && parameterCount > 0) {
+    std::vector<double> values(static_cast<std::size_t>(parameterCount));
+    if (source.GetParamVal(values.data()) == 0) copy->SetParamVal(parameterCount, values.data());
+  }
+  return copy;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

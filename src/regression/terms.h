@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+
+#include "pxrom/regression_terms.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+/// A new term of a class of its own, or null for a number that is no type.
+std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
+
+/// A term of the class that `source` names, with its activity, indices and coefficient; null when
+/// it names none. A CrossPolyTerm loses its list, see there.
+std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source);
+
+/// Adds the values of `count` terms to `sum`, in their order. The first non-zero status is returned
+/// at once with the sum up to there; a missing term gives 1.
+int SumOfTerms(const RegTerm* const* terms, int count, int numInputVars, const double* x,
+               double& sum);
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace pxrom_command {
+
+// Each subcommand adds itself to `app` and runs as the callback of its own parse. It writes its
+// result to the standard output and throws a Refusal when there is none.
+
+void AddEval(CLI::App& app);
+void AddFmu(CLI::App& app);
+
+}  // namespace pxrom_command

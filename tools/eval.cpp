@@ -1,0 +1,119 @@
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "assignments.h"
+#include "command.h"
+#include "model_file.h"
+#include "numbers.h"
+#include "parameters.h"
+#include "prediction.h"
+#include "table.h"
+
+namespace pxrom_command {
+
+namespace {
+
+struct EvalOptions {
+  std::string model;
+  std::vector<std::string> assignments;
+  bool json = false;
+};
+
+void PrintTable(const Model& model, const Point& point,
+                const std::vector<PredictedOutput>& outputs) {
+  constexpr int kErrorDigits = 3;
+  Table table({{"Output"},
+               {"Caption"},
+               {"Value", Align::Right},
+               {"Error", Align::Right},
+               {"", Align::Left},
+               {"Unit"}});
+  bool scaled = false;
+  bool absent = false;
+  for (const PredictedOutput& output : outputs) {
+    const bool marked = output.error.has_value() && output.error_space == ErrorSpace::Scaled;
+    scaled = scaled || marked;
+    absent = absent || !output.error.has_value();
+    table.Add({output.id, CaptionOf(model, output.id), Shown(output.value),
+               output.error.has_value() ? Shown(*output.error, kErrorDigits) : "-",
+               marked ? "*" : "", UnitOf(model, output.id)});
+  }
+
+  const std::string combination = point.CombinationText();
+  if (!combination.empty()) std::cout << "At " << combination << ":\n\n";
+  table.Print(std::cout);
+  if (scaled || absent) std::cout << '\n';
+  if (scaled) {
+    std::cout << "* as its surface reports it, in the scaled space of the ensemble, not in the "
+                 "unit of the output\n";
+  }
+  if (absent) std::cout << "- no predicted error\n";
+}
+
+void PrintJson(const EvalOptions& options, const Model& model, const Point& point,
+               const std::vector<PredictedOutput>& outputs) {
+  nlohmann::ordered_json inputs = nlohmann::ordered_json::object();
+  for (const auto& [id, value] : point.discrete) inputs[id] = value;
+  for (const auto& [id, value] : point.continuous) inputs[id] = value;
+  nlohmann::ordered_json outside = nlohmann::ordered_json::array();
+  for (const Input& input : OutsideBounds(model, point)) outside.push_back(input.id);
+
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const PredictedOutput& output : outputs) {
+    nlohmann::ordered_json entry;
+    entry["id"] = output.id;
+    entry["caption"] = CaptionOf(model, output.id);
+    entry["unit"] = UnitOf(model, output.id);
+    entry["value"] = output.value;
+    entry["error"] = nullptr;
+    entry["error_space"] = nullptr;
+    if (output.error.has_value()) {
+      entry["error"] = *output.error;
+      entry["error_space"] = output.error_space == ErrorSpace::Physical ? "physical" : "scaled";
+    }
+    list.push_back(entry);
+  }
+  nlohmann::ordered_json document;
+  document["model"] = options.model;
+  document["inputs"] = inputs;
+  document["outside_bounds"] = outside;
+  document["outputs"] = list;
+  // Captions of another encoding than UTF-8 must not cost the numbers.
+  constexpr int kIndent = 2;
+  std::cout << document.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+void Eval(const EvalOptions& options) {
+  const std::unique_ptr<Model> model = ReadModel(options.model);
+  const Point point = PointOf(*model, options.assignments);
+  const std::vector<PredictedOutput> outputs = Predict(*model, point);
+  for (const Input& input : OutsideBounds(*model, point)) {
+    std::cerr << "pxrom eval: note: " << input.id << " lies outside its bounds, " << input.Bounds()
+              << ": the surfaces extrapolate\n";
+  }
+  if (options.json) {
+    PrintJson(options, *model, point, outputs);
+  } else {
+    PrintTable(*model, point, outputs);
+  }
+}
+
+}  // namespace
+
+void AddEval(CLI::App& app) {
+  const auto options = std::make_shared<EvalOptions>();
+  CLI::App* eval = app.add_subcommand("eval", "Evaluate a model at one point");
+  eval->add_option("MODEL", options->model, "Database of fitted models")->required();
+  eval->add_option("NAME=VALUE", options->assignments,
+                   "Each input once, in any order; those that are missing are listed");
+  eval->add_flag("--json", options->json, "Print JSON with all digits, for programs");
+  eval->footer(
+      "Example:\n"
+      "  pxrom eval examples/beam.pxdb Material=1 Holes=2 L=1.5 b=45 h=90 F=3000");
+  eval->callback([options] { Eval(*options); });
+}
+
+}  // namespace pxrom_command

@@ -1,0 +1,150 @@
+#include <cstddef>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "model_file.h"
+#include "parameters.h"
+#include "pxrom/fmu_description_reader.h"
+#include "refusal.h"
+#include "table.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+using Description = pxrom::CReaderFMUModelDescription;
+using WordByName = std::map<std::string, std::string>;
+
+struct FmuOptions {
+  std::string description;
+  std::string model;
+};
+
+/// The attributes of the root element, which the library's reader takes from the whole text.
+std::string RootElement(const std::string& text) {
+  const std::size_t start = text.find("<fmiModelDescription");
+  if (start == std::string::npos) return "";
+  return text.substr(start, text.find('>', start) - start);
+}
+
+Description ReadDescription(const std::string& path) {
+  std::string text = ReadTextFile(path);
+  const std::string root = RootElement(text);
+  if (root.empty()) {
+    throw Refusal(Quoted(path) + " is no FMI model description: it has no <fmiModelDescription>");
+  }
+  for (const char* version : {"fmiVersion=\"3", "fmiVersion='3"}) {
+    if (root.find(version) != std::string::npos) {
+      throw Refusal(Quoted(path) +
+                    " is an FMI 3 description, in which the library finds nothing: it reads the "
+                    "ScalarVariable elements of FMI 1 and 2");
+    }
+  }
+  Description description;
+  description.ReadDataStream(text);
+  description.ParseFMUModelDescription();
+  return description;
+}
+
+WordByName Causalities(const Description& description) {
+  WordByName words;
+  for (const auto& id : description.ListParameterImmutableID(pxrom::CausalityInput)) {
+    words[id] = "input";
+  }
+  for (const auto& id : description.ListParameterImmutableID(pxrom::CausalityOutput)) {
+    words[id] = "output";
+  }
+  return words;
+}
+
+WordByName Types(const Description& description) {
+  WordByName words;
+  for (const auto& id : description.ListParameterImmutableID(pxrom::ContinuousNotManufacturable)) {
+    words[id] = "Real";
+  }
+  for (const auto& id : description.ListParameterImmutableID(pxrom::DiscreteParameter)) {
+    words[id] = "Integer";
+  }
+  return words;
+}
+
+std::string WordOf(const WordByName& words, const std::string& name) {
+  const auto found = words.find(name);
+  return found == words.end() ? "-" : found->second;
+}
+
+void PrintDescription(Description& description) {
+  std::cout << "GUID               " << description.GetGUID() << '\n'
+            << "Continuous states  " << description.GetNumberOfContinuousStates() << '\n'
+            << "Reals              " << description.GetNumberOfReals()
+            << " (2 for each Real variable)\n"
+            << "Integers           " << description.GetNumberOfIntegers() << "\n\n";
+
+  const WordByName causalities = Causalities(description);
+  const WordByName types = Types(description);
+  Table table({{"Variable"}, {"Reference", Align::Right}, {"Causality"}, {"Type"}});
+  for (const auto& [name, reference] : description.GetParameterValueReferences()) {
+    table.Add({name, std::to_string(reference), WordOf(causalities, name), WordOf(types, name)});
+  }
+  table.Print(std::cout);
+  std::cout << "\n- neither input nor output; neither Real nor Integer\n";
+}
+
+void PrintLinks(const Description& description, const Model& model, const std::string& path) {
+  const WordByName causalities = Causalities(description);
+  const auto references = description.GetParameterValueReferences();
+  std::vector<std::string> unlinked;
+  Table table({{"Parameter"}, {"Kind"}, {"Reference", Align::Right}, {"Causality"}});
+  for (const std::string& id : model.ListParameterImmutableID()) {
+    const auto found = references.find(id);
+    if (found == references.end()) {
+      unlinked.push_back(id);
+    } else {
+      table.Add({id, KindOf(model, id), std::to_string(found->second), WordOf(causalities, id)});
+    }
+  }
+  const std::size_t linked = model.ParameterCount() - unlinked.size();
+  std::cout << "\nOf the " << model.ParameterCount() << " parameters of " << path << ", " << linked
+            << (linked == 1 ? " has" : " have") << " a variable of the same name";
+  if (linked > 0) {
+    std::cout << ":\n\n";
+    table.Print(std::cout);
+  } else {
+    std::cout << ".\n";
+  }
+  if (!unlinked.empty()) {
+    std::cout << "\nWithout such a variable: " << Listed(unlinked, unlinked.size()) << '\n';
+  }
+}
+
+void Fmu(const FmuOptions& options) {
+  Description description = ReadDescription(options.description);
+  std::unique_ptr<Model> model;
+  if (!options.model.empty()) model = ReadModel(options.model);
+  PrintDescription(description);
+  if (model != nullptr) PrintLinks(description, *model, options.model);
+}
+
+}  // namespace
+
+void AddFmu(CLI::App& app) {
+  const auto options = std::make_shared<FmuOptions>();
+  CLI::App* fmu =
+      app.add_subcommand("fmu", "Show the variables of an FMI model description and link a model");
+  fmu->add_option("MODELDESCRIPTION", options->description, "XML model description, FMI 1 or 2")
+      ->required();
+  fmu->add_option("MODEL", options->model, "Database whose parameters are looked up by name");
+  fmu->footer(
+      "Example:\n"
+      "  pxrom fmu examples/beam.xml examples/beam.pxdb");
+  fmu->callback([options] { Fmu(*options); });
+}
+
+}  // namespace pxrom_command

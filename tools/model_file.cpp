@@ -1,0 +1,69 @@
+#include "model_file.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "pxrom/database_labels.h"
+#include "pxrom/database_reader.h"
+#include "refusal.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+/// The reader takes any text and tells a failure by a status alone, so the group that every
+/// database has is looked for first.
+void RequireGroup(const std::string& path, const std::string& text, const std::string& tag) {
+  if (text.find('<' + tag + '>') == std::string::npos) {
+    throw Refusal(Quoted(path) + " is no database of fitted models: it has no <" + tag + "> group");
+  }
+}
+
+}  // namespace
+
+std::string ReadTextFile(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw Refusal("can't read " + Quoted(path) + ": it is a folder");
+  }
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (!file.is_open() || file.bad()) {
+    throw Refusal("can't read " + Quoted(path) + ": " +
+                  (errno != 0 ? std::strerror(errno) : "reading failed"));
+  }
+  return text;
+}
+
+std::unique_ptr<Model> ReadModel(const std::string& path) {
+  std::string text = ReadTextFile(path);
+  RequireGroup(path, text, pxrom::CPXROMDatabaseLabels::tagParameterRegistry());
+  RequireGroup(path, text, pxrom::CPXROMDatabaseLabels::tagDiscreteSets());
+
+  auto model = std::make_unique<Model>();
+  int status = 1;
+  try {
+    pxrom::CReaderPXROMDatabase reader;
+    reader.ReadDataStream(text);
+    status = reader.ResumeDiscreteCombinations(*model);
+  } catch (const std::out_of_range&) {
+    status = 1;
+  }
+  if (status != 0) {
+    throw Refusal(Quoted(path) + " is a damaged database: the library refuses its content");
+  }
+  if (model->GetDiscreteCombinationsIndexingPtr()->empty()) {
+    throw Refusal(Quoted(path) + " holds no fitted model: it has no combination to evaluate");
+  }
+  return model;
+}
+
+}  // namespace pxrom_command

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "pxrom/discrete_combinations.h"
+
+namespace pxrom_command {
+
+using Model = Tarvane::Plexura::PXROM::CDiscreteCombinations;
+
+/// The bytes of a file. Refusal when it can't be read.
+std::string ReadTextFile(const std::string& path);
+
+/// The model of a database file. Refusal when the file can't be read or holds no model.
+std::unique_ptr<Model> ReadModel(const std::string& path);
+
+}  // namespace pxrom_command

@@ -1,0 +1,71 @@
+#include "prediction.h"
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "pxrom/fitting_candidates.h"
+#include "refusal.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+using Values = std::vector<std::pair<std::string, double>>;
+
+const Model::OutputsByID& OutputsAt(const Model& model, const Point& point) {
+  const auto position = model.GetDiscreteCombinationsIndexingPtr()->at(point.Combination());
+  return model.GetOutputsWrtDiscCombPtr()->at(static_cast<std::size_t>(position));
+}
+
+/// The library names no culprit, but it stops at it: the first output without a value.
+[[noreturn]] void RefuseOutput(const Model::OutputsByID& outputs, const Values& done,
+                               const Point& point) {
+  std::string culprit;
+  for (const auto& [id, candidates] : outputs) {
+    culprit = id;
+    if (done.empty() || id > done.back().first) break;
+  }
+  const std::string combination = point.CombinationText();
+  throw Refusal("the library can't evaluate the output " + Quoted(culprit) +
+                (combination.empty() ? "" : " of " + combination) +
+                ": one of its surfaces is damaged, stopped or not ready");
+}
+
+std::optional<double> ErrorAt(const pxrom::CFittingCandidates& candidates, const Point& point) {
+  std::vector<double> x;
+  for (const auto& [name, value] : point.continuous) x.push_back(value);
+  // A Kriging surface writes its record when it is asked for an error: a copy takes that.
+  const std::unique_ptr<pxrom::CFittingCandidates> copy(candidates.Clone());
+  double value = 0.0;
+  double error = 0.0;
+  const int status =
+      pxrom::CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(*copy, x, value, error);
+  if (status != 0) return std::nullopt;
+  return error;
+}
+
+}  // namespace
+
+std::vector<PredictedOutput> Predict(const Model& model, const Point& point) {
+  const Model::OutputsByID& outputs = OutputsAt(model, point);
+  Values values;
+  if (model.Evaluate(point.discrete, point.continuous, values) != 0) {
+    RefuseOutput(outputs, values, point);
+  }
+
+  std::vector<PredictedOutput> predicted;
+  for (const auto& [id, value] : values) {
+    const pxrom::CFittingCandidates& candidates = *outputs.at(id);
+    const pxrom::CFittingCandidate* candidate = candidates.GetEvaluationCandidatePtr();
+    const bool physical = candidate != nullptr && candidate->GetIsErrPredRequired();
+    predicted.push_back({id, value, ErrorAt(candidates, point),
+                         physical ? ErrorSpace::Physical : ErrorSpace::Scaled});
+  }
+  return predicted;
+}
+
+}  // namespace pxrom_command

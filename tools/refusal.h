@@ -1,0 +1,13 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace pxrom_command {
+
+/// Ends the command with exit status 1. what() is one sentence for the person who typed it: it
+/// names what was wrong and, where there is one, the way out.
+struct Refusal : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace pxrom_command

@@ -1,0 +1,60 @@
+#include "wording.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace pxrom_command {
+
+namespace {
+
+char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+/// Levenshtein distance, upper and lower case alike.
+std::size_t EditDistance(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i + 1;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t substituted = diagonal + (Lower(a[i]) == Lower(b[j]) ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({substituted, row[j] + 1, diagonal + 1});
+    }
+  }
+  return row[b.size()];
+}
+
+}  // namespace
+
+std::string Quoted(const std::string& text) { return '"' + text + '"'; }
+
+std::string Listed(const std::vector<std::string>& items, std::size_t most) {
+  std::vector<std::string> shown(
+      items.begin(), items.begin() + static_cast<std::ptrdiff_t>(std::min(most, items.size())));
+  if (shown.size() < items.size()) {
+    shown.push_back(std::to_string(items.size() - shown.size()) + " more");
+  }
+  std::string text;
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (i > 0) text += i + 1 == shown.size() ? " and " : ", ";
+    text += shown[i];
+  }
+  return text;
+}
+
+std::string Suggestion(const std::string& typed, const std::vector<std::string>& names) {
+  // A third of the letters may be wrong; of a short name one, but never all of them.
+  std::size_t best = std::max<std::size_t>(1, typed.size() / 3) + 1;
+  const std::string* nearest = nullptr;
+  for (const std::string& name : names) {
+    const std::size_t distance = EditDistance(typed, name);
+    if (distance < best && distance < std::max(typed.size(), name.size())) {
+      best = distance;
+      nearest = &name;
+    }
+  }
+  return nearest == nullptr ? std::string() : "; did you mean " + Quoted(*nearest) + "?";
+}
+
+}  // namespace pxrom_command

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace pxrom_command {
+
+/// "text" in quotation marks.
+std::string Quoted(const std::string& text);
+
+/// "a", "a and b", "a, b and c"; beyond `most` items "a, b and 7 more".
+std::string Listed(const std::vector<std::string>& items, std::size_t most = 12);
+
+/// "; did you mean "..."?" for the nearest of `names`, or nothing when none is near.
+std::string Suggestion(const std::string& typed, const std::vector<std::string>& names);
+
+}  // namespace pxrom_command
