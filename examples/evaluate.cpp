@@ -38,7 +38,8 @@ int main(int argc, char** argv) {
   const std::vector<std::pair<std::string, double>> continuous = {
       {"L", 1.5}, {"b", 45}, {"h", 90}, {"F", 3000}};
 
-  // 0: all outputs have an error; -2: some have none, the values are good; 1: no values.
+  // 0: all outputs have an error; -2: some have none, the values are good; 1: no values. Who
+  // evaluates one model often, or in several threads, reads docs/behaviours.md about this form.
   std::vector<std::pair<std::string, double>> outputs;
   std::vector<std::pair<std::string, double>> errors;
   if (model.Evaluate(discrete, continuous, outputs, errors) == 1) {

@@ -63,12 +63,12 @@ void PrintCombination(const CDiscreteCombinations& model, const DiscreteValues& 
                       const Values& point) {
   for (const auto& [id, value] : discrete) std::printf("%-10d", value);
 
+  // The values come first: asking for errors can change a Kriging surface (docs/behaviours.md).
   Values outputs;
+  Values again;
   Values errors;
-  if (model.Evaluate(discrete, point, outputs, errors) == 1) {
-    // Some surface has no errors to give at all: ask for the values alone.
-    errors.clear();
-    if (model.Evaluate(discrete, point, outputs) == 1) outputs.clear();
+  if (model.Evaluate(discrete, point, outputs) == 0) {
+    model.Evaluate(discrete, point, again, errors);
   }
   const std::map<std::string, double> error_of(errors.begin(), errors.end());
   for (const auto& [id, value] : outputs) {

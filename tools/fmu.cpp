@@ -90,11 +90,13 @@ void PrintDescription(Description& description) {
   const WordByName causalities = Causalities(description);
   const WordByName types = Types(description);
   Table table({{"Variable"}, {"Reference", Align::Right}, {"Causality"}, {"Type"}});
+  bool other = false;
   for (const auto& [name, reference] : description.GetParameterValueReferences()) {
     table.Add({name, std::to_string(reference), WordOf(causalities, name), WordOf(types, name)});
+    other = other || causalities.count(name) == 0 || types.count(name) == 0;
   }
   table.Print(std::cout);
-  std::cout << "\n- neither input nor output; neither Real nor Integer\n";
+  if (other) std::cout << "\n- neither input nor output; neither Real nor Integer\n";
 }
 
 void PrintLinks(const Description& description, const Model& model, const std::string& path) {

@@ -1,13 +1,16 @@
 // pxrom: fitted response surfaces from the command line, by the library's public headers alone.
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "command.h"
 #include "pxrom/version.h"
 #include "refusal.h"
+#include "wording.h"
 
 namespace {
 
@@ -19,6 +22,17 @@ int Fail(const CLI::App& app, const std::string& sentence) {
   return 1;
 }
 
+/// The parser would only say that a command is missing.
+void RequireKnownCommand(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  const std::string typed = argv[1];
+  if (std::find(names.begin(), names.end(), typed) != names.end()) return;
+  throw pxrom_command::Refusal("there is no command " + pxrom_command::Quoted(typed) +
+                               pxrom_command::Suggestion(typed, names));
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("Evaluates fitted response surfaces.", "pxrom");
   app.set_version_flag("--version", PXROM_VERSION_STRING);
@@ -28,6 +42,7 @@ int Run(int argc, char** argv) {
   pxrom_command::AddFmu(app);
 
   try {
+    RequireKnownCommand(app, argc, argv);
     app.parse(argc, argv);
     std::cout.flush();
     return std::cout ? 0 : Fail(app, "can't write the result to the standard output");

@@ -44,8 +44,8 @@ std::string Listed(const std::vector<std::string>& items, std::size_t most) {
 }
 
 std::string Suggestion(const std::string& typed, const std::vector<std::string>& names) {
-  // A third of the letters may be wrong; of a short name one, but never all of them.
-  std::size_t best = std::max<std::size_t>(1, typed.size() / 3) + 1;
+  // A third of the letters may be wrong, but never all of them.
+  std::size_t best = (typed.size() + 2) / 3 + 1;
   const std::string* nearest = nullptr;
   for (const std::string& name : names) {
     const std::size_t distance = EditDistance(typed, name);

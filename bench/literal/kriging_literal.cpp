@@ -38,6 +38,11 @@ Vector Basis(E_PolynomialType type, const Vector& x) {
   return f;
 }
 
+double PlusProduct(double sum, const Vector& row, const Vector& x, std::size_t columns) {
+  for (std::size_t j = 0; j < columns; ++j) sum += row[j] * x[j];
+  return sum;
+}
+
 double Norm(const Vector& v) {
   double sum = 0.0;
   for (const double value : v) sum += value * value;
@@ -228,17 +233,10 @@ int EvalErrorPredictions(const CKrigingData& record, const Matrix& rows, Vector&
     Vector v(n);
     Vector w(p);
     Vector g(p);
-    for (std::size_t k = 0; k < n; ++k) {
-      for (std::size_t j = 0; j < n; ++j) v[k] += record.InvC[k][j] * R[i][j];
-    }
+    for (std::size_t k = 0; k < n; ++k) v[k] = PlusProduct(0.0, record.InvC[k], R[i], n);
     const double nc = Norm(v);
-    for (std::size_t k = 0; k < p; ++k) {
-      w[k] = -F[i][k];
-      for (std::size_t j = 0; j < n; ++j) w[k] += record.Ft[k][j] * v[j];
-    }
-    for (std::size_t k = 0; k < p; ++k) {
-      for (std::size_t j = 0; j < p; ++j) g[k] += record.InvG[k][j] * w[j];
-    }
+    for (std::size_t k = 0; k < p; ++k) w[k] = PlusProduct(-F[i][k], record.Ft[k], v, n);
+    for (std::size_t k = 0; k < p; ++k) g[k] = PlusProduct(0.0, record.InvG[k], w, p);
     const double ng = Norm(g);
     out.push_back(std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * record.Sigma2)));
   }

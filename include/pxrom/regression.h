@@ -12,8 +12,6 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-struct InterpolationEffort;
-
 /// Format version of the regression record. From 192 on a database holds "QRSSavePredictorError=".
 enum E_CQRSDataVersion : std::int32_t { QRSDataVersion192 = 192 };
 
@@ -210,20 +208,6 @@ struct PXROM_API CQRSData : public CRSData {
   double Sigma2 = 0.0;
   /// The inverse of the normal matrix of the active terms, in list order.
   std::vector<std::vector<double>> InvXtX;
-
- private:
-  const RegTerm* Term(int k) const;
-  bool HasTerms() const;
-  void DeleteTerms();
-  int DesignWidth(int numTerms, const RegTerm* const* terms, int& width) const;
-  int DesignRow(const std::vector<double>& point, int numTerms, const RegTerm* const* terms,
-                std::vector<double>& values) const;
-  int ActiveDesignRow(const std::vector<double>& x, std::vector<double>& row) const;
-  int Quantile(std::size_t activeTerms, double& t) const;
-  bool HasInverseOfOrder(std::size_t order) const;
-  double PredictorErrorOf(const std::vector<double>& row, double t) const;
-  int PredictorErrorAt(const std::vector<double>& x, double& error) const;
-  friend class CQRSEvaluator;
 };
 
 /// Evaluates a CQRSData:
@@ -275,6 +259,8 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   int EvalR2Only(const CQRSData* data, Tarvane::Plexura::Core::GOFMeasr& gof);
 
  private:
+  struct InterpolationEffort;
+
   int CalIntmedDrvtVal(const CRSData* data, const double& s, double& d) const;
   int EvalCodedUsedInpVar(const CRSData* data, const double* x, std::vector<double>& coded) const;
   int EvalNumHypcubePnt(int numVars, int& numPnts) const;
@@ -282,8 +268,9 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   int EvalHypcubePntWgt(int numVars, const std::vector<double>& coded, int numPnts, int pntIdx,
                         double** pnts, double& weight) const;
   int Interplt(const CRSData* data, const double* x, double& y) const;
-  int Interplt(const CRSData* data, const double* x, double& y, InterpolationEffort& effort) const;
-  int EvaluateCorner(const CRSData* data, const std::vector<double>& point, double& y,
+  int Interplt(const CQRSData& record, const double* x, double& y,
+               InterpolationEffort& effort) const;
+  int EvaluateCorner(const CQRSData& record, const std::vector<double>& point, double& y,
                      InterpolationEffort& effort) const;
 };
 

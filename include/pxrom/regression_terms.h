@@ -4,6 +4,10 @@
 
 #include "pxrom/export.h"
 
+namespace Tarvane::Plexura::PXROM {
+class TermSum;
+}
+
 /// The terms of a regression surface: one monomial of the inputs with one coefficient each. They
 /// stand at the global namespace; CQRSData (regression.h) owns an array of them.
 
@@ -79,6 +83,8 @@ class PXROM_API RegTerm {
   int isActive = 1;  ///< only 1 is active
   int isCoefficientSet = 0;
   int isInputVariablesIndexSet = 0;
+
+  friend class Tarvane::Plexura::PXROM::TermSum;
 };
 
 /// What the five terms share: everything but the basis function.

@@ -9,7 +9,7 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 constexpr double kSortTolerance = 1.0e-12;
-constexpr std::uint64_t kLongestSort = 1'000'000'000;
+constexpr std::uint64_t kLongestSort = 200'000'000;
 
 // Whether nothing but copies of the least value lies within `threshold` of it. It then passes every
 // other value and ends up in front, and no sort is needed to know that. NaN anywhere says no.

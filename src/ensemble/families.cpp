@@ -1,6 +1,11 @@
 #include "ensemble/families.h"
 
 #include "pxrom/constant.h"
+#include "pxrom/kriging.h"
+#include "pxrom/linear_basis.h"
+#include "pxrom/moving_least_squares.h"
+#include "pxrom/regression.h"
+#include "pxrom/support_vector.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -25,6 +30,11 @@ constexpr Family Row(E_DataType type, reading::ResumeOperation resume) {
 // A new family is one folder and one row here.
 constexpr Family kFamilies[] = {
     Row<CRSData, CRSEvaluator>(DT_RSData, &reading::ResumeRSData),
+    Row<CKrigingData, CKrigingEvaluator>(DT_KrigingData, &reading::ResumeKrigingData),
+    Row<CSVRData, CSVREvaluator>(DT_SVRData, &reading::ResumeSVRData),
+    Row<CMLSData, CMLSEvaluator>(DT_MLSData, &reading::ResumeMLSData),
+    Row<CLBFData, CLBFEvaluator>(DT_LBFData, &reading::ResumeLBFData),
+    Row<CQRSData, CQRSEvaluator>(DT_QRSData, &reading::ResumeQRSData),
     Row<CConstantData, CConstantEvaluator>(DT_ConstantData, &reading::ResumeConstantData),
 };
 

@@ -12,7 +12,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-// The sinc function is cut at its first minimum but one, 3 pi / 2, and shifted to be 0 there.
+// 3 pi / 2, where the sinc function is cut after a shift that makes it 0 there.
 constexpr double kSincCutOff = 4.71238898038469;
 
 // More functions than any fit has samples for; a damaged record could ask for all memory.
@@ -70,14 +70,14 @@ bool HasCentres(const CLBFData& data, const std::vector<double>& x) {
 // unknown function, `out` untouched. The samples are used as they are stored: only the point is
 // scaled in this family, and that is how its models are fitted.
 bool EvaluateRadial(const CLBFData& data, const std::vector<double>& x, std::vector<double>& out) {
-  return WithRadialFunction(
-      data.BasisFunctionType, static_cast<double>(data.NumberOfInputVariables),
-      [&](const auto& function) {
-        SquaredDistances(data.InputSamples, out.size(), x, out.data());
-        for (std::size_t j = 0; j < out.size(); ++j) {
-          out[j] = function(out[j], data.KernelValues[j]);
-        }
-      });
+  return WithRadialFunction(data.BasisFunctionType,
+                            static_cast<double>(data.NumberOfInputVariables),
+                            [&](const auto& function) {
+                              SquaredDistances(data.InputSamples, out.size(), x, out.data());
+                              for (std::size_t j = 0; j < out.size(); ++j) {
+                                out[j] = function(out[j], data.KernelValues[j]);
+                              }
+                            });
 }
 
 }  // namespace
@@ -89,14 +89,15 @@ int CLBFEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
                                            double& y) const {
   if (!IsEvaluable(data, DT_LBFData, x)) return 1;
   const auto& record = static_cast<const CLBFData&>(*data);
-  if (!IsCovered(record.NumberOfSamples, record.OutputSamples.size())) return 1;
   if (record.NumberOfSamples == 1) {
     // The output as it is stored, in physical units: no scaling applies.
+    if (record.OutputSamples.empty()) return 1;
     y = record.OutputSamples[0];
     return 0;
   }
   const std::vector<double>& radialWeights = record.KernelCoefficients;
-  if (!HasCentres(record, x) || !IsCovered(static_cast<int>(radialWeights.size()), 0)) return 1;
+  if (!HasCentres(record, x)) return 1;
+  if (radialWeights.size() > static_cast<std::size_t>(record.NumberOfSamples)) return 1;
 
   std::vector<double> point = x;
   // The status is ignored on purpose: a scaling that does not fit leaves the point as it is.
@@ -119,8 +120,9 @@ int CLBFEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   return 0;
 }
 
-int CLBFEvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(
-    const CRSData*, const std::vector<double>&, std::vector<double>&) const {
+int CLBFEvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(const CRSData*,
+                                                                      const std::vector<double>&,
+                                                                      std::vector<double>&) const {
   return 1;
 }
 

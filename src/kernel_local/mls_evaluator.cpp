@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <vector>
 
@@ -48,19 +49,28 @@ double OrderStatistic(const std::vector<double>& values, std::size_t rank) {
   return *element;
 }
 
-// The normal equations A c = b of the weighted problem: A = B'WB, b = B'Wy.
+// The normal equations A c = b of the weighted problem: A = B'WB, b = B'Wy, with the basis
+// functions of sample j in row j of B.
 struct NormalEquations {
-  explicit NormalEquations(std::size_t p) : side(p), matrix(p * p), b(p), row(p) {}
+  explicit NormalEquations(std::size_t p) : side(p), matrix(p * p), b(p) {}
 
-  // Adds one sample. All elements grow sample by sample, each in the order of the samples, so that
-  // B itself is never needed as a whole.
-  void Add(double weight, double output) {
-    const double weighted = output * weight;
+  // Adds `Count` samples. All elements grow at once, sample by sample, so that each sum has the
+  // order of the samples, no two sums wait for each other, and B is never needed as a whole. Taking
+  // several samples at a time saves fetching the elements for each of them.
+  template <std::size_t Count>
+  void Add(const double* rows, const double* weights, const double* outputs) {
+    double factors[Count];
     for (std::size_t i = 0; i < side; ++i) {
-      b[i] += row[i] * weighted;
-      const double factor = weight * row[i];
+      for (std::size_t j = 0; j < Count; ++j) {
+        b[i] += rows[j * side + i] * (outputs[j] * weights[j]);
+        factors[j] = weights[j] * rows[j * side + i];
+      }
       double* const rowOfA = matrix.data() + i * side;
-      for (std::size_t k = 0; k <= i; ++k) rowOfA[k] += factor * row[k];
+      for (std::size_t k = 0; k <= i; ++k) {
+        double sum = rowOfA[k];
+        for (std::size_t j = 0; j < Count; ++j) sum += factors[j] * rows[j * side + k];
+        rowOfA[k] = sum;
+      }
     }
   }
 
@@ -78,9 +88,30 @@ struct NormalEquations {
   std::size_t side;
   std::vector<double> matrix;
   std::vector<double> b;
-  // The basis functions of the sample to add: a row of B.
-  std::vector<double> row;
 };
+
+NormalEquations NormalEquationsOf(const CMLSData& data, const std::vector<double>& weights,
+                                  std::size_t p) {
+  constexpr std::size_t kAtOnce = 4;
+  const auto d = static_cast<std::size_t>(data.NumberOfInputVariables);
+  NormalEquations equations(p);
+  std::vector<double> rows(kAtOnce * p);
+  const auto fillRow = [&](std::size_t row, std::size_t sample) {
+    EvaluatePolynomialBasis(data.PolynomialType, data.InputSamples[sample].data(), d,
+                            rows.data() + row * p);
+  };
+  std::size_t j = 0;
+  for (; j + kAtOnce <= weights.size(); j += kAtOnce) {
+    for (std::size_t row = 0; row < kAtOnce; ++row) fillRow(row, j + row);
+    equations.Add<kAtOnce>(rows.data(), &weights[j], &data.OutputSamples[j]);
+  }
+  for (; j < weights.size(); ++j) {
+    fillRow(0, j);
+    equations.Add<1>(rows.data(), &weights[j], &data.OutputSamples[j]);
+  }
+  equations.Complete();
+  return equations;
+}
 
 }  // namespace
 
@@ -91,8 +122,8 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
                                            double& y) const {
   if (!IsEvaluable(data, DT_MLSData, x)) return 1;
   const auto& record = static_cast<const CMLSData&>(*data);
-  // Neither the point nor the samples nor the value are scaled: this family stays in physical units.
-  // Refused on purpose, although the formulas would work: the plain regression line.
+  // Neither the point nor the samples nor the value are scaled: this family stays in physical
+  // units. Refused on purpose, although the formulas would work: the plain regression line.
   if (record.PolynomialType == PolyLinear && record.WeightFunction == WeightConstant) return 1;
 
   std::vector<double> weights;
@@ -100,15 +131,9 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   std::vector<double> basis;
   if (EvaluateBasisFunction(&record, x, basis) != 0) return 1;
   if (weights.size() < basis.size() || record.OutputSamples.size() < weights.size()) return 1;
+  if (IsStoppedNow(record)) return 1;
 
-  NormalEquations equations(basis.size());
-  for (std::size_t j = 0; j < weights.size(); ++j) {
-    EvaluatePolynomialBasis(record.PolynomialType, record.InputSamples[j].data(), x.size(),
-                            equations.row.data());
-    equations.Add(weights[j], record.OutputSamples[j]);
-  }
-  equations.Complete();
-
+  NormalEquations equations = NormalEquationsOf(record, weights, basis.size());
   FlatMatrix A(equations.matrix.data(), basis.size());
   if (!IsExactlySymmetric(A, basis.size()) || !FactorCholesky(A, basis.size())) return 1;
   std::vector<double>& coefficients = equations.b;
@@ -119,14 +144,15 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   return 0;
 }
 
-int CMLSEvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(
-    const CRSData*, const std::vector<double>&, std::vector<double>&) const {
+int CMLSEvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(const CRSData*,
+                                                                      const std::vector<double>&,
+                                                                      std::vector<double>&) const {
   return 1;
 }
 
 int CMLSEvaluator::ComputeWeights(const CMLSData* data, const std::vector<double>& x,
                                   std::vector<double>& weights) const {
-  if (data->Stopped) return 1;
+  if (IsStoppedNow(*data)) return 1;
   weights.clear();
   if (!IsKnown(data->MLSDataVersion_)) return 1;
   const int p = data->NumberOfBasisFunctions;
@@ -154,7 +180,7 @@ int CMLSEvaluator::ComputeWeights(const CMLSData* data, const std::vector<double
 }
 
 int CMLSEvaluator::ComputeB(const CMLSData* data, std::vector<std::vector<double>>& B) const {
-  if (data->NumberOfUsedPoints < data->NumberOfBasisFunctions || data->Stopped) return 1;
+  if (data->NumberOfUsedPoints < data->NumberOfBasisFunctions || IsStoppedNow(*data)) return 1;
   B.clear();
   if (!IsCovered(data->NumberOfUsedPoints, data->InputSamples.size())) return 1;
   B.resize(static_cast<std::size_t>(data->NumberOfUsedPoints));

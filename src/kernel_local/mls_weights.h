@@ -7,8 +7,9 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Calls `use(weight)`, where weight(r) is the weight of `function` at distance r, with the reference
-/// distance `rho` and `d` inputs. The versions differ in two formulas; an unknown function weighs 0.
+/// Calls `use(weight)`, where weight(r) is the weight of `function` at distance r, with the
+/// reference distance `rho` and `d` inputs. The versions differ in two formulas; an unknown
+/// function weighs 0.
 template <class Use>
 void WithWeight(E_CMLSDataVersion version, E_WeightFunction function, double rho, double d,
                 const Use& use) {

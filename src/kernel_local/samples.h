@@ -3,10 +3,18 @@
 #include <cstddef>
 #include <vector>
 
+#include "pxrom/rs_data.h"
+
 namespace Tarvane::Plexura::PXROM {
 
 /// Samples as a record holds them: one row per sample.
 using SampleRows = std::vector<std::vector<double>>;
+
+/// Whether `data` is stopped at this moment. Another thread may stop it during an evaluation, so
+/// that the flag is read anew each time; how the threads come to see it is the host's affair.
+inline bool IsStoppedNow(const CRSData& data) {
+  return const_cast<const volatile bool&>(data.Stopped);
+}
 
 /// Whether the count field of a record is no negative number and no more than there are.
 inline bool IsCovered(int count, std::size_t size) {

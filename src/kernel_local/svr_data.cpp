@@ -1,5 +1,7 @@
 #include <cstddef>
+#include <utility>
 
+#include "kernel_local/samples.h"
 #include "kernel_local/svr_kernels.h"
 #include "pxrom/support_vector.h"
 

@@ -23,8 +23,8 @@ struct Input {
 // ignored on purpose: lengths that do not fit leave both the point and the samples in physical
 // units.
 std::vector<Input> ScaledInputs(const CSVRData& record, const std::vector<double>& x) {
-  const bool isScaled = record.InputScaleSlopes.size() == x.size() &&
-                        record.InputScaleIntercepts.size() == x.size();
+  const bool isScaled =
+      record.InputScaleSlopes.size() == x.size() && record.InputScaleIntercepts.size() == x.size();
   std::vector<Input> inputs(x.size());
   for (std::size_t v = 0; v < x.size(); ++v) {
     Input& input = inputs[v];
@@ -64,8 +64,8 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (!IsEvaluable(data, DT_SVRData, x)) return 1;
   const auto& record = static_cast<const CSVRData&>(*data);
   const SampleRows& samples = record.InputSamples;
-  const bool isPaired = record.SVRLossFuncType == SVRLossFuncPaired3 ||
-                        record.SVRLossFuncType == SVRLossFuncPaired4;
+  const bool isPaired =
+      record.SVRLossFuncType == SVRLossFuncPaired3 || record.SVRLossFuncType == SVRLossFuncPaired4;
   const std::vector<double>& multipliers = isPaired ? record.AlphasStar : record.Betas;
   if (!IsCovered(record.NumberOfSamples, samples.size())) return 1;
   if (multipliers.size() > samples.size()) return 1;
@@ -96,8 +96,9 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   return 0;
 }
 
-int CSVREvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(
-    const CRSData*, const std::vector<double>&, std::vector<double>&) const {
+int CSVREvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(const CRSData*,
+                                                                      const std::vector<double>&,
+                                                                      std::vector<double>&) const {
   return 1;
 }
 

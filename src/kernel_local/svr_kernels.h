@@ -70,10 +70,4 @@ bool WithKernel(E_SVRKernType type, std::size_t inputs, const Use& use) {
   return false;
 }
 
-/// Whether `data` is stopped at this moment. Between two kernels another thread may stop it, so that
-/// the flag has to be read each time; how the threads see it is the host's affair.
-inline bool IsStoppedNow(const CRSData& data) {
-  return const_cast<const volatile bool&>(data.Stopped);
-}
-
 }  // namespace Tarvane::Plexura::PXROM

@@ -146,27 +146,33 @@ void LanesLoop(const Function& function, const double* kernels, const double* x,
 }
 
 template <class Function, bool kPerInput>
-void RowsLoop(const double* kernels, const double* x, const ScaledRows& samples, std::size_t d,
-              double* r) {
+double RowsLoop(const double* kernels, const double* x, const ScaledRows& samples, std::size_t d,
+                const double* weights, double* r) {
   constexpr std::size_t kLanes = 8;
   const Function function;
+  double sum = 0.0;
+  // The sum follows each group at once: its chain of additions hides behind the next group's work.
+  const auto addUp = [&](std::size_t first, std::size_t last) {
+    if (weights == nullptr) return;
+    for (std::size_t j = first; j < last; ++j) sum += r[j] * weights[j];
+  };
   std::size_t first = 0;
   for (; first + kLanes <= samples.count; first += kLanes) {
     LanesLoop<Function, kPerInput, kLanes>(function, kernels, x, samples, first, d, r);
+    addUp(first, first + kLanes);
   }
   for (; first < samples.count; ++first) {
     LanesLoop<Function, kPerInput, 1>(function, kernels, x, samples, first, d, r);
+    addUp(first, first + 1);
   }
+  return sum;
 }
 
 template <class Function>
-void OfRows(const Kernels& kernels, const double* x, const ScaledRows& samples, std::size_t d,
-            double* r) {
-  if (kernels.count == 1) {
-    RowsLoop<Function, false>(kernels.values, x, samples, d, r);
-  } else {
-    RowsLoop<Function, true>(kernels.values, x, samples, d, r);
-  }
+double OfRows(const Kernels& kernels, const double* x, const ScaledRows& samples, std::size_t d,
+              const double* weights, double* r) {
+  return kernels.count == 1 ? RowsLoop<Function, false>(kernels.values, x, samples, d, weights, r)
+                            : RowsLoop<Function, true>(kernels.values, x, samples, d, weights, r);
 }
 
 template <class Function>

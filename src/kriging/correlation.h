@@ -26,9 +26,10 @@ struct Correlation {
   /// The correlation of two points in scaled space.
   double (*ofPair)(const Kernels& kernels, const double* x, const double* y, std::size_t d);
   /// The correlations of a point with each of the rows, exactly as `ofPair` gives them on rows
-  /// scaled one by one. Each row has at least `d` values; `r` has room for all.
-  void (*ofRows)(const Kernels& kernels, const double* x, const ScaledRows& samples, std::size_t d,
-                 double* r);
+  /// scaled one by one; and their sum in the rows' order, each times its weight, or 0 if `weights`
+  /// is null. Each row has at least `d` values; `r` has room for all.
+  double (*ofRows)(const Kernels& kernels, const double* x, const ScaledRows& samples,
+                   std::size_t d, const double* weights, double* r);
 };
 
 /// The function of the record, or null when its type is none, its kernels do not serve its inputs

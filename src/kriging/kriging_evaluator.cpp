@@ -25,21 +25,17 @@ class Prediction {
     if (correlation == nullptr) return false;
     const auto n = static_cast<std::size_t>(record_.NumberOfSamples);
     correlations_.resize(n);
-    correlation->ofRows({record_.CorrelationKernels.data(), record_.CorrelationKernels.size()},
-                        point_.data(),
-                        {record_.InputSamples.data(), n, record_.InputScaleSlopes.data(),
-                         record_.InputScaleIntercepts.data()},
-                        point_.size(), correlations_.data());
+    weighted_ = correlation->ofRows(
+        {record_.CorrelationKernels.data(), record_.CorrelationKernels.size()}, point_.data(),
+        {record_.InputSamples.data(), n, record_.InputScaleSlopes.data(),
+         record_.InputScaleIntercepts.data()},
+        point_.size(), record_.CorrelationCoefficients.data(), correlations_.data());
     return true;
   }
 
   /// The value in physical units: trend plus weighted correlations, backscaled. False, with `y`
   /// untouched, when the trend does not fit its coefficients.
   bool Value(double& y) {
-    double weighted = 0.0;
-    for (std::size_t j = 0; j < correlations_.size(); ++j) {
-      weighted += correlations_[j] * record_.CorrelationCoefficients[j];
-    }
     double trend = 0.0;
     if (record_.PolynomialType != PolyNone) {
       const std::vector<double>& coefficients = record_.PolynomialCoefficients;
@@ -52,7 +48,7 @@ class Prediction {
       record_.ComputeVandermondePolynomialVector(point_, record_.PolynomialType, trend_);
       for (std::size_t k = 0; k < trend_.size(); ++k) trend += trend_[k] * coefficients[k];
     }
-    double value = trend + weighted;
+    double value = trend + weighted_;
     record_.BackscaleAndOverwriteOutputSample(value);
     y = value;
     return true;
@@ -85,6 +81,7 @@ class Prediction {
   const CKrigingData& record_;
   std::vector<double> point_;
   std::vector<double> correlations_;
+  double weighted_ = 0.0;
   std::vector<double> trend_;
 };
 

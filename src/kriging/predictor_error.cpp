@@ -22,19 +22,19 @@ bool Covers(const Matrix& m, std::size_t rows, std::size_t columns) {
                                          [&](const Vector& row) { return row.size() >= columns; });
 }
 
-// `kLanes` rows side by side, as many chains that hide each other's latency.
-template <std::size_t kLanes>
+// Rows side by side, as many chains that hide each other's latency.
+template <std::size_t kRows>
 void AddRowProducts(const Vector* rows, const double* x, std::size_t columns, double* out) {
-  const double* row[kLanes];
-  double sum[kLanes];
-  for (std::size_t lane = 0; lane < kLanes; ++lane) {
+  const double* row[kRows];
+  double sum[kRows];
+  for (std::size_t lane = 0; lane < kRows; ++lane) {
     row[lane] = rows[lane].data();
     sum[lane] = out[lane];
   }
   for (std::size_t j = 0; j < columns; ++j) {
-    for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += row[lane][j] * x[j];
+    for (std::size_t lane = 0; lane < kRows; ++lane) sum[lane] += row[lane][j] * x[j];
   }
-  for (std::size_t lane = 0; lane < kLanes; ++lane) out[lane] = sum[lane];
+  for (std::size_t lane = 0; lane < kRows; ++lane) out[lane] = sum[lane];
 }
 
 /// out[k] grows by m[k][j] x[j], in ascending j, for each element of `out`. `m` must cover both.
@@ -102,7 +102,7 @@ int CKrigingData::EvalErrorPredictions(Matrix& rows, Vector& out) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (even && rows[i].size() == d) {
       correlation->ofRows({CorrelationKernels.data(), CorrelationKernels.size()}, rows[i].data(),
-                          {InputSamples.data(), n, slopes.data(), intercepts.data()}, d,
+                          {InputSamples.data(), n, slopes.data(), intercepts.data()}, d, nullptr,
                           R[i].data());
       continue;
     }

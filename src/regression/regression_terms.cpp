@@ -271,34 +271,52 @@ int CrossPolyTerm::EvaluateDesignRow(const int& numInputVars, const double* x, d
 
 namespace Tarvane::Plexura::PXROM {
 
-namespace {
-
-/// term->EvaluateValue without the virtual call for the classes that fill a quadratic. The class is
-/// asked and not the type number, since a host's own term may carry any number; comparing addresses
-/// can only miss, and then the virtual call gives the same.
-inline int ValueOf(const RegTerm* term, int numInputVars, const double* x, double& value) {
-  const std::type_info* const type = &typeid(*term);
+/// Adds the value of a term of the classes that fill a quadratic, without a virtual call. False
+/// when it is none or not ready to be added, for whatever reason: EvaluateValue tells then. The
+/// class is asked and not the type number, since a host's own term may carry any; comparing
+/// addresses can only miss.
+inline bool TermSum::AddReady(const RegTerm& term, unsigned numInputVars, const double* x,
+                              double& sum) {
+  const std::type_info* const type = &typeid(term);
   if (type == &typeid(CrossQuadTerm) || type == &typeid(PureQuadTerm)) {
-    return static_cast<const QuadTerm*>(term)->QuadTerm::EvaluateValue(numInputVars, x, &value);
+    if (!IsReady(term)) return false;
+    const auto first = static_cast<unsigned>(term.inputVariablesIndex[0]);
+    const auto second = static_cast<unsigned>(term.inputVariablesIndex[1]);
+    if (first >= numInputVars || second >= numInputVars) return false;
+    sum += x[first] * *term.coefficientValue * x[second];
+    return true;
   }
   if (type == &typeid(LinearTerm)) {
-    return static_cast<const LinearTerm*>(term)->LinearTerm::EvaluateValue(numInputVars, x, &value);
+    if (!IsReady(term)) return false;
+    const auto first = static_cast<unsigned>(term.inputVariablesIndex[0]);
+    if (first >= numInputVars) return false;
+    sum += x[first] * *term.coefficientValue;
+    return true;
   }
-  return term->EvaluateValue(numInputVars, x, &value);
+  return false;
 }
 
-}  // namespace
+/// Active and complete. In the classes above the flags are 0 or 1, and a set one says that its
+/// array is there.
+inline bool TermSum::IsReady(const RegTerm& term) {
+  return (term.isActive & term.isCoefficientSet & term.isInputVariablesIndexSet) == 1;
+}
 
-int SumOfTerms(const RegTerm* const* terms, int count, int numInputVars, const double* x,
-               double& sum) {
+int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
+                 double& sum) {
+  const auto inputs = static_cast<unsigned>(numInputVars);
+  double total = sum;
+  int status = 0;
   for (int k = 0; k < count; ++k) {
+    const RegTerm* const term = terms[k];
+    if (term != nullptr && AddReady(*term, inputs, x, total)) continue;
     double value = 0.0;
-    if (terms[k] == nullptr) return 1;
-    const int status = ValueOf(terms[k], numInputVars, x, value);
-    if (status != 0) return status;
-    sum += value;
+    status = term != nullptr ? term->EvaluateValue(numInputVars, x, &value) : 1;
+    if (status != 0) break;
+    total += value;
   }
-  return 0;
+  sum = total;
+  return status;
 }
 
 std::unique_ptr<RegTerm> NewTerm(E_FuncType type) {

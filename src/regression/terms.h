@@ -13,9 +13,17 @@ std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
 /// it names none. A CrossPolyTerm loses its list, see there.
 std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source);
 
-/// Adds the values of `count` terms to `sum`, in their order. The first non-zero status is returned
-/// at once with the sum up to there; a missing term gives 1.
-int SumOfTerms(const RegTerm* const* terms, int count, int numInputVars, const double* x,
-               double& sum);
+/// The sum of a list of terms.
+class TermSum {
+ public:
+  /// Adds the values of `count` terms to `sum`, in their order. The first non-zero status is
+  /// returned at once with the sum up to there; a missing term gives 1.
+  static int Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
+                 double& sum);
+
+ private:
+  static bool IsReady(const RegTerm& term);
+  static bool AddReady(const RegTerm& term, unsigned numInputVars, const double* x, double& sum);
+};
 
 }  // namespace Tarvane::Plexura::PXROM

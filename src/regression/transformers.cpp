@@ -30,7 +30,8 @@ int InverseBox(double x, double lambda, Limit limit, double& out) {
 }
 
 int InverseBox(double x, double lambda, double& out) {
-  return InverseBox(x, lambda, [](double limit) { return limit; }, out);
+  return InverseBox(
+      x, lambda, [](double limit) { return limit; }, out);
 }
 
 }  // namespace
@@ -62,6 +63,8 @@ int CTransformer::BacktransformAndOverwrite(std::vector<double>&, const std::vec
 }
 
 int CTransformer::BacktransformAndOverwrite(double&, double, double) const { return 0; }
+
+void CTransformer::TransformBlock(std::size_t, double*, const double*, const double*) const {}
 
 int CTransformerExpo::Forward(double x, double, double, double& out) {
   out = std::exp(x);
@@ -163,7 +166,9 @@ int CTransformerLogBox::Backward(double x, double, double lambda, double& out) {
     return 0;
   }
   double power = 0.0;
-  if (InverseBox(x, lambda, [](double limit) { return std::log(limit); }, power) != 0) return 1;
+  if (InverseBox(
+          x, lambda, [](double limit) { return std::log(limit); }, power) != 0)
+    return 1;
   out = std::exp(power);
   return 0;
 }
@@ -210,7 +215,7 @@ template <class Child, E_QRSTransformationType kType>
 int FormulaTransformer<Child, kType>::TransformAndOverwrite(
     std::vector<double>& x, const std::vector<double>& values,
     const std::vector<double>& lambdas) const {
-  for (std::size_t i = 0; i < x.size(); ++i) Child::Forward(x[i], values[i], lambdas[i], x[i]);
+  FormulaTransformer::TransformBlock(x.size(), x.data(), values.data(), lambdas.data());
   return 0;
 }
 
@@ -232,6 +237,13 @@ template <class Child, E_QRSTransformationType kType>
 int FormulaTransformer<Child, kType>::BacktransformAndOverwrite(double& x, double value,
                                                                 double lambda) const {
   return Child::Backward(x, value, lambda, x);
+}
+
+template <class Child, E_QRSTransformationType kType>
+void FormulaTransformer<Child, kType>::TransformBlock(std::size_t count, double* x,
+                                                      const double* values,
+                                                      const double* lambdas) const {
+  for (std::size_t i = 0; i < count; ++i) Child::Forward(x[i], values[i], lambdas[i], x[i]);
 }
 
 template <class Child, E_QRSTransformationType kType>
@@ -270,8 +282,8 @@ const CTransformerLogBox kLogBox;
 const CTransformerYeo kYeo;
 
 // By the number of the type.
-const CTransformer* const kTransformers[] = {&kIdentity, &kExpo, &kLogA,   &kLogE,   &kLog10,
-                                             &kSquare,   &kPower, &kBox, &kLogBox, &kYeo};
+const CTransformer* const kTransformers[] = {&kIdentity, &kExpo,  &kLogA, &kLogE,   &kLog10,
+                                             &kSquare,   &kPower, &kBox,  &kLogBox, &kYeo};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "pxrom/regression.h"
@@ -36,10 +37,14 @@ class CTransformer {
   virtual int BacktransformAndOverwrite(std::vector<double>& x, const std::vector<double>& values,
                                         const std::vector<double>& lambdas) const;
   virtual int BacktransformAndOverwrite(double& x, double value, double lambda) const;
+  /// TransformAndOverwrite of `count` values in a block, with as many parameters.
+  virtual void TransformBlock(std::size_t count, double* x, const double* values,
+                              const double* lambdas) const;
 };
 
 /// What the transformers share: the operations, written on the two formulas of `Child`,
-/// Forward(x, value, lambda, out) and Backward(x, value, lambda, out), which write `out` or return 1.
+/// Forward(x, value, lambda, out) and Backward(x, value, lambda, out), which write `out` or
+/// return 1.
 template <class Child, E_QRSTransformationType kType>
 class FormulaTransformer : public CTransformer {
  public:
@@ -54,6 +59,8 @@ class FormulaTransformer : public CTransformer {
   int BacktransformAndOverwrite(std::vector<double>& x, const std::vector<double>& values,
                                 const std::vector<double>& lambdas) const override;
   int BacktransformAndOverwrite(double& x, double value, double lambda) const override;
+  void TransformBlock(std::size_t count, double* x, const double* values,
+                      const double* lambdas) const override;
   /// The formulas of TransformAndOverwrite and BacktransformAndOverwrite into `out`.
   virtual int Transform(double x, double& out, double value, double lambda) const;
   virtual int Backtransform(double x, double& out, double value, double lambda) const;
@@ -80,8 +87,8 @@ class CTransformerLogE : public FormulaTransformer<CTransformerLogE, TransformLo
   static int Backward(double x, double value, double lambda, double& out);
 };
 
-/// log10(x); back 10^x, which refuses x above the **natural** logarithm of 1e99, about 228, although
-/// the result would be a finite number.
+/// log10(x); back 10^x, which refuses x above the **natural** logarithm of 1e99, about 228,
+/// although the result would be a finite number.
 class CTransformerLog10 : public FormulaTransformer<CTransformerLog10, TransformLog10> {
  public:
   static int Forward(double x, double value, double lambda, double& out);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "pxrom/linear_basis.h"
+#include "pxrom/moving_least_squares.h"
+#include "pxrom/support_vector.h"
+
+// Support vector, moving least squares and linear basis surfaces as their steps are told, one after
+// the other and without any of the library's shortcuts: what the fast paths are measured against,
+// and what they must equal to the last bit. The records have to be sound.
+namespace literal {
+
+using Tarvane::Plexura::PXROM::CLBFData;
+using Tarvane::Plexura::PXROM::CMLSData;
+using Tarvane::Plexura::PXROM::CSVRData;
+
+int EvaluateSupportVector(const CSVRData& record, const std::vector<double>& x, double& y);
+int EvaluateMovingLeastSquares(const CMLSData& record, const std::vector<double>& x, double& y);
+int EvaluateLinearBasis(const CLBFData& record, const std::vector<double>& x, double& y);
+
+}  // namespace literal

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# The shared library exports what its public headers mark with PXROM_API, and nothing else.
+#
+#   symbols.sh HEADERS LIBRARY
+set -euo pipefail
+headers=$1 library=$2
+
+classes=$(grep -ohE '^(class|struct) PXROM_API \w+' "$headers"/*.h | awk '{print $3}' | paste -sd '|')
+functions=$(sed -nE 's/^PXROM_API .* (\w+)\(.*/\1/p' "$headers"/*.h | sort -u | paste -sd '|')
+about='(vtable for |typeinfo for |typeinfo name for |(non-)?virtual thunk to )?'
+public="^$about(Tarvane::Plexura::(PXROM|Core)::)?(($classes)(::.*|\$)|($functions)\()"
+
+exported=$(nm -DC --defined-only "$library" | cut -d ' ' -f 3-)
+[[ $exported == *Tarvane::Plexura::PXROM::CDiscreteCombinations::Evaluate* ]] || {
+  echo "symbols.sh: the library does not export what it should" >&2
+  exit 1
+}
+# Weak instances of the standard library's templates are everybody's.
+if others=$(grep -vE "$public" <<<"$exported" | grep -vE "^${about}([^(<]* )?(std|__gnu_cxx)::"); then
+  echo "symbols.sh: exported, but no part of the public headers:" >&2
+  echo "$others" >&2
+  exit 1
+fi

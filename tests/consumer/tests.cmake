@@ -1,0 +1,20 @@
+# Tests from a host's side. Each builds what it needs in a folder of its own.
+
+set(work ${CMAKE_CURRENT_BINARY_DIR}/consumer)
+set(folder ${PROJECT_SOURCE_DIR}/tests/consumer)
+
+add_test(NAME consumer.subdirectory COMMAND
+  ${folder}/subdirectory.sh ${PROJECT_SOURCE_DIR} ${work}/subdirectory ${CMAKE_CXX_COMPILER})
+
+# A host without our sanitizers or coverage can't load a library with them.
+if(NOT PXROM_SANITIZE AND NOT PXROM_COVERAGE)
+  if(BUILD_SHARED_LIBS AND PXROM_BUILD_TOOLS)
+    add_test(NAME consumer.shared COMMAND
+      ${folder}/installed.sh ${PROJECT_SOURCE_DIR} ${work}/shared ${CMAKE_CXX_COMPILER}
+      shared ${PROJECT_BINARY_DIR})
+    add_test(NAME consumer.symbols COMMAND
+      ${folder}/symbols.sh ${PROJECT_SOURCE_DIR}/include/pxrom $<TARGET_FILE:pxrom>)
+  endif()
+  add_test(NAME consumer.static COMMAND
+    ${folder}/installed.sh ${PROJECT_SOURCE_DIR} ${work}/static ${CMAKE_CXX_COMPILER} static)
+endif()

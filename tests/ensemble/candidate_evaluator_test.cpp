@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "ensemble/cross_validation.h"
+#include "ensemble/test_candidates.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using Matrix = std::vector<std::vector<double>>;
+
+CFittingCandidates ListOf(const CFittingCandidate& candidate) {
+  CFittingCandidates list;
+  list.AddFittingCandidate(candidate);
+  return list;
+}
+
+struct Answer {
+  int status;
+  double value;
+  double error;
+};
+
+Answer Evaluate(const CFittingCandidate& candidate, const std::vector<double>& x) {
+  Answer answer{0, -1, -2};
+  answer.status = CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(
+      ListOf(candidate), x, answer.value, answer.error);
+  return answer;
+}
+
+Answer EvaluateValue(const CFittingCandidate& candidate, const std::vector<double>& x) {
+  Answer answer{0, -1, -2};
+  answer.status = CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(ListOf(candidate),
+                                                                                 x, answer.value);
+  return answer;
+}
+
+void ExpectAnswer(const Answer& answer, int status, double value, double error) {
+  EXPECT_EQ(answer.status, status);
+  EXPECT_EQ(answer.value, value);
+  EXPECT_EQ(answer.error, error);
+}
+
+// Two constants of one input, with output slope 2 and intercept 1.
+CFittingCandidate Ensemble(int inputs = 1) {
+  CFittingCandidate candidate;
+  for (const double value : {7.0, 3.0}) {
+    const CConstantData constant = Constant(value, inputs);
+    candidate.AddRSAndWeight(&constant, value == 7.0 ? 0.5 : 0.25);
+  }
+  candidate.SetInputScaleSlopes(std::vector<double>(static_cast<std::size_t>(inputs), 1));
+  candidate.SetInputScaleIntercepts(std::vector<double>(static_cast<std::size_t>(inputs), 0));
+  candidate.SetOutputScaleSlope(2);
+  candidate.SetOutputScaleIntercept(1);
+  return candidate;
+}
+
+TEST(CandidateEvaluator, AddsByWeightAndBackscalesOnce) {
+  const double expected = (0.5 * 7 + 0.25 * 3 - 1) / 2;
+  ExpectAnswer(EvaluateValue(Ensemble(), {0}), 0, expected, -2);
+  ExpectAnswer(Evaluate(Ensemble(), {0}), -2, expected, -2);
+  ExpectAnswer(Evaluate(Ensemble(0), {}), 0, expected, 0);
+}
+
+TEST(CandidateEvaluator, WithoutASlopeTheValueStaysScaled) {
+  CFittingCandidate candidate = Ensemble();
+  candidate.SetOutputScaleSlope(0);
+  ExpectAnswer(EvaluateValue(candidate, {0}), 1, 4.25, -2);
+  // A missing error wins over it.
+  ExpectAnswer(Evaluate(candidate, {0}), -2, 4.25, -2);
+  CFittingCandidate withoutInputs = Ensemble(0);
+  withoutInputs.SetOutputScaleSlope(0);
+  ExpectAnswer(Evaluate(withoutInputs, {}), 1, 4.25, 0);
+  candidate.SetOutputScaleSlope(std::nan(""));
+  EXPECT_EQ(EvaluateValue(candidate, {0}).status, 0);
+}
+
+TEST(CandidateEvaluator, RefusalsSayWhatTheyLeaveBehind) {
+  ExpectAnswer(EvaluateValue(Ensemble(), {0, 0}), 1, -1, -2);
+  ExpectAnswer(Evaluate(Ensemble(), {}), 1, -1, -2);
+  double value = 5;
+  EXPECT_EQ(CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate({}, {0}, value), 1);
+  EXPECT_EQ(value, 5);
+  // A surface that refuses, or of no family, leaves the partial sum.
+  CFittingCandidate candidate = Ensemble();
+  CConstantData stopped = Constant(1, 1);
+  stopped.Stopped = true;
+  candidate.AddRSAndWeight(&stopped, 1);
+  ExpectAnswer(EvaluateValue(candidate, {0}), 1, 4.25, -2);
+  ExpectAnswer(Evaluate(candidate, {0}), 1, 4.25, -2);
+  struct Unknown : CRSData {
+    CRSData* Clone() const override { return new Unknown(*this); }
+    E_DataType DataType() const override { return static_cast<E_DataType>(9); }
+  };
+  const Unknown unknown;
+  CFittingCandidate odd = Ensemble();
+  odd.AddRSAndWeight(&unknown, 1);
+  ExpectAnswer(EvaluateValue(odd, {0}), 1, 4.25, -2);
+  ExpectAnswer(Evaluate(odd, {0}), 1, 4.25, -2);
+}
+
+CFittingCandidate CrossValidated() {
+  CFittingCandidate candidate = Ensemble();
+  for (const double value : {6.0, 8.0, 2.0, 4.0}) {
+    const CConstantData constant = Constant(value, 1);
+    candidate.AddSubRS(&constant);
+  }
+  Matrix rows = {{0}, {1}, {2}};
+  std::vector<int> folds = {2, 1};
+  candidate.SetCrossValidationData(rows, folds);
+  double rho = 0.5;
+  candidate.SetDPMinDist(rho);
+  return candidate;
+}
+
+TEST(CandidateEvaluator, CrossValidatedErrorsAgreeWithAnIndependentCalculation) {
+  std::ifstream file(PXROM_TEST_DATA "/ensemble/cross_validation.json");
+  const auto cases = nlohmann::json::parse(file);
+  ASSERT_EQ(cases.size(), 12u);
+  for (const auto& c : cases) {
+    CFittingCandidate candidate;
+    const auto x = c["x"].get<std::vector<double>>();
+    const auto inputs = static_cast<int>(x.size());
+    for (std::size_t i = 0; i < c["values"].size(); ++i) {
+      const CConstantData constant = Constant(c["values"][i], inputs);
+      candidate.AddRSAndWeight(&constant, c["weights"][i]);
+      for (const double value : c["foldValues"][i]) {
+        const CConstantData sub = Constant(value, inputs);
+        candidate.AddSubRS(&sub);
+      }
+    }
+    auto rows = c["rows"].get<Matrix>();
+    auto folds = c["folds"].get<std::vector<int>>();
+    double rho = c["rho"];
+    candidate.SetCrossValidationData(rows, folds);
+    candidate.SetDPMinDist(rho);
+    candidate.SetInputScaleSlopes(c["inputSlopes"]);
+    candidate.SetInputScaleIntercepts(c["inputIntercepts"]);
+    candidate.SetOutputScaleSlope(c["slope"]);
+    candidate.SetOutputScaleIntercept(c["intercept"]);
+    const Answer answer = Evaluate(candidate, x);
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_NEAR(answer.value, c["value"], 1e-13 * std::fabs(c["value"].get<double>()));
+    const double error = c["error"];
+    EXPECT_NEAR(answer.error, error, 1e-11 * std::fabs(error) + 1e-15);
+  }
+}
+
+TEST(CandidateEvaluator, AtASampleTheErrorIsZeroWithTheSlopesSign) {
+  CFittingCandidate candidate = CrossValidated();
+  Answer answer = Evaluate(candidate, {1});
+  ExpectAnswer(answer, 0, (4.25 - 1) / 2, 0.0);
+  EXPECT_FALSE(std::signbit(answer.error));
+  candidate.SetOutputScaleSlope(-2);
+  EXPECT_TRUE(std::signbit(Evaluate(candidate, {1}).error));
+}
+
+TEST(CandidateEvaluator, WithoutFoldsOnlyTheDistanceTermIsLeft) {
+  CFittingCandidate candidate = Ensemble();
+  Matrix rows = {{0}, {1}};
+  std::vector<int> folds;
+  candidate.SetCrossValidationData(rows, folds);
+  double rho = 100;
+  candidate.SetDPMinDist(rho);
+  const double damping = std::log(1.0 + 10.0 * 0.25 / (100 + 0.0001));
+  ExpectAnswer(Evaluate(candidate, {0.5}), 0, 1.625, ((0.005 * 0.25 + 0.0) * damping / 2) * 3);
+}
+
+TEST(CandidateEvaluator, CrossValidationShapesThatDoNotFitAreRefused) {
+  const auto refused = [](auto change) {
+    CFittingCandidate candidate = CrossValidated();
+    EXPECT_EQ(Evaluate(candidate, {0.5}).status, 0);
+    change(candidate);
+    const Answer answer = Evaluate(candidate, {0.5});
+    EXPECT_EQ(answer.error, -2);
+    // The value form does not care.
+    EXPECT_EQ(EvaluateValue(candidate, {0.5}).status, 0);
+    return answer.status == 1;
+  };
+  const auto withFolds = [](std::vector<int> folds) {
+    return [folds](CFittingCandidate& c) mutable {
+      Matrix rows = c.GetvvdScSortedInput();
+      c.SetCrossValidationData(rows, folds);
+    };
+  };
+  EXPECT_TRUE(refused(withFolds({2, 2})));
+  EXPECT_TRUE(refused(withFolds({3, 0})));
+  EXPECT_TRUE(refused(withFolds({4, -1})));
+  EXPECT_TRUE(refused(withFolds({3})));
+  EXPECT_TRUE(refused([](CFittingCandidate& c) {
+    Matrix rows = {{0}, {}, {1}};
+    std::vector<int> folds = {2, 1};
+    c.SetCrossValidationData(rows, folds);
+  }));
+  EXPECT_TRUE(refused([](CFittingCandidate& c) {
+    const CConstantData constant = Constant(1, 1);
+    c.AddSubRS(&constant);
+  }));
+  CFittingCandidate none = CrossValidated();
+  CFittingCandidate empty;
+  Matrix rows = none.GetvvdScSortedInput();
+  std::vector<int> folds = none.GetviNumPtsPerFold();
+  empty.SetCrossValidationData(rows, folds);
+  EXPECT_EQ(Evaluate(empty, {}).status, 1);
+}
+
+// The sort as it is told, and what stands in front after it.
+double FirstOfBubbleSort(std::vector<double> values, double threshold) {
+  for (std::size_t pass = values.size() - 1; pass > 0; --pass) {
+    for (std::size_t i = 0; i < pass; ++i) {
+      if (values[i] - values[i + 1] > threshold) std::swap(values[i], values[i + 1]);
+    }
+  }
+  return values[0];
+}
+
+TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
+  std::mt19937 random(17);
+  for (int round = 0; round < 20000; ++round) {
+    // Steps of a quarter of the threshold, so that nearly every neighbour is a close call.
+    const double spread = round % 2 == 0 ? 40 : 4000;
+    std::vector<double> values(1 + random() % 12);
+    for (double& value : values) {
+      value = 0.25 * std::floor(static_cast<double>(random() % 1000) * spread / 1000);
+      if (random() % 50 == 0) value = std::nan("");
+    }
+    const double expected = FirstOfBubbleSort(values, 1.0);
+    double first = -1;
+    EXPECT_EQ(FirstAfterTolerantSort(values.data(), values.size(), 1.0, first), 0);
+    EXPECT_TRUE(first == expected || (std::isnan(first) && std::isnan(expected)));
+  }
+}
+
+TEST(TolerantSort, GivesUpRatherThanSortForMinutes) {
+  std::vector<double> values(200000);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    values[i] = 10.0 * static_cast<double>(values.size() - i);
+  }
+  values.back() = values[values.size() - 2] - 0.5;
+  double first = -1;
+  EXPECT_EQ(FirstAfterTolerantSort(values.data(), values.size(), 1.0, first), 1);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

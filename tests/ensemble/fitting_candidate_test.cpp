@@ -1,0 +1,251 @@
+#include "pxrom/fitting_candidate.h"
+
+#include <gtest/gtest.h>
+
+#include "ensemble/test_candidates.h"
+#include "pxrom/fitting_candidates.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using Matrix = std::vector<std::vector<double>>;
+
+class OpenCandidate : public CFittingCandidate {
+ public:
+  using CFittingCandidate::computeMinDist;
+};
+
+std::vector<double> Values(const CFittingCandidate& candidate) {
+  std::vector<double> values;
+  for (int i = 0; i < static_cast<int>(candidate.GetRSCount()); ++i) {
+    values.push_back(ValueOf(candidate.GetRSPtr(i)));
+  }
+  return values;
+}
+
+std::vector<double> SubValues(const CFittingCandidate& candidate) {
+  std::vector<double> values;
+  for (int i = 0; i < static_cast<int>(candidate.GetSubRSCounts()); ++i) {
+    values.push_back(ValueOf(candidate.GetSubRSPtr(i)));
+  }
+  return values;
+}
+
+CFittingCandidate Filled() {
+  CFittingCandidate candidate;
+  const CConstantData constant = Constant(4, 1);
+  candidate.AddRSAndWeight(&constant, 0.5);
+  candidate.AddSubRS(&constant);
+  candidate.SetNumberOfInputVariables(1);
+  candidate.SetNumberOfSamples(2);
+  candidate.SetInputSamples({{1}, {2}});
+  candidate.SetOutputSamples({3, 4});
+  candidate.SetInputScaleSlopes({5});
+  candidate.SetInputScaleIntercepts({6});
+  candidate.SetOutputScaleSlope(7);
+  candidate.SetOutputScaleIntercept(8);
+  Matrix sorted = {{1}, {2}};
+  std::vector<int> folds = {2};
+  candidate.SetCrossValidationData(sorted, folds);
+  double distance = 9;
+  candidate.SetDPMinDist(distance);
+  auto version = FittingCandidateVersion170;
+  candidate.setDataVersion(version);
+  return candidate;
+}
+
+void ExpectEmptyButForScaleAndDistance(const CFittingCandidate& candidate, double slope,
+                                       double distance) {
+  int count = -1;
+  Matrix rows = {{1}};
+  std::vector<double> list = {1};
+  double number = -1;
+  EXPECT_EQ(candidate.DataVersion(), FittingCandidateVersion192);
+  EXPECT_EQ(candidate.GetRSCount() + candidate.GetSubRSCounts(), 0u);
+  candidate.GetNumberOfInputVariables(count);
+  EXPECT_EQ(count, 0);
+  candidate.GetNumberOfSamples(count);
+  EXPECT_EQ(count, 0);
+  candidate.GetInputSamples(rows);
+  EXPECT_TRUE(rows.empty());
+  candidate.GetOutputSamples(list);
+  EXPECT_TRUE(list.empty());
+  candidate.GetInputScaleSlopes(list);
+  EXPECT_TRUE(list.empty());
+  candidate.GetInputScaleIntercepts(list);
+  EXPECT_TRUE(list.empty());
+  candidate.GetOutputScaleSlope(number);
+  EXPECT_EQ(number, slope);
+  candidate.GetOutputScaleIntercept(number);
+  EXPECT_EQ(number, 0.0);
+  EXPECT_FALSE(candidate.GetIsErrPredRequired());
+  EXPECT_TRUE(candidate.GetviNumPtsPerFold().empty());
+  EXPECT_TRUE(candidate.GetvvdScSortedInput().empty());
+  EXPECT_EQ(candidate.GetDPMinDist(), distance);
+}
+
+TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
+  CFittingCandidate candidate;
+  ExpectEmptyButForScaleAndDistance(candidate, 1.0, 0.0);
+  double y = 3.0;
+  EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSample(y), 0);
+  candidate = Filled();
+  EXPECT_EQ(candidate.ResetData(), 0);
+  ExpectEmptyButForScaleAndDistance(candidate, 0.0, 9.0);
+  EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSample(y), 1);
+  EXPECT_EQ(y, 3.0);
+  std::vector<double> none;
+  EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(none), 0);
+  std::vector<double> some = {2.0};
+  EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(some), 1);
+  EXPECT_EQ(some, (std::vector<double>{2.0}));
+}
+
+TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
+  auto source = std::make_unique<CFittingCandidate>(Filled());
+  const CFittingCandidate copy(*source);
+  CFittingCandidate first;
+  CFittingCandidate second = Filled();
+  first = *source;
+  second = *source;
+  EXPECT_NE(copy.GetRSPtr(0), source->GetRSPtr(0));
+  EXPECT_EQ(first.GetRSPtr(0), source->GetRSPtr(0));
+  EXPECT_EQ(first.GetSubRSPtr(0), second.GetSubRSPtr(0));
+  EXPECT_EQ(first.DataVersion(), FittingCandidateVersion170);
+  // Whoever goes first, the others keep what they share.
+  source->ResetData();
+  EXPECT_EQ(Values(first), (std::vector<double>{4}));
+  source.reset();
+  first = first;
+  EXPECT_EQ(Values(first), (std::vector<double>{4}));
+  first.ResetData();
+  EXPECT_EQ(Values(second), (std::vector<double>{4}));
+  EXPECT_EQ(SubValues(copy), (std::vector<double>{4}));
+  // What is shared is stopped for all.
+  CFittingCandidate third;
+  third = second;
+  third.SetStatusStopped();
+  EXPECT_TRUE(second.GetRSPtr(0)->Stopped);
+  EXPECT_FALSE(second.GetSubRSPtr(0)->Stopped);
+  EXPECT_FALSE(copy.GetRSPtr(0)->Stopped);
+}
+
+TEST(FittingCandidate, PointersOutsideTheListsAreNull) {
+  const CFittingCandidate candidate = Filled();
+  for (const int i : {-1, 1, 1 << 30}) {
+    EXPECT_EQ(candidate.GetRSPtr(i), nullptr);
+    EXPECT_EQ(candidate.GetSubRSPtr(i), nullptr);
+  }
+  EXPECT_EQ(CFittingCandidate().GetRSPtr(0), nullptr);
+  EXPECT_EQ(CFittingCandidate().GetSubRSPtr(0), nullptr);
+}
+
+struct Surfaces {
+  std::vector<CConstantData> data;
+  std::vector<CRSData*> pointers;
+  explicit Surfaces(int count) {
+    for (int i = 0; i < count; ++i) data.push_back(Constant(i, 1));
+    for (CConstantData& d : data) pointers.push_back(&d);
+  }
+};
+
+TEST(FittingCandidate, SettingSurfacesWithErrorPredictionSplitsAndAppends) {
+  CFittingCandidate candidate = Filled();
+  Surfaces six(6);
+  EXPECT_EQ(candidate.SetRSAndWeights(six.pointers, {0.1, 0.2}, true), 0);
+  EXPECT_EQ(Values(candidate), (std::vector<double>{4, 0, 3}));
+  EXPECT_EQ(SubValues(candidate), (std::vector<double>{4, 1, 2, 4, 5}));
+  EXPECT_EQ(candidate.GetRSWeight(1), 0.2);
+  double slope = 0;
+  candidate.GetOutputScaleSlope(slope);
+  EXPECT_EQ(slope, 7);
+}
+
+TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
+  CFittingCandidate candidate = Filled();
+  Surfaces two(2);
+  EXPECT_EQ(candidate.SetRSAndWeights(two.pointers, {1, 2}, false), 0);
+  EXPECT_EQ(Values(candidate), (std::vector<double>{0, 1}));
+  EXPECT_EQ(candidate.GetSubRSCounts(), 0u);
+  double slope = 1;
+  candidate.GetOutputScaleSlope(slope);
+  EXPECT_EQ(slope, 0.0);
+  // Its own surfaces are cloned before they are released.
+  const std::vector<CRSData*> own = {const_cast<CRSData*>(candidate.GetRSPtr(1))};
+  EXPECT_EQ(candidate.SetRSAndWeights(own, {3}, false), 0);
+  EXPECT_EQ(Values(candidate), (std::vector<double>{1}));
+}
+
+TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
+  Surfaces five(5);
+  struct Case {
+    std::vector<CRSData*> surfaces;
+    std::vector<double> weights;
+    bool errorPrediction;
+  };
+  const Case cases[] = {{five.pointers, {1, 2}, true},
+                        {five.pointers, {}, true},
+                        {{}, {}, true},
+                        {five.pointers, {1}, false},
+                        {{nullptr}, {1}, false},
+                        {{nullptr}, {1}, true},
+                        {{}, {1}, false}};
+  for (const Case& c : cases) {
+    CFittingCandidate candidate = Filled();
+    candidate.SetbIsErrPredRequired(!c.errorPrediction);
+    EXPECT_EQ(candidate.SetRSAndWeights(c.surfaces, c.weights, c.errorPrediction), 1);
+    EXPECT_EQ(candidate.GetIsErrPredRequired(), c.errorPrediction);
+    EXPECT_EQ(Values(candidate), (std::vector<double>{4}));
+    EXPECT_EQ(candidate.GetRSWeight(0), 0.5);
+  }
+  EXPECT_EQ(CFittingCandidate().AddRSAndWeight(nullptr, 1), 1);
+  EXPECT_EQ(CFittingCandidate().AddSubRS(nullptr), 1);
+}
+
+TEST(FittingCandidate, DistanceScaleIsTheWidestGapButForRowZero) {
+  struct Case {
+    Matrix rows;
+    double scale;
+  };
+  const Case cases[] = {{{{0, 0}, {3, 4}}, 25},
+                        {{{0, 0}}, 0},
+                        {{}, 0},
+                        // Row 0 is the loneliest one and does not count.
+                        {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 4}};
+  for (const Case& c : cases) {
+    OpenCandidate candidate;
+    candidate.SetNumberOfInputVariables(2);
+    candidate.SetNumberOfSamples(static_cast<int>(c.rows.size()));
+    Matrix rows = c.rows;
+    std::vector<int> folds;
+    candidate.SetCrossValidationData(rows, folds);
+    EXPECT_EQ(candidate.computeMinDist(), 0);
+    EXPECT_EQ(candidate.GetDPMinDist(), c.scale);
+  }
+}
+
+TEST(FittingCandidates, AssigningOverElementsSharesAndGrowingClones) {
+  CFittingCandidates two = OneConstant(1, 1);
+  const CRSData* const before = two.GetCandidatePtr(0)->GetRSPtr(0);
+  CFittingCandidates target = OneConstant(5, 1);
+  target = two;
+  EXPECT_EQ(target.GetCandidatePtr(0)->GetRSPtr(0), before);
+  CFittingCandidates empty;
+  empty = two;
+  EXPECT_NE(empty.GetCandidatePtr(0)->GetRSPtr(0), before);
+  two.ResetData();
+  EXPECT_EQ(ValueOf(target.GetCandidatePtr(0)->GetRSPtr(0)), 1);
+  EXPECT_EQ(two.GetEvaluationCandidatePtr(), nullptr);
+  EXPECT_EQ(two.GetCandidatePtr(0), nullptr);
+  EXPECT_EQ(target.GetCandidatePtr(-1), nullptr);
+  target.SetCandidateIdxForEvaluation(1);
+  EXPECT_EQ(target.GetEvaluationCandidatePtr(), nullptr);
+  CRSData negative;
+  negative.NumberOfInputVariables = -2;
+  EXPECT_EQ(target.GenerateCandidateFromCRSData(&negative), 1);
+  EXPECT_EQ(target.GenerateCandidateFromCRSData(nullptr), 1);
+  EXPECT_EQ(target.GetCandidateCount(), 1u);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,94 @@
+// Every fitted model answers as the tool that fitted it: the whole road from text to numbers.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "pxrom/database_reader.h"
+#include "pxrom/discrete_combinations.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using Json = nlohmann::json;
+using NamedValues = std::vector<std::pair<std::string, double>>;
+namespace fs = std::filesystem;
+
+std::vector<std::string> Models() {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
+    if (entry.is_directory()) names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string ContentOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream content;
+  content << file.rdbuf();
+  return content.str();
+}
+
+void Read(std::string text, CDiscreteCombinations& model) {
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+}
+
+template <class Value>
+std::vector<std::pair<std::string, Value>> Named(const Json& object) {
+  const auto map = object.get<std::map<std::string, Value>>();
+  return {map.begin(), map.end()};
+}
+
+void ExpectNear(const NamedValues& got, const Json& want, double tolerance) {
+  ASSERT_EQ(got.size(), want.size());
+  for (const auto& [id, value] : got) {
+    const double expected = want.at(id);
+    EXPECT_NEAR(value, expected, tolerance * std::max(1.0, std::fabs(expected))) << id;
+  }
+}
+
+class FittedModel : public testing::TestWithParam<std::string> {};
+
+TEST_P(FittedModel, AnswersAsItsToolDoes) {
+  const fs::path folder = fs::path(PXROM_TEST_DATA "/models") / GetParam();
+  CDiscreteCombinations model;
+  Read(ContentOf(folder / "model.pxdb"), model);
+  const Json cases = Json::parse(ContentOf(folder / "cases.json"));
+  ASSERT_FALSE(cases.empty());
+  for (const Json& c : cases) {
+    const auto discrete = Named<int>(c["discrete"]);
+    auto continuous = Named<double>(c["continuous"]);
+    NamedValues outputs;
+    EXPECT_EQ(model.Evaluate(discrete, continuous, outputs), 0);
+    ExpectNear(outputs, c["outputs"], c["tolerance"]);
+    // The order in which a caller names the values is its own.
+    std::reverse(continuous.begin(), continuous.end());
+    NamedValues reversed;
+    EXPECT_EQ(model.Evaluate(discrete, continuous, reversed), 0);
+    EXPECT_EQ(reversed, outputs);
+    if (c["errors"].is_null()) continue;
+
+    // The form with errors may leave scaled samples in a Kriging record: a fresh copy for each.
+    const CDiscreteCombinations fresh(model);
+    NamedValues errors;
+    const bool all = c["errors"].size() == c["outputs"].size();
+    EXPECT_EQ(fresh.Evaluate(discrete, continuous, outputs, errors), all ? 0 : -2);
+    ExpectNear(outputs, c["outputs"], c["tolerance"]);
+    ExpectNear(errors, c["errors"], c["error_tolerance"]);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, FittedModel, testing::ValuesIn(Models()),
+                         [](const auto& model) { return model.param; });
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

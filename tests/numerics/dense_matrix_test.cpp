@@ -1,0 +1,381 @@
+#include "pxrom/dense_matrix.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Values = std::vector<double>;
+
+constexpr int kMost = std::numeric_limits<int>::max();
+
+DRecMtx Matrix(int rows, int cols, const Values& values) {
+  DRecMtx matrix(rows, cols);
+  EXPECT_EQ(matrix.AssignChecked(values.data()), 0);
+  return matrix;
+}
+
+template <class Vector>
+Vector Vec(const Values& values) {
+  Vector vector(static_cast<int>(values.size()));
+  EXPECT_EQ(vector.AssignChecked(values.data()), values.empty() ? 1 : 0);
+  return vector;
+}
+
+/// Rows, columns and elements in one.
+struct Content {
+  int rows = 0;
+  int cols = 0;
+  Values values;
+  bool operator==(const Content& other) const {
+    return rows == other.rows && cols == other.cols && values == other.values;
+  }
+};
+
+std::ostream& operator<<(std::ostream& out, const Content& content) {
+  out << content.rows << " by " << content.cols << ":";
+  for (const double value : content.values) out << ' ' << value;
+  return out;
+}
+
+Content ContentOf(const DMtx& matrix) {
+  Content content;
+  int size = 0;
+  matrix.GetDimensions(content.rows, content.cols);
+  matrix.GetSize(size);
+  content.values.resize(static_cast<std::size_t>(size));
+  matrix.CopyDataTo(content.values.data());
+  return content;
+}
+
+int CapacityOf(const DMtx& matrix) {
+  int capacity = -1;
+  matrix.GetCapacity(capacity);
+  return capacity;
+}
+
+TEST(DenseMatrix, RefusesShapesAndKeepsWhatItHas) {
+  for (const auto& [rows, cols] :
+       std::vector<std::pair<int, int>>{{0, 1}, {1, 0}, {-1, 2}, {65536, 32768}, {kMost, 2}}) {
+    SCOPED_TRACE(testing::Message() << rows << " by " << cols);
+    EXPECT_EQ(ContentOf(DRecMtx(rows, cols)), (Content{}));
+    DRecMtx matrix = Matrix(1, 2, {1, 2});
+    EXPECT_EQ(matrix.Allocate(rows, cols), 1);
+    EXPECT_EQ(matrix.SetDimensions(rows, cols), 1);
+    DRecMtx empty;
+    EXPECT_EQ(empty.SetDimensions(rows, cols), 1);
+    EXPECT_EQ(empty.AllocateStorage(), 1);
+    EXPECT_EQ(ContentOf(matrix), (Content{1, 2, {1, 2}}));
+  }
+}
+
+TEST(DenseMatrix, HasDimensionsBeforeStorage) {
+  DRecMtx matrix;
+  EXPECT_EQ(matrix.SetDimensions(2, 3), 0);
+  EXPECT_EQ(matrix.Fill(7.0), 0);
+  EXPECT_EQ(ContentOf(matrix), (Content{2, 3, {}}));
+  double value = 5.0;
+  double* address = &value;
+  EXPECT_EQ(matrix.GetElement(1, 1, value) + matrix.GetRow(0, &value) + matrix.SetRow(0, &value) +
+                matrix.GetColumn(0, &value) + matrix.Resize(1, 1),
+            5);
+  EXPECT_EQ(value, 5.0);
+  EXPECT_EQ(matrix.GetRowPtr(1, address), 0);
+  EXPECT_EQ(address, nullptr);
+  EXPECT_EQ(matrix.AllocateStorage(), 0);
+  EXPECT_EQ(ContentOf(matrix), (Content{2, 3, Values(6, 0.0)}));
+}
+
+TEST(DenseMatrix, ShrinksWithoutMovingAnything) {
+  DRecMtx matrix = Matrix(3, 4, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+  EXPECT_EQ(matrix.SetDimensions(2, 2), 0);
+  EXPECT_EQ(ContentOf(matrix), (Content{2, 2, {0, 1, 2, 3}}));
+  EXPECT_EQ(CapacityOf(matrix), 12);
+  EXPECT_EQ(matrix.Resize(1, 0), 1);
+  EXPECT_EQ(matrix.SetDimensions(13, 1), 1);
+  const DRecMtx copy(matrix);
+  EXPECT_EQ(matrix.SetDimensions(4, 3), 0);
+  EXPECT_EQ(matrix.Max(), 11.0);
+  EXPECT_EQ(ContentOf(copy), (Content{2, 2, {0, 1, 2, 3}}));
+  EXPECT_EQ(CapacityOf(copy), 12);
+}
+
+TEST(DenseMatrix, ResizeKeepsTheCommonBlock) {
+  const struct {
+    int rowDelta, colDelta, status;
+    Content content;
+  } kCases[] = {
+      {1, 1, 0, {3, 3, {1, 2, 0, 3, 4, 0, 0, 0, 0}}},
+      {-1, 1, 0, {1, 3, {1, 2, 0}}},
+      {1, -1, 0, {3, 1, {1, 3, 0}}},
+      {0, -2, 1, {2, 2, {1, 2, 3, 4}}},
+      {-3, 0, 1, {2, 2, {1, 2, 3, 4}}},
+      {kMost, 0, 1, {2, 2, {1, 2, 3, 4}}},
+      {kMost - 2, 0, 1, {2, 2, {1, 2, 3, 4}}},
+  };
+  for (const auto& c : kCases) {
+    DRecMtx matrix = Matrix(2, 2, {1, 2, 3, 4});
+    EXPECT_EQ(matrix.Resize(c.rowDelta, c.colDelta), c.status);
+    EXPECT_EQ(ContentOf(matrix), c.content);
+  }
+  // A vector asked for a second column refuses the shape after its elements are gone.
+  DColVec column = Vec<DColVec>({1, 2});
+  EXPECT_EQ(column.Resize(0, 1), 0);
+  EXPECT_EQ(ContentOf(column), (Content{0, 1, {}}));
+}
+
+TEST(DenseMatrix, RowsAndColumns) {
+  DRecMtx matrix = Matrix(2, 3, {1, 2, 3, 4, 5, 6});
+  Values out(4, -1.0);
+  for (const int outside : {-1, 3}) {
+    const int indices[] = {0, outside};
+    EXPECT_EQ(matrix.GetColumns(2, indices, out.data()), 1);
+    EXPECT_EQ(matrix.GetColumn(outside, out.data()) + matrix.SetColumn(outside, out.data()) +
+                  matrix.GetRow(outside, out.data()) + matrix.SetRow(outside, out.data()),
+              4);
+  }
+  EXPECT_EQ(out, Values(4, -1.0));
+  const int indices[] = {2, 0};
+  EXPECT_EQ(matrix.GetColumns(2, indices, out.data()), 0);
+  EXPECT_EQ(out, (Values{3, 1, 6, 4}));
+
+  DRowVec row(2);
+  DColVec column(2);
+  EXPECT_EQ(matrix.GetRowAsVector(1, row), 0);
+  EXPECT_EQ(ContentOf(row), (Content{1, 2, {4, 5}}));
+  EXPECT_EQ(matrix.GetColumnAsVector(2, column), 0);
+  EXPECT_EQ(ContentOf(column), (Content{2, 1, {3, 6}}));
+  EXPECT_EQ(matrix.SetColumnFromVector(0, column), 0);
+  EXPECT_EQ(ContentOf(matrix), (Content{2, 3, {3, 2, 3, 6, 5, 6}}));
+
+  // An empty vector is a failure for a row and none for a column.
+  DRowVec noRow;
+  DColVec noColumn;
+  EXPECT_EQ(matrix.GetRowAsVector(1, noRow), 1);
+  EXPECT_EQ(matrix.GetColumnAsVector(1, noColumn), 0);
+  // What would be read or written past an end is refused.
+  DRowVec longRow(4);
+  DColVec longColumn(3);
+  EXPECT_EQ(matrix.GetRowAsVector(1, longRow), 1);
+  EXPECT_EQ(matrix.GetColumnAsVector(1, longColumn), 1);
+  EXPECT_EQ(matrix.SetColumnFromVector(1, DColVec(1)), 1);
+  EXPECT_EQ(matrix.SetColumnFromVector(1, noColumn), 1);
+}
+
+TEST(DenseMatrix, ElementsByIndex) {
+  DRecMtx matrix = Matrix(2, 3, {1, 2, 3, 4, 5, 6});
+  const struct {
+    int i, j, status;
+    double value;
+  } kCases[] = {{1, 2, 0, 6},  {2, 0, 1, -1},  {0, 3, 1, -1},
+                {1, -1, 0, 3}, {0, -1, 1, -1}, {-1, 2, 1, -1}};
+  for (const auto& c : kCases) {
+    double value = -1.0;
+    EXPECT_EQ(matrix.GetElement(c.i, c.j, value), c.status) << c.i << ' ' << c.j;
+    EXPECT_EQ(value, c.value) << c.i << ' ' << c.j;
+  }
+  double* address = nullptr;
+  EXPECT_EQ(matrix.GetRowPtr(1, address), 0);
+  EXPECT_EQ(address, matrix.ElementPtr(1, 0));
+  EXPECT_EQ(matrix.GetRowPtr(2, address), 1);
+  EXPECT_EQ(matrix.GetRowPtr(-1, address), 0);
+  EXPECT_EQ(address, nullptr);
+}
+
+TEST(DenseMatrix, ArithmeticRunsOverTheElements) {
+  const DRecMtx matrix = Matrix(1, 3, {1, -2, 4});
+  const Values a = {10, 20, 30};
+  Values out(3);
+  EXPECT_EQ(matrix.Add(a.data(), out.data()), 0);
+  EXPECT_EQ(out, (Values{11, 18, 34}));
+  EXPECT_EQ(matrix.Subtract(a.data(), out.data()), 0);
+  EXPECT_EQ(out, (Values{-9, -22, -26}));
+  EXPECT_EQ(matrix.AddScalar(0.5, out.data()), 0);
+  EXPECT_EQ(out, (Values{1.5, -1.5, 4.5}));
+  EXPECT_EQ(matrix.Multiply(-2, out.data()), 0);
+  EXPECT_EQ(out, (Values{-2, 4, -8}));
+  DRecMtx inPlace(matrix);
+  EXPECT_EQ(inPlace.AddInPlace(a.data()) + inPlace.AddScalarInPlace(1) +
+                inPlace.MultiplyInPlace(2) + inPlace.SubtractInPlace(a.data()),
+            0);
+  EXPECT_EQ(ContentOf(inPlace), (Content{1, 3, {14, 18, 40}}));
+
+  EXPECT_EQ(matrix.Min(), -2.0);
+  EXPECT_EQ(matrix.Max(), 4.0);
+  EXPECT_EQ(DMtx().Min(), 9e99);
+  EXPECT_EQ(DMtx().Max(), -9e99);
+  EXPECT_EQ(Matrix(1, 1, {1e100}).Min(), 9e99);
+  EXPECT_EQ(Matrix(1, 5, {1e-31, -1e-31, -1.1e-31, 0, 1}).CountNonZero(), 2);
+}
+
+TEST(DenseMatrix, Prints) {
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(Matrix(2, 2, {1, -2.5, 1234567.25, 1e-9}).Print(), 0);
+  EXPECT_EQ(DMtx().Print(), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "\n1.000000 -2.500000 \n1234567.250000 0.000000 \n\n\n\n");
+}
+
+TEST(DenseMatrix, AppendsToATarget) {
+  const struct {
+    const char* what;
+    DRecMtx from, target;
+    bool byRows;
+    int status;
+    Content result;
+  } kCases[] = {
+      {"columns",
+       Matrix(2, 1, {7, 8}),
+       Matrix(2, 3, {1, 2, 3, 4, 5, 6}),
+       false,
+       0,
+       {2, 4, {1, 2, 3, 7, 4, 5, 6, 8}}},
+      {"rows",
+       Matrix(2, 2, {5, 6, 7, 8}),
+       Matrix(1, 2, {1, 2}),
+       true,
+       0,
+       {3, 2, {1, 2, 5, 6, 7, 8}}},
+      {"other rows", Matrix(1, 1, {7}), Matrix(2, 1, {1, 2}), false, 1, {2, 1, {1, 2}}},
+      {"other columns", Matrix(1, 1, {7}), Matrix(1, 2, {1, 2}), true, 1, {1, 2, {1, 2}}},
+      {"to nothing", Matrix(1, 2, {7, 8}), DRecMtx(), true, 0, {1, 2, {7, 8}}},
+      {"nothing to nothing", DRecMtx(), DRecMtx(), false, 0, {}},
+      {"nothing", DRecMtx(), Matrix(1, 1, {1}), true, 1, {1, 1, {1}}},
+  };
+  for (const auto& c : kCases) {
+    DRecMtx target(c.target);
+    EXPECT_EQ(c.from.AppendTo(target, c.byRows), c.status) << c.what;
+    EXPECT_EQ(ContentOf(target), c.result) << c.what;
+  }
+  DRecMtx self = Matrix(2, 1, {1, 2});
+  EXPECT_EQ(self.AppendTo(self, false) + self.AppendTo(self, true), 0);
+  EXPECT_EQ(ContentOf(self), (Content{4, 2, {1, 1, 2, 2, 1, 1, 2, 2}}));
+  DRecMtx shrunk = Matrix(2, 2, {1, 2, 3, 4});
+  shrunk.SetDimensions(1, 2);
+  EXPECT_EQ(self.AppendTo(shrunk, true), 1);
+}
+
+TEST(DenseMatrix, CopiesSwapsAndMoves) {
+  DRecMtx a = Matrix(1, 2, {1, 2});
+  DRecMtx b = a;
+  b.Fill(9);
+  EXPECT_EQ(a.Swap(b), 0);
+  EXPECT_EQ(ContentOf(a), (Content{1, 2, {9, 9}}));
+  EXPECT_EQ(ContentOf(b), (Content{1, 2, {1, 2}}));
+  a = *&a;
+  EXPECT_EQ(ContentOf(a), (Content{1, 2, {9, 9}}));
+  b = std::move(a);
+  EXPECT_EQ(ContentOf(b), (Content{1, 2, {9, 9}}));
+  b = DRecMtx();
+  EXPECT_EQ(ContentOf(b), (Content{}));
+
+  Values first(2), second(2);
+  double* rows[] = {first.data(), second.data()};
+  DRecMtx c = Matrix(2, 2, {1, 2, 3, 4});
+  EXPECT_EQ(c.CopyToRows(rows), 0);
+  std::swap(rows[0], rows[1]);
+  EXPECT_EQ(c.SetFromRows(rows), 0);
+  EXPECT_EQ(ContentOf(c), (Content{2, 2, {3, 4, 1, 2}}));
+  EXPECT_EQ(DRecMtx().CopyToRows(rows) + DRecMtx().SetFromRows(rows), 2);
+}
+
+template <class Vector>
+class DenseVector : public testing::Test {};
+using Vectors = testing::Types<DColVec, DRowVec>;
+TYPED_TEST_SUITE(DenseVector, Vectors, );  // the empty argument is for clang's -Wpedantic
+
+TYPED_TEST(DenseVector, KeepsItsFixedDimension) {
+  constexpr bool kColumn = std::is_same_v<TypeParam, DColVec>;
+  const auto content = [](int n, const Values& values) {
+    return kColumn ? Content{n, 1, values} : Content{1, n, values};
+  };
+  EXPECT_EQ(ContentOf(TypeParam()), content(0, {}));
+  EXPECT_EQ(ContentOf(TypeParam(0)), content(0, {}));
+  TypeParam vector = Vec<TypeParam>({1, 2, 3});
+  EXPECT_EQ(vector.Allocate(2, 2) + vector.SetDimensions(2, 2), 2);
+  EXPECT_EQ(vector.AllocateLength(0) + vector.SetLength(0), 2);
+  EXPECT_EQ(vector.SetLength(2), 0);
+  EXPECT_EQ(vector.ResizeLength(1), 1);
+  EXPECT_EQ(vector.SetLength(3), 0);
+  EXPECT_EQ(ContentOf(vector), content(3, {1, 2, 3}));
+  // Its own storage limits a vector, until it is cleared.
+  EXPECT_EQ(vector.SetLength(4) + vector.AllocateLength(4), 2);
+  EXPECT_EQ(kColumn ? vector.Allocate(4, 1) : vector.Allocate(1, 4), 1);
+  EXPECT_EQ(ContentOf(vector), content(3, {1, 2, 3}));
+  EXPECT_EQ(vector.ResizeLength(1), 0);
+  EXPECT_EQ(ContentOf(vector), content(4, {1, 2, 3, 0}));
+  EXPECT_EQ(vector.ResizeLength(-4), 1);
+  EXPECT_EQ(vector.ResizeLength(-2), 0);
+  EXPECT_EQ(ContentOf(vector), content(2, {1, 2}));
+  vector.Clear();
+  EXPECT_EQ(vector.AllocateLength(5), 0);
+  EXPECT_EQ(ContentOf(vector), content(5, Values(5, 0.0)));
+}
+
+TEST(DColVec, Values) {
+  DColVec column = Vec<DColVec>({1, 2, 3});
+  DColVec other(3);
+  EXPECT_EQ(column.CopyToVector(other), 0);
+  EXPECT_EQ(ContentOf(other), (Content{3, 1, {1, 2, 3}}));
+  DColVec shorter(2);
+  EXPECT_EQ(column.CopyToVector(shorter), 1);
+  EXPECT_EQ(column.FillFromVector(Vec<DRowVec>({8, 9})), 0);
+  EXPECT_EQ(ContentOf(column), (Content{3, 1, {8, 8, 8}}));
+  EXPECT_EQ(column.FillFromVector(DColVec()), 1);
+  const double block[] = {5, 6};
+  EXPECT_EQ(column.SetRow(2, block), 0);
+  EXPECT_EQ(column.SetRow(3, block), 1);
+  EXPECT_EQ(ContentOf(column), (Content{3, 1, {8, 8, 5}}));
+  double value = -1;
+  EXPECT_EQ(column.GetAt(3, value) + column.GetAt(-1, value), 2);
+  EXPECT_EQ(value, -1);
+  EXPECT_EQ(column.GetAt(2, value), 0);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(DColVec().SetValues(block) + DColVec().CopyValuesTo(&value), 2);
+}
+
+TEST(DRowVec, KeepsItsOddities) {
+  const double block[] = {10, 20, 30};
+  DRowVec row = Vec<DRowVec>({1, 2, 3});
+  EXPECT_EQ(row.SetAt(2, block), 0);  // to element 0
+  EXPECT_EQ(ContentOf(row), (Content{1, 3, {30, 2, 3}}));
+  EXPECT_EQ(row.SetAt(3, block) + row.SetAt(-1, block), 2);
+
+  Values out(3, -1.0);
+  const int indices[] = {1, 0, 2};
+  const int outside[] = {1, 3};
+  EXPECT_EQ(row.GatherFirst(2, outside, out.data()), 1);
+  EXPECT_EQ(out, Values(3, -1.0));
+  EXPECT_EQ(row.GatherFirst(3, indices, out.data()), 0);
+  EXPECT_EQ(out, Values(3, 2.0));
+
+  const struct {
+    int i, status;
+    double value;
+  } kCases[] = {{-1, 1, -1}, {0, 0, 30}, {2, 0, 3}, {3, 0, 0.0}, {4, 1, -1}};
+  for (const auto& c : kCases) {
+    double value = -1.0;
+    EXPECT_EQ(row.GetAt(c.i, value), c.status) << c.i;
+    EXPECT_EQ(value, c.value) << c.i;
+  }
+}
+
+TEST(DRowVec, ExchangesSingleElements) {
+  DRowVec row = Vec<DRowVec>({1, 2, 3});
+  DColVec column = Vec<DColVec>({7, 8});
+  EXPECT_EQ(row.GetAtToVector(1, column), 0);
+  EXPECT_EQ(ContentOf(column), (Content{2, 1, {7, 2}}));
+  EXPECT_EQ(row.SetAtFromVector(0, column), 0);
+  EXPECT_EQ(ContentOf(row), (Content{1, 3, {7, 2, 3}}));
+  Values out(3, -1.0);
+  EXPECT_EQ(row.CopyAt(2, out.data()), 0);
+  EXPECT_EQ(out, (Values{-1, -1, 3}));
+  EXPECT_EQ(row.GetAtToVector(2, column) + row.SetAtFromVector(2, column) +
+                row.CopyAt(3, out.data()) + row.SetAtFromVector(-1, column),
+            4);
+}
+
+}  // namespace

@@ -1,0 +1,424 @@
+#include "numerics/distributions.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Row = std::vector<double>;  // arguments and the value to expect
+using Rows = std::vector<Row>;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+Rows Reference(const char* table) {
+  std::ifstream file(PXROM_TEST_DATA "/numerics/distributions.json");
+  return nlohmann::json::parse(file).at(table).get<Rows>();
+}
+
+/// Within `relative` of `expected`, or within `absolute`.
+bool IsNear(double value, double expected, double relative, double absolute) {
+  return std::fabs(value - expected) <= std::max(std::fabs(expected) * relative, absolute);
+}
+
+/// What `call` writes to the standard output.
+std::string Output(const std::function<void()>& call) {
+  testing::internal::CaptureStdout();
+  call();
+  return testing::internal::GetCapturedStdout();
+}
+
+double Quantile(double dof, double p) {
+  double x = kNan;
+  EXPECT_EQ(StudTDist(dof).EvalInvCdf(p, x), 0) << dof << ' ' << p;
+  return x;
+}
+
+TEST(Distributions, FunctionsAgreeWithReference) {
+  const struct {
+    const char* table;
+    double relative, absolute;
+    int (*evaluate)(const Row& a, double& out);
+  } kCases[] = {
+      {"gamma_ln", 1e-9, 2e-10, [](const Row& a, double& out) { return GammaLn(a[0], out); }},
+      {"gamma_p", 3e-7, 0.0,
+       [](const Row& a, double& out) { return IncompleteGammaP(a[0], a[1], out); }},
+      {"beta_function", 1e-10, 0.0,
+       [](const Row& a, double& out) { return BetaFunction(a[0], a[1], out); }},
+      {"beta_cdf", 1e-7, 0.0,
+       [](const Row& a, double& out) { return IncompleteBetaRatio(a[0], a[1], a[2], out); }},
+      {"gauss_cdf", 3e-7, 3e-17, [](const Row& a, double& out) { return StdGaussCdf(a[0], out); }},
+      {"gauss_quantile", 3e-8, 1e-9,
+       [](const Row& a, double& out) { return StdGaussInvCdf(a[0], out); }},
+      {"student_pdf", 1e-11, 0.0,
+       [](const Row& a, double& out) { return StudTDist(a[0]).EvalPdf(a[1], out); }},
+      {"student_cdf", 0.0, 4e-7,
+       [](const Row& a, double& out) { return StudTDist(a[0]).EvalCdf(a[1], out); }},
+  };
+  for (const auto& c : kCases) {
+    const Rows rows = Reference(c.table);
+    EXPECT_GE(rows.size(), 7U);
+    for (const Row& row : rows) {
+      double value = kNan;
+      EXPECT_EQ(c.evaluate(row, value), 0) << c.table << testing::PrintToString(row);
+      EXPECT_TRUE(IsNear(value, row.back(), c.relative, c.absolute))
+          << c.table << testing::PrintToString(row) << ' ' << value;
+    }
+  }
+}
+
+TEST(Distributions, BetaQuantilesAgreeWithReference) {
+  for (const Row& row : Reference("beta_quantile")) {
+    if (row[0] == 0.5 && row[2] == 0.5) continue;  // see LimitCycle
+    double value = kNan;
+    EXPECT_EQ(BetaDist::EvalInvCdf(row[0], row[1], 2.0, 6.0, row[2], value), 0);
+    EXPECT_NEAR(value, 2.0 + 4.0 * row[3], 5e-8) << testing::PrintToString(row);
+    double cdf = kNan;
+    EXPECT_EQ(BetaDist::EvalCdf(row[0], row[1], 2.0, 6.0, value, cdf), 0);
+    EXPECT_NEAR(cdf, row[2], 5e-8);
+  }
+}
+
+TEST(StudTDist, QuantilesAgreeWithReference) {
+  for (const Row& row : Reference("student_quantile")) {
+    const double dof = row[0];
+    const double p = row[1];
+    if (dof == 1.0 && p == 0.25) continue;  // see LimitCycle
+    // Near the middle many degrees of freedom show the step at which the iteration ends.
+    const bool middle = std::fabs(p - 0.5) < 0.05;
+    const double absolute = dof >= 500.0 ? 6e-5 : middle ? 4e-5 : 1e-7;
+    EXPECT_TRUE(IsNear(Quantile(dof, p), row[2], dof < 500.0 && !middle ? 1e-7 : 0.0, absolute))
+        << testing::PrintToString(row) << ' ' << Quantile(dof, p);
+    EXPECT_EQ(Quantile(dof, 0.5), 0.0);
+  }
+}
+
+// Each cut-off shows in the error of the formula that takes over.
+TEST(StudTDist, FormulasChangeAtTheirCutOffs) {
+  const auto quantileError = [](double dof, double exact) { return Quantile(dof, 0.999) - exact; };
+  EXPECT_LT(std::fabs(quantileError(499.9, 3.1066149167171)), 1e-6);
+  EXPECT_GT(std::fabs(quantileError(500.0, 3.1066116243216)), 1e-5);
+
+  double density = 0.0;
+  double gauss = 0.0;
+  StdGaussPdf(3.0, gauss);
+  EXPECT_EQ(StudTDist(342.0).EvalPdf(3.0, density), 0);
+  EXPECT_NEAR(density, 0.0046333949, 1e-9);
+  EXPECT_NE(density, gauss);
+  EXPECT_EQ(StudTDist(std::nextafter(342.0, 343.0)).EvalPdf(3.0, density), 0);
+  EXPECT_EQ(density, gauss);
+
+  const auto gaussCdf = [](double x) {
+    double p = kNan;
+    EXPECT_EQ(StdGaussCdf(x, p), 0);
+    return p;
+  };
+  EXPECT_TRUE(IsNear(gaussCdf(-7.0), 1.279812543885835e-12, 1e-10, 0.0));
+  EXPECT_FALSE(IsNear(gaussCdf(-6.9999), 1.2807263357149736e-12, 1e-6, 0.0));
+  EXPECT_EQ(gaussCdf(-0.001), -0.001 / 2.5066282746310007 + 0.5);
+  EXPECT_NE(gaussCdf(-0.0011), -0.0011 / 2.5066282746310007 + 0.5);
+  EXPECT_EQ(gaussCdf(8.0), 1.0 - gaussCdf(-8.0));
+
+  double p = kNan;
+  for (const double dof : {0.3, 10.0, 499.9, 500.0}) {
+    EXPECT_EQ(StudTDist(dof).EvalCdf(0.0, p), 0);
+    EXPECT_EQ(p, 0.5);
+  }
+}
+
+TEST(StudTDist, RefusesWithoutTouchingTheResult) {
+  const struct {
+    double dof, p;
+    int status;
+  } kCases[] = {{10, 0.0, 2},  {10, -1.0, 2}, {10, 1.0, 3},    {10, 2.0, 3},   {10, kNan, 1},
+                {0, 0.95, 1},  {-3, 0.95, 1}, {kNan, 0.95, 1}, {0, 0.5, 1},    {0, 0.0, 2},
+                {600, 1.0, 3}, {600, 0.0, 2}, {600, kNan, 1},  {-3, 1e-300, 1}};
+  for (const auto& c : kCases) {
+    double x = 7.0;
+    EXPECT_EQ(Output([&] { EXPECT_EQ(StudTDist(c.dof).EvalInvCdf(c.p, x), c.status); }), "");
+    EXPECT_EQ(x, 7.0) << c.dof << ' ' << c.p;
+  }
+  double out = 7.0;
+  EXPECT_EQ(StudTDist(2.0).EvalStdDev(out) + StudTDist(4.0).EvalKurtosis(out), 2);
+  EXPECT_EQ(out, 7.0);
+  EXPECT_EQ(StudTDist(4.0).EvalStdDev(out), 0);
+  EXPECT_EQ(out, std::sqrt(2.0));
+  EXPECT_EQ(StudTDist(10.0).EvalKurtosis(out), 0);
+  EXPECT_EQ(out, 1.0);
+}
+
+TEST(StudTDist, RefusesEverythingOnceReset) {
+  StudTDist dist(10.0);
+  EXPECT_EQ(dist.ResetParams(), 0);
+  double out = 7.0;
+  double xs[3];
+  EXPECT_EQ(dist.EvalMean(out) + dist.EvalStdDev(out) + dist.EvalSkewness(out) +
+                dist.EvalKurtosis(out) + dist.EvalPdf(0.0, out) + dist.EvalCdf(0.0, out) +
+                dist.EvalInvCdf(0.5, out) + dist.TabulatePdf(3, -1, 1, xs, xs) +
+                dist.TabulateCdf(3, -1, 1, xs, xs),
+            9);
+  EXPECT_EQ(dist.GetPlotBounds(1, out, out), 0);  // the status is the distribution's own 0
+  EXPECT_EQ(out, 7.0);
+  EXPECT_EQ(dist.SetParam(1, 5.0), 1);
+  EXPECT_EQ(dist.SetParam(0, 0.0) + dist.SetParam(0, kNan), 4);
+  EXPECT_EQ(dist.EvalMean(out), 1);
+  EXPECT_EQ(dist.SetParam(0, 5.0), 0);
+  EXPECT_EQ(dist.EvalMean(out), 0);
+}
+
+// The two fractions of the incomplete Beta function differ by 4e-8 where they meet, which is just
+// where this root lies: the iteration steps from one to the other and back.
+TEST(Distributions, LimitCycle) {
+  const std::string beta =
+      " \n *** ERROR in EvalInvCdf *** \n NO convergence of Newton-Raphson algorithm \n"
+      " dProb     = 0.500000 (given) \n dShapeR = 0.500000 (given) \n"
+      " dShapeT = 0.500000 (given) \n xstd      = 0.500000 (given) \n";
+  double x = 7.0;
+  EXPECT_EQ(Output([&] { EXPECT_EQ(BetaDist::EvalInvCdf(0.5, 0.5, 0, 1, 0.5, x), 1); }), beta);
+  for (const double p : {0.25, 0.75}) {
+    EXPECT_EQ(Output([&] { EXPECT_EQ(StudTDist(1.0).EvalInvCdf(p, x), 1); }),
+              beta + " *** ERROR 1 in StudTDist::EvalInvCdf *** \n");
+  }
+  EXPECT_EQ(x, 7.0);
+}
+
+TEST(Distributions, MessagesOfFailures) {
+  double x = 7.0;
+  // The last step and point of 200 exact Newton steps are -0.036486095240 and -27.407749644169.
+  EXPECT_EQ(Output([&] { EXPECT_EQ(StdGaussInvCdf(1e-300, x), 1); }),
+            " *** ERROR in StdGaussInvCdf *** \n NO convergence of Newton-Raphson algorithm \n"
+            " prob = 0.000000000 (given) \n pro2 = 0.000000000 (help ) \n cdf  = 0.000000000 \n"
+            " pdf  = 0.000000000 \n step = -0.036486095 \n xstd = -27.407749644 \n");
+  EXPECT_EQ(Output([&] { EXPECT_EQ(BetaDist::EvalCdf(1e6, 1e6, 0, 1, 0.5, x), 1); }),
+            " *** ERROR in BetaDist::EvalCdf *** \n");
+  EXPECT_EQ(Output([&] { EXPECT_EQ(BetaDist::EvalInvCdf(1e6, 1e6, 0, 1, 0.5, x), 1); }),
+            " *** ERROR in BetaDist::EvalCdf *** \n");
+  EXPECT_EQ(Output([&] { EXPECT_EQ(StudTDist(1000.0).EvalInvCdf(1e-300, x), 3); }),
+            " *** ERROR 2 in StudTDist::EvalInvCdf *** \n");
+  EXPECT_EQ(x, 7.0);
+}
+
+TEST(Distributions, EndsOfTheFunctions) {
+  double out = 7.0;
+  EXPECT_EQ(StdGaussInvCdf(kNan, out), 1);
+  EXPECT_EQ(IncompleteGammaP(0.5, -1.0, out) + IncompleteGammaP(0.0, 1.0, out) +
+                IncompleteGammaP(0.5, 0.0, out) + IncompleteGammaP(1000.0, 1000.0, out),
+            4);
+  EXPECT_EQ(BetaContinuedFraction(1e6, 1e6, 0.5, out), 1);
+  EXPECT_EQ(out, 7.0);
+  EXPECT_EQ(IncompleteGammaSeries(0.5, 0.0, out), 1);  // a right value with a refusing status
+  EXPECT_EQ(out, 0.0);
+  EXPECT_EQ(StdGaussInvCdf(0.0, out), 2);
+  EXPECT_EQ(out, -9e99);
+  EXPECT_EQ(StdGaussInvCdf(1.0, out), 3);
+  EXPECT_EQ(out, 9e99);
+  EXPECT_EQ(StdGaussInvCdf(0.5, out), 0);
+  EXPECT_EQ(out, 0.0);
+
+  const struct {
+    int (*evaluate)(const double&, const double&, const double&, const double&, const double&,
+                    double&);
+    double argument, value;
+  } kCases[] = {{BetaDist::EvalPdf, 1.9, 0.0},   {BetaDist::EvalPdf, 6.1, 0.0},
+                {BetaDist::EvalPdf, 4.0, 0.375}, {BetaDist::EvalCdf, 2.0, 0.0},
+                {BetaDist::EvalCdf, 6.0, 1.0},   {BetaDist::EvalInvCdf, 0.0, 2.0},
+                {BetaDist::EvalInvCdf, 1.0, 6.0}};
+  for (const auto& c : kCases) {
+    EXPECT_EQ(c.evaluate(2, 2, 2, 6, c.argument, out), 0);
+    EXPECT_NEAR(out, c.value, 1e-9);
+  }
+}
+
+TEST(StudTDist, Tabulates) {
+  const StudTDist dist(7.0);
+  double xs[7];
+  double ys[7];
+  EXPECT_EQ(dist.TabulateCdf(4, -0.1, 0.2, xs, ys), 0);
+  const double step = (0.2 - -0.1) / 3;
+  const double last = -0.1 + step + step + step;
+  EXPECT_EQ(xs[2], -0.1 + step + step);
+  EXPECT_EQ(xs[3], 0.2);
+  EXPECT_NE(last, 0.2);
+  double p = 0.0;
+  dist.EvalCdf(last, p);
+  EXPECT_EQ(ys[3], p);
+  EXPECT_EQ(dist.TabulateCdf(1, -1.0, 2.0, xs, ys), 0);
+  EXPECT_EQ(xs[0], 2.0);
+  dist.EvalCdf(-1.0, p);
+  EXPECT_EQ(ys[0], p);
+
+  // Four steps of x, and two of probability for the rest, sorted.
+  EXPECT_EQ(dist.TabulatePdf(7, -4.0, 4.0, xs, ys), 0);
+  double lowest = 0.0;
+  double highest = 0.0;
+  dist.EvalCdf(-4.0, lowest);
+  dist.EvalCdf(4.0, highest);
+  const double level = lowest + (highest - lowest) / 3;
+  const double inner[] = {Quantile(7.0, level), Quantile(7.0, level + (highest - lowest) / 3)};
+  EXPECT_EQ(std::vector<double>(xs, xs + 7),
+            (std::vector<double>{-4, -2, inner[0], 0, inner[1], 2, 4}));
+  for (int i = 0; i < 7; ++i) {
+    dist.EvalPdf(xs[i], p);
+    EXPECT_EQ(ys[i], p);
+  }
+  EXPECT_EQ(dist.TabulatePdf(3, -1.0, 1.0, xs, ys), 0);
+  EXPECT_EQ(std::vector<double>(xs, xs + 3), (std::vector<double>{-1, 0, 1}));
+
+  EXPECT_EQ(dist.TabulatePdf(2, -1.0, 1.0, xs, ys) + dist.TabulateCdf(0, -1.0, 1.0, xs, ys) +
+                dist.TabulateCdf(3, -1e100, 1.0, xs, ys) + dist.TabulatePdf(3, -1.0, 1e100, xs, ys),
+            4);
+}
+
+TEST(StudTDist, PlotBounds) {
+  const StudTDist dist(5.0);
+  const double q = Quantile(5.0, 0.999);
+  const double wide = Quantile(5.0, 0.999999);
+  const double narrow = Quantile(5.0, 0.998);
+  const struct {
+    unsigned char flags;
+    int status;
+    double lo, hi;
+  } kCases[] = {
+      {1, 0, -9e99, 9e99}, {3, 0, -9e99, 9e99},      {2, 0, -wide, wide},     {4, 0, -q, q},
+      {8 | 16, 0, -q, q},  {16, 0, -narrow, narrow}, {32, 0, -9e99, 9e99},    {0, 1, 7, 7},
+      {4 | 64, 0, -q, 7},  {4 | 128, 0, 7, q},       {4 | 64 | 128, 0, 7, 7}, {64, 1, 7, 7},
+  };
+  for (const auto& c : kCases) {
+    double lo = 7.0;
+    double hi = 7.0;
+    EXPECT_EQ(dist.GetPlotBounds(c.flags, lo, hi), c.status);
+    EXPECT_NEAR(lo, c.lo, std::fabs(c.lo) * 1e-7) << int{c.flags};
+    EXPECT_EQ(hi, c.hi) << int{c.flags};
+  }
+}
+
+TEST(StudTDist, AttributesSetTheDegreesOfFreedom) {
+  StudTDist dist(3.0);
+  StudTDOF ten;
+  StudTDOF unset;
+  Mean mean;
+  ten.SetValue(10.0);
+  for (const std::vector<DistAttr*>& refused :
+       std::vector<std::vector<DistAttr*>>{{&ten, &ten}, {&mean}, {nullptr}, {&unset}, {}}) {
+    EXPECT_EQ(dist.SetAttributes(refused), 1);
+  }
+  double dof = 0.0;
+  dist.GetParam(0, dof);
+  EXPECT_EQ(dof, 3.0);
+  EXPECT_EQ(dist.SetAttributes({&ten}), 0);
+
+  // A copy has attributes of its own, which are ours to delete.
+  StudTDist copy(1.0);
+  EXPECT_EQ(dist.CopyTo(&copy), 0);
+  EXPECT_EQ(dist.CopyTo(nullptr), 1);
+  std::vector<DistAttr*> attributes;
+  copy.GetAttributes(attributes);
+  ASSERT_EQ(attributes.size(), 1U);
+  const std::unique_ptr<DistAttr> own(attributes[0]);
+  EXPECT_NE(own.get(), &ten);
+  copy.GetParam(0, dof);
+  EXPECT_EQ(dof, 10.0);
+  own->GetValue(dof);
+  EXPECT_EQ(dof, 10.0);
+  copy.ClearAttributes();
+  long long count = -1;
+  copy.GetNumAttributes(count);
+  EXPECT_EQ(count, 0);
+
+  std::vector<int> ids = {4};
+  EXPECT_EQ(dist.GetAllowedAttributes(1, ids), 1);
+  EXPECT_TRUE(ids.empty());
+  EXPECT_EQ(dist.GetAllowedAttributes(0, ids), 0);
+  EXPECT_EQ(ids, (std::vector<int>{17, 0}));
+}
+
+TEST(StudTDist, MomentsAreRefusedWhereTheyWouldDo) {
+  const StudTDist dist(1.0);
+  Mean mean;
+  StdDev stdDev;
+  double out = 7.0;
+  stdDev.SetValue(2.0);
+  EXPECT_EQ(dist.EvalDofFromMoments(mean, stdDev, out), 1);
+  EXPECT_EQ(out, 0.0);
+  stdDev.SetValue(0.5);
+  EXPECT_EQ(dist.EvalDofFromMoments(mean, stdDev, out), 0);
+  EXPECT_EQ(out, 0.5 / -0.75);
+
+  const struct {
+    int param, type;
+    double center;
+    int status;
+    double value;
+  } kCases[] = {{0, 17, 0.0, 0, 5.0},
+                {0, 17, -40.0, 0, 5.0},
+                {0, 17, 10.0, 0, 0.5 / -0.75},
+                {1, 17, 10.0, 1, 7.0},
+                {0, 4, 10.0, 1, 7.0}};
+  for (const auto& c : kCases) {
+    out = 7.0;
+    EXPECT_EQ(dist.GetDefaultParam(c.param, c.type, c.center, out), c.status);
+    EXPECT_EQ(out, c.value) << c.center;
+  }
+}
+
+TEST(DistAttr, TakesItsRangeOfValues) {
+  struct Case {
+    int type;
+    double value;
+    int result, status;
+  };
+  std::vector<Case> cases = {
+      {8, 70.0, 0, 8},    {8, 70.1, 1, 7}, {8, -1.0, 0, 8},    {9, 50.0, 0, 8},
+      {9, 50.1, 1, 7},    {9, 0.0, 1, 5},  {10, 0.0, 2, 5},    {11, 0.0, 2, 5},
+      {11, 1000.1, 1, 7}, {12, 0.0, 1, 5}, {12, 1000.1, 1, 7}, {12, 1000.0, 0, 8},
+      {17, kNan, 1, 5},   {6, 0.5, 0, 8},  {6, 0.0, 1, 5},     {6, 1.0, 1, 6}};
+  for (const int type : {1, 2, 4, 7, 20}) cases.push_back({type, -1e300, 0, 8});
+  for (const int type : {3, 5, 13, 14, 15, 16, 17, 18, 19}) cases.push_back({type, 0.0, 1, 5});
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.type << ' ' << c.value);
+    const std::unique_ptr<DistAttr> attribute = NewDistAttr(c.type);
+    int type = 0;
+    double value = 0.0;
+    EXPECT_EQ(attribute->GetAttrType(type) + attribute->GetAttrStatus(), 0);
+    EXPECT_EQ(type, c.type);
+    attribute->GetValue(value);
+    const double unset = value;
+    EXPECT_EQ(unset, c.type == 20 ? -9e99 : -99.0);
+    EXPECT_EQ(attribute->SetValue(c.value), c.result);
+    EXPECT_EQ(attribute->GetAttrStatus(), c.status);
+    attribute->GetValue(value);
+    EXPECT_EQ(value, c.result == 0 ? c.value : unset);
+    const int pair = attribute->SetValue(1.0, 0.5) + attribute->GetValue(value, value);
+    EXPECT_EQ(pair, c.type == 6 ? 0 : 2);
+  }
+  EXPECT_EQ(NewDistAttr(0), nullptr);
+  EXPECT_EQ(NewDistAttr(21), nullptr);
+}
+
+TEST(DistAttr, PrctStoresItsValueEvenWhenItRefuses) {
+  Prct prct;
+  double value = 0.0;
+  double prob = 0.0;
+  EXPECT_EQ(prct.SetValue(3.0, 0.25), 0);
+  EXPECT_EQ(prct.SetValue(4.0, 1.0), 1);
+  EXPECT_EQ(prct.GetValue(value, prob), 0);
+  EXPECT_EQ(value, 4.0);
+  EXPECT_EQ(prob, 0.25);
+  EXPECT_EQ(prct.SetValue(0.75), 0);
+  Prct copy;
+  Mean mean;
+  EXPECT_EQ(prct.CopyTo(&copy), 0);
+  EXPECT_EQ(prct.CopyTo(&mean) + prct.CopyTo(nullptr) + mean.CopyTo(nullptr), 3);
+  copy.GetValue(value, prob);
+  EXPECT_EQ(value, 1.0);
+  EXPECT_EQ(prob, 0.75);
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include "pxrom/rs_data.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using Matrix = std::vector<std::vector<double>>;
+
+CRSData FilledRecord() {
+  CRSData data;
+  data.NumberOfInputVariables = 2;
+  data.NumberOfSamples = 3;
+  data.InputSamples = {{1, 10}, {2, 30}, {4, 20}};
+  data.OutputSamples = {5, -7, 6};
+  data.InputScaleSlopes = {2, 0.5};
+  data.InputScaleIntercepts = {1, -1};
+  data.OutputScaleSlope = 4;
+  data.OutputScaleIntercept = 3;
+  data.ReadyForSolve = data.ReadyForEvaluation = data.Stopped = true;
+  return data;
+}
+
+TEST(RSData, ANewOrResetRecordIsEmptyAndNotRight) {
+  CRSData reset = FilledRecord();
+  EXPECT_TRUE(reset.IsAllRight());
+  EXPECT_EQ(reset.ResetData(), 0);
+  CRSData fresh;
+  for (CRSData* data : {&reset, &fresh}) {
+    EXPECT_EQ(data->NumberOfInputVariables, 0);
+    EXPECT_EQ(data->NumberOfSamples, 0);
+    EXPECT_TRUE(data->InputSamples.empty() && data->OutputSamples.empty());
+    EXPECT_TRUE(data->InputScaleSlopes.empty() && data->InputScaleIntercepts.empty());
+    EXPECT_EQ(data->OutputScaleSlope, 0.0);
+    EXPECT_EQ(data->OutputScaleIntercept, 0.0);
+    EXPECT_FALSE(data->IsReadyForSolve() || data->IsReadyForEvaluation() || data->IsStopped());
+    EXPECT_EQ(data->RSDataVersion(), RSDataVersion162);
+    EXPECT_FALSE(data->IsSamplingCorrect() || data->IsScalingCorrect());
+  }
+}
+
+TEST(RSData, SamplingIsCorrectOnlyWhenEveryCountAndShapeAgrees) {
+  const auto broken = [](auto change) {
+    CRSData data = FilledRecord();
+    change(data);
+    return !data.IsSamplingCorrect();
+  };
+  EXPECT_TRUE(broken([](CRSData& d) { d.NumberOfSamples = 2; }));
+  EXPECT_TRUE(broken([](CRSData& d) { d.NumberOfSamples = -1; }));
+  EXPECT_TRUE(broken([](CRSData& d) { d.OutputSamples.pop_back(); }));
+  EXPECT_TRUE(broken([](CRSData& d) { d.InputSamples.pop_back(); }));
+  EXPECT_TRUE(broken([](CRSData& d) { d.InputSamples[2].push_back(0); }));
+  EXPECT_TRUE(broken([](CRSData& d) { d.NumberOfInputVariables = 3; }));
+}
+
+TEST(RSData, ScalingComparesSlopesWithZeroExactly) {
+  CRSData data = FilledRecord();
+  data.InputScaleSlopes[1] = std::numeric_limits<double>::denorm_min();
+  EXPECT_TRUE(data.IsScalingCorrect());
+  data.InputScaleSlopes[1] = std::nan("");
+  EXPECT_TRUE(data.IsScalingCorrect());
+  data.InputScaleSlopes[1] = -0.0;
+  EXPECT_FALSE(data.IsScalingCorrect());
+  data = FilledRecord();
+  data.InputScaleIntercepts.push_back(0);
+  EXPECT_FALSE(data.IsScalingCorrect());
+}
+
+TEST(RSData, ScalingGoesForwardForInputsAndBothWaysForOutputs) {
+  const CRSData data = FilledRecord();
+  std::vector<double> x = {3, 4};
+  EXPECT_EQ(data.ScaleAndOverwriteInputSample(x), 0);
+  EXPECT_EQ(x, (std::vector<double>{7, 1}));
+
+  Matrix rows = {{3, 4}, {3}, {3, 4}};
+  EXPECT_EQ(data.ScaleAndOverwriteInputSamples(rows), 1);
+  EXPECT_EQ(rows, (Matrix{{7, 1}, {3}, {3, 4}}));
+
+  std::vector<double> ys = {1, 2};
+  EXPECT_EQ(data.ScaleAndOverwriteOutputSamples(ys), 0);
+  EXPECT_EQ(ys, (std::vector<double>{7, 11}));
+  EXPECT_EQ(data.BackscaleAndOverwriteOutputSamples(ys), 0);
+  EXPECT_EQ(ys, (std::vector<double>{1, 2}));
+
+  std::vector<double> none;
+  EXPECT_EQ(CRSData().ScaleAndOverwriteInputSample(none), 0);
+}
+
+TEST(RSData, ShapeChecks) {
+  const CRSData data;
+  struct Case {
+    Matrix m;
+    bool rectangular, square, symmetric;
+  };
+  const Case cases[] = {
+      {{}, false, false, false},
+      {{{}}, true, false, false},
+      {{{1, 2}, {3}}, false, false, false},
+      {{{1, 2, 3}, {4, 5, 6}}, true, false, false},
+      {{{7}}, true, true, true},
+      // Symmetric means that every entry below the diagonal is the larger one.
+      {{{1, 0}, {0, 1}}, true, true, false},
+      {{{1, 0}, {1, 1}}, true, true, true},
+      {{{1, 0}, {-1, 1}}, true, true, false},
+      {{{1, 0}, {1e-10, 1}}, true, true, true},
+      {{{1, 0}, {0.99e-10, 1}}, true, true, false},
+      {{{1, 0}, {std::nan(""), 1}}, true, true, true},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(data.IsThisRectangularMatrix(c.m), c.rectangular);
+    EXPECT_EQ(data.IsThisSquareMatrix(c.m), c.square);
+    EXPECT_EQ(data.IsThisSymmetricMatrix(c.m), c.symmetric);
+  }
+}
+
+TEST(RSData, Statistics) {
+  const CRSData data = FilledRecord();
+  EXPECT_EQ(data.ComputeOutputSamplesMax(), 6);
+  EXPECT_EQ(data.ComputeOutputSamplesMin(), -7);
+  EXPECT_EQ(data.ComputeOutputSamplesNormInf(), 7);
+  EXPECT_EQ(data.ComputeOutputSamplesMean(), (5.0 - 7.0 + 6.0) / 3.0);
+  EXPECT_EQ(data.ComputeOutputSamplesNorm2(), std::sqrt(110.0));
+  EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableMax(1), 30);
+  EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableMean(1), 20);
+  EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableStandardDeviation(1), 10);
+  EXPECT_EQ(data.ComputeNorm2({}), 0.0);
+  EXPECT_TRUE(std::isnan(data.ComputeMean({})));
+  EXPECT_TRUE(std::isnan(data.ComputeStandardDeviation({3})));
+  EXPECT_EQ(data.ComputeEuclideanDistance({0, 0}, {3, 4}), 5);
+  EXPECT_EQ(data.ComputeEuclideanDistance({1}, {3, 4}), 0);
+  // Five rows, three outputs: the sum takes three rows, mean and divisor take all five.
+  const Matrix five = {{0}, {1}, {2}, {3}, {9}};
+  EXPECT_EQ(data.ComputeColumnStandardDeviation(five, 0), std::sqrt((9.0 + 4.0 + 1.0) / 4.0));
+  std::vector<double> column;
+  data.GetInputSampleWrtInputIndex(1, column);
+  EXPECT_EQ(column, data.GetColumn(data.InputSamples, 1));
+}
+
+TEST(RSData, Covariance) {
+  const CRSData data;
+  EXPECT_EQ(data.GetVarianceCovarianceMatrix({{1, 2}, {3, 6}}), (Matrix{{2, 4}, {4, 8}}));
+  EXPECT_EQ(data.GetDiagVarianceCovarianceMatrix({{1, 2}, {3, 6}}), (std::vector<double>{2, 8}));
+  EXPECT_TRUE(data.GetVarianceCovarianceMatrix({{1, 2}, {3}}).empty());
+  EXPECT_TRUE(data.GetDiagVarianceCovarianceMatrix({}).empty());
+  EXPECT_TRUE(std::isnan(data.GetVarianceCovarianceMatrix({{1}})[0][0]));
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM
