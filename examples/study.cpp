@@ -53,16 +53,23 @@ void PrintHeading(const CDiscreteCombinations& model, const Values& point) {
   }
   for (const std::string& id : model.ListParameterImmutableID(CausalityOutput, true)) {
     const std::string unit = model.ListParameterUnit({id}).front().second;
-    std::printf("%24s", (id + " [" + unit + "]").c_str());
+    std::printf("  %-20s", (id + " [" + unit + "]").c_str());
   }
   std::printf("\n");
 }
 
+/// An error from cross-validation data has the unit of the output. Any other is what a surface
+/// reports, in the scaled space of its ensemble; it gets a mark.
+std::string Shown(double error, const CFittingCandidates& candidates) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2g%s", error,
+                candidates.GetEvaluationCandidatePtr()->GetIsErrPredRequired() ? "" : "*");
+  return text;
+}
+
 /// One line: the discrete values, then each output and its error where it has one.
 void PrintCombination(const CDiscreteCombinations& model, const DiscreteValues& discrete,
-                      const Values& point) {
-  for (const auto& [id, value] : discrete) std::printf("%-10d", value);
-
+                      const CDiscreteCombinations::OutputsByID& surfaces, const Values& point) {
   // The values come first: asking for errors can change a Kriging surface (docs/behaviours.md).
   Values outputs;
   Values again;
@@ -70,15 +77,14 @@ void PrintCombination(const CDiscreteCombinations& model, const DiscreteValues& 
   if (model.Evaluate(discrete, point, outputs) == 0) {
     model.Evaluate(discrete, point, again, errors);
   }
+
+  for (const auto& [id, value] : discrete) std::printf("%-10d", value);
   const std::map<std::string, double> error_of(errors.begin(), errors.end());
   for (const auto& [id, value] : outputs) {
     const auto error = error_of.find(id);
-    std::printf("%14.5g", value);
-    if (error == error_of.end()) {
-      std::printf("%10s", "");
-    } else {
-      std::printf(" +-%7.2g", error->second);
-    }
+    const bool known = error != error_of.end();
+    std::printf("  %-8.5g %-11s", value,
+                known ? ("+- " + Shown(error->second, *surfaces.at(id))).c_str() : "");
   }
   std::printf("\n");
 }
@@ -99,7 +105,9 @@ int main(int argc, char** argv) {
   for (const auto& [values, position] : *model.GetDiscreteCombinationsIndexingPtr()) {
     DiscreteValues discrete;
     for (std::size_t i = 0; i < values.size(); ++i) discrete.emplace_back(names[i], values[i]);
-    PrintCombination(model, discrete, point);
+    const auto& surfaces = (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(position)];
+    PrintCombination(model, discrete, surfaces, point);
   }
+  std::printf("\n* as the surface reports it: in the scaled space of its ensemble\n");
   return 0;
 }

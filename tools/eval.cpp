@@ -22,24 +22,32 @@ struct EvalOptions {
   bool json = false;
 };
 
+/// The error of one row; `*` marks those that are not in the unit of the output.
+std::string ErrorCell(const PredictedOutput& output) {
+  constexpr int kDigits = 3;
+  if (!output.error.has_value()) return "-";
+  return Shown(*output.error, kDigits) + (output.error_space == ErrorSpace::Scaled ? "*" : "");
+}
+
 void PrintTable(const Model& model, const Point& point,
                 const std::vector<PredictedOutput>& outputs) {
-  constexpr int kErrorDigits = 3;
-  Table table({{"Output"},
-               {"Caption"},
-               {"Value", Align::Right},
-               {"Error", Align::Right},
-               {"", Align::Left},
-               {"Unit"}});
   bool scaled = false;
   bool absent = false;
   for (const PredictedOutput& output : outputs) {
-    const bool marked = output.error.has_value() && output.error_space == ErrorSpace::Scaled;
-    scaled = scaled || marked;
     absent = absent || !output.error.has_value();
-    table.Add({output.id, CaptionOf(model, output.id), Shown(output.value),
-               output.error.has_value() ? Shown(*output.error, kErrorDigits) : "-",
-               marked ? "*" : "", UnitOf(model, output.id)});
+    scaled = scaled || (output.error.has_value() && output.error_space == ErrorSpace::Scaled);
+  }
+
+  Table table({{"Output", Align::Left},
+               {"Caption", Align::Left},
+               {"Value", Align::Right},
+               {"Error", Align::Right},
+               {"Unit", Align::Left}});
+  for (const PredictedOutput& output : outputs) {
+    std::string error = ErrorCell(output);
+    if (scaled && error.back() != '*') error += ' ';
+    table.Add({output.id, CaptionOf(model, output.id), Shown(output.value), error,
+               UnitOf(model, output.id)});
   }
 
   const std::string combination = point.CombinationText();
@@ -47,8 +55,8 @@ void PrintTable(const Model& model, const Point& point,
   table.Print(std::cout);
   if (scaled || absent) std::cout << '\n';
   if (scaled) {
-    std::cout << "* as its surface reports it, in the scaled space of the ensemble, not in the "
-                 "unit of the output\n";
+    std::cout << "* as the surface reports it: in the scaled space of its ensemble, not in this "
+                 "unit\n";
   }
   if (absent) std::cout << "- no predicted error\n";
 }

@@ -77,6 +77,16 @@ class PXROM_API RegTerm {
   int termTag = 1;
   E_FuncType funcType;
   int numUsedInpVar;
+
+ private:
+  friend class Tarvane::Plexura::PXROM::TermSum;
+
+  /// What TermSum may add without asking the term; it lies where the compiler would pad.
+  enum ReadyKind : std::uint8_t { NotReady, ReadyLinear, ReadyQuad };
+  ReadyKind readyKind = NotReady;
+  bool isPlain = false;
+
+ protected:
   int* inputVariablesIndex = nullptr;
   int numParam = 1;
   double* coefficientValue = nullptr;
@@ -84,7 +94,8 @@ class PXROM_API RegTerm {
   int isCoefficientSet = 0;
   int isInputVariablesIndexSet = 0;
 
-  friend class Tarvane::Plexura::PXROM::TermSum;
+  /// To be called after each change of the fields.
+  void UpdateReadyKind();
 };
 
 /// What the five terms share: everything but the basis function.

@@ -36,7 +36,7 @@ std::unique_ptr<RegTerm> ReadTerm(AttributeRange& in) {
 
   // A product of any list has no known number of indices that a database's list could match.
   if (type == FuncTypeCrossPoly) return nullptr;
-  std::unique_ptr<RegTerm> term = NewTerm(type);
+  std::unique_ptr<RegTerm> term = TermSum::NewTerm(type);
   if (!term) return nullptr;
   if (isActive == 1) {
     term->SetActive();

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <memory>
 #include <new>
-#include <typeinfo>
 #include <vector>
 
 #include "regression/terms.h"
@@ -27,6 +26,13 @@ RegTerm::~RegTerm() {
   delete[] coefficientValue;
 }
 
+void RegTerm::UpdateReadyKind() {
+  readyKind = NotReady;
+  if (!isPlain || isActive != 1 || isCoefficientSet == 0 || isInputVariablesIndexSet == 0) return;
+  if (funcType == FuncTypeLinear) readyKind = ReadyLinear;
+  if (funcType == FuncTypePureQuad || funcType == FuncTypeCrossQuad) readyKind = ReadyQuad;
+}
+
 int StoredRegTerm::SetParamVal(const int& count, const double* values) {
   if (count != numParam || values == nullptr) return 1;
   std::unique_ptr<double[]> copy(new (std::nothrow) double[static_cast<std::size_t>(count)]);
@@ -35,6 +41,7 @@ int StoredRegTerm::SetParamVal(const int& count, const double* values) {
   delete[] coefficientValue;
   coefficientValue = copy.release();
   isCoefficientSet = 1;
+  UpdateReadyKind();
   return 0;
 }
 
@@ -47,6 +54,7 @@ int StoredRegTerm::StoreIndices(int count, int copied, const int* indices) {
   inputVariablesIndex = copy.release();
   numUsedInpVar = count;
   isInputVariablesIndexSet = 1;
+  UpdateReadyKind();
   return 0;
 }
 
@@ -56,11 +64,13 @@ int StoredRegTerm::SetUsedInpVarIdx(const int& count, const int* indices) {
 
 int StoredRegTerm::SetActive() {
   isActive = 1;
+  UpdateReadyKind();
   return 0;
 }
 
 int StoredRegTerm::SetInactive() {
   isActive = 0;
+  UpdateReadyKind();
   return 0;
 }
 
@@ -102,6 +112,7 @@ int StoredRegTerm::ResetParamVal() {
   if (coefficientValue != nullptr) std::fill_n(coefficientValue, numParam, kResetCoefficient);
   isActive = 1;
   isCoefficientSet = 0;
+  UpdateReadyKind();
   return 0;
 }
 
@@ -271,35 +282,25 @@ int CrossPolyTerm::EvaluateDesignRow(const int& numInputVars, const double* x, d
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Adds the value of a term of the classes that fill a quadratic, without a virtual call. False
-/// when it is none or not ready to be added, for whatever reason: EvaluateValue tells then. The
-/// class is asked and not the type number, since a host's own term may carry any; comparing
-/// addresses can only miss.
+/// Adds the value of a term that fills a quadratic, without a virtual call and with as few loads as
+/// can be: the additions, one after the other, are then what takes the time. False when the term is
+/// not ready for that, for whatever reason: EvaluateValue tells.
 inline bool TermSum::AddReady(const RegTerm& term, unsigned numInputVars, const double* x,
                               double& sum) {
-  const std::type_info* const type = &typeid(term);
-  if (type == &typeid(CrossQuadTerm) || type == &typeid(PureQuadTerm)) {
-    if (!IsReady(term)) return false;
+  if (term.readyKind == RegTerm::ReadyQuad) {
     const auto first = static_cast<unsigned>(term.inputVariablesIndex[0]);
     const auto second = static_cast<unsigned>(term.inputVariablesIndex[1]);
     if (first >= numInputVars || second >= numInputVars) return false;
     sum += x[first] * *term.coefficientValue * x[second];
     return true;
   }
-  if (type == &typeid(LinearTerm)) {
-    if (!IsReady(term)) return false;
+  if (term.readyKind == RegTerm::ReadyLinear) {
     const auto first = static_cast<unsigned>(term.inputVariablesIndex[0]);
     if (first >= numInputVars) return false;
     sum += x[first] * *term.coefficientValue;
     return true;
   }
   return false;
-}
-
-/// Active and complete. In the classes above the flags are 0 or 1, and a set one says that its
-/// array is there.
-inline bool TermSum::IsReady(const RegTerm& term) {
-  return (term.isActive & term.isCoefficientSet & term.isInputVariablesIndexSet) == 1;
 }
 
 int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
@@ -319,7 +320,9 @@ int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars, const
   return status;
 }
 
-std::unique_ptr<RegTerm> NewTerm(E_FuncType type) {
+namespace {
+
+std::unique_ptr<RegTerm> NewTermOfClass(E_FuncType type) {
   switch (type) {
     case FuncTypeConst:
       return std::make_unique<ConstTerm>();
@@ -335,9 +338,17 @@ std::unique_ptr<RegTerm> NewTerm(E_FuncType type) {
   return nullptr;
 }
 
+}  // namespace
+
+std::unique_ptr<RegTerm> TermSum::NewTerm(E_FuncType type) {
+  std::unique_ptr<RegTerm> term = NewTermOfClass(type);
+  if (term) term->isPlain = true;
+  return term;
+}
+
 std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source) {
   E_FuncType type{};
-  std::unique_ptr<RegTerm> copy = source.GetFuncType(type) == 0 ? NewTerm(type) : nullptr;
+  std::unique_ptr<RegTerm> copy = source.GetFuncType(type) == 0 ? TermSum::NewTerm(type) : nullptr;
   if (!copy) return nullptr;
   if (source.QryIsActive() == 1) {
     copy->SetActive();

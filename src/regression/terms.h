@@ -6,9 +6,6 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// A new term of a class of its own, or null for a number that is no type.
-std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
-
 /// A term of the class that `source` names, with its activity, indices and coefficient; null when
 /// it names none. A CrossPolyTerm loses its list, see there.
 std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source);
@@ -21,8 +18,11 @@ class TermSum {
   static int Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
                  double& sum);
 
+  /// A new term of a class of its own, or null for a number that is no type. Only such a term is
+  /// known to be of that class and none derived from it, so that it may be added the short way.
+  static std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
+
  private:
-  static bool IsReady(const RegTerm& term);
   static bool AddReady(const RegTerm& term, unsigned numInputVars, const double* x, double& sum);
 };
 

@@ -196,14 +196,34 @@ TEST(Eval, JsonHoldsTheLibrarysNumbersToTheLastBit) {
 }
 
 TEST(Eval, MarksErrorsThatAreNotInTheUnitOfTheOutput) {
-  // The same study with and without the cross-validation data of the output that is read first.
-  const std::string arguments = " Material=2 Holes=4" + std::string(kBeamPoint);
-  const auto space_of_stress = [&](const std::string& model) {
-    const auto document = nlohmann::json::parse(Pxrom("eval " + model + arguments + " --json").out);
-    return document["outputs"][2]["error_space"];
-  };
-  EXPECT_EQ(space_of_stress("examples/beam.pxdb"), "physical");
-  EXPECT_EQ(Pxrom("eval examples/beam.pxdb" + arguments).out.find('*'), std::string::npos);
+  // Of this combination two outputs have cross-validation data; of the other one has no error.
+  const std::string marked = "Material=1 Holes=2" + std::string(kBeamPoint);
+  const std::string absent = "Material=2 Holes=4" + std::string(kBeamPoint);
+  const auto document = nlohmann::json::parse(Pxrom(kBeam + marked + " --json").out);
+  EXPECT_EQ(document["outputs"][0]["error_space"], "physical");
+  EXPECT_EQ(document["outputs"][1]["error_space"], "scaled");
+  EXPECT_EQ(document["outputs"][2]["error_space"], "physical");
+
+  const std::string marked_table = Pxrom(kBeam + marked).out;
+  EXPECT_NE(marked_table.find("* as the surface reports it"), std::string::npos);
+  EXPECT_EQ(marked_table.find("- no predicted error"), std::string::npos);
+  const std::string absent_table = Pxrom(kBeam + absent).out;
+  EXPECT_NE(absent_table.find("- no predicted error"), std::string::npos);
+}
+
+TEST(Eval, AnOutputWithoutErrorsCostsTheOthersNothing) {
+  // The first output becomes an ensemble that refuses to tell errors; the two behind it still do.
+  const std::string combination = "DiscreteSet={Material;1},{Holes;2},{mass;49},{deflection;52}";
+  std::string text = BeamModel();
+  const std::string flag = "GARS_ExportPredictionOfError=1";
+  const std::size_t group = text.find("<PlexuraData ID=52>");
+  text.replace(text.find(flag, group), flag.size(), "GARS_ExportPredictionOfError=0");
+  const Result result = Pxrom("eval " + Written("refusing.pxdb", text) + " Material=1 Holes=2" +
+                              kBeamPoint + " --json");
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_TRUE(document["outputs"][0]["error"].is_null());
+  EXPECT_TRUE(document["outputs"][1]["error"].is_number());
+  EXPECT_TRUE(document["outputs"][2]["error"].is_number());
 }
 
 }  // namespace

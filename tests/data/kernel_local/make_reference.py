@@ -92,7 +92,7 @@ def functions():
     up, down = 1 + 2.0**-52, 1 - 2.0**-53
     out = {"svr": [], "mls": [], "lbf": []}
     for kind in (0, 1, 2, 3, 5, 9):
-        pairs = [(doubles(3, -1, 1), doubles(3, -1, 1)) for _ in range(3)]
+        pairs = [(doubles(3, -s, s), doubles(3, -s, s)) for s in (1, 0.5, 0.25, 0.25)]
         # The same point, the squared distance 1 (the cut-off of type 9), just below, just above.
         pairs += [([0.5, -1.0, 0.25], [0.5, -1.0, 0.25])]
         pairs += [([d, 0.0, 0.0], [0.0, 0.0, 0.0]) for d in (1.0, down, up)]
