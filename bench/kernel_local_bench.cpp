@@ -94,13 +94,13 @@ void RegisterMovingLeastSquares() {
   record.NumberOfUsedPoints = kSamples;
   const char* const weights[] = {"constant", "gaussian", "compact", "rational", "inverse"};
   const struct {
-    E_PolynomialType type;
     const char* name;
+    E_PolynomialType type;
     int count;
-  } bases[] = {{PolyConstant, "constant", 1},
-               {PolyLinear, "linear", kInputs + 1},
-               {PolyPureQuadratic, "pure_quadratic", 2 * kInputs + 1},
-               {PolyFullQuadratic, "full_quadratic", (kInputs + 1) * (kInputs + 2) / 2}};
+  } bases[] = {{"constant", PolyConstant, 1},
+               {"linear", PolyLinear, kInputs + 1},
+               {"pure_quadratic", PolyPureQuadratic, 2 * kInputs + 1},
+               {"full_quadratic", PolyFullQuadratic, (kInputs + 1) * (kInputs + 2) / 2}};
   for (const auto& basis : bases) {
     for (const E_WeightFunction weight : {WeightGaussian, WeightCompact, WeightInverse}) {
       record.PolynomialType = basis.type;

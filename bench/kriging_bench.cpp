@@ -1,5 +1,5 @@
-// One Kriging prediction, and one with its error, against the literal program in the same run. Ends
-// with the ratios literal / library and their geometric means.
+// One prediction of a Gaussian Kriging surface, and one with its error, against the literal program
+// in the same run. Ends with the ratios literal / library and their geometric means.
 
 #include <benchmark/benchmark.h>
 
@@ -14,46 +14,6 @@
 namespace {
 
 using namespace Tarvane::Plexura::PXROM;
-
-std::vector<double> Uniform(std::mt19937& random, int count, double low, double high) {
-  std::uniform_real_distribution<double> distribution(low, high);
-  std::vector<double> values(static_cast<std::size_t>(count));
-  for (double& value : values) value = distribution(random);
-  return values;
-}
-
-// A Gaussian surface with a linear trend; InvC is lower triangular, as the inverse of a Cholesky
-// factor is.
-CKrigingData MakeRecord(int n, int d) {
-  std::mt19937 random(7U);
-  CKrigingData record;
-  record.NumberOfInputVariables = d;
-  record.NumberOfSamples = n;
-  for (int s = 0; s < n; ++s) record.InputSamples.push_back(Uniform(random, d, 0.0, 10.0));
-  record.OutputSamples = Uniform(random, n, 0.0, 1.0);
-  record.InputScaleSlopes = Uniform(random, d, 0.1, 0.2);
-  record.InputScaleIntercepts = Uniform(random, d, -1.0, 1.0);
-  record.OutputScaleSlope = 0.5;
-  record.OutputScaleIntercept = 0.25;
-  record.ReadyForEvaluation = true;
-  record.PolynomialType = PolyLinear;
-  record.PolynomialCoefficients = Uniform(random, d + 1, -1.0, 1.0);
-  record.CorrelationFunctionType = CorrGaussian;
-  record.CorrelationCoefficients = Uniform(random, n, -1.0, 1.0);
-  record.CorrelationKernels = Uniform(random, d, 0.1, 1.0);
-  record.SavePredictorError = true;
-  record.NumberOfPolyCoeff = d + 1;
-  record.Sigma2 = 2.0;
-  for (int k = 0; k < n; ++k) {
-    record.InvC.push_back(Uniform(random, k + 1, -1.0, 1.0));
-    record.InvC.back().resize(static_cast<std::size_t>(n));
-  }
-  for (int k = 0; k <= d; ++k) {
-    record.InvG.push_back(Uniform(random, d + 1, -1.0, 1.0));
-    record.Ft.push_back(Uniform(random, n, -1.0, 1.0));
-  }
-  return record;
-}
 
 void LiteralValue(benchmark::State& state, CKrigingData& record, const std::vector<double>& x) {
   double y = 0.0;
@@ -95,9 +55,9 @@ using Body = void (*)(benchmark::State&, CKrigingData&, const std::vector<double
 
 void Register(const std::string& name, Body body, int n, int d) {
   benchmark::RegisterBenchmark(name.c_str(), [body, n, d](benchmark::State& state) {
-    CKrigingData record = MakeRecord(n, d);
-    std::mt19937 random(11U);
-    body(state, record, Uniform(random, d, 0.0, 10.0));
+    std::mt19937 random(7U);
+    CKrigingData record = literal::RandomKriging(random, CorrGaussian, PolyLinear, n, d, false);
+    body(state, record, std::vector<double>(static_cast<std::size_t>(d), 0.3));
   });
 }
 

@@ -53,13 +53,15 @@ void PrintHeading(const CDiscreteCombinations& model, const Values& point) {
   }
   for (const std::string& id : model.ListParameterImmutableID(CausalityOutput, true)) {
     const std::string unit = model.ListParameterUnit({id}).front().second;
-    std::printf("  %-20s", (id + " [" + unit + "]").c_str());
+    std::string heading = id;
+    heading.append(" [").append(unit).append("]");
+    std::printf("  %-20s", heading.c_str());
   }
   std::printf("\n");
 }
 
 /// An error from cross-validation data has the unit of the output. Any other is what a surface
-/// reports, in the scaled space of its ensemble; it gets a mark.
+/// reports, in a scaled space; it gets a mark.
 std::string Shown(double error, const CFittingCandidates& candidates) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2g%s", error,
@@ -108,6 +110,6 @@ int main(int argc, char** argv) {
     const auto& surfaces = (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(position)];
     PrintCombination(model, discrete, surfaces, point);
   }
-  std::printf("\n* as the surface reports it: in the scaled space of its ensemble\n");
+  std::printf("\n* as the surface reports it: in a scaled space, not in this unit\n");
   return 0;
 }

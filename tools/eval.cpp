@@ -55,8 +55,7 @@ void PrintTable(const Model& model, const Point& point,
   table.Print(std::cout);
   if (scaled || absent) std::cout << '\n';
   if (scaled) {
-    std::cout << "* as the surface reports it: in the scaled space of its ensemble, not in this "
-                 "unit\n";
+    std::cout << "* as the surface reports it: in a scaled space, not in this unit\n";
   }
   if (absent) std::cout << "- no predicted error\n";
 }

@@ -12,7 +12,7 @@ namespace pxrom_command {
 /// Where a predicted error is to be read.
 enum class ErrorSpace {
   Physical,  ///< from cross-validation data: in the output's unit
-  Scaled,    ///< as a surface reports it: in the scaled space of the output's ensemble
+  Scaled,    ///< as a surface reports it: in the scaled space of the ensemble or of that surface
 };
 
 struct PredictedOutput {

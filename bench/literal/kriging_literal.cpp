@@ -243,4 +243,43 @@ int EvalErrorPredictions(const CKrigingData& record, const Matrix& rows, Vector&
   return status;
 }
 
+CKrigingData RandomKriging(std::mt19937& random, int type, int trend, int n, int d,
+                           bool oneKernel) {
+  const auto draw = [&](std::size_t count, double low, double high) {
+    Vector values(count);
+    for (double& value : values) value = std::uniform_real_distribution<double>(low, high)(random);
+    return values;
+  };
+  const auto inputs = static_cast<std::size_t>(d);
+  const auto samples = static_cast<std::size_t>(n);
+  const auto matrix = [&](std::size_t rows, std::size_t columns, double low, double high) {
+    Matrix m(rows);
+    for (Vector& row : m) row = draw(columns, low, high);
+    return m;
+  };
+  CKrigingData record;
+  record.NumberOfInputVariables = d;
+  record.NumberOfSamples = n;
+  record.InputSamples = matrix(samples, inputs, -2.0, 2.0);
+  record.OutputSamples = draw(samples, -1.0, 1.0);
+  record.InputScaleSlopes = draw(inputs, 0.5, 1.5);
+  record.InputScaleIntercepts = draw(inputs, -1.0, 1.0);
+  record.OutputScaleSlope = 0.5;
+  record.OutputScaleIntercept = 0.25;
+  record.ReadyForEvaluation = true;
+  record.PolynomialType = static_cast<E_PolynomialType>(trend);
+  const std::size_t p = Basis(record.PolynomialType, Vector(inputs)).size();
+  record.PolynomialCoefficients = draw(p, -1.0, 1.0);
+  record.CorrelationFunctionType = static_cast<E_KringingCorrelationFunctionType>(type);
+  record.CorrelationCoefficients = draw(samples, -1.0, 1.0);
+  record.CorrelationKernels = draw(oneKernel ? 1 : inputs, 0.05, 0.9);
+  record.SavePredictorError = true;
+  record.NumberOfPolyCoeff = static_cast<int>(p);
+  record.Sigma2 = 1.7;
+  record.InvC = matrix(samples, samples, -1.0, 1.0);
+  record.InvG = matrix(p, p, -1.0, 1.0);
+  record.Ft = matrix(p, samples, -1.0, 1.0);
+  return record;
+}
+
 }  // namespace literal

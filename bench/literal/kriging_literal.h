@@ -1,5 +1,6 @@
 #pragma once
 
+#include <random>
 #include <vector>
 
 #include "pxrom/kriging.h"
@@ -21,5 +22,9 @@ int EvaluateKriging(CKrigingData& record, const std::vector<double>& x, double& 
 
 int EvalErrorPredictions(const CKrigingData& record, const std::vector<std::vector<double>>& rows,
                          std::vector<double>& out);
+
+/// A ready record with random content: correlation function `type`, trend of type `trend`, `n`
+/// samples that reach beyond every cut-off, `d` inputs, one kernel or one per input, error data.
+CKrigingData RandomKriging(std::mt19937& random, int type, int trend, int n, int d, bool oneKernel);
 
 }  // namespace literal

@@ -456,6 +456,66 @@ int Derivative(const CQRSData& record, double s, double& d) {
   }
 }
 
+/// The interpolation without any bound on attempts and depth: only for holes that it can fill.
+int Interpolate(const Surface& surface, const std::vector<double>& x, double& y) {
+  const CQRSData& record = surface.record;
+  const std::size_t n = x.size();
+  if (n < 1 || n > 13) return 1;
+  const std::size_t numPnts = std::size_t{1} << n;
+  std::vector<std::vector<double>> pnts(numPnts, std::vector<double>(n));
+  for (std::size_t i = 0; i < numPnts; ++i) {
+    for (std::size_t j = 0; j < n; ++j) pnts[i][j] = ((i >> j) & 1U) != 0 ? 1.0 : -1.0;
+  }
+  std::vector<double> lower = record.InputSamples[0];
+  std::vector<double> upper = record.InputSamples[0];
+  for (const std::vector<double>& sample : record.InputSamples) {
+    for (std::size_t j = 0; j < n; ++j) {
+      if (sample[j] < lower[j]) lower[j] = sample[j];
+      if (sample[j] > upper[j]) upper[j] = sample[j];
+    }
+  }
+  std::vector<double> range;
+  for (std::size_t j = 0; j < n; ++j) range.push_back(upper[j] - lower[j]);
+  double failures = 0.0;
+  bool shift = false;
+  bool again = true;
+  while (again) {
+    again = false;
+    std::vector<double> coded;
+    for (std::size_t j = 0; j < n; ++j) {
+      coded.push_back(2.0 * (x[j] - lower[j]) / (upper[j] - lower[j]) - 1.0);
+    }
+    y = 0.0;
+    for (std::size_t p = 0; p < numPnts && !again; ++p) {
+      double w = 1.0;
+      for (std::size_t j = 0; j < n; ++j) w *= coded[j] * pnts[p][j] + 1.0;
+      w = w / static_cast<double>(numPnts);
+      std::vector<double> pt;
+      for (std::size_t j = 0; j < n; ++j) {
+        pt.push_back(x[j] + 0.005 * range[j] * (pnts[p][j] - coded[j]));
+      }
+      for (std::size_t pass = 0; shift && pass < numPnts; ++pass) {
+        const std::vector<double> memory = pt;
+        pt.clear();
+        for (std::size_t j = 0; j < n; ++j) {
+          const double v = memory[j];
+          if (x[j] > upper[j] - range[j] * 0.5) pt.push_back(v - failures * 0.5 * 0.01 * range[j]);
+          if (lower[j] + range[j] * 0.5 > x[j]) pt.push_back(v + failures * 0.5 * 0.01 * range[j]);
+        }
+      }
+      double value = 0.0;
+      if (EvaluateRegression(surface, pt, value) != 0) {
+        shift = true;
+        failures += 1.0;
+        again = true;
+      } else {
+        y += value * w;
+      }
+    }
+  }
+  return 0;
+}
+
 bool IsRefused(const CQRSData& record, const std::vector<double>& x) {
   return !record.IsReadyForEvaluation() || record.IsStopped() ||
          x.size() != static_cast<std::size_t>(record.NumberOfInputVariables);
@@ -516,6 +576,7 @@ int EvaluateRegression(const Surface& surface, const std::vector<double>& x, dou
   status += Sum(surface, point, s);
   status += BacktransformOutput(record, s);
   if (status != 0) return 1;
+  if (std::fabs(s - (-9e99)) < 1e-10) return Interpolate(surface, x, y);
   y = (s - record.OutputScaleIntercept) / record.OutputScaleSlope;
   return 0;
 }
@@ -532,6 +593,7 @@ int EvaluateRegression(const Surface& surface, const std::vector<double>& x, dou
   status += BacktransformOutput(record, s);
   if (PredictorError(surface, point, predictorError) != 0) return 1;
   if (status != 0) return 1;
+  if (std::fabs(s - (-9e99)) < 1e-10) return Interpolate(surface, x, y);
   y = (s - record.OutputScaleIntercept) / record.OutputScaleSlope;
   return 0;
 }

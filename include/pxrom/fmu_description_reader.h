@@ -43,7 +43,7 @@ class PXROM_API CReaderFMUModelDescription : public CReader {
   ///
   /// Takes time in proportion to the text. A value without a closing quotation mark runs to the end
   /// of the text and may serve many variables, so that values could add up to far more than the
-  /// text: beyond 64 MiB plus 64 times its length the variables that are left are not read.
+  /// text: beyond 1 MiB plus 4 times its length the variables that are left are not read.
   int ParseFMUModelDescription();
 
   std::string GetGUID() const;

@@ -233,7 +233,7 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   /// A way back that succeeds with -9e99 (within 1e-10) counts as a hole of the surface: the value
   /// is then interpolated from the corners of a small box around `x`, which moves inward until all
   /// of them succeed. 1 for that without inputs or with more than 13, without samples, and when the
-  /// effort is beyond bounds (2^16 corners, boxes inside boxes included, eight boxes deep). After a
+  /// effort is beyond bounds (2^15 corners, boxes inside boxes included, eight boxes deep). After a
   /// failed interpolation `y` is 0.0 or untouched.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
@@ -262,7 +262,8 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   struct InterpolationEffort;
 
   int CalIntmedDrvtVal(const CRSData* data, const double& s, double& d) const;
-  int EvalCodedUsedInpVar(const CRSData* data, const double* x, std::vector<double>& coded) const;
+  int EvalCodedUsedInpVar(const InterpolationEffort& effort, const double* x,
+                          std::vector<double>& coded) const;
   int EvalNumHypcubePnt(int numVars, int& numPnts) const;
   int GenCodedHypcubePnt(int numVars, double** pnts) const;
   int EvalHypcubePntWgt(int numVars, const std::vector<double>& coded, int numPnts, int pntIdx,

@@ -82,7 +82,7 @@ class PXROM_API RegTerm {
   friend class Tarvane::Plexura::PXROM::TermSum;
 
   /// What TermSum may add without asking the term; it lies where the compiler would pad.
-  enum ReadyKind : std::uint8_t { NotReady, ReadyLinear, ReadyQuad };
+  enum ReadyKind : std::uint8_t { NotReady, ReadyConst, ReadyLinear, ReadyQuad };
   ReadyKind readyKind = NotReady;
   bool isPlain = false;
 

@@ -9,7 +9,7 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 constexpr double kSortTolerance = 1.0e-12;
-constexpr std::uint64_t kLongestSort = 200'000'000;
+constexpr std::uint64_t kLongestSort = 100'000'000;
 
 // Whether nothing but copies of the least value lies within `threshold` of it. It then passes every
 // other value and ends up in front, and no sort is needed to know that. NaN anywhere says no.
@@ -28,12 +28,15 @@ int FirstAfterTolerantSort(double* values, std::size_t count, double threshold, 
     comparisons += pass;
     if (comparisons > kLongestSort) return 1;
     bool swapped = false;
+    double carried = values[0];
     for (std::size_t i = 0; i < pass; ++i) {
-      if (values[i] - values[i + 1] > threshold) {
-        std::swap(values[i], values[i + 1]);
-        swapped = true;
-      }
+      const double next = values[i + 1];
+      const bool swap = carried - next > threshold;
+      values[i] = swap ? next : carried;
+      carried = swap ? carried : next;
+      swapped = swapped || swap;
     }
+    values[pass] = carried;
     if (!swapped) break;
   }
   first = values[0];

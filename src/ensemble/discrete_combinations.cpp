@@ -64,7 +64,25 @@ CDiscreteCombinations::CDiscreteCombinations(const CDiscreteCombinations& other)
   }
 }
 
-CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinations&) = default;
+CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinations& other) {
+  // Copied aside first: pointers without their owner must not stay behind when memory runs out.
+  auto ranks = other.RegistrationRank;
+  auto parameters = other.Parameters;
+  auto names = other.NameToImmutableID;
+  auto infos = other.Infos;
+  auto indexing = other.DiscreteCombinationsIndexing;
+  auto outputs = other.OutputsWrtDiscComb;
+  auto owned = other.Owned;
+  Version = other.Version;
+  RegistrationRank.swap(ranks);
+  Parameters.swap(parameters);
+  NameToImmutableID.swap(names);
+  Infos.swap(infos);
+  DiscreteCombinationsIndexing.swap(indexing);
+  OutputsWrtDiscComb.swap(outputs);
+  Owned.swap(owned);
+  return *this;
+}
 
 CDiscreteCombinations::~CDiscreteCombinations() = default;
 

@@ -160,12 +160,13 @@ class StudTDist : public DistType {
   /// its degrees of freedom are not above 0, or `p` is not a number; else the status of the
   /// iteration that failed. Exactly 0.0 at p = 0.5.
   ///
-  /// Below 500 degrees of freedom it is found through the Beta distribution: relative error below
-  /// 1e-7 for levels 0.001 to 0.999, but for those near 0.5 at many degrees of freedom, where the
-  /// iteration's step of 1e-8 shows (4e-5 absolute at 0.499). From 500 on it is a Gauss quantile
-  /// with a correction, 6e-5 absolute at 0.001. **One degree of freedom at p = 0.25 or 0.75 fails
-  /// with 1**: the root lies where IncompleteBetaRatio changes from one fraction to the other, and
-  /// their small disagreement keeps the iteration going back and forth.
+  /// Below 500 degrees of freedom it is found through the Beta distribution, with a relative error
+  /// below 1e-7 at levels 0.001 to 0.999 and from 1 degree of freedom on. Outside these, and closer
+  /// than 0.05 to the level 0.5 at many degrees of freedom, the step of 1e-8 that ends the
+  /// iteration shows: 4e-5 absolute at 0.499, all of the digits closer by. From 500 on it is a
+  /// Gauss quantile with a correction, 6e-5 absolute at 0.001. **One degree of freedom at p = 0.25
+  /// or 0.75 fails with 1**: the root lies where IncompleteBetaRatio changes from one fraction to
+  /// the other, and their small disagreement keeps the iteration going back and forth.
   int EvalInvCdf(const double& p, double& x) const override;
   int GetNumParam(int& count) const override;
   int GetAllowedAttributes(const int& paramIdx, std::vector<int>& ids) const override;

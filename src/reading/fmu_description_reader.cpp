@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "reading/database_text.h"
 #include "reading/number_text.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -13,6 +12,9 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+// What the values of all variables may add up to; those of a sound text stay within its length.
+constexpr std::size_t kRoomForAnyText = std::size_t{1} << 20;
+constexpr std::size_t kRoomPerCharacter = 4;
 
 // The first place of a word at or behind positions that never go back. The last place found is
 // kept, so that all searches together walk through the text once, also for a word that is not
@@ -103,7 +105,6 @@ int CReaderFMUModelDescription::ParseFMUModelDescription() {
 
 void CReaderFMUModelDescription::ParseVariables(std::size_t from) {
   const std::string_view text = DataStream;
-  reading::DatabaseText account(text);
   ForwardSearch opening(text, "<" + VariableWord);
   ForwardSearch closing(text, "</" + VariableWord);
   ForwardSearch real(text, "<" + RealWord);
@@ -112,6 +113,7 @@ void CReaderFMUModelDescription::ParseVariables(std::size_t from) {
   QuotedAttribute referenceAttribute(text, ValueReferenceKey);
   QuotedAttribute causalityAttribute(text, CausalityKey);
 
+  std::size_t room = kRoomForAnyText + kRoomPerCharacter * text.size();
   std::size_t position = from;
   for (;;) {
     const std::size_t current = opening.From(position);
@@ -123,7 +125,9 @@ void CReaderFMUModelDescription::ParseVariables(std::size_t from) {
     const std::string_view referenceText =
         referenceAttribute.From(current).value_or(std::string_view());
     // Many variables can share one far and long value.
-    if (!account.Charge(nameText.size() + referenceText.size())) return;
+    const std::size_t taken = nameText.size() + referenceText.size();
+    if (taken > room) return;
+    room -= taken;
     const std::string name(nameText);
     int reference = 0;
     reading::Extract(referenceText, reference);

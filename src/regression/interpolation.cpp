@@ -1,7 +1,6 @@
 // The interpolation over a hole of the surface, from the corners of a small box round the point.
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include "pxrom/regression.h"
@@ -12,7 +11,7 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 constexpr int kMostVariables = 13;
-constexpr int kMostCorners = 1 << 16;
+constexpr int kMostCorners = 1 << 15;
 constexpr int kDeepestBox = 8;
 
 /// Where the samples lie on one axis.
@@ -41,8 +40,8 @@ std::vector<Extent> ExtentsOf(const CQRSData& record) {
   return extents;
 }
 
-/// Which way a retry moves a variable with value `x`: towards the middle of its range, both or
-/// neither of the tests where that is not decided.
+/// Which way a retry moves a variable with value `x`: towards the middle of its range. In the very
+/// middle neither test holds, or by rounding both.
 struct Move {
   Move(double x, const Extent& axis)
       : down(x > axis.upper - axis.range * 0.5), up(axis.lower + axis.range * 0.5 > x) {}
@@ -63,10 +62,35 @@ double Moved(double value, const Move& move, double step, int times) {
   return value;
 }
 
+/// What a coordinate is at the two sides of the box.
+struct Sides {
+  double lower;
+  double upper;
+};
+
+/// The box of one attempt, a hundredth of the samples' box, with `x` at the same relative place.
+std::vector<Sides> BoxRound(const double* x, const std::vector<Extent>& extents,
+                            const std::vector<double>& coded, double failures, int corners) {
+  std::vector<Sides> box;
+  for (std::size_t j = 0; j < extents.size(); ++j) {
+    const double range = extents[j].range;
+    Sides sides{x[j] + 0.005 * range * (-1.0 - coded[j]), x[j] + 0.005 * range * (1.0 - coded[j])};
+    if (failures > 0.0) {
+      // Both sides move alike and once per corner, on purpose.
+      const Move move(x[j], extents[j]);
+      const double step = failures * 0.5 * 0.01 * range;
+      sides = {Moved(sides.lower, move, step, corners), Moved(sides.upper, move, step, corners)};
+    }
+    box.push_back(sides);
+  }
+  return box;
+}
+
 }  // namespace
 
-/// What an interpolation has used up, boxes inside boxes included.
+/// What an interpolation works with and has used up, boxes inside boxes included.
 struct CQRSEvaluator::InterpolationEffort {
+  std::vector<Extent> extents;
   int corners = 0;
   int depth = 0;
 };
@@ -87,12 +111,10 @@ int CQRSEvaluator::GenCodedHypcubePnt(int numVars, double** pnts) const {
   return 0;
 }
 
-int CQRSEvaluator::EvalCodedUsedInpVar(const CRSData* data, const double* x,
+int CQRSEvaluator::EvalCodedUsedInpVar(const InterpolationEffort& effort, const double* x,
                                        std::vector<double>& coded) const {
   coded.clear();
-  const auto& record = static_cast<const CQRSData&>(*data);
-  if (!HasFullSamples(record)) return 1;
-  for (const Extent& axis : ExtentsOf(record)) {
+  for (const Extent& axis : effort.extents) {
     const double value = x[coded.size()];
     coded.push_back(2.0 * (value - axis.lower) / axis.range - 1.0);
   }
@@ -110,8 +132,11 @@ int CQRSEvaluator::EvalHypcubePntWgt(int numVars, const std::vector<double>& cod
 }
 
 int CQRSEvaluator::Interplt(const CRSData* data, const double* x, double& y) const {
+  const auto& record = static_cast<const CQRSData&>(*data);
+  if (!HasFullSamples(record)) return 1;
   InterpolationEffort effort;
-  return Interplt(static_cast<const CQRSData&>(*data), x, y, effort);
+  effort.extents = ExtentsOf(record);
+  return Interplt(record, x, y, effort);
 }
 
 int CQRSEvaluator::Interplt(const CQRSData& record, const double* x, double& y,
@@ -121,7 +146,7 @@ int CQRSEvaluator::Interplt(const CQRSData& record, const double* x, double& y,
   const int status = EvalNumHypcubePnt(n, numPnts);
   if (status != 0) return status;
   std::vector<double> coded;
-  if (EvalCodedUsedInpVar(&record, x, coded) != 0) return 1;
+  EvalCodedUsedInpVar(effort, x, coded);
 
   const auto inputs = static_cast<std::size_t>(n);
   std::vector<double> codes(static_cast<std::size_t>(numPnts) * inputs);
@@ -130,15 +155,10 @@ int CQRSEvaluator::Interplt(const CQRSData& record, const double* x, double& y,
   for (std::size_t at = 0; at < codes.size(); at += inputs) pnts.push_back(&codes[at]);
   GenCodedHypcubePnt(n, pnts.data());
 
-  const std::vector<Extent> extents = ExtentsOf(record);
-  std::vector<Move> moves;
-  moves.reserve(inputs);
-  for (std::size_t j = 0; j < inputs; ++j) moves.emplace_back(x[j], extents[j]);
-  const bool canMove =
-      std::all_of(moves.begin(), moves.end(), [](const Move& move) { return move.IsDecided(); });
-
-  // A coordinate takes two values only, one per side of the box.
-  std::vector<std::array<double, 2>> sides(inputs);
+  bool canMove = true;
+  for (std::size_t j = 0; j < inputs; ++j) {
+    canMove = canMove && Move(x[j], effort.extents[j]).IsDecided();
+  }
   std::vector<double> point(inputs);
   for (double failures = 0.0;; failures += 1.0) {
     y = 0.0;
@@ -146,23 +166,15 @@ int CQRSEvaluator::Interplt(const CQRSData& record, const double* x, double& y,
     if (failures > 0.0 && !canMove) return 1;
     effort.corners += numPnts;
     if (effort.corners > kMostCorners) return 1;
-    for (std::size_t j = 0; j < inputs; ++j) {
-      const double range = extents[j].range;
-      for (std::size_t side = 0; side < 2; ++side) {
-        const double code = side == 0 ? -1.0 : 1.0;
-        sides[j][side] = x[j] + 0.005 * range * (code - coded[j]);
-        // All sides move alike and once per corner, on purpose.
-        if (failures > 0.0) {
-          sides[j][side] = Moved(sides[j][side], moves[j], failures * 0.5 * 0.01 * range, numPnts);
-        }
-      }
-    }
+    const std::vector<Sides> box = BoxRound(x, effort.extents, coded, failures, numPnts);
     bool isComplete = true;
     for (int p = 0; p < numPnts && isComplete; ++p) {
       double weight = 0.0;
       EvalHypcubePntWgt(n, coded, numPnts, p, pnts.data(), weight);
-      for (std::size_t j = 0; j < inputs; ++j)
-        point[j] = sides[j][pnts[static_cast<std::size_t>(p)][j] > 0.0 ? 1 : 0];
+      const double* const codesOfCorner = pnts[static_cast<std::size_t>(p)];
+      for (std::size_t j = 0; j < inputs; ++j) {
+        point[j] = codesOfCorner[j] > 0.0 ? box[j].upper : box[j].lower;
+      }
       double value = 0.0;
       isComplete = EvaluateCorner(record, point, value, effort) == 0;
       if (isComplete) y += value * weight;

@@ -1,10 +1,10 @@
 // Sums, gradients and design matrices: what is evaluated over all terms of a list.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <utility>
 
 #include "pxrom/regression.h"
 #include "regression/record_parts.h"
@@ -141,18 +141,20 @@ int CQRSData::EvaluateRegTermDerivativeWrtInputVariables(const std::vector<doubl
   const auto inputs = static_cast<std::size_t>(std::max(NumberOfInputVariables, 0));
   if (!HasTermArray(*this) || InputScaleSlopes.size() < inputs) return 1;
   const int usable = UsableInputs(*this, x.size());
+  const auto isFinite = [](double slope) { return std::isfinite(slope); };
+  const bool areFinite = std::all_of(InputScaleSlopes.begin(), InputScaleSlopes.end(), isFinite);
   std::vector<double> gradient(inputs);
-  std::vector<double> sum(inputs, 0.0);
-  int status = 0;
-  for (int k = 0; k < NumberOfRegTerms && status == 0; ++k) {
-    status = RegTerms[k] != nullptr ? RegTerms[k]->EvaluateDerivativeWrtInputVariables(
-                                          usable, x.data(), gradient.data())
-                                    : 1;
-    if (status != 0) break;
-    for (std::size_t i = 0; i < inputs; ++i) sum[i] += InputScaleSlopes[i] * gradient[i];
+  g.assign(inputs, 0.0);
+  for (int k = 0; k < NumberOfRegTerms; ++k) {
+    const RegTerm* const term = RegTerms[k];
+    if (term == nullptr) return 1;
+    const double* const slopes = InputScaleSlopes.data();
+    if (areFinite && TermSum::AddGradient(*term, usable, x.data(), slopes, g.data())) continue;
+    const int status = term->EvaluateDerivativeWrtInputVariables(usable, x.data(), gradient.data());
+    if (status != 0) return status;
+    for (std::size_t i = 0; i < inputs; ++i) g[i] += slopes[i] * gradient[i];
   }
-  g = std::move(sum);
-  return status;
+  return 0;
 }
 
 int CQRSData::GetMaxMagnitude(const std::vector<double>& v, const int& n, double& out) const {

@@ -28,7 +28,9 @@ RegTerm::~RegTerm() {
 
 void RegTerm::UpdateReadyKind() {
   readyKind = NotReady;
-  if (!isPlain || isActive != 1 || isCoefficientSet == 0 || isInputVariablesIndexSet == 0) return;
+  if (!isPlain || isActive != 1 || isCoefficientSet == 0) return;
+  if (funcType == FuncTypeConst) readyKind = ReadyConst;
+  if (isInputVariablesIndexSet == 0) return;
   if (funcType == FuncTypeLinear) readyKind = ReadyLinear;
   if (funcType == FuncTypePureQuad || funcType == FuncTypeCrossQuad) readyKind = ReadyQuad;
 }
@@ -300,6 +302,10 @@ inline bool TermSum::AddReady(const RegTerm& term, unsigned numInputVars, const 
     sum += x[first] * *term.coefficientValue;
     return true;
   }
+  if (term.readyKind == RegTerm::ReadyConst) {
+    sum += *term.coefficientValue;
+    return true;
+  }
   return false;
 }
 
@@ -318,6 +324,29 @@ int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars, const
   }
   sum = total;
   return status;
+}
+
+bool TermSum::AddGradient(const RegTerm& term, int numInputVars, const double* x,
+                          const double* slopes, double* g) {
+  if (term.readyKind == RegTerm::NotReady) return false;
+  if (term.readyKind == RegTerm::ReadyConst) return true;
+  const int first = term.inputVariablesIndex[0];
+  if (first < 0 || first >= numInputVars) return false;
+  const double c = *term.coefficientValue;
+  if (term.readyKind == RegTerm::ReadyLinear) {
+    g[first] += slopes[first] * c;
+    return true;
+  }
+  if (term.funcType == FuncTypePureQuad) {
+    g[first] += slopes[first] * ((c + c) * x[first]);
+    return true;
+  }
+  const int second = term.inputVariablesIndex[1];
+  if (second < 0 || second >= numInputVars) return false;
+  // The same index twice counts once, as in CrossQuadTerm.
+  if (first != second) g[first] += slopes[first] * (x[second] * c);
+  g[second] += slopes[second] * (x[first] * c);
+  return true;
 }
 
 namespace {

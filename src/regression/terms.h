@@ -18,6 +18,12 @@ class TermSum {
   static int Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
                  double& sum);
 
+  /// Adds slopes[i] times entry i of the term's gradient to g[i] for all inputs, by touching only
+  /// the entries that are not zero: the same for finite slopes and a `g` that began at 0.0. False
+  /// with `g` untouched when the term has to be asked itself.
+  static bool AddGradient(const RegTerm& term, int numInputVars, const double* x,
+                          const double* slopes, double* g);
+
   /// A new term of a class of its own, or null for a number that is no type. Only such a term is
   /// known to be of that class and none derived from it, so that it may be added the short way.
   static std::unique_ptr<RegTerm> NewTerm(E_FuncType type);

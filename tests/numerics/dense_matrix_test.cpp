@@ -79,7 +79,7 @@ TEST(DenseMatrix, HasDimensionsBeforeStorage) {
   EXPECT_EQ(ContentOf(matrix), (Content{2, 3, {}}));
   double value = 5.0;
   double* address = &value;
-  EXPECT_EQ(matrix.GetElement(1, 1, value) + matrix.GetRow(0, &value) + matrix.SetRow(0, &value) +
+  EXPECT_EQ(matrix.GetElement(0, 0, value) + matrix.GetRow(0, &value) + matrix.SetRow(0, &value) +
                 matrix.GetColumn(0, &value) + matrix.Resize(1, 1),
             5);
   EXPECT_EQ(value, 5.0);
@@ -334,6 +334,8 @@ TEST(DColVec, Values) {
   EXPECT_EQ(value, -1);
   EXPECT_EQ(column.GetAt(2, value), 0);
   EXPECT_EQ(value, 5);
+  static_cast<DMtx&>(other) = Matrix(1, 2, {1, 2});
+  EXPECT_EQ(other.AllocateStorage(), 1);
   EXPECT_EQ(DColVec().SetValues(block) + DColVec().CopyValuesTo(&value), 2);
 }
 

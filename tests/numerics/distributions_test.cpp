@@ -100,6 +100,14 @@ TEST(StudTDist, QuantilesAgreeWithReference) {
   }
 }
 
+// Where the step ends the iteration early, its path shows: starts, steps out of the interval, the
+// tolerance. The value is far from the quantile there.
+TEST(StudTDist, IterationTakesTheStatedPath) {
+  for (const Row& row : Reference("student_iteration")) {
+    EXPECT_TRUE(IsNear(Quantile(row[0], row[1]), row[2], 1e-7, 0.0)) << testing::PrintToString(row);
+  }
+}
+
 // Each cut-off shows in the error of the formula that takes over.
 TEST(StudTDist, FormulasChangeAtTheirCutOffs) {
   const auto quantileError = [](double dof, double exact) { return Quantile(dof, 0.999) - exact; };
@@ -127,6 +135,18 @@ TEST(StudTDist, FormulasChangeAtTheirCutOffs) {
   EXPECT_EQ(gaussCdf(8.0), 1.0 - gaussCdf(-8.0));
 
   double p = kNan;
+  EXPECT_EQ(StudTDist(499.9).EvalCdf(-2.0, p), 0);
+  EXPECT_NEAR(p, 0.023020395487785, 1e-8);
+  EXPECT_EQ(StudTDist(500.0).EvalCdf(-2.0, p), 0);
+  EXPECT_GT(std::fabs(p - 0.02302034138451572), 1e-7);
+
+  double fraction = kNan;
+  EXPECT_EQ(IncompleteGammaP(0.5, 1.5, p), 0);
+  EXPECT_EQ(IncompleteGammaContinuedFraction(0.5, 1.5, fraction), 0);
+  EXPECT_EQ(p, 1.0 - fraction);
+  EXPECT_EQ(IncompleteBetaRatio(0.5, 0.5, 0.5, p), 0);
+  EXPECT_GT(p, 0.5);  // by the mirrored fraction; the other one errs below
+
   for (const double dof : {0.3, 10.0, 499.9, 500.0}) {
     EXPECT_EQ(StudTDist(dof).EvalCdf(0.0, p), 0);
     EXPECT_EQ(p, 0.5);
@@ -211,8 +231,14 @@ TEST(Distributions, EndsOfTheFunctions) {
   EXPECT_EQ(IncompleteGammaP(0.5, -1.0, out) + IncompleteGammaP(0.0, 1.0, out) +
                 IncompleteGammaP(0.5, 0.0, out) + IncompleteGammaP(1000.0, 1000.0, out),
             4);
-  EXPECT_EQ(BetaContinuedFraction(1e6, 1e6, 0.5, out), 1);
+  // All three give up after 100 rounds.
+  EXPECT_EQ(BetaContinuedFraction(31000, 31000, 0.5, out) + IncompleteGammaSeries(397, 397, out) +
+                IncompleteGammaContinuedFraction(7032, 7033, out),
+            3);
   EXPECT_EQ(out, 7.0);
+  EXPECT_EQ(BetaContinuedFraction(30000, 30000, 0.5, out) + IncompleteGammaSeries(396, 396, out) +
+                IncompleteGammaContinuedFraction(7031, 7032, out),
+            0);
   EXPECT_EQ(IncompleteGammaSeries(0.5, 0.0, out), 1);  // a right value with a refusing status
   EXPECT_EQ(out, 0.0);
   EXPECT_EQ(StdGaussInvCdf(0.0, out), 2);

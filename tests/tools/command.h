@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 
 namespace command {
 
@@ -21,9 +24,29 @@ inline std::string Contents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// A file that this test alone uses, of this content.
+/// A folder that goes with the program, so that two runs at once don't meet.
+class Folder {
+ public:
+  Folder() : path_(testing::TempDir() + "pxrom_tools_test_" + std::to_string(getpid()) + '/') {
+    std::filesystem::create_directories(path_);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  const std::string& Path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+/// A file of this content for the time of the program.
 inline std::string Written(const std::string& name, const std::string& content) {
-  const std::string path = testing::TempDir() + "pxrom_tools_test_" + name;
+  static const Folder folder;
+  const std::string path = folder.Path() + name;
   std::ofstream(path, std::ios::binary) << content;
   return path;
 }

@@ -213,7 +213,6 @@ TEST(Eval, MarksErrorsThatAreNotInTheUnitOfTheOutput) {
 
 TEST(Eval, AnOutputWithoutErrorsCostsTheOthersNothing) {
   // The first output becomes an ensemble that refuses to tell errors; the two behind it still do.
-  const std::string combination = "DiscreteSet={Material;1},{Holes;2},{mass;49},{deflection;52}";
   std::string text = BeamModel();
   const std::string flag = "GARS_ExportPredictionOfError=1";
   const std::size_t group = text.find("<PlexuraData ID=52>");

@@ -1,44 +1,38 @@
 """Correlations to 50 digits, at and around every cut-off: writes correlations.json."""
 import json
 import random
-from mpmath import besselj, exp, log, mp, mpf, sin, sqrt
+from mpmath import besselj, exp, mp, mpf, sin, sqrt
 
 mp.dps = 50
 J_END, S_END = mpf(3.8317), mpf(4.71238898038469)  # the doubles, exactly
 J_SHIFT, S_SHIFT = besselj(0, J_END), sin(S_END) / S_END
+FACTORS = [  # of the distance a, the kernel k, z = k a, s = min(z, 1)
+    lambda a, k, z, s: exp(-z),
+    lambda a, k, z, s: exp(-k * a**2),
+    lambda a, k, z, s: max(1 - z, 0),
+    lambda a, k, z, s: 1 - 3 * s / 2 + s**3 / 2,
+    lambda a, k, z, s: 1 - 3 * s**2 + 2 * s**3,
+    lambda a, k, z, s: sqrt(k**2 + a),
+    lambda a, k, z, s: 1 - 15 * z**2 + 30 * z**3 if z <= mpf(0.2) else 5 * (1 - s)**3 / 4,
+    lambda a, k, z, s: exp(-sqrt(mpf(5)) * z) * (1 + sqrt(mpf(5)) * z + 5 * z**2 / 3),
+    lambda a, k, z, s: 1 - s**2,
+    lambda a, k, z, s: (besselj(0, z) - J_SHIFT) / (1 - J_SHIFT) if z <= J_END else mpf(0),
+    lambda a, k, z, s: mpf(0) if z > S_END else
+    mpf(1) if abs(z) <= mpf(1e-06) else (sin(z) / z - S_SHIFT) / (1 - S_SHIFT)]
 
-
-def factor(kind, a, k):
-    z = k * a
-    s = min(z, mpf(1))
-    t = sqrt(mpf(5)) * z
-    if kind == 1: return exp(-z)
-    if kind == 2: return exp(-k * a**2)
-    if kind == 3: return max(1 - z, mpf(0))
-    if kind == 4: return 1 - 3 * s / 2 + s**3 / 2
-    if kind == 5: return 1 - 3 * s**2 + 2 * s**3
-    if kind == 6: return sqrt(k**2 + a)
-    if kind == 7: return 1 - 15 * z**2 + 30 * z**3 if z <= mpf(0.2) else (max(1 - z, mpf(0)))**3 * 5 / 4
-    if kind == 8: return exp(-t) * (1 + t + t**2 / 3)
-    if kind == 9: return max(1 - z**2, mpf(0)) if z > 0 else 1 - z**2
-    if kind == 10: return (besselj(0, z) - J_SHIFT) / (1 - J_SHIFT) if z <= J_END else mpf(0)
-    if z > S_END: return mpf(0)
-    return (sin(z) / z - S_SHIFT) / (1 - S_SHIFT) if abs(z) > mpf(1e-06) else mpf(1)
-
-
-# With y = 0 and kernel 1 (or -1) z is x itself, exactly.
-PLACES = [0.0, 1e-6, 1.1e-6, 1e-3, 0.1, 0.19999, 0.2, 0.20001, 0.5, 0.9999, 1.0, 1.0001, 2.0, 3.8316,
-          3.8317, 3.8318, 4.7123, 4.71238898038469, 4.7124, 7.0]
+# With y = 0 and kernel 1 or -1, z is the place itself, exactly.
+PLACES = [0.0, 1e-6, 1.1e-6, 0.1, 0.2, 0.20001, 0.5, 0.9999, 1.0, 1.0001, 2.0, 3.8316, 3.8317, 3.8318,
+          4.7123, 4.71238898038469, 4.7124, 7.0]
 rng = random.Random(5)
 draw = lambda low, high, n: [round(rng.uniform(low, high), 3) for _ in range(n)]
+points = [([place], [0.0], [k]) for place in PLACES for k in (1.0, -1.0)]
+points += [(draw(0, 1, 3), draw(0, 1, 3), draw(0.1, 0.9, n)) for n in (1, 3) for _ in range(4)]
 cases = []
-for kind in range(1, 12):
-    points = [([place], [0.0], [k]) for place in PLACES for k in (1.0, -1.0)]
-    points += [(draw(0, 1, 3), draw(0, 1, 3), draw(0.1, 0.9, n)) for n in (1, 3) for _ in range(4)]
+for kind, factor in enumerate(FACTORS, 1):
     for x, y, kernels in points:
         r = mpf(1)
-        for i in range(len(x)):
-            r *= factor(kind, abs(mpf(x[i]) - mpf(y[i])), mpf(kernels[i if len(kernels) > 1 else 0]))
-        cases.append([kind, x, y, kernels, float(r)])
-with open("correlations.json", "w") as out:
-    out.write("[\n" + ",\n".join(json.dumps(case) for case in cases) + "\n]\n")
+        for xi, yi, k in zip(x, y, kernels * (len(x) // len(kernels))):
+            a, k = abs(mpf(xi) - mpf(yi)), mpf(k)
+            r *= factor(a, k, k * a, min(k * a, mpf(1)))
+        cases.append(json.dumps([kind, x, y, kernels, float(r)]))
+open("correlations.json", "w").write("[\n" + ",\n".join(cases) + "\n]\n")

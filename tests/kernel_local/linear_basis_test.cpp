@@ -1,0 +1,137 @@
+#include "pxrom/linear_basis.h"
+
+#include <limits>
+
+#include "kernel_local/test_records.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+class Evaluator : public CLBFEvaluator {
+ public:
+  using CLBFEvaluator::ComputeVandermondePolynomialVector;
+  using CLBFEvaluator::EvaluateBasisFunction;
+};
+
+const Evaluator kEvaluator;
+
+// Rational functions of width 1 at 0 and 2, trend 10 + 100 x, all scalings that of the identity but
+// for the point, which is doubled.
+CLBFData SmallRecord() {
+  CLBFData record;
+  record.NumberOfInputVariables = 1;
+  record.NumberOfSamples = 2;
+  record.InputSamples = {{0}, {2}};
+  record.OutputSamples = {7, 8};
+  record.InputScaleSlopes = {2};
+  record.InputScaleIntercepts = {0};
+  record.OutputScaleSlope = 1;
+  record.ReadyForEvaluation = true;
+  record.BasisFunctionType = LBFRational;
+  record.PolynomialType = PolyLinear;
+  record.KernelValues = {1, 1};
+  record.PolynomialCoefficients = {10, 100};
+  record.KernelCoefficients = {5, 1};
+  return record;
+}
+
+TEST(LinearBasis, RadialFunctionsMatchTheFormulasAtAndAroundTheirCutOffs) {
+  CLBFData record;
+  record.NumberOfSamples = 1;
+  for (const auto& item : Reference()["lbf"]) {
+    record.NumberOfInputVariables = item["d"];
+    record.BasisFunctionType = static_cast<E_LinearBasisFunction>(item["type"].get<int>());
+    Vector x(item["d"].get<std::size_t>(), 0.0);
+    record.InputSamples = {x};
+    record.KernelValues = {item["h"]};
+    x[1] = item["r"];
+    Vector out;
+    ASSERT_EQ(kEvaluator.EvaluateBasisFunction(&record, x, out), 0);
+    const double want = item["value"];
+    ASSERT_EQ(out.size(), 1U);
+    EXPECT_NEAR(out[0], want, 2e-15) << item;
+    // What lies at or beyond a cut-off is exact.
+    EXPECT_TRUE((want != 0.0 && want != 1.0) || out[0] == want) << item;
+  }
+}
+
+TEST(LinearBasis, PredictionsMatchTheFormulas) {
+  for (const auto& item : Reference()["lbf_predictions"]) {
+    auto record = RecordFrom<CLBFData>(item);
+    record.BasisFunctionType = static_cast<E_LinearBasisFunction>(item["function"].get<int>());
+    record.PolynomialType = static_cast<E_PolynomialType>(item["basis"].get<int>());
+    record.KernelValues = item["widths"].get<Vector>();
+    record.PolynomialCoefficients = item["trend"].get<Vector>();
+    record.KernelCoefficients = item["weights"].get<Vector>();
+    EXPECT_NEAR(Value(kEvaluator, record, item["x"].get<Vector>()), item["value"].get<double>(),
+                1e-12)
+        << item["function"] << " " << item["basis"];
+  }
+}
+
+TEST(LinearBasis, RecordsThatCannotBeHonouredAreRefused) {
+  ExpectEachRefused<CLBFData>(
+      kEvaluator, SmallRecord(), {1},
+      {{"unknown function",
+        [](CLBFData& r) { r.BasisFunctionType = static_cast<E_LinearBasisFunction>(6); }},
+       {"no trend",
+        [](CLBFData& r) {
+          r.PolynomialType = PolyNone;
+          r.PolynomialCoefficients.clear();
+        }},
+       {"unknown trend", [](CLBFData& r) { r.PolynomialType = static_cast<E_PolynomialType>(-1); }},
+       {"fewer widths", [](CLBFData& r) { r.KernelValues.pop_back(); }},
+       {"a weight too many", [](CLBFData& r) { r.KernelCoefficients.push_back(0); }},
+       {"a coefficient too many", [](CLBFData& r) { r.PolynomialCoefficients.push_back(0); }},
+       {"one sample without its output", [](CLBFData& r) {
+          r.NumberOfSamples = 1;
+          r.OutputSamples.clear();
+        }}});
+}
+
+TEST(LinearBasis, OnlyThePointIsScaledAndShortListsEndTheSums) {
+  CLBFData record = SmallRecord();
+  // The scaled point 2 lies on the second sample: 5 / (4 + 1) + 1 / (0 + 1) + 10 + 200.
+  EXPECT_EQ(Value(kEvaluator, record, {1}), 212.0);
+  record.KernelCoefficients.pop_back();
+  EXPECT_EQ(Value(kEvaluator, record, {1}), 211.0);
+  record.PolynomialCoefficients.pop_back();
+  EXPECT_EQ(Value(kEvaluator, record, {1}), 11.0);
+  record.OutputSamples.clear();  // not needed but for a single sample
+  record.InputScaleSlopes = {2, 2};
+  EXPECT_EQ(Value(kEvaluator, record, {2}), 11.0);
+}
+
+TEST(LinearBasis, OneSampleAnswersWithItsOutputWhateverElseTheRecordHolds) {
+  CLBFData record = SmallRecord();
+  record.NumberOfSamples = 1;
+  record.OutputScaleSlope = 0;
+  record.BasisFunctionType = static_cast<E_LinearBasisFunction>(6);
+  record.PolynomialType = PolyNone;
+  record.KernelValues.clear();
+  record.InputSamples.clear();
+  EXPECT_EQ(Value(kEvaluator, record, {-4}), 7.0);
+}
+
+TEST(LinearBasis, RefusedPartsLeaveWhatTheyPromise) {
+  CLBFData record = SmallRecord();
+  record.BasisFunctionType = static_cast<E_LinearBasisFunction>(6);
+  Vector out = {kUntouched};
+  EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {1}, out), 1);
+  EXPECT_EQ(out, (Vector{0, 0}));
+  EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {1, 2}, out), 1);
+  EXPECT_TRUE(out.empty());
+  // The trend takes its number of inputs from the point.
+  EXPECT_EQ(kEvaluator.ComputeVandermondePolynomialVector(&record, {3, 5}, out), 0);
+  EXPECT_EQ(out, (Vector{1, 3, 5}));
+  record.PolynomialType = PolyNone;
+  EXPECT_EQ(kEvaluator.ComputeVandermondePolynomialVector(&record, {3, 5}, out), 1);
+  EXPECT_TRUE(out.empty());
+  // 200,000 inputs would ask for 160 GB of products.
+  record.PolynomialType = PolyFullQuadratic;
+  EXPECT_EQ(kEvaluator.ComputeVandermondePolynomialVector(&record, Vector(200000), out), 1);
+  EXPECT_TRUE(out.empty());
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,222 @@
+#include "pxrom/moving_least_squares.h"
+
+#include <limits>
+
+#include "kernel_local/test_records.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+class Evaluator : public CMLSEvaluator {
+ public:
+  using CMLSEvaluator::ComputeB;
+  using CMLSEvaluator::ComputeWeights;
+  using CMLSEvaluator::EvaluateBasisFunction;
+  using CMLSEvaluator::EvaluateWeightFuction;
+  using CMLSEvaluator::EvaluateWeightFuction162;
+  using CMLSEvaluator::EvaluateWeightFuction170;
+};
+
+const Evaluator kEvaluator;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// Samples at 1, 2, 3 and 5 with 4 basis points of one input; at 0 these are the distances too.
+CMLSData SmallRecord() {
+  CMLSData record;
+  record.NumberOfInputVariables = 1;
+  record.NumberOfSamples = 4;
+  record.InputSamples = {{1}, {2}, {3}, {5}};
+  record.OutputSamples = {1, 4, 9, 25};
+  record.ReadyForEvaluation = true;
+  record.WeightFunction = WeightRational;
+  record.PolynomialType = PolyLinear;
+  record.NumberOfBasisFunctions = 2;
+  record.NumberOfUsedPoints = 3;
+  return record;
+}
+
+TEST(MovingLeastSquares, WeightsMatchTheFormulasAtAndAroundTheirCutOffs) {
+  CMLSData record;
+  for (const auto& item : Reference()["mls"]) {
+    record.NumberOfInputVariables = item["d"];
+    record.WeightFunction = static_cast<E_WeightFunction>(item["function"].get<int>());
+    record.MLSDataVersion_ = static_cast<E_CMLSDataVersion>(item["version"].get<int>());
+    const bool isOld = record.MLSDataVersion_ == MLSDataVersion162;
+    double chosen = kUntouched;
+    double direct = kUntouched;
+    ASSERT_EQ(kEvaluator.EvaluateWeightFuction(&record, item["r"], item["rho"], chosen), 0);
+    ASSERT_EQ(isOld ? kEvaluator.EvaluateWeightFuction162(&record, item["r"], item["rho"], direct)
+                    : kEvaluator.EvaluateWeightFuction170(&record, item["r"], item["rho"], direct),
+              0);
+    EXPECT_EQ(chosen, direct);
+    const double want = item["value"];
+    EXPECT_NEAR(chosen, want, 4e-15 * std::fabs(want) + 1e-45) << item;
+  }
+  double w = kUntouched;
+  EXPECT_EQ(kEvaluator.EvaluateWeightFuction(&record, -1e-300, 1, w), 1);
+  record.MLSDataVersion_ = static_cast<E_CMLSDataVersion>(171);
+  EXPECT_EQ(kEvaluator.EvaluateWeightFuction(&record, 1, 1, w), 1);
+  EXPECT_EQ(w, kUntouched);
+}
+
+TEST(MovingLeastSquares, PredictionsMatchTheFormulas) {
+  for (const auto& item : Reference()["mls_predictions"]) {
+    auto record = RecordFrom<CMLSData>(item);
+    record.MLSDataVersion_ = static_cast<E_CMLSDataVersion>(item["version"].get<int>());
+    record.WeightFunction = static_cast<E_WeightFunction>(item["function"].get<int>());
+    record.PolynomialType = static_cast<E_PolynomialType>(item["basis"].get<int>());
+    record.NumberOfBasisFunctions = item["p"];
+    record.NumberOfUsedPoints = item["used"];
+    const double want = item["value"];
+    EXPECT_NEAR(Value(kEvaluator, record, item["x"].get<Vector>()), want,
+                1e-8 * std::fmax(1.0, std::fabs(want)))
+        << item["version"] << " " << item["function"] << " " << item["basis"];
+  }
+}
+
+TEST(MovingLeastSquares, RecordsThatCannotBeHonouredAreRefused) {
+  ExpectEachRefused<CMLSData>(
+      kEvaluator, SmallRecord(), {1.5},
+      {{"constant weights on a line", [](CMLSData& r) { r.WeightFunction = WeightConstant; }},
+       {"unknown version",
+        [](CMLSData& r) { r.MLSDataVersion_ = static_cast<E_CMLSDataVersion>(169); }},
+       {"no basis",
+        [](CMLSData& r) {
+          r.PolynomialType = PolyNone;
+          r.NumberOfBasisFunctions = 0;
+        }},
+       {"unknown basis", [](CMLSData& r) { r.PolynomialType = static_cast<E_PolynomialType>(5); }},
+       {"another number of functions", [](CMLSData& r) { r.NumberOfBasisFunctions = 3; }},
+       {"negative functions", [](CMLSData& r) { r.NumberOfBasisFunctions = -2; }},
+       {"too many functions", [](CMLSData& r) { r.NumberOfBasisFunctions = 2147483647; }},
+       {"fewer samples than functions", [](CMLSData& r) { r.NumberOfSamples = 1; }},
+       {"fewer used than functions", [](CMLSData& r) { r.NumberOfUsedPoints = 1; }},
+       {"negative used", [](CMLSData& r) { r.NumberOfUsedPoints = -1; }},
+       {"more used than samples", [](CMLSData& r) { r.NumberOfUsedPoints = 5; }},
+       {"fewer outputs than used", [](CMLSData& r) { r.OutputSamples.resize(2); }},
+       {"no weight at all",
+        [](CMLSData& r) { r.WeightFunction = static_cast<E_WeightFunction>(5); }},
+       {"all samples at one point", [](CMLSData& r) { r.InputSamples = Matrix(4, {1.5}); }}});
+}
+
+TEST(MovingLeastSquares, ScalingsHaveNoEffect) {
+  CMLSData record = SmallRecord();
+  const double plain = Value(kEvaluator, record, {1.5});
+  record.InputScaleSlopes = {7, 7};
+  record.OutputScaleSlope = 0.0;
+  record.OutputScaleIntercept = kNaN;
+  EXPECT_TRUE(SameBits(Value(kEvaluator, record, {1.5}), plain));
+}
+
+TEST(MovingLeastSquares, NaNWeightsPassASingleBasisFunctionAlone) {
+  CMLSData record = SmallRecord();
+  record.PolynomialType = PolyConstant;
+  record.NumberOfBasisFunctions = 1;
+  record.WeightFunction = static_cast<E_WeightFunction>(5);
+  EXPECT_TRUE(std::isnan(Value(kEvaluator, record, {1.5})));
+  record.WeightFunction = WeightGaussian;
+  record.InputSamples = Matrix(4, {1.5});
+  EXPECT_TRUE(std::isnan(Value(kEvaluator, record, {1.5})));
+  // Constant weights are refused for a line alone: this is the mean of the first three.
+  record.WeightFunction = WeightConstant;
+  EXPECT_NEAR(Value(kEvaluator, record, {1.5}), 14.0 / 3.0, 1e-6);
+}
+
+// The weights 1 / (z^2 + 1) of the first three samples at 0, for a reference distance rho.
+Vector RationalWeights(double rho) {
+  Vector weights;
+  double sum = 0.0;
+  for (const double r : {1.0, 2.0, 3.0}) {
+    weights.push_back(1.0 / ((r / rho) * (r / rho) + 1.0));
+    sum += weights.back();
+  }
+  for (double& weight : weights) weight /= sum;
+  return weights;
+}
+
+TEST(MovingLeastSquares, TheReferenceDistanceIsThatOfTheNextNearestSample) {
+  CMLSData record = SmallRecord();
+  Vector weights;
+  const struct {
+    int samples;
+    int functions;
+    double rho;
+  } cases[] = {{4, 0, 1}, {4, 1, 2}, {4, 2, 3}, {4, 3, 5}, {4, 4, 5}, {3, 3, 3}};
+  for (const auto& c : cases) {
+    record.NumberOfSamples = c.samples;
+    record.NumberOfBasisFunctions = c.functions;
+    ASSERT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 0);
+    EXPECT_EQ(weights, RationalWeights(c.rho)) << c.samples << " " << c.functions;
+  }
+  record.NumberOfBasisFunctions = 4;
+  EXPECT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 1);
+  // A distance that is NaN counts as the farthest, wherever it stands.
+  record = SmallRecord();
+  record.InputSamples = {{1}, {2}, {3}, {kNaN}};
+  ASSERT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 0);
+  EXPECT_EQ(weights, RationalWeights(3));
+  record.NumberOfBasisFunctions = 3;
+  ASSERT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 0);
+  EXPECT_TRUE(std::isnan(weights[0]));
+}
+
+TEST(MovingLeastSquares, TheBasisIsThatOfTheRecord) {
+  CMLSData record = SmallRecord();
+  Matrix B;
+  EXPECT_EQ(kEvaluator.ComputeB(&record, B), 0);
+  EXPECT_EQ(B, (Matrix{{1, 1}, {1, 2}, {1, 3}}));
+  record.NumberOfUsedPoints = 5;
+  EXPECT_EQ(kEvaluator.ComputeB(&record, B), 1);
+  record.NumberOfUsedPoints = 1;
+  EXPECT_EQ(kEvaluator.ComputeB(&record, B), 1);
+  record.NumberOfUsedPoints = 3;
+  record.Stopped = true;
+  EXPECT_EQ(kEvaluator.ComputeB(&record, B), 1);
+
+  record.NumberOfInputVariables = 2;
+  record.PolynomialType = PolyFullQuadratic;
+  record.NumberOfBasisFunctions = 6;
+  Vector f;
+  EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {3, 5}, f), 0);
+  EXPECT_EQ(f, (Vector{1, 3, 5, 9, 15, 25}));
+  EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {3}, f), 1);
+  record.NumberOfBasisFunctions = 5;
+  EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {3, 5}, f), 1);
+}
+
+TEST(MovingLeastSquares, CholeskySolvesAndRefusesWithTheResultUntouched) {
+  const auto solve = [](Matrix A, const Vector& b) {
+    Vector out = {kUntouched};
+    const int status = kEvaluator.SolveLinearSystemCholeskyMth(A, b, out);
+    EXPECT_TRUE(status == 0 || out == Vector{kUntouched});
+    return status;
+  };
+  Matrix A = {{4, 2, 6}, {2, 10, 9}, {6, 9, 14}};
+  Vector b = {25, 54.5, 68};
+  EXPECT_EQ(kEvaluator.SolveLinearSystemCholeskyMth(A, b, b), 0);
+  EXPECT_EQ(A, (Matrix{{2, 0, 0}, {1, 3, 0}, {3, 2, 1}}));
+  EXPECT_EQ(b, (Vector{1, 3, 2.5}));
+
+  const double above = 1 + 2.0 * std::numeric_limits<double>::epsilon();
+  const struct {
+    const char* what;
+    Matrix A;
+    Vector b;
+    int status;
+  } cases[] = {{"nothing to solve", {}, {}, 0},
+               {"zero", {{0}}, {1}, 1},
+               {"negative", {{-1}}, {1}, 1},
+               {"the root is above the tolerance, what is under it not", {{1e-31}}, {1}, 0},
+               {"a root below the tolerance", {{4e-32}}, {1}, 1},
+               {"not a number", {{kNaN}}, {1}, 0},
+               {"not a number off the diagonal", {{1, kNaN}, {kNaN, 1}}, {1, 1}, 1},
+               {"nearly symmetric", {{4, 1}, {above, 4}}, {1, 1}, 1},
+               {"indefinite", {{1, 2}, {2, 1}}, {1, 1}, 1},
+               {"wide", {{1, 0}}, {1}, 1},
+               {"ragged", {{1, 0}, {0}}, {1, 1}, 1},
+               {"a short right-hand side", {{1, 0}, {0, 1}}, {1}, 1}};
+  for (const auto& c : cases) EXPECT_EQ(solve(c.A, c.b), c.status) << c.what;
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,148 @@
+// Every allocation fails once in turn, while reading and while evaluating. What comes out is
+// std::bad_alloc or a status; nothing leaks (the address sanitizer looks), and the objects go on.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "support/model_files.h"
+
+namespace {
+
+// Counts down to the allocation that fails; negative: none does.
+thread_local long long countdown = -1;
+
+void* AllocateOrFail(std::size_t size) {
+  if (countdown == 0) {
+    countdown = -1;
+    throw std::bad_alloc();
+  }
+  if (countdown > 0) --countdown;
+  if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return AllocateOrFail(size); }
+void* operator new[](std::size_t size) { return AllocateOrFail(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using NamedInts = std::vector<std::pair<std::string, int>>;
+using NamedValues = std::vector<std::pair<std::string, double>>;
+
+const NamedInts kCombination = {{"Material", 1}, {"Holes", 2}};
+const NamedValues kPoint = {{"L", 1.5}, {"b", 45}, {"h", 90}, {"F", 3000}};
+
+// Lets the allocations of `action` fail, one of each `stride`, until it succeeds undisturbed, and
+// calls `after` behind each failure. Returns how often it failed.
+template <class Action, class After>
+int FailEachAllocation(long long stride, Action action, After after) {
+  int failures = 0;
+  for (long long at = 0;; at += stride) {
+    countdown = at;
+    try {
+      const int status = action();
+      const bool undisturbed = countdown >= 0;
+      countdown = -1;
+      EXPECT_TRUE(status == 0 || status == -2 || !undisturbed);
+      if (undisturbed) return failures;
+    } catch (const std::bad_alloc&) {
+      countdown = -1;
+    }
+    ++failures;
+    after();
+  }
+}
+
+// One combination of the beam: every family, with and without cross-validation, but not so long
+// that each of its allocations couldn't have its turn.
+std::string SmallBeam() {
+  std::string text = ContentOf(PXROM_EXAMPLES "/beam.pxdb");
+  const std::string key = "DiscreteSet={Material;1},{Holes;2}";
+  const std::size_t line = text.find(key);
+  EXPECT_NE(line, std::string::npos);
+  const std::size_t sets = text.find("<DiscreteSets>");
+  const std::size_t end = text.find("</DiscreteSets>");
+  const std::string kept = text.substr(line, text.find('\n', line) + 1 - line);
+  text.replace(sets, end - sets, "<DiscreteSets>\n" + kept);
+  return text;
+}
+
+TEST(Allocation, AnyMayFailWhileReading) {
+  std::string text = SmallBeam();
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  CDiscreteCombinations model;
+  const int failures = FailEachAllocation(
+      7,
+      [&] {
+        model.ResetData();
+        return reader.ResumeDiscreteCombinations(model);
+      },
+      [] {});
+  EXPECT_GT(failures, 100);
+  NamedValues outputs;
+  EXPECT_EQ(model.Evaluate(kCombination, kPoint, outputs), 0);
+  CDiscreteCombinations undisturbed;
+  EXPECT_EQ(reader.ResumeDiscreteCombinations(undisturbed), 0);
+  NamedValues expected;
+  EXPECT_EQ(undisturbed.Evaluate(kCombination, kPoint, expected), 0);
+  EXPECT_EQ(outputs, expected);
+}
+
+TEST(Allocation, AnyMayFailWhileEvaluating) {
+  CDiscreteCombinations model;
+  ReadModel(PXROM_EXAMPLES "/beam.pxdb", model);
+  NamedValues expected;
+  ASSERT_EQ(model.Evaluate(kCombination, kPoint, expected), 0);
+  NamedValues outputs;
+  const int failures = FailEachAllocation(
+      1,
+      [&] {
+        outputs = NamedValues();
+        return model.Evaluate(kCombination, kPoint, outputs);
+      },
+      [&] {
+        NamedValues after;
+        EXPECT_EQ(model.Evaluate(kCombination, kPoint, after), 0);
+        EXPECT_EQ(after, expected);
+      });
+  EXPECT_GT(failures, 5);
+  EXPECT_EQ(outputs, expected);
+}
+
+TEST(Allocation, AnyMayFailWhileCopyingAndAssigning) {
+  CDiscreteCombinations source;
+  std::string text = SmallBeam();
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  ASSERT_EQ(reader.ResumeDiscreteCombinations(source), 0);
+  FailEachAllocation(
+      101,
+      [&] {
+        const CDiscreteCombinations copy(source);
+        return 0;
+      },
+      [] {});
+  CDiscreteCombinations target;
+  FailEachAllocation(
+      1,
+      [&] {
+        target = source;
+        return 0;
+      },
+      [&] { EXPECT_EQ(target.ResetData(), 0); });
+  NamedValues outputs;
+  EXPECT_EQ(target.Evaluate(kCombination, kPoint, outputs), 0);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM
