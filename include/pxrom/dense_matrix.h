@@ -13,7 +13,7 @@
 /// leaves behind is what was there before, unless a comment says otherwise.
 ///
 /// Arguments: blocks of doubles go by pointer. **Their length is the caller's responsibility**: the
-/// comment says how many values are read or written, and a null pointer is allowed for none only.
+/// comment says how many values are read or written; null will do for none.
 /// `out` may be the block that is read. A shape whose element count does not fit an int is refused.
 ///
 /// Ownership: an object owns its storage. Copies are deep; a moved-from object is empty. Addresses

@@ -173,16 +173,25 @@ class PXROM_API CDiscreteCombinations {
   std::size_t CountIf(Predicate predicate) const;
   template <class Predicate>
   std::vector<std::string> ListIf(Predicate predicate) const;
+  /// What Evaluate expects of a caller, put together when a combination is registered and dropped
+  /// when a parameter changes: it spares each call the walks through the registry.
+  struct ExpectedInputs {
+    bool known = false;
+    /// By rank.
+    std::vector<std::pair<std::string, std::int32_t>> discrete;
+    std::vector<std::pair<std::string, std::int32_t>> continuous;
+  };
+  void NoteExpectedInputs();
   const OutputsByID* FindOutputs(
       const std::vector<std::pair<std::string, int>>& discreteValues,
-      const std::vector<std::pair<std::string, double>>& continuousValues,
-      std::vector<double>& point) const;
+      const std::vector<std::pair<std::string, double>>& continuousValues, double* point) const;
 
   E_DiscreteCombinationVersion Version = DiscreteCombinationVersion192;
   std::map<std::string, std::int32_t> RegistrationRank;
   std::map<std::string, Parameter> Parameters;
   std::map<std::string, std::string> NameToImmutableID;
   std::map<std::string, ExtraInfos> Infos;
+  ExpectedInputs Expected;
   CombinationIndexing DiscreteCombinationsIndexing;
   std::vector<OutputsByID> OutputsWrtDiscComb;
   Boxes Owned;

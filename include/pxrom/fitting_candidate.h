@@ -129,7 +129,6 @@ class PXROM_API CFittingCandidate {
   int computeMinDist();
 
  private:
-  friend class CFittingCandidatesEvaluator;
   friend struct CandidateAccess;
 
   using Surfaces = std::vector<std::shared_ptr<CRSData>>;

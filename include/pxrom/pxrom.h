@@ -24,3 +24,4 @@
 #include "pxrom/support_vector.h"
 #include "pxrom/types.h"
 #include "pxrom/version.h"
+#include "pxrom/writer.h"

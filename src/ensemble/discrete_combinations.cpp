@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
+
+#include "ensemble/candidate_evaluation.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -11,35 +14,93 @@ namespace {
 
 using NamedValues = std::vector<std::pair<std::string, double>>;
 
+template <class Value>
+struct Ranked {
+  std::int32_t rank;
+  Value value;
+};
+
 // Ascending by rank and by value on equal ranks, with NaN behind every number so that the order
 // stays strict.
 template <class Value>
-bool ComesBefore(const std::pair<std::int32_t, Value>& a, const std::pair<std::int32_t, Value>& b) {
-  if (a.first != b.first) return a.first < b.first;
+bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
+  if (a.rank != b.rank) return a.rank < b.rank;
   if constexpr (std::is_floating_point_v<Value>) {
-    if (std::isnan(a.second) || std::isnan(b.second)) {
-      return !std::isnan(a.second) && std::isnan(b.second);
+    if (std::isnan(a.value) || std::isnan(b.value)) {
+      return !std::isnan(a.value) && std::isnan(b.value);
     }
   }
-  return a.second < b.second;
+  return a.value < b.value;
+}
+
+// Finds ranks of names that come in some sensible order. A caller mostly lists them by rank or by
+// ID, so that both of these guesses come before a search.
+class RankFinder {
+ public:
+  using Ranks = std::map<std::string, std::int32_t>;
+  using ByRank = std::vector<std::pair<std::string, std::int32_t>>;
+
+  RankFinder(const Ranks& ranks, const ByRank* byRank)
+      : ranks_(ranks), byRank_(byRank), nextByID_(ranks.begin()) {}
+
+  /// The rank of the name at `place` of the caller's list; null when it is not registered.
+  const std::int32_t* Find(const std::string& id, std::size_t place) {
+    if (byRank_ != nullptr && place < byRank_->size() && (*byRank_)[place].first == id) {
+      return &(*byRank_)[place].second;
+    }
+    if (nextByID_ == ranks_.end() || nextByID_->first != id) nextByID_ = ranks_.find(id);
+    if (nextByID_ == ranks_.end()) return nullptr;
+    return &(nextByID_++)->second;
+  }
+
+ private:
+  const Ranks& ranks_;
+  const ByRank* byRank_;
+  Ranks::const_iterator nextByID_;
+};
+
+// Room for some values: a few take no allocation, more take one.
+template <class Value>
+class FewValues {
+ public:
+  explicit FewValues(std::size_t size) : size_(size) {
+    if (size > kFew) many_.resize(size);
+  }
+  Value* data() { return size_ > kFew ? many_.data() : few_; }
+  std::size_t size() const { return size_; }
+
+ private:
+  static constexpr std::size_t kFew = 32;
+  std::size_t size_;
+  Value few_[kFew];
+  std::vector<Value> many_;
+};
+
+// Calls `append` with the values of `named` by rank. 1 at a name without a rank, before any call.
+template <class Value, class Append>
+int PickAndSort(RankFinder finder, const std::vector<std::pair<std::string, Value>>& named,
+                Append append) {
+  FewValues<Ranked<Value>> buffer(named.size());
+  Ranked<Value>* const ranked = buffer.data();
+  bool inOrder = true;
+  for (std::size_t i = 0; i < named.size(); ++i) {
+    const std::int32_t* const rank = finder.Find(named[i].first, i);
+    if (rank == nullptr) return 1;
+    ranked[i] = {*rank, named[i].second};
+    inOrder = inOrder && (i == 0 || ComesBefore<Value>(ranked[i - 1], ranked[i]));
+  }
+  if (!inOrder) std::sort(ranked, ranked + named.size(), ComesBefore<Value>);
+  for (std::size_t i = 0; i < named.size(); ++i) append(ranked[i].value);
+  return 0;
 }
 
 template <class Value>
-int PickAndSort(const std::map<std::string, std::int32_t>& ranks,
-                const std::vector<std::pair<std::string, Value>>& named,
-                std::vector<Value>& sorted) {
+int PickAndSortInto(const RankFinder& finder,
+                    const std::vector<std::pair<std::string, Value>>& named,
+                    std::vector<Value>& sorted) {
   sorted.clear();
-  std::vector<std::pair<std::int32_t, Value>> ranked;
-  ranked.reserve(named.size());
-  for (const auto& [id, value] : named) {
-    const auto rank = ranks.find(id);
-    if (rank == ranks.end()) return 1;
-    ranked.emplace_back(rank->second, value);
-  }
-  std::sort(ranked.begin(), ranked.end(), ComesBefore<Value>);
-  sorted.reserve(ranked.size());
-  for (const auto& entry : ranked) sorted.push_back(entry.second);
-  return 0;
+  sorted.reserve(named.size());
+  return PickAndSort(finder, named, [&](Value value) { sorted.push_back(value); });
 }
 
 }  // namespace
@@ -52,6 +113,7 @@ CDiscreteCombinations::CDiscreteCombinations(const CDiscreteCombinations& other)
       Parameters(other.Parameters),
       NameToImmutableID(other.NameToImmutableID),
       Infos(other.Infos),
+      Expected(other.Expected),
       DiscreteCombinationsIndexing(other.DiscreteCombinationsIndexing),
       OutputsWrtDiscComb(other.OutputsWrtDiscComb) {
   for (OutputsByID& outputs : OutputsWrtDiscComb) {
@@ -70,6 +132,7 @@ CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinati
   auto parameters = other.Parameters;
   auto names = other.NameToImmutableID;
   auto infos = other.Infos;
+  auto expected = other.Expected;
   auto indexing = other.DiscreteCombinationsIndexing;
   auto outputs = other.OutputsWrtDiscComb;
   auto owned = other.Owned;
@@ -78,6 +141,7 @@ CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinati
   Parameters.swap(parameters);
   NameToImmutableID.swap(names);
   Infos.swap(infos);
+  Expected = std::move(expected);
   DiscreteCombinationsIndexing.swap(indexing);
   OutputsWrtDiscComb.swap(outputs);
   Owned.swap(owned);
@@ -87,6 +151,7 @@ CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinati
 CDiscreteCombinations::~CDiscreteCombinations() = default;
 
 int CDiscreteCombinations::ResetData() {
+  Expected = {};
   RegistrationRank.clear();
   Parameters.clear();
   NameToImmutableID.clear();
@@ -102,12 +167,12 @@ E_DiscreteCombinationVersion CDiscreteCombinations::DataVersion() const { return
 
 int CDiscreteCombinations::PickAndSortValuesWrtParameterRegistrationRank(
     const std::vector<std::pair<std::string, int>>& named, std::vector<int>& sorted) const {
-  return PickAndSort(RegistrationRank, named, sorted);
+  return PickAndSortInto(RankFinder(RegistrationRank, nullptr), named, sorted);
 }
 
 int CDiscreteCombinations::PickAndSortValuesWrtParameterRegistrationRank(
     const std::vector<std::pair<std::string, double>>& named, std::vector<double>& sorted) const {
-  return PickAndSort(RegistrationRank, named, sorted);
+  return PickAndSortInto(RankFinder(RegistrationRank, nullptr), named, sorted);
 }
 
 int CDiscreteCombinations::RegisterDiscreteCombination(
@@ -124,6 +189,7 @@ int CDiscreteCombinations::RegisterDiscreteCombination(
 
   // Everything that may run out of memory works on empty boxes. The pointers change hands at the
   // end, where nothing can fail, so that an exception leaves them with the caller.
+  NoteExpectedInputs();
   OutputsByID byID(outputs.begin(), outputs.end());
   Boxes fresh;
   for (const auto& output : outputs) {
@@ -154,19 +220,47 @@ CDiscreteCombinations::GetOutputsWrtDiscCombPtr() const {
   return &OutputsWrtDiscComb;
 }
 
-// The outputs of the combination that `discreteValues` names, and the point of the continuous
-// values by rank; null when a count, a name or the combination doesn't fit.
+void CDiscreteCombinations::NoteExpectedInputs() {
+  if (Expected.known) return;
+  ExpectedInputs expected;
+  for (const auto& [id, parameter] : Parameters) {
+    if (parameter.causality != CausalityInput || !parameter.enabled) continue;
+    if (parameter.type == DiscreteParameter) {
+      expected.discrete.emplace_back(id, RegistrationRank.at(id));
+    } else if (parameter.type == ContinuousNotManufacturable ||
+               parameter.type == ContinuousManufacturable) {
+      expected.continuous.emplace_back(id, RegistrationRank.at(id));
+    }
+  }
+  const auto byRank = [](const auto& a, const auto& b) { return a.second < b.second; };
+  std::sort(expected.discrete.begin(), expected.discrete.end(), byRank);
+  std::sort(expected.continuous.begin(), expected.continuous.end(), byRank);
+  expected.known = true;
+  Expected = std::move(expected);
+}
+
+// The outputs of the combination that `discreteValues` names, with the continuous values by rank in
+// `point`, which has room for them; null when a count, a name or the combination doesn't fit.
 const CDiscreteCombinations::OutputsByID* CDiscreteCombinations::FindOutputs(
     const std::vector<std::pair<std::string, int>>& discreteValues,
-    const NamedValues& continuousValues, std::vector<double>& point) const {
-  if (discreteValues.size() != Count(CausalityInput, DiscreteParameter, true) ||
-      continuousValues.size() != Count(CausalityInput, ContinuousManufacturable, true) +
-                                     Count(CausalityInput, ContinuousNotManufacturable, true)) {
+    const NamedValues& continuousValues, double* point) const {
+  const bool known = Expected.known;
+  const std::size_t discreteInputs =
+      known ? Expected.discrete.size() : Count(CausalityInput, DiscreteParameter, true);
+  const std::size_t continuousInputs =
+      known ? Expected.continuous.size()
+            : Count(CausalityInput, ContinuousManufacturable, true) +
+                  Count(CausalityInput, ContinuousNotManufacturable, true);
+  if (discreteValues.size() != discreteInputs || continuousValues.size() != continuousInputs) {
     return nullptr;
   }
   std::vector<int> key;
-  if (PickAndSortValuesWrtParameterRegistrationRank(discreteValues, key) != 0 ||
-      PickAndSortValuesWrtParameterRegistrationRank(continuousValues, point) != 0) {
+  const auto finder = [&](const auto& byRank) {
+    return RankFinder(RegistrationRank, known ? &byRank : nullptr);
+  };
+  if (PickAndSortInto(finder(Expected.discrete), discreteValues, key) != 0 ||
+      PickAndSort(finder(Expected.continuous), continuousValues,
+                  [&](double value) { *point++ = value; }) != 0) {
     return nullptr;
   }
   const auto combination = DiscreteCombinationsIndexing.find(key);
@@ -177,17 +271,18 @@ const CDiscreteCombinations::OutputsByID* CDiscreteCombinations::FindOutputs(
 int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
                                     const NamedValues& continuousValues, NamedValues& outputs,
                                     NamedValues& errors) const {
-  std::vector<double> point;
-  const OutputsByID* const candidates = FindOutputs(discreteValues, continuousValues, point);
+  FewValues<double> values(continuousValues.size());
+  const OutputsByID* const candidates =
+      FindOutputs(discreteValues, continuousValues, values.data());
   if (candidates == nullptr) return 1;
   // `errors` is not emptied, on purpose: a caller collects over several calls.
   outputs.clear();
   int result = 0;
-  const CFittingCandidatesEvaluator evaluator;
+  EvaluationPoint point(values.data(), values.size());
   for (const auto& [id, list] : *candidates) {
     double value = 0.0;
     double error = 0.0;
-    const int status = evaluator.EvaluateResponseSurfaceCandidate(*list, point, value, error);
+    const int status = EvaluateCandidate(*list, point, value, error);
     if (status == 1) return 1;
     outputs.emplace_back(id, value);
     if (status == -2) {
@@ -202,14 +297,15 @@ int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int
 int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
                                     const NamedValues& continuousValues,
                                     NamedValues& outputs) const {
-  std::vector<double> point;
-  const OutputsByID* const candidates = FindOutputs(discreteValues, continuousValues, point);
+  FewValues<double> values(continuousValues.size());
+  const OutputsByID* const candidates =
+      FindOutputs(discreteValues, continuousValues, values.data());
   if (candidates == nullptr) return 1;
   outputs.clear();
-  const CFittingCandidatesEvaluator evaluator;
+  EvaluationPoint point(values.data(), values.size());
   for (const auto& [id, list] : *candidates) {
     double value = 0.0;
-    if (evaluator.EvaluateResponseSurfaceCandidate(*list, point, value) != 0) return 1;
+    if (EvaluateCandidate(*list, point, value) != 0) return 1;
     outputs.emplace_back(id, value);
   }
   return 0;

@@ -23,19 +23,22 @@ const CRSEvaluator& TheEvaluator() {
 }
 
 template <class Record, class Evaluator>
-constexpr Family Row(E_DataType type, reading::ResumeOperation resume) {
-  return {type, &NewRecord<Record>, &TheEvaluator<Evaluator>, resume};
+constexpr Family Row(E_DataType type, reading::ResumeOperation resume,
+                     writing::WriteOperation write) {
+  return {type, &NewRecord<Record>, &TheEvaluator<Evaluator>, resume, write};
 }
 
 // A new family is one folder and one row here.
 constexpr Family kFamilies[] = {
-    Row<CRSData, CRSEvaluator>(DT_RSData, &reading::ResumeRSData),
-    Row<CKrigingData, CKrigingEvaluator>(DT_KrigingData, &reading::ResumeKrigingData),
-    Row<CSVRData, CSVREvaluator>(DT_SVRData, &reading::ResumeSVRData),
-    Row<CMLSData, CMLSEvaluator>(DT_MLSData, &reading::ResumeMLSData),
-    Row<CLBFData, CLBFEvaluator>(DT_LBFData, &reading::ResumeLBFData),
-    Row<CQRSData, CQRSEvaluator>(DT_QRSData, &reading::ResumeQRSData),
-    Row<CConstantData, CConstantEvaluator>(DT_ConstantData, &reading::ResumeConstantData),
+    Row<CRSData, CRSEvaluator>(DT_RSData, &reading::ResumeRSData, &writing::WriteRSData),
+    Row<CKrigingData, CKrigingEvaluator>(DT_KrigingData, &reading::ResumeKrigingData,
+                                         &writing::WriteKrigingData),
+    Row<CSVRData, CSVREvaluator>(DT_SVRData, &reading::ResumeSVRData, &writing::WriteSVRData),
+    Row<CMLSData, CMLSEvaluator>(DT_MLSData, &reading::ResumeMLSData, &writing::WriteMLSData),
+    Row<CLBFData, CLBFEvaluator>(DT_LBFData, &reading::ResumeLBFData, &writing::WriteLBFData),
+    Row<CQRSData, CQRSEvaluator>(DT_QRSData, &reading::ResumeQRSData, &writing::WriteQRSData),
+    Row<CConstantData, CConstantEvaluator>(DT_ConstantData, &reading::ResumeConstantData,
+                                           &writing::WriteConstantData),
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "pxrom/rs_data.h"
 #include "pxrom/rs_evaluator.h"
 #include "reading/resume.h"
+#include "writing/write.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -15,6 +16,7 @@ struct Family {
   /// Evaluators have no state, so that one object serves every evaluation of every thread.
   const CRSEvaluator& (*evaluator)();
   reading::ResumeOperation resume;
+  writing::WriteOperation write;
 };
 
 /// The row of `type`, or null for a type that is no family.

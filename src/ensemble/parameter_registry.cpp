@@ -51,6 +51,7 @@ int CDiscreteCombinations::RegisterParameter(const std::string& id, E_ParameterC
   // The number of entries before this call, also for an ID that is there: its rank may then repeat
   // another one.
   const auto rank = static_cast<std::int32_t>(RegistrationRank.size());
+  Expected = {};
   RegistrationRank[id] = rank;
   Parameters[id] = {causality, type, enabled};
   return 0;
@@ -70,6 +71,7 @@ int CDiscreteCombinations::RegisterParameterExtraInfos(const std::string& id,
 int CDiscreteCombinations::SetRegistrationRank(
     const std::vector<std::pair<std::string, int>>& ranks) {
   if (ranks.size() != RegistrationRank.size()) return 1;
+  Expected = {};
   for (const auto& [id, rank] : ranks) {
     const auto entry = RegistrationRank.find(id);
     if (entry == RegistrationRank.end()) return 1;

@@ -50,8 +50,16 @@ std::size_t CountLinesWith(std::string_view range, const std::string& key) {
   return count;
 }
 
+std::size_t WorkAllowedFor(std::size_t length) {
+  return kWorkForAnyText + kWorkPerCharacter * length;
+}
+
+std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
+  return rows * (columns * sizeof(double) + kRowOverhead);
+}
+
 DatabaseText::DatabaseText(std::string_view text)
-    : text_(text), limit_(kWorkForAnyText + kWorkPerCharacter * text.size()) {}
+    : text_(text), limit_(WorkAllowedFor(text.size())) {}
 
 void DatabaseText::IndexTags() {
   indexed_ = true;
@@ -126,7 +134,7 @@ int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
   // Both counts are below 2^31, so that their product fits in 64 bits.
   if (std::uint64_t{rowCount} * columnCount > CountTokens(list, separator)) return 1;
   if (columnCount == 0 && rowCount > view_.size()) return 1;
-  if (!text_.Charge(rowCount * (columnCount * sizeof(double) + kRowOverhead))) return 1;
+  if (!text_.Charge(WorkOfMatrix(rowCount, columnCount))) return 1;
   std::vector<std::vector<double>> matrix(rowCount);
   for (std::vector<double>& row : matrix) {
     row.resize(columnCount);

@@ -37,6 +37,11 @@ std::string_view RestOfLine(std::string_view text, std::size_t position);
 /// The number of lines of `range` that hold `key`.
 std::size_t CountLinesWith(std::string_view range, const std::string& key);
 
+/// How much work a text of `length` characters may ask for, counted in bytes as DatabaseText::Charge
+/// does, and what a matrix counts besides the text of its values.
+std::size_t WorkAllowedFor(std::size_t length);
+std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
+
 /// The text of one database while it is read: a view, the places of its tags, and an account of the
 /// work that the text has asked for. It lives for one Resume call and is not shared.
 class DatabaseText {

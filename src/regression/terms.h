@@ -28,6 +28,11 @@ class TermSum {
   /// known to be of that class and none derived from it, so that it may be added the short way.
   static std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
 
+  /// Whether `term` has a coefficient. GetParamVal delivers one after ResetParamVal too.
+  static bool HasCoefficient(const RegTerm& term) {
+    return term.coefficientValue != nullptr && term.isCoefficientSet != 0;
+  }
+
  private:
   static bool AddReady(const RegTerm& term, unsigned numInputVars, const double* x, double& sum);
 };

@@ -38,9 +38,9 @@ CLBFData SmallRecord() {
 TEST(LinearBasis, RadialFunctionsMatchTheFormulasAtAndAroundTheirCutOffs) {
   CLBFData record;
   record.NumberOfSamples = 1;
-  for (const auto& item : Reference()["lbf"]) {
+  for (const auto& item : Reference("lbf")) {
     record.NumberOfInputVariables = item["d"];
-    record.BasisFunctionType = static_cast<E_LinearBasisFunction>(item["type"].get<int>());
+    Take(item["type"], record.BasisFunctionType);
     Vector x(item["d"].get<std::size_t>(), 0.0);
     record.InputSamples = {x};
     record.KernelValues = {item["h"]};
@@ -56,10 +56,10 @@ TEST(LinearBasis, RadialFunctionsMatchTheFormulasAtAndAroundTheirCutOffs) {
 }
 
 TEST(LinearBasis, PredictionsMatchTheFormulas) {
-  for (const auto& item : Reference()["lbf_predictions"]) {
+  for (const auto& item : Reference("lbf_predictions")) {
     auto record = RecordFrom<CLBFData>(item);
-    record.BasisFunctionType = static_cast<E_LinearBasisFunction>(item["function"].get<int>());
-    record.PolynomialType = static_cast<E_PolynomialType>(item["basis"].get<int>());
+    Take(item["function"], record.BasisFunctionType);
+    Take(item["basis"], record.PolynomialType);
     record.KernelValues = item["widths"].get<Vector>();
     record.PolynomialCoefficients = item["trend"].get<Vector>();
     record.KernelCoefficients = item["weights"].get<Vector>();
@@ -72,21 +72,13 @@ TEST(LinearBasis, PredictionsMatchTheFormulas) {
 TEST(LinearBasis, RecordsThatCannotBeHonouredAreRefused) {
   ExpectEachRefused<CLBFData>(
       kEvaluator, SmallRecord(), {1},
-      {{"unknown function",
-        [](CLBFData& r) { r.BasisFunctionType = static_cast<E_LinearBasisFunction>(6); }},
-       {"no trend",
-        [](CLBFData& r) {
-          r.PolynomialType = PolyNone;
-          r.PolynomialCoefficients.clear();
-        }},
-       {"unknown trend", [](CLBFData& r) { r.PolynomialType = static_cast<E_PolynomialType>(-1); }},
+      {{"unknown function", [](CLBFData& r) { Take(6, r.BasisFunctionType); }},
+       {"no trend", [](CLBFData& r) { Take(0, r.PolynomialType), r.PolynomialCoefficients = {}; }},
+       {"unknown trend", [](CLBFData& r) { Take(-1, r.PolynomialType); }},
        {"fewer widths", [](CLBFData& r) { r.KernelValues.pop_back(); }},
        {"a weight too many", [](CLBFData& r) { r.KernelCoefficients.push_back(0); }},
        {"a coefficient too many", [](CLBFData& r) { r.PolynomialCoefficients.push_back(0); }},
-       {"one sample without its output", [](CLBFData& r) {
-          r.NumberOfSamples = 1;
-          r.OutputSamples.clear();
-        }}});
+       {"no output", [](CLBFData& r) { r.NumberOfSamples = 1, r.OutputSamples = {}; }}});
 }
 
 TEST(LinearBasis, OnlyThePointIsScaledAndShortListsEndTheSums) {
@@ -106,7 +98,7 @@ TEST(LinearBasis, OneSampleAnswersWithItsOutputWhateverElseTheRecordHolds) {
   CLBFData record = SmallRecord();
   record.NumberOfSamples = 1;
   record.OutputScaleSlope = 0;
-  record.BasisFunctionType = static_cast<E_LinearBasisFunction>(6);
+  Take(6, record.BasisFunctionType);
   record.PolynomialType = PolyNone;
   record.KernelValues.clear();
   record.InputSamples.clear();
@@ -115,7 +107,7 @@ TEST(LinearBasis, OneSampleAnswersWithItsOutputWhateverElseTheRecordHolds) {
 
 TEST(LinearBasis, RefusedPartsLeaveWhatTheyPromise) {
   CLBFData record = SmallRecord();
-  record.BasisFunctionType = static_cast<E_LinearBasisFunction>(6);
+  Take(6, record.BasisFunctionType);
   Vector out = {kUntouched};
   EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {1}, out), 1);
   EXPECT_EQ(out, (Vector{0, 0}));

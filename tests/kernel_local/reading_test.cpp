@@ -1,6 +1,5 @@
 // Reading of the three families' attributes, and models that independent tools fitted.
 
-#include <memory>
 #include <sstream>
 
 #include "kernel_local/test_records.h"
@@ -20,17 +19,13 @@ class Reader : public CReaderPXROMDatabase {
   using CReaderPXROMDatabase::ResumeSVRData;
 
   int Resume(CRSData& record) const {
+    const auto resume = record.DataType() == DT_SVRData   ? &Reader::ResumeSVRData
+                        : record.DataType() == DT_MLSData ? &Reader::ResumeMLSData
+                                                          : &Reader::ResumeLBFData;
     std::size_t lower = 0;
-    std::size_t upper = std::string::npos;
+    std::size_t upper = 0;
     SearchBoundsOfTaggedGroup(DataStream, "Genome", 0, lower, upper);
-    switch (record.DataType()) {
-      case DT_SVRData:
-        return ResumeSVRData(&record, lower, upper);
-      case DT_MLSData:
-        return ResumeMLSData(&record, lower, upper);
-      default:
-        return ResumeLBFData(&record, lower, upper);
-    }
+    return (this->*resume)(&record, lower, upper);
   }
 
   // The names of the inputs and, last, of the output.

@@ -7,11 +7,11 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "pxrom/rs_data.h"
 #include "pxrom/rs_evaluator.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -26,10 +26,16 @@ inline bool SameBits(double a, double b) {
 }
 
 /// The numbers of tests/data/kernel_local, which were computed without this library.
-inline const nlohmann::json& Reference() {
-  static const nlohmann::json reference = nlohmann::json::parse(
-      std::ifstream(PXROM_TEST_DATA "/kernel_local/reference.json", std::ios::binary));
-  return reference;
+inline const nlohmann::json& Reference(const char* kind) {
+  static const auto reference =
+      nlohmann::json::parse(std::ifstream(PXROM_TEST_DATA "/kernel_local/reference.json"));
+  return reference.at(kind);
+}
+
+/// Takes an enumeration out of the reference data.
+template <class Enum>
+void Take(const nlohmann::json& number, Enum& target) {
+  target = static_cast<Enum>(number.get<int>());
 }
 
 /// The base record of a prediction in the reference data.
@@ -56,7 +62,7 @@ inline double Value(const CRSEvaluator& evaluator, const CRSData& record, const 
 
 /// Expects status 1 with the value untouched.
 inline void ExpectRefused(const CRSEvaluator& evaluator, const CRSData* record, const Vector& x,
-                          const std::string& why) {
+                          const char* why) {
   double y = kUntouched;
   EXPECT_EQ(evaluator.EvaluateResponseSurface(record, x, y), 1) << why;
   EXPECT_EQ(y, kUntouched) << why;
@@ -69,32 +75,32 @@ struct Damage {
   void (*apply)(Record&);
 };
 
-/// Expects that a sound record evaluates, and that each damage of the family and each that all
-/// families share is refused.
+/// Expects that a sound record evaluates, that each damage is refused, those that all families
+/// share too, and that there is neither an error nor a derivative.
 template <class Record>
 void ExpectEachRefused(const CRSEvaluator& evaluator, const Record& sound, const Vector& x,
-                       const std::vector<Damage<Record>>& damages) {
+                       std::vector<Damage<Record>> damages) {
   ASSERT_FALSE(std::isnan(Value(evaluator, sound, x)));
-  std::vector<Damage<Record>> all = damages;
-  all.push_back({"not ready", [](Record& r) { r.ReadyForEvaluation = false; }});
-  all.push_back({"stopped", [](Record& r) { r.Stopped = true; }});
-  all.push_back({"other inputs", [](Record& r) { ++r.NumberOfInputVariables; }});
-  all.push_back({"negative inputs", [](Record& r) { r.NumberOfInputVariables = -1; }});
-  all.push_back({"negative samples", [](Record& r) { r.NumberOfSamples = -1; }});
-  all.push_back({"fewer rows", [](Record& r) { r.InputSamples.pop_back(); }});
-  all.push_back({"a short row", [](Record& r) { r.InputSamples.back().pop_back(); }});
-  all.push_back({"a long row", [](Record& r) { r.InputSamples.front().push_back(0.0); }});
-  for (const Damage<Record>& damage : all) {
+  damages.push_back({"not ready", [](Record& r) { r.ReadyForEvaluation = false; }});
+  damages.push_back({"stopped", [](Record& r) { r.Stopped = true; }});
+  damages.push_back({"other inputs", [](Record& r) { ++r.NumberOfInputVariables; }});
+  damages.push_back({"negative inputs", [](Record& r) { r.NumberOfInputVariables = -1; }});
+  damages.push_back({"negative samples", [](Record& r) { r.NumberOfSamples = -1; }});
+  damages.push_back({"fewer rows", [](Record& r) { r.InputSamples.pop_back(); }});
+  damages.push_back({"a short row", [](Record& r) { r.InputSamples.back().pop_back(); }});
+  damages.push_back({"a long row", [](Record& r) { r.InputSamples.front().push_back(0.0); }});
+  for (const Damage<Record>& damage : damages) {
     Record record = sound;
     damage.apply(record);
     ExpectRefused(evaluator, &record, x, damage.why);
   }
   ExpectRefused(evaluator, nullptr, x, "no record");
-  CRSData other;
-  other.NumberOfInputVariables = static_cast<int>(x.size());
-  other.ReadyForEvaluation = true;
-  ExpectRefused(evaluator, &other, x, "a record of another family");
-  // What these families do not offer.
+  auto other = RecordFrom<CRSData>(Reference("lbf_predictions")[0]);
+  ExpectRefused(evaluator, &other, other.InputSamples[0], "a record of another family");
+  const std::unique_ptr<CRSData> clone(sound.Clone());
+  EXPECT_EQ(Value(evaluator, *clone, x), Value(evaluator, sound, x));
+  EXPECT_EQ(clone->ResetData(), 0);
+  ExpectRefused(evaluator, clone.get(), {}, "an empty record");
   double y = kUntouched;
   double error = kUntouched;
   EXPECT_EQ(evaluator.EvaluateResponseSurface(&sound, x, y, error), 1);

@@ -1,16 +1,23 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <fstream>
-#include <nlohmann/json.hpp>
+#include <tuple>
 
-#include "kriging/test_records.h"
 #include "literal/kriging_literal.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
+using Vector = std::vector<double>;
+using Matrix = std::vector<std::vector<double>>;
+using Change = void (*)(CKrigingData&);
+
 const CKrigingEvaluator kEvaluator;
+
+// One input, two samples, a constant trend; all of the error's data.
+CKrigingData SmallRecord() {
+  std::mt19937 random(4U);
+  return literal::RandomKriging(random, CorrExponential, PolyConstant, 2, 1, true);
+}
 
 // All functions, kernel forms and trends; sizes on both sides of whole groups of rows.
 TEST(KrigingEvaluator, EqualsTheLiteralProgramToTheLastBit) {
@@ -40,206 +47,104 @@ TEST(KrigingEvaluator, EqualsTheLiteralProgramToTheLastBit) {
   }
 }
 
-TEST(KrigingEvaluator, AgreesWithADenseSolve) {
-  for (const auto& each :
-       nlohmann::json::parse(std::ifstream(PXROM_TEST_DATA "/kriging/predictions.json"))) {
-    CKrigingData record = SmallRecord();
-    record.CorrelationFunctionType = each["correlation"];
-    record.PolynomialType = each["trend"];
-    record.NumberOfSamples = each["n"];
-    record.NumberOfInputVariables = each["d"];
-    const std::pair<const char*, Matrix*> matrices[] = {{"samples", &record.InputSamples},
-                                                        {"inv_c", &record.InvC},
-                                                        {"inv_g", &record.InvG},
-                                                        {"ft", &record.Ft}};
-    for (const auto& [key, field] : matrices) *field = each[key].get<Matrix>();
-    const std::pair<const char*, Vector*> vectors[] = {
-        {"slopes", &record.InputScaleSlopes},
-        {"intercepts", &record.InputScaleIntercepts},
-        {"kernels", &record.CorrelationKernels},
-        {"beta", &record.PolynomialCoefficients},
-        {"coefficients", &record.CorrelationCoefficients}};
-    for (const auto& [key, field] : vectors) *field = each[key].get<Vector>();
-    for (std::size_t i = 0; i < each["x"].size(); ++i) {
-      double y = 0.0;
-      double error = 0.0;
-      EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, each["x"][i], y, error), 0);
-      EXPECT_NEAR(y, each["y"][i].get<double>(), 1e-10);
-      EXPECT_NEAR(error, each["error"][i].get<double>(), 1e-10);
-    }
-  }
-}
+// Only a complete call leaves the samples. Without an error, or with a trend that does not fit,
+// they are left scaled and cut to NumberOfSamples; what fails before leaves them.
+enum Outcome { kComplete, kNoError, kTrendFails, kRefused };
 
-using Change = void (*)(CKrigingData&);
-
-TEST(KrigingEvaluator, RefusesWithNothingWrittenNorScaled) {
-  const Change changes[] = {
-      [](CKrigingData& r) { r.ReadyForEvaluation = false; },
-      [](CKrigingData& r) { r.Stopped = true; },
-      [](CKrigingData& r) { r.NumberOfInputVariables = 2; },
-      [](CKrigingData& r) { r.InputScaleSlopes.push_back(1.0); },
-      [](CKrigingData& r) { r.NumberOfSamples = 3; },
-      [](CKrigingData& r) { r.NumberOfSamples = -1; },
-      [](CKrigingData& r) { r.InputSamples[1].push_back(1.0); },
-      [](CKrigingData& r) { r.InputSamples[1].clear(); },
-      [](CKrigingData& r) { r.InputSamples.pop_back(); },
-      [](CKrigingData& r) { r.CorrelationCoefficients.pop_back(); },
-      [](CKrigingData& r) { r.CorrelationKernels.clear(); },
-      [](CKrigingData& r) { r.CorrelationFunctionType = CorrNone; },
+TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
+  const std::pair<Outcome, Change> cases[] = {
+      {kComplete, [](CKrigingData&) {}},
+      {kNoError, [](CKrigingData& r) { r.SavePredictorError = false; }},
+      {kNoError, [](CKrigingData& r) { r.KrigingDataVersion_ = E_CKrigingDataVersion(191); }},
+      {kNoError, [](CKrigingData& r) { r.Ft.clear(); }},
+      {kNoError, [](CKrigingData& r) { r.InvC.pop_back(); }},
+      {kNoError, [](CKrigingData& r) { r.InvC[1].pop_back(); }},
+      {kNoError, [](CKrigingData& r) { r.Ft[0].pop_back(); }},
+      {kNoError, [](CKrigingData& r) { r.InvG[0].clear(); }},
+      {kNoError, [](CKrigingData& r) { r.PolynomialType = PolyNone, r.InvG.clear(); }},
+      {kNoError,
+       [](CKrigingData& r) {
+         r.PolynomialType = PolyLinear, r.PolynomialCoefficients = {3, 0};
+       }},
+      {kNoError,
+       [](CKrigingData& r) {
+         r.PolynomialType = E_PolynomialType(9), r.PolynomialCoefficients = {};
+       }},
+      {kTrendFails, [](CKrigingData& r) { r.PolynomialType = E_PolynomialType(9); }},
+      {kTrendFails, [](CKrigingData& r) { r.PolynomialCoefficients.push_back(1.0); }},
+      {kRefused, [](CKrigingData& r) { r.Stopped = true; }},
+      {kRefused, [](CKrigingData& r) { r.NumberOfInputVariables = 2; }},
+      {kRefused, [](CKrigingData& r) { r.InputScaleSlopes.push_back(1.0); }},
+      {kRefused, [](CKrigingData& r) { r.NumberOfSamples = -1; }},
+      {kRefused, [](CKrigingData& r) { r.NumberOfSamples = 4; }},
+      {kRefused, [](CKrigingData& r) { r.InputSamples[1].push_back(1.0); }},
+      {kRefused, [](CKrigingData& r) { r.CorrelationCoefficients.pop_back(); }},
+      {kRefused, [](CKrigingData& r) { r.CorrelationKernels.clear(); }},
+      {kRefused, [](CKrigingData& r) { r.CorrelationFunctionType = CorrNone; }},
   };
-  for (const Change& change : changes) {
+  const int statuses[] = {0, -2, 1, 1};
+  for (const auto& [outcome, change] : cases) {
     CKrigingData record = SmallRecord();
     change(record);
-    const Matrix samples = record.InputSamples;
-    double y = -9.0;
-    double error = -9.0;
-    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y), 1) << &change - changes;
-    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y, error), 1);
-    EXPECT_EQ(y, -9.0);
-    EXPECT_EQ(error, -9.0);
-    EXPECT_EQ(record.InputSamples, samples);
+    record.InputSamples.push_back({8.0});
+    Matrix samples = record.InputSamples;
+    double last = -9.0;
+    for (int call = 0; call < 3; ++call) {
+      double plain = -9.0;
+      double y = -9.0;
+      double error = -9.0;
+      EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, plain), outcome >= kTrendFails);
+      EXPECT_EQ(record.InputSamples, samples);
+      EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y, error), statuses[outcome]);
+      EXPECT_EQ(y, plain);
+      EXPECT_EQ(error == -9.0, outcome != kComplete);
+      EXPECT_EQ(y == last, outcome >= kTrendFails || (outcome == kComplete && call > 0));
+      last = y;
+      if (outcome == kNoError || outcome == kTrendFails) {
+        samples.resize(2);
+        record.ScaleAndOverwriteInputSamples(samples);
+      }
+      EXPECT_EQ(record.InputSamples, samples) << "case " << &change - &cases[0].second;
+    }
   }
-  const CRSData other;
-  double y = -9.0;
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&other, {}, y), 1);
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(nullptr, {}, y), 1);
   Vector gradient = {4.0};
   EXPECT_EQ(kEvaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(nullptr, {}, gradient),
             0);
   EXPECT_EQ(gradient, Vector{4.0});
 }
 
-TEST(KrigingEvaluator, TrendFollowsItsType) {
-  CKrigingData record = SmallRecord();
-  record.NumberOfSamples = 0;  // the trend alone
-  record.CorrelationKernels.clear();
-  record.PolynomialCoefficients = {3.0, 10.0};
-  const std::pair<int, double> cases[] = {{0, -0.5}, {1, -9.0}, {2, 85.5}, {3, -9.0}, {5, -9.0}};
-  for (const auto& [type, want] : cases) {
-    record.PolynomialType = static_cast<E_PolynomialType>(type);
-    double y = -9.0;
-    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y), want == -9.0 ? 1 : 0) << type;
-    EXPECT_EQ(y, want) << type;
-  }
-  record.PolynomialCoefficients.clear();
-  double y = -9.0;
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y), 0);
-  EXPECT_EQ(y, -0.5);
-}
-
-// Only a complete call leaves the samples; every other one that got past them leaves them scaled,
-// and cut to NumberOfSamples.
-TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
-  struct {
-    int status;
-    Change change;
-  } const cases[] = {
-      {0, [](CKrigingData&) {}},
-      {-2, [](CKrigingData& r) { r.SavePredictorError = false; }},
-      {-2, [](CKrigingData& r) { r.KrigingDataVersion_ = E_CKrigingDataVersion(191); }},
-      {-2, [](CKrigingData& r) { r.Ft.clear(); }},
-      {-2, [](CKrigingData& r) { r.InvC.pop_back(); }},
-      {-2, [](CKrigingData& r) { r.InvC[1].pop_back(); }},
-      {-2, [](CKrigingData& r) { r.Ft[0].pop_back(); }},
-      {-2, [](CKrigingData& r) { r.InvG[0].clear(); }},
-      {-2,
-       [](CKrigingData& r) {  // more trend functions than stored rows
-         r.PolynomialType = PolyLinear;
-         r.PolynomialCoefficients = {3.0, 0.0};
-       }},
-      {-2,
-       [](CKrigingData& r) {
-         r.PolynomialType = PolyNone;
-         r.InvG.clear();
-       }},
-      {-2,
-       [](CKrigingData& r) {
-         r.PolynomialType = E_PolynomialType(9);
-         r.PolynomialCoefficients.clear();
-       }},
-      {1, [](CKrigingData& r) { r.PolynomialCoefficients.push_back(1.0); }},
+TEST(KrigingPredictorError, RefusesShortMatrices) {
+  const Matrix R = {{1.0, 1.0}, {0.0, 0.0, 7.0}};
+  const Matrix F = {{1.0, 7.0}, {2.0}};
+  const std::tuple<int, int, int, Matrix, Matrix> cases[] = {
+      {0, 2, 1, R, F},           {1, 3, 1, R, F}, {1, -1, 1, R, F},
+      {1, 2, -1, R, F},          {1, 1, 2, R, F}, {1, 2, 1, {{1.0, 1.0}, {1.0}}, F},
+      {1, 2, 1, R, {{1.0}, {}}},
   };
-  for (const auto& each : cases) {
-    CKrigingData record = SmallRecord();
-    each.change(record);
-    record.InputSamples.push_back({8.0});
-    const auto place = &each - cases;
-    Matrix samples = record.InputSamples;
-    double last = 0.0;
-    for (int call = 0; call < 3; ++call) {
-      double plain = -9.0;
-      double y = -9.0;
-      double error = -9.0;
-      EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, plain),
-                each.status == 1 ? 1 : 0);
-      EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y, error), each.status) << place;
-      EXPECT_EQ(y, plain);
-      EXPECT_EQ(error == -9.0, each.status != 0) << place;
-      if (each.status != 0) {
-        samples.resize(2);
-        for (Vector& row : samples) row[0] = 2.0 * row[0] + 1.0;
-      }
-      EXPECT_EQ(record.InputSamples, samples) << place;
-      EXPECT_EQ(call > 0 && y == last, call > 0 && each.status != -2) << place;
-      last = y;
-    }
+  for (auto [status, m, p, r, f] : cases) {
+    Vector out = {-9.0};
+    EXPECT_EQ(SmallRecord().GetPredictorError(r, f, m, p, out), status);
+    EXPECT_EQ(out == Vector{-9.0}, status == 1);
   }
-}
-
-TEST(KrigingPredictorError, FollowsItsStepsAndRefusesShortMatrices) {
-  CKrigingData record = SmallRecord();
-  Matrix R = {{1.0, 1.0}, {0.0, 0.0, 7.0}};
-  Matrix F = {{1.0, 7.0}, {2.0}};
-  int m = 2;
-  int p = 1;
-  Vector out = {-9.0};
-  // v = (3, 4), w = 5 - 1, g = 3: 9 + 1 - 25 is negative. v = 0, w = -2, g = -1.5.
-  EXPECT_EQ(record.GetPredictorError(R, F, m, p, out), 0);
-  ASSERT_EQ(out, (Vector{std::sqrt(30.0), std::sqrt(6.5)}));
-  EXPECT_EQ(record.GetPredictorError(R, F, m, p, R[0]), 0);  // its own argument
-  EXPECT_EQ(R[0], out);
-  R[0] = {1.0, 1.0};
-  const auto refused = [&](int points, int functions, const Matrix& r, const Matrix& f) {
-    Matrix rows = r;
-    Matrix trend = f;
-    Vector kept = {-9.0};
-    return record.GetPredictorError(rows, trend, points, functions, kept) == 1 &&
-           kept == Vector{-9.0};
-  };
-  EXPECT_TRUE(refused(3, 1, R, F));
-  EXPECT_TRUE(refused(-1, 1, R, F));
-  EXPECT_TRUE(refused(2, -1, R, F));
-  EXPECT_TRUE(refused(1, 2, R, F));
-  EXPECT_TRUE(refused(2, 1, {{1.0, 1.0}, {1.0}}, F));
-  EXPECT_TRUE(refused(2, 1, R, {{1.0}, {}}));
-  record.NumberOfSamples = -1;
-  EXPECT_TRUE(refused(2, 1, R, F));
 }
 
 TEST(KrigingPredictorError, SumsTheStatusesOfItsSteps) {
-  struct {
-    int status;
-    Matrix rows;
-    Change change;
-  } const cases[] = {
+  const std::tuple<int, Matrix, Change> cases[] = {
       {0, {{3.0}, {4.0}}, [](CKrigingData&) {}},
       {1, {}, [](CKrigingData&) {}},
       {1, {{3.0}}, [](CKrigingData& r) { r.PolynomialType = E_PolynomialType(5); }},
-      {1, {{3.0}}, [](CKrigingData& r) { r.InvC.clear(); }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples[1].clear(); }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples.pop_back(); }},
-      {1, {{3.0}}, [](CKrigingData& r) { r.NumberOfInputVariables = -1; }},
       {4, {{3.0}, {4.0}}, [](CKrigingData& r) { r.CorrelationKernels.clear(); }},
-      // Two pairs of the wrong length, a ragged matrix, and no trend rows for the error.
+      // Two pairs of unlike lengths, a ragged matrix, and no trend rows for the error.
       {4, {{3.0}, {4.0, 5.0}}, [](CKrigingData&) {}},
       {3, {{3.0}, {4.0, 5.0}}, [](CKrigingData& r) { r.SavePredictorError = false; }},
   };
-  for (const auto& each : cases) {
+  for (auto [status, rows, change] : cases) {
     CKrigingData record = SmallRecord();
-    each.change(record);
-    Matrix rows = each.rows;
+    change(record);
     Vector out;
-    EXPECT_EQ(record.EvalErrorPredictions(rows, out), each.status) << &each - cases;
+    EXPECT_EQ(record.EvalErrorPredictions(rows, out), status);
   }
 }
 

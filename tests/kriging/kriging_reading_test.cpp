@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <nlohmann/json.hpp>
 #include <string>
 
-#include "kriging/test_records.h"
 #include "pxrom/database_reader.h"
+#include "pxrom/kriging.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -20,61 +22,53 @@ class Reader : public CReaderPXROMDatabase {
   }
 };
 
-const char* const kText =
-    "NumberOfInputVariables=1\nNumberOfSamples=2\nInputSamples=1,2\nOutputSamples=3,4\n"
-    "InputScaleSlopes=1\nInputScaleIntercepts=0\nOutputScaleSlope=2\nIsReadyForEvaluation=1\n"
-    "IsStopped=0\nKrigingPolynomialType=1\nKrigingPolynomialCoefficients=5\n"
-    "KrigingCorrelationFunctionType=11\nKrigingCorrelationCoefficients=6,7\n"
-    "KrigingCorrelationKernels=8\nKrigingSavePredictorError=1\n"
-    "KrigingNumberOfPolynomialCoefficients=1\nKrigingSigmaSquare=9\n"
-    "KrigingInverseOfC=1,2,3,4\nKrigingInverseOfG=5\nKrigingFTilde=6,7\n";
+// Texts of surfaces, with values and errors from elsewhere. What is put in front of a text wins.
+nlohmann::json Surfaces() {
+  return nlohmann::json::parse(std::ifstream(PXROM_TEST_DATA "/kriging/predictions.json"));
+}
 
-TEST(KrigingReading, FillsTheRecordAndItsErrorDataFromVersion192On) {
-  for (const int version : {191, 192}) {
+TEST(KrigingReading, SurfacesFromTextAgreeWithADenseSolve) {
+  for (const auto& each : Surfaces()) {
     CKrigingData record;
-    EXPECT_EQ(Reader().Read(kText + ("KrigingVersion=" + std::to_string(version)), &record), 0);
-    EXPECT_EQ(record.KrigingDataVersion(), version);
-    EXPECT_EQ(record.PolynomialType, PolyConstant);
-    EXPECT_EQ(record.PolynomialCoefficients, Vector{5.0});
-    EXPECT_EQ(record.CorrelationFunctionType, CorrSinc);
-    EXPECT_EQ(record.CorrelationCoefficients, (Vector{6.0, 7.0}));
-    EXPECT_EQ(record.CorrelationKernels, Vector{8.0});
-    const bool saved = version == 192;
-    EXPECT_EQ(record.SavePredictorError, saved);
-    EXPECT_EQ(record.NumberOfPolyCoeff, saved ? 1 : 0);
-    EXPECT_EQ(record.Sigma2, saved ? 9.0 : 0.0);
-    EXPECT_EQ(record.InvC, saved ? (Matrix{{1, 2}, {3, 4}}) : Matrix{});
-    EXPECT_EQ(record.InvG, saved ? Matrix{{5}} : Matrix{});
-    EXPECT_EQ(record.Ft, saved ? (Matrix{{6, 7}}) : Matrix{});
+    ASSERT_EQ(Reader().Read(each["text"], &record), 0);
+    EXPECT_EQ(record.NumberOfPolyCoeff, int(record.PolynomialCoefficients.size()));
+    for (std::size_t i = 0; i < each["x"].size(); ++i) {
+      double y = 0.0;
+      double error = 0.0;
+      ASSERT_EQ(CKrigingEvaluator().EvaluateResponseSurface(&record, each["x"][i], y, error), 0);
+      EXPECT_NEAR(y, each["y"][i], 1e-10);
+      EXPECT_NEAR(error, each["error"][i], 1e-10);
+    }
   }
 }
 
 TEST(KrigingReading, ShortErrorDataLeaveTheErrorUnavailableNotHalfFilled) {
-  for (const std::string cut : {"KrigingInverseOfC=1,2,3", "KrigingInverseOfG=", "KrigingFTilde=6",
-                                "KrigingNumberOfPolynomialCoefficients=-1",
-                                "KrigingNumberOfPolynomialCoefficients=2147483647"}) {
+  const std::string text = Surfaces()[0]["text"];
+  for (const std::string first :
+       {"KrigingInverseOfC=1,2,3", "KrigingInverseOfG=", "KrigingFTilde=6",
+        "KrigingNumberOfPolynomialCoefficients=-1",
+        "KrigingNumberOfPolynomialCoefficients=2147483647", "KrigingVersion=191"}) {
     CKrigingData record;
     Reader reader;
-    EXPECT_EQ(reader.Read(cut + "\nKrigingVersion=192\n" + kText, &record), 0) << cut;
-    EXPECT_EQ(reader.ReadError(&record), 1) << cut;
-    EXPECT_TRUE(record.InvC.empty() && record.InvG.empty() && record.Ft.empty()) << cut;
-    EXPECT_EQ(record.Sigma2, 0.0);
-    double y = 0.0;
-    double error = 0.0;
-    EXPECT_EQ(CKrigingEvaluator().EvaluateResponseSurface(&record, {1.0}, y, error), -2);
+    EXPECT_EQ(reader.Read(first + "\n" + text, &record), 0) << first;
+    const bool old = record.KrigingDataVersion() == 191;
+    EXPECT_EQ(record.SavePredictorError, !old) << first;
+    EXPECT_TRUE(record.InvC.empty() && record.InvG.empty() && record.Ft.empty()) << first;
+    EXPECT_EQ(record.Sigma2 + record.NumberOfPolyCoeff, 0.0) << first;
+    EXPECT_EQ(reader.ReadError(&record), old ? 0 : 1) << first;
   }
 }
 
 TEST(KrigingReading, RefusesOtherRecordsAndBadSamples) {
+  const std::string text = Surfaces()[0]["text"];
   Reader reader;
   CRSData other;
-  EXPECT_EQ(reader.Read(kText, &other), 1);
-  EXPECT_EQ(other.NumberOfSamples, 0);
-  EXPECT_EQ(reader.Read(kText, nullptr), 1);
-  EXPECT_EQ(reader.ReadError(&other), 1);
   CKrigingData record;
-  EXPECT_EQ(reader.Read(std::string("InputSamples=1\n") + kText, &record), 1);
-  EXPECT_TRUE(record.CorrelationKernels.empty());
+  EXPECT_EQ(reader.Read("InputSamples=1\n" + text, &record), 1);
+  EXPECT_EQ(reader.Read(text, nullptr), 1);
+  EXPECT_EQ(reader.Read(text, &other), 1);
+  EXPECT_EQ(reader.ReadError(&other), 1);
+  EXPECT_EQ(other.NumberOfSamples, 0);
 }
 
 }  // namespace

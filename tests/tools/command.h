@@ -46,7 +46,7 @@ class Folder {
 /// A file of this content for the time of the program.
 inline std::string Written(const std::string& name, const std::string& content) {
   static const Folder folder;
-  const std::string path = folder.Path() + name;
+  std::string path = folder.Path() + name;
   std::ofstream(path, std::ios::binary) << content;
   return path;
 }

@@ -39,4 +39,4 @@ for kind, trend, n, d in ((1, 1, 9, 1), (8, 2, 21, 2), (5, 3, 26, 3), (1, 4, 34,
                                   for key, value in text.items()),
                   "x": x.tolist(), "y": ((weights[:n].T @ t - 0.25) / 0.5).tolist(),
                   "error": np.sqrt(2.0 * (1 - (weights * right).sum(0))).tolist()})
-json.dump(cases, open("predictions.json", "w"), indent=0)
+json.dump(cases, open("predictions.json", "w"))

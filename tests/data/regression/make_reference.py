@@ -27,7 +27,7 @@ def transforms():
         rows.append([5, 0.0, x, np.sqrt(x), x])
         rows.append([1, 0.0, x, np.exp(x), x])
         for power in (1.0, 2.0, 3.0):
-            rows.append([6, power, x, np.float_power(x, power), x if power <= 1 else None])
+            rows.append([6, power, x, np.float_power(x, power), x])
         for a in (-1.5, -0.5, 0.0, 0.25, 1.0, 2.0):
             z = special.boxcox(x, a)
             rows.append([7, a, x, z, special.inv_boxcox(z, a)])
@@ -35,7 +35,7 @@ def transforms():
         for a in (-0.5, 0.0, 0.5, 1.0, 1.5, 2.0):
             z = float(stats.yeojohnson(np.array([x]), lmbda=a)[0])
             rows.append([9, a, x, z, float(YEO_BACK[x >= 0](z, a))])
-    return [[None if v is None else float(v) for v in row] for row in rows]
+    return [[float(v) for v in row] for row in rows]
 
 
 def errors():

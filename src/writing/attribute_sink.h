@@ -1,0 +1,117 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "pxrom/database_labels.h"
+
+namespace Tarvane::Plexura::PXROM::writing {
+
+/// Short for the table of words.
+using Labels = CPXROMDatabaseLabels;
+
+/// The text of groups while it grows, the counterpart of reading::AttributeRange: one line per
+/// attribute, values in the classic locale, doubles in the shortest form that reads back to the
+/// same bits.
+///
+/// The first thing that no text can hold is kept as the reason of a refusal. What is written behind
+/// it has no meaning, so that only loops need to ask IsRefused.
+///
+/// It also keeps account of the work that reading the text will take, as the reader does.
+class AttributeSink {
+ public:
+  explicit AttributeSink(std::string& text) : text_(text) {}
+  AttributeSink(const AttributeSink&) = delete;
+  AttributeSink& operator=(const AttributeSink&) = delete;
+
+  std::string& Text() { return text_; }
+
+  // One attribute. Enumerations are written by number, flags as 0 or 1.
+  void Put(const std::string& key, int value);
+  void Put(const std::string& key, bool value) { Put(key, value ? 1 : 0); }
+  void Put(const std::string& key, double value);
+  void Put(const std::string& key, const std::vector<int>& list);
+  void Put(const std::string& key, const std::vector<double>& list);
+  void Put(const std::string& key, const std::vector<std::string>& list);
+  template <class Value>
+  void Put(const std::string& key, const std::vector<std::pair<std::string, Value>>& pairs) {
+    PutJoined(key, pairs, [&](const std::pair<std::string, Value>& pair) {
+      text_ += Labels::strGrpStart();
+      text_ += pair.first;
+      text_ += Labels::strSubSep();
+      Append(key, pair.second);
+      text_ += Labels::strGrpEnd();
+    });
+  }
+  /// A matrix, flat by rows. Refused unless it has exactly that shape.
+  void PutMatrix(const std::string& key, const std::vector<std::vector<double>>& matrix, int rows,
+                 int columns);
+
+  /// The group `word`, number `id` if it is not negative, with the attributes that `write` puts
+  /// in. A refusal inside gets the group's word and number in front.
+  template <class Write>
+  void PutGroup(const std::string& word, int id, Write write) {
+    const std::size_t outerRows = std::exchange(emptyRows_, 0);
+    const std::size_t body = Open(word, id);
+    const bool wasRefused = IsRefused();
+    write();
+    Close(word, body);
+    if (!wasRefused && IsRefused() && id >= 0) Prefix(word + " " + std::to_string(id));
+    emptyRows_ = outerRows;
+  }
+
+  /// Keeps the first reason.
+  void Refuse(const std::string& reason) {
+    if (reason_.empty()) reason_ = reason;
+  }
+  /// Tells where the refusal happened.
+  void Prefix(const std::string& place) { reason_.insert(0, place + ": "); }
+  bool IsRefused() const { return !reason_.empty(); }
+  const std::string& Reason() const { return reason_; }
+
+  /// What reading the text so far, each group once, is charged for (reading::DatabaseText).
+  std::size_t Work() const { return work_; }
+
+ private:
+  std::size_t Open(const std::string& word, int id);
+  void Close(const std::string& word, std::size_t body);
+
+  template <class Elements, class Append>
+  void PutJoined(const std::string& key, const Elements& elements, Append append) {
+    text_ += key;
+    const std::size_t start = text_.size();
+    bool isFirst = true;
+    for (const auto& element : elements) {
+      if (!isFirst) text_ += Labels::strSep();
+      isFirst = false;
+      append(element);
+    }
+    work_ += text_.size() - start;
+    text_ += Labels::strEOL();
+  }
+  void Append(const std::string& key, int value);
+  void Append(const std::string& key, double value);
+  void Append(const std::string&, std::string_view value) { text_ += value; }
+
+  std::string& text_;
+  std::string reason_;
+  std::size_t work_ = 0;
+  /// The largest number of rows without columns in the group that is open.
+  std::size_t emptyRows_ = 0;
+};
+
+/// "NumberOfSamples" for "NumberOfSamples=", as reasons name an attribute.
+std::string NameOf(const std::string& key);
+
+/// Whether `value` is what a field holds that nobody has set: +0.0.
+bool IsUnset(double value);
+
+/// Why no text can hold `word` as a name, unit or caption, as the end of a sentence that begins
+/// with what it is; empty when one can.
+std::string ReasonAgainst(std::string_view word);
+
+}  // namespace Tarvane::Plexura::PXROM::writing

@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+#include "regression/test_records.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+const std::vector<TermSpec> kThreeTerms = {
+    {FuncTypeConst, {}, 1.5}, {FuncTypeLinear, {0}, 2.0, false}, {FuncTypeCrossQuad, {0, 1}, 0.5}};
+
+double ValueAt(const CQRSData& record, Vector x) {
+  double y = 0.0;
+  return record.EvaluateRegTerm(x, y) == 0 ? y : -7.0;
+}
+
+/// A host's own term that borrows the number of another class.
+class HostTerm : public LinearTerm {
+ public:
+  int EvaluateValue(const int&, const double*, double* value) const override {
+    *value = 100.0;
+    return 0;
+  }
+};
+
+TEST(QRSData, CopiesAndAssignmentsShareNothing) {
+  CQRSData record = PlainRecord(2, kThreeTerms);
+  record.InvXtX = {{3.0}};
+  record.Sigma2 = 4.0;
+  record.SavePredictorError = true;
+  record.InputLambdas = {5.0};
+  CQRSData assigned = PlainRecord(2, {{FuncTypeConst, {}, 9.0}});
+  assigned = record;
+  const CQRSData& itself = assigned;
+  assigned = itself;
+  const CQRSData copy(record);
+  const std::unique_ptr<CRSData> clone(record.Clone());
+  record.SetAllRegTermActive();
+  record.InvXtX.clear();
+  EXPECT_EQ(ValueAt(record, {2.0, 3.0}), 8.5);
+  for (const CQRSData* each : {static_cast<const CQRSData*>(&assigned), &copy,
+                               static_cast<const CQRSData*>(clone.get())}) {
+    EXPECT_EQ(ValueAt(*each, {2.0, 3.0}), 4.5);
+    EXPECT_EQ(each->QryRegTermIsActive(1), 0);
+    EXPECT_EQ(each->InvXtX, Matrix{{3.0}});
+    EXPECT_TRUE(each->SavePredictorError && each->Sigma2 == 4.0 && each->InputLambdas == Vector{5});
+  }
+}
+
+TEST(QRSData, ResetKeepsTheErrorDataOnPurpose) {
+  CQRSData record = PlainRecord(2, kThreeTerms);
+  record.InvXtX = {{3.0}};
+  record.Sigma2 = 4.0;
+  record.SavePredictorError = true;
+  record.RegTermFilterConfVal = 0.5;
+  record.SetQRSDataVersion(static_cast<E_CQRSDataVersion>(170));
+  record.InputTransformType = TransformBox;
+  record.OutputLambda = 1.0;
+  EXPECT_EQ(record.ResetData(), 0);
+  EXPECT_TRUE(record.RegTerms == nullptr && record.NumberOfRegTerms == 0);
+  EXPECT_TRUE(!record.SavePredictorError && record.RegTermFilterConfVal == 0.95);
+  EXPECT_TRUE(record.InputTransformType == TransformNone && record.OutputLambda == 0.0);
+  EXPECT_EQ(record.QRSDataVersion(), QRSDataVersion192);
+  EXPECT_TRUE(record.Sigma2 == 4.0 && record.InvXtX == Matrix{{3.0}});
+}
+
+TEST(QRSData, SetRegTermCopiesAlsoItsOwnTermsAndToleratesGaps) {
+  CQRSData record = PlainRecord(2, kThreeTerms);
+  EXPECT_EQ(record.SetRegTerm(record.RegTerms, 3), 0);
+  EXPECT_EQ(ValueAt(record, {2.0, 3.0}), 4.5);
+
+  LinearTerm bare;  // neither indices nor a coefficient: its copies have none either
+  RegTerm* terms[] = {&bare, nullptr};
+  record.SetRegTerm(terms, 1);
+  EXPECT_EQ(ValueAt(record, {2.0, 3.0}), -7.0);
+  double c = 0.0;
+  EXPECT_EQ(record.GetRegTermParamVal(0, &c), 1);
+  record.SetRegTerm(terms, 2);
+  EXPECT_EQ(record.SetAllRegTermActive(), 1);
+
+  for (const int count : {5, 0, -3, INT_MIN, INT_MAX}) {
+    record.SetRegTerm(nullptr, count);
+    EXPECT_EQ(record.NumberOfRegTerms, count);
+    EXPECT_EQ(record.CloneRegTerm(), nullptr);
+    EXPECT_EQ(ValueAt(record, {2.0, 3.0}), count > 0 ? -7.0 : 0.0);
+    EXPECT_EQ(CQRSData(record).NumberOfRegTerms, count);
+    E_FuncType type{};
+    EXPECT_EQ(record.GetRegTermFuncType(0, type), 1);
+    Matrix points = {{2.0, 3.0}};
+    Vector errors;
+    EXPECT_EQ(record.EvalErrorPredictions(points, errors), 1);
+  }
+}
+
+TEST(QRSData, AProductOfAnyListLosesItsListInACopy) {
+  CQRSData record;
+  SetTerms(record, {{FuncTypeCrossPoly, {1, 1, 0}, 2.0}});
+  int indices[3] = {-1, -1, -1};
+  EXPECT_EQ(record.GetRegTermUsedInpVarIdx(0, indices), 0);
+  EXPECT_TRUE(indices[0] == 0 && indices[1] == 0 && indices[2] == 0);
+  CrossPolyTerm fresh;  // of -99 indices
+  RegTerm* terms[] = {&fresh};
+  record.SetRegTerm(terms, 1);
+  int count = 0;
+  EXPECT_EQ(record.GetRegTermNumUsedInpVar(0, count), 0);
+  EXPECT_EQ(count, -99);
+}
+
+TEST(QRSData, AHostsOwnTermIsAskedItself) {
+  CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, 1.0}, {FuncTypeLinear, {0}, 1.0}});
+  delete record.RegTerms[1];
+  record.RegTerms[1] = new HostTerm;
+  EXPECT_EQ(ValueAt(record, {3.0}), 101.0);
+}
+
+TEST(QRSData, SumStopsAtTheFirstTermThatRefusesWithThePartialSum) {
+  CQRSData record = PlainRecord(
+      1, {{FuncTypeConst, {}, 1.5}, {FuncTypeLinear, {1}, 1.0}, {FuncTypeConst, {}, 9.0}});
+  Vector x = {3.0, 4.0};
+  double y = -7.0;
+  EXPECT_EQ(record.EvaluateRegTerm(x, y), 1);
+  EXPECT_EQ(y, 1.5);
+  Vector g;
+  EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables(x, g), 1);
+  record.NumberOfInputVariables = 2;
+  EXPECT_EQ(ValueAt(record, x), 14.5);
+  // A point shorter than the record says is not read beyond its end, nor are the slopes.
+  EXPECT_EQ(ValueAt(record, {3.0}), -7.0);
+  record.NumberOfInputVariables = INT_MAX;
+  EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables(x, g), 1);
+}
+
+TEST(QRSData, GradientIsWithRespectToUnscaledInputs) {
+  CQRSData record = PlainRecord(2, {{FuncTypeConst, {}, 1.0},
+                                    {FuncTypeLinear, {1}, 3.0},
+                                    {FuncTypePureQuad, {0, 0}, 2.0},
+                                    {FuncTypeCrossQuad, {0, 1}, 0.5},
+                                    {FuncTypeLinear, {0}, 5.0, false}});
+  record.InputScaleSlopes = {2.0, -4.0};
+  Vector g;
+  EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables({3.0, 7.0}, g), 0);
+  EXPECT_EQ(g, (Vector{2.0 * 12.0 + 2.0 * 3.5, -12.0 - 4.0 * 1.5}));
+  // Every entry of a gradient counts: with an infinite slope the zeros give NaN.
+  record.InputScaleSlopes[0] = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables({3.0, 7.0}, g), 0);
+  EXPECT_TRUE(std::isnan(g[0]));
+}
+
+TEST(QRSData, DesignMatrixInBothForms) {
+  CQRSData record = PlainRecord(2, kThreeTerms);
+  record.NumberOfSamples = 2;
+  const Matrix points = {{2.0, 3.0}, {5.0, 7.0}, {0.0, 0.0}};
+  Matrix design(2, Vector(3, -7.0));
+  EXPECT_EQ(record.BuildDesignMtx(points, 3, record.RegTerms, design), 0);
+  EXPECT_EQ(design, (Matrix{{1, 0, 6}, {1, 0, 35}}));
+  DRecMtx blockPoints(2, 2);
+  for (int r = 0; r < 2; ++r) blockPoints.SetRow(r, points[static_cast<std::size_t>(r)].data());
+  DRecMtx block(2, 3);
+  EXPECT_EQ(record.BuildDesignMtx(blockPoints, 3, record.RegTerms, block), 0);
+  for (int r = 0; r < 2; ++r) {
+    for (int c = 0; c < 3; ++c) {
+      EXPECT_EQ(*block.ElementPtr(r, c),
+                design[static_cast<std::size_t>(r)][static_cast<std::size_t>(c)]);
+    }
+  }
+  // Whatever does not fit is refused and nothing is written.
+  const Matrix bad[] = {{}, {{1, 2}}, {{1, 2}, {3}}, {{1, 2}, {}}};
+  for (const Matrix& each : bad) {
+    EXPECT_EQ(record.BuildDesignMtx(each, 3, record.RegTerms, design), 1);
+  }
+  for (Matrix wrong : {Matrix{}, Matrix{{1, 2, 3}}, Matrix{{1, 2, 3, 4}, {1, 2, 3, 4}},
+                       Matrix{{1, 2, 3}, {1, 2}}}) {
+    const Matrix before = wrong;
+    EXPECT_EQ(record.BuildDesignMtx(points, 3, record.RegTerms, wrong), 1);
+    EXPECT_EQ(wrong, before);
+  }
+  EXPECT_EQ(record.BuildDesignMtx(points, 3, nullptr, design), 1);
+  DRecMtx shaped;
+  shaped.SetDimensions(2, 3);  // a shape without storage
+  EXPECT_EQ(record.BuildDesignMtx(blockPoints, 3, record.RegTerms, shaped), 1);
+  DRecMtx wide(2, 4);
+  EXPECT_EQ(record.BuildDesignMtx(blockPoints, 3, record.RegTerms, wide), 1);
+  EXPECT_EQ(record.BuildDesignMtx(DRecMtx(3, 2), 3, record.RegTerms, block), 1);
+}
+
+TEST(QRSData, TransformsInputsAndOutputs) {
+  CQRSData record;
+  record.InputTransformType = TransformBox;
+  record.InputTransformValues = {0.0, 0.0};
+  record.InputLambdas = {2.0, 2.0};
+  Vector x = {3.0, -1.0};
+  EXPECT_EQ(record.TransformAndOverwriteInputSample(x), 0);
+  EXPECT_EQ(x, (Vector{4.0, -1.0}));  // outside the guard: as it was, not reported
+  Matrix rows = {{3.0}, {3.0, 3.0, 3.0}, {3.0}};
+  EXPECT_EQ(record.TransformAndOverwriteInputSamples(rows), 1);  // longer than the lambdas
+  EXPECT_EQ(rows, (Matrix{{4.0}, {3.0, 3.0, 3.0}, {3.0}}));
+  record.OutputTransformType = TransformBox;
+  record.OutputLambda = 2.0;
+  Vector ys = {3.0, -1.0, 3.0};
+  EXPECT_EQ(record.TransformAndOverwriteOutputSamples(ys), 1);
+  EXPECT_EQ(ys, (Vector{4.0, -1.0, 3.0}));
+  ys = {4.0, -1.0, 4.0};
+  EXPECT_EQ(record.BacktransformAndOverwriteOutputSample(ys), 1);
+  EXPECT_EQ(ys, (Vector{3.0, -1.0, 4.0}));
+  record.InputTransformType = record.OutputTransformType = static_cast<E_QRSTransformationType>(10);
+  EXPECT_EQ(record.TransformAndOverwriteInputSample(x), 1);
+  EXPECT_EQ(record.TransformAndOverwriteOutputSample(ys[0]), 1);
+  EXPECT_EQ(record.BacktransformAndOverwriteOutputSample(ys[0]), 1);
+}
+
+TEST(QRSData, AFailedTransformCheckStopsTheRecordForGood) {
+  CQRSData record = PlainRecord(1, kThreeTerms);
+  SetSamples(record, {{1.0}}, {2.0});
+  record.InputTransformValues = {0.0};
+  record.InputTransformType = TransformBox;
+  EXPECT_FALSE(record.IsAllRight());
+  record.InputLambdas = {2.0};
+  EXPECT_TRUE(record.IsAllRight() && record.Stopped);
+  record.InputTransformType = TransformNone;
+  record.InputLambdas.clear();
+  record.Stopped = false;
+  EXPECT_TRUE(record.IsAllRight() && !record.Stopped);
+}
+
+TEST(QRSData, SmallOddities) {
+  CQRSData record;
+  double out = -7.0;
+  for (const int type : {0, 1, 2, 3, 4, -1}) {
+    record.SetRegTermFilterType(static_cast<E_RegTermFilterType>(type));
+    const bool hasValue = type >= 1 && type <= 3;
+    EXPECT_EQ(record.GetRegTermFilterConfVal(out), hasValue ? 0 : 1);
+    EXPECT_EQ(out, hasValue ? 0.95 : -7.0);
+    out = -7.0;
+  }
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0, -1.0}, 2, out), 0);
+  EXPECT_EQ(out, 0.0);
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0, 3.0, 4.0}, 2, out), 0);
+  EXPECT_EQ(out, 3.0);
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0}, 2, out), 1);
+  record = PlainRecord(2, kThreeTerms);
+  Vector status(3, -7.0);
+  Vector values(3, -7.0);
+  EXPECT_EQ(record.GetAllParamStatusAndVal(2, status.data(), values.data()), 1);
+  EXPECT_EQ(status, Vector(3, -7.0));
+  EXPECT_EQ(record.GetAllParamStatusAndVal(3, status.data(), values.data()), 0);
+  EXPECT_EQ(status, (Vector{1, 0, 1}));
+  EXPECT_EQ(values, (Vector{1.5, 2.0, 0.5}));
+  record.ReadyForEvaluation = false;
+  EXPECT_EQ(record.GetAllParamStatusAndVal(3, status.data(), values.data()), 1);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM
