@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-/// The usual report, and behind it how many times faster than the literal program the library is.
-/// Pairs are benchmarks named KIND/literal/CASE and KIND/library/CASE; with repetitions the best
-/// time of each counts.
+/// The usual report, and behind it how many times faster than a yardstick the library is, mostly
+/// the literal program. Pairs are benchmarks named KIND/YARDSTICK/CASE and KIND/library/CASE; with
+/// repetitions the best time of each counts.
 class RatioReport : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
@@ -24,23 +24,24 @@ class RatioReport : public benchmark::ConsoleReporter {
   }
 
   /// The ratios of the pairs of `kind` and their geometric mean.
-  void Print(const std::string& kind) const {
+  void Print(const std::string& kind, const std::string& yardstick = "literal") const {
     double logs = 0.0;
     int pairs = 0;
     const std::string prefix = kind + "/library/";
     for (auto it = best_.lower_bound(prefix);
          it != best_.end() && it->first.compare(0, prefix.size(), prefix) == 0; ++it) {
       const std::string name = it->first.substr(prefix.size());
-      const auto other = best_.find(kind + "/literal/" + name);
+      const auto other = best_.find(kind + "/" + yardstick + "/" + name);
       if (other == best_.end()) continue;
       const double ratio = other->second / it->second;
-      std::printf("%s %s: %.2f times as fast as the literal program\n", kind.c_str(), name.c_str(),
-                  ratio);
+      std::printf("%s %s: %.2f times as fast as %s\n", kind.c_str(), name.c_str(), ratio,
+                  yardstick.c_str());
       logs += std::log(ratio);
       ++pairs;
     }
     if (pairs > 0) {
-      std::printf("%s, geometric mean of %d: %.2f\n", kind.c_str(), pairs, std::exp(logs / pairs));
+      std::printf("%s against %s, geometric mean of %d: %.2f\n", kind.c_str(), yardstick.c_str(),
+                  pairs, std::exp(logs / pairs));
     }
   }
 

@@ -10,6 +10,7 @@
 
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
+#include "ratio_report.h"
 
 namespace {
 
@@ -88,11 +89,8 @@ std::string Database(std::size_t bytes, int combinations, int outputs) {
   return text;
 }
 
-/// The yardstick: every number of the text, one after the other, kept in one vector.
-void FromChars(benchmark::State& state) {
-  const std::string text =
-      Database(static_cast<std::size_t>(state.range(0)) << 20, static_cast<int>(state.range(1)),
-               static_cast<int>(state.range(2)));
+/// What a text costs at the least: every number of it, one after the other, kept in one vector.
+void FromChars(benchmark::State& state, const std::string& text) {
   for (auto _ : state) {
     std::vector<double> values;
     const char* at = text.data();
@@ -108,9 +106,8 @@ void FromChars(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-void Library(benchmark::State& state) {
-  std::string text = Database(static_cast<std::size_t>(state.range(0)) << 20,
-                              static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
+/// The text handed over and read into objects, which are destroyed again.
+void Library(benchmark::State& state, std::string text) {
   std::size_t objects = 0;
   for (auto _ : state) {
     CReaderPXROMDatabase reader;
@@ -124,15 +121,34 @@ void Library(benchmark::State& state) {
   state.counters["objects/text"] = static_cast<double>(objects) / static_cast<double>(text.size());
 }
 
-void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"MB", "combinations", "outputs"})->Unit(benchmark::kMillisecond);
-  benchmark->Args({1, 1, 1})->Args({25, 1, 1})->Args({50, 1, 1})->Args({100, 1, 1});
-  benchmark->Args({20, 10, 10})->Args({20, 1000, 10});
-}
-
-BENCHMARK(FromChars)->Apply(Sizes);
-BENCHMARK(Library)->Apply(Sizes);
+struct Size {
+  std::size_t megabytes;
+  int combinations;
+  int outputs;
+};
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  // How the time grows with the text, and with the number of groups in it.
+  const Size sizes[] = {{1, 1, 1},   {10, 1, 1},   {25, 1, 1},    {50, 1, 1},
+                        {100, 1, 1}, {20, 10, 10}, {20, 1000, 10}};
+  for (const Size& size : sizes) {
+    const std::string name = std::to_string(size.megabytes) + "MB_" +
+                             std::to_string(size.combinations) + "x" + std::to_string(size.outputs);
+    const auto text = [size] {
+      return Database(size.megabytes << 20, size.combinations, size.outputs);
+    };
+    benchmark::RegisterBenchmark(("reading/from_chars/" + name).c_str(),
+                                 [text](benchmark::State& state) { FromChars(state, text()); })
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("reading/library/" + name).c_str(), [text](
+                                                                          benchmark::State& state) {
+      Library(state, text());
+    })->Unit(benchmark::kMillisecond);
+  }
+  RatioReport report;
+  benchmark::RunSpecifiedBenchmarks(&report);
+  report.Print("reading", "from_chars");
+}

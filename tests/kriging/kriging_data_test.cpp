@@ -70,6 +70,7 @@ TEST(KrigingData, ScalingFactorsKeepTheirUnevenRules) {
   record.OutputScaleIntercept = 7.0;
   record.ComputeScalingFactorsForInputsUsingInfNorm();
   EXPECT_EQ(record.InputScaleSlopes, (Vector{1 / 5.0, 1 / 1e-08, 1 / 1e+30, 1.0}));
+  EXPECT_EQ(record.InputScaleIntercepts, Vector(4, 0.0));
   record.ComputeScalingFactorForOutputUsingInfNorm();
   EXPECT_EQ(record.OutputScaleIntercept, 7.0);
   const double deviation = std::sqrt(8.0);
@@ -104,6 +105,8 @@ TEST(KrigingCorrelation, AgreesWithFiftyDigits) {
 
 // Exact where the reference's tolerance could hide the wrong side of a comparison.
 TEST(KrigingCorrelation, CutsOffAtTheStatedPlaces) {
+  EXPECT_EQ(Correlate(CorrSpline, {1.0}, {0.2}, {0.0}, 1),
+            1.0 - 15.0 * 0.2 * 0.2 + 30.0 * 0.2 * 0.2 * 0.2);
   EXPECT_EQ(Correlate(CorrBesselJ0, {1.0}, {3.8318}, {0.0}, 1), 0.0);
   EXPECT_EQ(Correlate(CorrSinc, {1.0}, {1e-06}, {0.0}, 1), 1.0);
   EXPECT_LT(Correlate(CorrSinc, {-1.0}, {1.0001e-06}, {0.0}, 1), 1.0);

@@ -56,7 +56,7 @@ TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
       {kComplete, [](CKrigingData&) {}},
       {kNoError, [](CKrigingData& r) { r.SavePredictorError = false; }},
       {kNoError, [](CKrigingData& r) { r.KrigingDataVersion_ = E_CKrigingDataVersion(191); }},
-      {kNoError, [](CKrigingData& r) { r.Ft.clear(); }},
+      {kNoError, [](CKrigingData& r) { r.PolynomialType = PolyNone, r.Ft.clear(); }},
       {kNoError, [](CKrigingData& r) { r.InvC.pop_back(); }},
       {kNoError, [](CKrigingData& r) { r.InvC[1].pop_back(); }},
       {kNoError, [](CKrigingData& r) { r.Ft[0].pop_back(); }},
@@ -76,7 +76,8 @@ TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
       {kRefused, [](CKrigingData& r) { r.NumberOfInputVariables = 2; }},
       {kRefused, [](CKrigingData& r) { r.InputScaleSlopes.push_back(1.0); }},
       {kRefused, [](CKrigingData& r) { r.NumberOfSamples = -1; }},
-      {kRefused, [](CKrigingData& r) { r.NumberOfSamples = 4; }},
+      {kRefused,
+       [](CKrigingData& r) { r.CorrelationCoefficients.resize(9), r.NumberOfSamples = 9; }},
       {kRefused, [](CKrigingData& r) { r.InputSamples[1].push_back(1.0); }},
       {kRefused, [](CKrigingData& r) { r.CorrelationCoefficients.pop_back(); }},
       {kRefused, [](CKrigingData& r) { r.CorrelationKernels.clear(); }},
@@ -133,7 +134,11 @@ TEST(KrigingPredictorError, SumsTheStatusesOfItsSteps) {
       {0, {{3.0}, {4.0}}, [](CKrigingData&) {}},
       {1, {}, [](CKrigingData&) {}},
       {1, {{3.0}}, [](CKrigingData& r) { r.PolynomialType = E_PolynomialType(5); }},
-      {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples[1].clear(); }},
+      {1,
+       {{3.0}},
+       [](CKrigingData& r) {
+         r.InputSamples = {{}, {3.0, 4.0}};
+       }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples.pop_back(); }},
       {4, {{3.0}, {4.0}}, [](CKrigingData& r) { r.CorrelationKernels.clear(); }},
       // Two pairs of unlike lengths, a ragged matrix, and no trend rows for the error.

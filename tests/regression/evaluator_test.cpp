@@ -31,7 +31,7 @@ CQRSData RandomRecord(std::mt19937& random, int inputs, int inputType, int outpu
   specs.push_back({FuncTypeCrossQuad, {0, 0}, uniform(random)});
   std::shuffle(specs.begin(), specs.end(), random);
   CQRSData record = PlainRecord(inputs, specs);
-  record.NumberOfSamples = 400;
+  record.NumberOfSamples = static_cast<int>(specs.size()) + 100;
   const double lambdas[] = {-1.5, -1e-7, 0.0, 1e-6, 0.5, 1.0, 2.0, 2.0 - 1e-7};
   for (int i = 0; i < inputs; ++i) {
     record.InputScaleSlopes[static_cast<std::size_t>(i)] = 2.0 * uniform(random);

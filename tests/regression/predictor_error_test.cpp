@@ -43,7 +43,9 @@ TEST(PredictorError, AgreesWithScipy) {
     ASSERT_EQ(errors.size(), points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
       const double want = each["errors"][i];
-      EXPECT_NEAR(errors[i], want, 2e-6 * want) << record.NumberOfSamples;
+      // From 500 degrees of freedom on the quantile is an approximation by the Gauss distribution.
+      const double tolerance = record.NumberOfSamples > 500 ? 5e-6 : 2e-6;
+      EXPECT_NEAR(errors[i], want, tolerance * want) << record.NumberOfSamples;
       double alone = 0.0;
       EXPECT_EQ(record.GetPredictorError(points[i], alone), 0);
       EXPECT_EQ(alone, errors[i]);

@@ -45,8 +45,8 @@ TEST(RegTerms, ValueGradientAndDesignRow) {
   ExpectAnswers({FuncTypePureQuad, {0, 0}, 3.0}, 27.0, 9.0, {18, 0, 0});
   ExpectAnswers({FuncTypePureQuad, {0, 1}, 3.0}, 45.0, 15.0, {18, 0, 0});  // i1 is not looked at
   // x[i0] * c * x[i1], in this order.
-  ASSERT_NE(0.1 * 0.3 * 5.0, 0.1 * 5.0 * 0.3);
-  ExpectAnswers({FuncTypeCrossQuad, {2, 1}, 0.3}, 0.1 * 0.3 * 5.0, 0.5, {0, 0.1 * 0.3, 1.5});
+  ASSERT_NE(0.1 * 0.9 * 5.0, 0.1 * 5.0 * 0.9);
+  ExpectAnswers({FuncTypeCrossQuad, {2, 1}, 0.9}, 0.1 * 0.9 * 5.0, 0.5, {0, 0.1 * 0.9, 4.5});
   ExpectAnswers({FuncTypeCrossQuad, {0, 0}, 2.0}, 18.0, 9.0, {6, 0, 0});  // half of the true 12
   ExpectAnswers({FuncTypeCrossPoly, {0, 0, 1}, 2.0}, 90.0, 45.0, {60, 18, 0});
   ExpectAnswers({FuncTypeCrossPoly, {1, 1, 1, 0, 0}, 1.0}, 1125.0, 1125.0, {750, 675, 0});

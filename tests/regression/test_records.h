@@ -64,20 +64,28 @@ inline void SetSamples(CQRSData& record, const Matrix& inputs, const Vector& out
   record.NumberOfSamples = static_cast<int>(inputs.size());
 }
 
-/// Gives a test the protected operations, on a whole text.
+/// Gives a test the protected operations, on the body of a group far enough from the text's start
+/// for a missing group not to be found in it.
 class QRSReader : public CReaderPXROMDatabase {
  public:
-  int Read(std::string text, CRSData* record) {
+  int Read(const std::string& body, CRSData* record) { return Read(body, record, 0, body.size()); }
+  /// On the part of `body` from `lower` to `upper`.
+  int Read(const std::string& body, CRSData* record, std::size_t lower, std::size_t upper) {
+    Put(body);
+    return ResumeQRSData(record, kBefore.size() + lower, kBefore.size() + upper);
+  }
+  int ReadError(const std::string& body, CRSData* record) {
+    Put(body);
+    return ResumeQRSDataPredictorError(record, kBefore.size(), std::string::npos);
+  }
+
+ private:
+  void Put(const std::string& body) {
+    std::string text = kBefore + body;
     ReadDataStream(text);
-    return ResumeQRSData(record, 0, text.size());
   }
-  int ReadRange(CRSData* record, std::size_t lower, std::size_t upper) const {
-    return ResumeQRSData(record, lower, upper);
-  }
-  int ReadError(std::string text, CRSData* record) {
-    ReadDataStream(text);
-    return ResumeQRSDataPredictorError(record, 0, text.size());
-  }
+
+  const std::string kBefore = std::string(64, '\n');
 };
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -110,7 +110,7 @@ def functions():
     for kind in range(6):
         # Around the cut-offs 2 h of types 1 and 2, and around z = 1e-06 and 3 pi / 2 of type 3.
         cut = float(SINC_CUT)
-        for r in [0.0, 0.4e-06, 0.6e-06, 4.0 * down, 4.0, 4.0 * up, cut * down, cut,
+        for r in [0.0, 0.9e-06, 1.1e-06, 4.0 * down, 4.0, 4.0 * up, cut * down, cut,
                   cut * up] + doubles(4, 0.1, 6):
             value = lbf_function(kind, 3, mpf(r), mpf(2))
             out["lbf"].append({"type": kind, "d": 3, "r": r, "h": 2.0, "value": float(value)})
