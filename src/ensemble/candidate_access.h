@@ -8,8 +8,8 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What reading, writing and evaluation need of candidates beyond their public operations: to fill one in
-/// place, hand surfaces over, and look at the data, all without a copy.
+/// What reading, writing and evaluation need of candidates beyond their public operations: to fill
+/// one in place, hand surfaces over, and look at the data, all without a copy.
 struct CandidateAccess {
   static CFittingCandidate& Append(CFittingCandidates& list) {
     return list.Candidates.emplace_back();

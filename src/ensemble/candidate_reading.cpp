@@ -116,7 +116,7 @@ int ReadFittingCandidates(DatabaseText& text, int id, CFittingCandidates& out) {
 
 int CReaderPXROMDatabase::ResumeFittingCandidates(CFittingCandidates& out, int id) const {
   reading::DatabaseText text(DataStream);
-  text.IndexTags();
+  text.Index();
   return reading::ReadFittingCandidates(text, id, out);
 }
 

@@ -131,7 +131,7 @@ int CReaderPXROMDatabase::ResumeParameterRegistry(CDiscreteCombinations& out, st
 
 int CReaderPXROMDatabase::ResumeDiscreteCombinations(CDiscreteCombinations& out) const {
   reading::DatabaseText text(DataStream);
-  text.IndexTags();
+  text.Index();
   return reading::ReadDiscreteCombinations(text, out);
 }
 

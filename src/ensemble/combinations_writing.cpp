@@ -2,12 +2,14 @@
 // groups that the lines name.
 
 #include <algorithm>
-#include <iterator>
+#include <cmath>
+#include <map>
 
 #include "ensemble/candidate_writing.h"
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/writer.h"
 #include "reading/database_text.h"
+#include "reading/number_text.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -15,44 +17,258 @@ namespace writing {
 
 namespace {
 
-/// The version of registries that are in use. No reader asks for it.
+/// The version that registries have. No reader asks for it.
 constexpr int kRegistryVersion = 170;
 constexpr int kNoNumber = -1;
 
-/// The attributes of the registry with names, units or captions, and those that a reader looks for,
-/// in the order in which they are written.
-const std::string* const* RegistryKeys(std::size_t& count) {
-  static const std::string* const keys[] = {
-      &Labels::attParameterIDs(),          &Labels::attParameterCausalities(),
-      &Labels::attParameterTypes(),        &Labels::attParameterAvailability(),
-      &Labels::attParameterDiscreteIndexing(), &Labels::attParameterRegistrationRank(),
-      &Labels::attParameterUnits(),        &Labels::attParameterCaptions(),
-      &Labels::attParameterLowerBound(),   &Labels::attParameterUpperBound()};
-  count = std::size(keys);
-  return keys;
+/// The keys of the registry from the first one with words behind it on, in the order of the lines.
+using KeyList = std::vector<const std::string*>;
+KeyList RegistryKeys() {
+  return {&Labels::attParameterIDs(),
+          &Labels::attParameterCausalities(),
+          &Labels::attParameterTypes(),
+          &Labels::attParameterAvailability(),
+          &Labels::attParameterDiscreteIndexing(),
+          &Labels::attParameterRegistrationRank(),
+          &Labels::attParameterUnits(),
+          &Labels::attParameterCaptions(),
+          &Labels::attParameterLowerBound(),
+          &Labels::attParameterUpperBound()};
 }
 
-std::string Quoted(const std::string& word) { return "\"" + word + "\""; }
+/// The value in a list of at most one: what an operation of the registry answers for one ID.
+template <class Value>
+Value Only(const std::vector<std::pair<std::string, Value>>& list) {
+  return list.empty() ? Value{} : list.front().second;
+}
 
-/// Refuses a word that the registry's line `key` can't hold. A search for a later key would stop at
-/// one inside of it.
-void CheckWord(AttributeSink& out, const std::string& what, const std::string& word,
-               const std::string& key) {
-  const std::string reason = ReasonAgainst(word);
-  if (!reason.empty()) return out.Refuse(what + " " + reason);
-  std::size_t count = 0;
-  const std::string* const* const keys = RegistryKeys(count);
-  bool isLater = false;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (isLater && word.find(*keys[i]) != std::string::npos) {
-      return out.Refuse(what + " holds the key " + Quoted(*keys[i]));
+/// Collects the attributes of the registry, checks their words, and puts them.
+class Registry {
+ public:
+  Registry(AttributeSink& out, const CDiscreteCombinations& model)
+      : out_(out), model_(model), ids_(model.ListParameterImmutableID()) {}
+
+  void Write() {
+    if (ids_.empty()) return out_.Refuse("a database needs a parameter");
+    if (ids_.size() == 1 && reading::EmptyIfBlank(ids_.front()).empty()) {
+      return out_.Refuse("the ID of the only parameter is blank");
     }
-    isLater = isLater || *keys[i] == key;
+    for (const std::string& id : ids_) Collect(id);
+    if (out_.IsRefused()) return;
+    out_.PutGroup(Labels::tagParameterRegistry(), kNoNumber, [&] {
+      out_.Put(Labels::attParameterVersion(), kRegistryVersion);
+      out_.Put(Labels::attParameterIDs(), ids_);
+      out_.Put(Labels::attParameterCausalities(), causalities_);
+      out_.Put(Labels::attParameterTypes(), types_);
+      out_.Put(Labels::attParameterAvailability(), availability_);
+      out_.Put(Labels::attParameterDiscreteIndexing(), discreteIndexing_);
+      out_.Put(Labels::attParameterRegistrationRank(), ranks_);
+      out_.Put(Labels::attParameterUnits(), units_);
+      out_.Put(Labels::attParameterCaptions(), captions_);
+      out_.Put(Labels::attParameterLowerBound(), lowerBounds_);
+      out_.Put(Labels::attParameterUpperBound(), upperBounds_);
+    });
   }
+
+ private:
+  void Collect(const std::string& id) {
+    CheckWord("the ID " + Quoted(id), id, Labels::attParameterIDs());
+    causalities_.push_back(model_.ListParameterCausality({id}).front());
+    types_.push_back(model_.ListParameterType({id}).front());
+    availability_.push_back(model_.IsEnabled(id) ? 1 : 0);
+    ranks_.emplace_back(id, model_.GetRegistrationRank()->at(id));
+    if (model_.IsDiscrete(id)) {
+      discreteIndexing_.emplace_back(id, static_cast<int>(discreteIndexing_.size()));
+    }
+    const std::string caption = Only(model_.ListParameterCaption({id}));
+    CheckWord("the caption of " + Quoted(id), caption, Labels::attParameterCaptions());
+    captions_.emplace_back(id, caption);
+
+    const std::string unit = Only(model_.ListParameterUnit({id}));
+    const double lower = Only(model_.ListLowerBound({id}));
+    const double upper = Only(model_.ListUpperBound({id}));
+    if (!model_.IsContinuous(id)) {
+      if (!unit.empty() || !IsUnset(lower) || !IsUnset(upper)) {
+        out_.Refuse(Quoted(id) + " is not continuous, but has a unit or bounds");
+      }
+      return;
+    }
+    CheckWord("the unit of " + Quoted(id), unit, Labels::attParameterUnits());
+    if (!std::isfinite(lower) || !std::isfinite(upper)) {
+      out_.Refuse("a bound of " + Quoted(id) + " is not finite");
+    }
+    units_.emplace_back(id, unit);
+    lowerBounds_.emplace_back(id, lower);
+    upperBounds_.emplace_back(id, upper);
+  }
+
+  /// Refuses a word that can't stand behind `key`. A search for one of the keys below would stop at
+  /// one inside the word.
+  void CheckWord(const std::string& what, const std::string& word, const std::string& key) {
+    const std::string reason = ReasonAgainst(word);
+    if (!reason.empty()) return out_.Refuse(what + " " + reason);
+    const auto here = std::find(keys_.begin(), keys_.end(), &key);
+    for (auto below = here + 1; below != keys_.end(); ++below) {
+      if (word.find(**below) != std::string::npos) {
+        out_.Refuse(what + " holds the key " + Quoted(**below));
+      }
+    }
+  }
+
+  AttributeSink& out_;
+  const CDiscreteCombinations& model_;
+  const KeyList keys_ = RegistryKeys();
+  std::vector<std::string> ids_;
+  std::vector<int> causalities_;
+  std::vector<int> types_;
+  std::vector<int> availability_;
+  std::vector<std::pair<std::string, int>> discreteIndexing_;
+  std::vector<std::pair<std::string, int>> ranks_;
+  std::vector<std::pair<std::string, std::string>> units_;
+  std::vector<std::pair<std::string, std::string>> captions_;
+  std::vector<std::pair<std::string, double>> lowerBounds_;
+  std::vector<std::pair<std::string, double>> upperBounds_;
+};
+
+/// The discrete sets of a model and the groups that they name.
+class DiscreteSets {
+ public:
+  DiscreteSets(AttributeSink& out, CandidateGroups& groups, const CDiscreteCombinations& model)
+      : out_(out), groups_(groups), model_(model) {
+    for (const std::string& id : model.ListEnabledDiscreteParameterWrtRegistrationRank()) {
+      if (model.IsInput(id)) inputs_.push_back(id);
+    }
+  }
+
+  void Write() {
+    // By position, which is the order of their registration.
+    std::map<std::int32_t, const std::vector<int>*> keys;
+    for (const auto& [key, position] : *model_.GetDiscreteCombinationsIndexingPtr()) {
+      keys.emplace(position, &key);
+    }
+    out_.PutGroup(Labels::tagDiscreteSets(), kNoNumber, [&] {
+      for (const auto& [position, key] : keys) {
+        const auto index = static_cast<std::size_t>(position);
+        WriteLine(*key, model_.GetOutputsWrtDiscCombPtr()->at(index));
+        if (out_.IsRefused()) return;
+      }
+    });
+  }
+
+ private:
+  void WriteLine(const std::vector<int>& key, const CDiscreteCombinations::OutputsByID& outputs) {
+    const std::size_t expected = model_.Count(CausalityOutput, ContinuousNotManufacturable, true);
+    if (key.size() != inputs_.size()) {
+      return out_.Refuse("a combination has " + std::to_string(key.size()) +
+                         " discrete values, but there are " + std::to_string(inputs_.size()) +
+                         " enabled discrete inputs");
+    }
+    std::string place;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+      place += (i == 0 ? " at " : ", ") + inputs_[i] + "=" + std::to_string(key[i]);
+    }
+    if (!IsReachable(key)) {
+      return out_.Refuse("the combination" + place +
+                         " can't be reached any more: inputs of equal rank need ascending values");
+    }
+    if (outputs.size() != expected) {
+      return out_.Refuse("the combination" + place + " has " + std::to_string(outputs.size()) +
+                         " outputs, but " + std::to_string(expected) + " are enabled");
+    }
+    std::vector<std::pair<std::string, int>> pairs;
+    for (std::size_t i = 0; i < key.size(); ++i) pairs.emplace_back(inputs_[i], key[i]);
+    for (const auto& [id, list] : outputs) {
+      const std::string reason = ReasonAgainst(id);
+      if (!reason.empty()) return out_.Refuse("the output " + Quoted(id) + " " + reason);
+      pairs.emplace_back(id, groups_.NumberOf(*list));
+      if (groups_.Sink().IsRefused()) {
+        return out_.Refuse("output " + Quoted(id) + place + ": " + groups_.Sink().Reason());
+      }
+    }
+    out_.Put(Labels::attDiscreteSet(), pairs);
+  }
+
+  // Whether an evaluation, and so a reader, can make this key: values of one rank are sorted.
+  bool IsReachable(const std::vector<int>& key) const {
+    const auto& ranks = *model_.GetRegistrationRank();
+    for (std::size_t i = 1; i < key.size(); ++i) {
+      if (key[i] < key[i - 1] && ranks.at(inputs_[i]) == ranks.at(inputs_[i - 1])) return false;
+    }
+    return true;
+  }
+
+  AttributeSink& out_;
+  CandidateGroups& groups_;
+  const CDiscreteCombinations& model_;
+  /// The enabled discrete inputs in the order of a key.
+  std::vector<std::string> inputs_;
+};
+
+/// Hands over what was written, or tells why nothing was.
+int Finish(AttributeSink& sink, std::string& out, std::string& reason) {
+  if (sink.IsRefused()) {
+    reason = sink.Reason();
+    return 1;
+  }
+  out.swap(sink.Text());
+  reason.clear();
+  return 0;
 }
 
 }  // namespace
 
 }  // namespace writing
+
+int CWriterPXROMDatabase::WriteDiscreteCombinations(const CDiscreteCombinations& model,
+                                                    std::string& out) const {
+  std::string reason;
+  return WriteDiscreteCombinations(model, out, reason);
+}
+
+int CWriterPXROMDatabase::WriteDiscreteCombinations(const CDiscreteCombinations& model,
+                                                    std::string& out, std::string& reason) const {
+  std::string text;
+  writing::AttributeSink sink(text);
+  writing::CandidateGroups groups;
+  writing::Registry(sink, model).Write();
+  if (!sink.IsRefused()) writing::DiscreteSets(sink, groups, model).Write();
+  text += groups.Text();
+  if (sink.Work() + groups.Work() > reading::WorkAllowedFor(text.size())) {
+    sink.Refuse("reading the text would be more work than a reader grants it");
+  }
+  return writing::Finish(sink, out, reason);
+}
+
+int CWriterPXROMDatabase::WriteFMUDescriptionVariables(
+    int reals, int integers, int booleans, int strings, int events,
+    const std::vector<std::pair<std::string, int>>& references, std::string& out) const {
+  std::string reason;
+  return WriteFMUDescriptionVariables(reals, integers, booleans, strings, events, references, out,
+                                      reason);
+}
+
+int CWriterPXROMDatabase::WriteFMUDescriptionVariables(
+    int reals, int integers, int booleans, int strings, int events,
+    const std::vector<std::pair<std::string, int>>& references, std::string& out,
+    std::string& reason) const {
+  std::string text;
+  writing::AttributeSink sink(text);
+  for (const auto& reference : references) {
+    const std::string against = writing::ReasonAgainst(reference.first);
+    if (!against.empty())
+      sink.Refuse("the reference " + writing::Quoted(reference.first) + " " + against);
+  }
+  using writing::Labels;
+  sink.PutGroup(Labels::tagFMU(), writing::kNoNumber, [&] {
+    sink.Put(Labels::attFMUNumberOfReals(), reals);
+    sink.Put(Labels::attFMUNumberOfIntegers(), integers);
+    sink.Put(Labels::attFMUNumberOfBooleans(), booleans);
+    sink.Put(Labels::attFMUNumberOfStrings(), strings);
+    sink.Put(Labels::attFMUNumberOfEvents(), events);
+    // Last, so that no name stands in front of a key that is looked for.
+    sink.Put(Labels::attFMUIDToValRef(), references);
+  });
+  return writing::Finish(sink, out, reason);
+}
 
 }  // namespace Tarvane::Plexura::PXROM

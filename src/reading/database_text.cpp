@@ -58,12 +58,33 @@ std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
   return rows * (columns * sizeof(double) + kRowOverhead);
 }
 
-DatabaseText::DatabaseText(std::string_view text)
-    : text_(text), limit_(WorkAllowedFor(text.size())) {}
+Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
+  constexpr std::size_t kBlock = 64;
+  const auto isMark = [](char c) { return c == '=' || c == '<' || c == '\n'; };
+  Marks marks;
+  for (std::size_t at = lower; at < end; at += kBlock) {
+    const std::string_view block = text.substr(at, std::min(kBlock, end - at));
+    // Without a branch, so that compilers make vector code of it: the long lists of numbers, which
+    // are nearly all of a text, hold none of the three.
+    unsigned char any = 0;
+    for (const char c : block) any = static_cast<unsigned char>(any | (isMark(c) ? 1 : 0));
+    if (any == 0) continue;
+    for (std::size_t i = 0; i < block.size(); ++i) {
+      if (block[i] == '=') marks.equalSigns.push_back(at + i);
+      if (block[i] == '\n') marks.lineEnds.push_back(at + i);
+      if (block[i] == '<') marks.brackets.push_back(at + i);
+    }
+  }
+  return marks;
+}
 
-void DatabaseText::IndexTags() {
+DatabaseText::DatabaseText(std::string_view text)
+    : text_(text), limit_(kWorkForAnyText + kWorkPerCharacter * text.size()) {}
+
+void DatabaseText::Index() {
   indexed_ = true;
-  for (std::size_t at = text_.find('<'); at != kNone; at = text_.find('<', at + 1)) {
+  marks_ = FindMarks(text_, 0, text_.size());
+  for (const std::size_t at : marks_.brackets) {
     const std::size_t length = text_.substr(at, kLongestTag).find('>');
     if (length != kNone) tags_[text_.substr(at, length + 1)].push_back(at);
   }
@@ -98,22 +119,32 @@ bool DatabaseText::Charge(std::size_t bytes) {
 
 void AttributeRange::LookThrough() {
   lookedThrough_ = true;
-  view_ = ViewOf(text_.View(), bounds_.lower, bounds_.upper);
-  if (!text_.Charge(view_.size())) return;
-  for (std::size_t at = view_.find('='); at != kNone; at = view_.find('=', at + 1)) {
-    equalSigns_.push_back(at);
-  }
+  const std::string_view view = ViewOf(text_.View(), bounds_.lower, bounds_.upper);
+  begin_ = bounds_.lower;
+  end_ = begin_ + view.size();
+  marks_ = text_.AllMarks();
+  // The bill is that of a look through the range, which each search of a key may come to.
+  if (!text_.Charge(view.size()) || marks_ != nullptr) return;
+  ownMarks_ = FindMarks(text_.View(), begin_, end_);
+  marks_ = &ownMarks_;
 }
 
 bool AttributeRange::Find(const std::string& key, std::string_view& value) {
   if (!lookedThrough_) LookThrough();
   if (text_.IsExhausted()) return false;
-  for (const std::size_t at : equalSigns_) {
-    const std::size_t behind = at + 1;
-    if (behind >= key.size() && view_.compare(behind - key.size(), key.size(), key) == 0) {
-      value = RestOfLine(view_, behind);
-      return true;
+  const std::string_view text = text_.View();
+  const std::vector<std::size_t>& places = marks_->equalSigns;
+  auto place = std::lower_bound(places.begin(), places.end(), begin_);
+  for (; place != places.end() && *place < end_; ++place) {
+    const std::size_t behind = *place + 1;
+    if (behind - begin_ < key.size() || text.compare(behind - key.size(), key.size(), key) != 0) {
+      continue;
     }
+    const std::vector<std::size_t>& ends = marks_->lineEnds;
+    const auto lineEnd = std::lower_bound(ends.begin(), ends.end(), behind);
+    const std::size_t last = lineEnd == ends.end() ? end_ : std::min(*lineEnd, end_);
+    value = text.substr(behind, last - behind);
+    return true;
   }
   return false;
 }
@@ -133,7 +164,7 @@ int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
   std::string_view list = ListValue(key);
   // Both counts are below 2^31, so that their product fits in 64 bits.
   if (std::uint64_t{rowCount} * columnCount > CountTokens(list, separator)) return 1;
-  if (columnCount == 0 && rowCount > view_.size()) return 1;
+  if (columnCount == 0 && rowCount > end_ - begin_) return 1;
   if (!text_.Charge(WorkOfMatrix(rowCount, columnCount))) return 1;
   std::vector<std::vector<double>> matrix(rowCount);
   for (std::vector<double>& row : matrix) {

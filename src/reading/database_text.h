@@ -37,13 +37,25 @@ std::string_view RestOfLine(std::string_view text, std::size_t position);
 /// The number of lines of `range` that hold `key`.
 std::size_t CountLinesWith(std::string_view range, const std::string& key);
 
-/// How much work a text of `length` characters may ask for, counted in bytes as DatabaseText::Charge
-/// does, and what a matrix counts besides the text of its values.
+/// How much work a text of `length` characters may ask for, counted in bytes as
+/// DatabaseText::Charge does, and what a matrix counts besides the text of its values.
 std::size_t WorkAllowedFor(std::size_t length);
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
 
-/// The text of one database while it is read: a view, the places of its tags, and an account of the
-/// work that the text has asked for. It lives for one Resume call and is not shared.
+/// Where the characters stand that the searches of a text stop at, in ascending order.
+struct Marks {
+  /// Every key ends in one.
+  std::vector<std::size_t> equalSigns;
+  std::vector<std::size_t> lineEnds;
+  /// What begins every tag.
+  std::vector<std::size_t> brackets;
+};
+
+/// The marks of `text` from `lower` to the one before `end`, as places in the whole text.
+Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end);
+
+/// The text of one database while it is read: a view, an index of its tags and line ends, and an
+/// account of the work that it has asked for. It lives for one Resume call and is not shared.
 class DatabaseText {
  public:
   /// `text` must outlive the object and stay as it is.
@@ -51,9 +63,11 @@ class DatabaseText {
 
   std::string_view View() const { return text_; }
 
-  /// Lists the places of all tags in one pass, so that each later search takes no walk through the
-  /// text. Without it searches walk, with the same results.
-  void IndexTags();
+  /// Lists the places of all tags, keys and line ends in one pass, so that no later search walks
+  /// through the text. Without it searches walk, with the same results.
+  void Index();
+  /// The marks of the whole text; null before Index.
+  const Marks* AllMarks() const { return indexed_ ? &marks_ : nullptr; }
 
   /// The body of the first group opened at or behind `from`. There is no test that either tag was
   /// found, and the positions wrap as unsigned sums do: that decides what a damaged text means, so
@@ -78,11 +92,12 @@ class DatabaseText {
   std::size_t charged_ = 0;
   std::size_t limit_ = 0;
   bool indexed_ = false;
+  Marks marks_;
   std::unordered_map<std::string_view, std::vector<std::size_t>> tags_;
 };
 
 /// The attributes of one group: finds a key's first place in the range and converts its value. It
-/// works on views, copies nothing, and looks through the range once for all keys.
+/// works on views, copies nothing, and looks through the text once for all keys.
 ///
 /// Scalars stay as they were when the key is missing or its value is blank; lists are always
 /// replaced. Once the text is exhausted nothing is found any more; who reads groups in a loop asks
@@ -90,6 +105,8 @@ class DatabaseText {
 class AttributeRange {
  public:
   AttributeRange(DatabaseText& text, Bounds bounds) : text_(text), bounds_(bounds) {}
+  AttributeRange(const AttributeRange&) = delete;
+  AttributeRange& operator=(const AttributeRange&) = delete;
 
   DatabaseText& Text() { return text_; }
   const Bounds& Range() const { return bounds_; }
@@ -139,9 +156,11 @@ class AttributeRange {
   DatabaseText& text_;
   Bounds bounds_;
   bool lookedThrough_ = false;
-  std::string_view view_;
-  // Every key ends in "=": the places of that character are all that a search has to visit.
-  std::vector<std::size_t> equalSigns_;
+  // The range as places in the text, its end the one behind its last character.
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  const Marks* marks_ = nullptr;
+  Marks ownMarks_;
 };
 
 }  // namespace Tarvane::Plexura::PXROM::reading
