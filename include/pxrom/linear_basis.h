@@ -86,8 +86,7 @@ class PXROM_API CLBFEvaluator : public CRSEvaluator {
   ///
   /// Besides what every value form refuses, 1 with `y` untouched for an unknown radial function or
   /// trend (PolyNone too), lists of coefficients that are longer than the samples or the trend,
-  /// fewer widths, rows or outputs than NumberOfSamples needs, rows of another length than `x`, and
-  /// a trend of more than 2^24 functions.
+  /// fewer widths, rows or outputs than NumberOfSamples needs, and rows of another length than `x`.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
   /// Not offered: 1 with `gradient` untouched.
@@ -101,7 +100,7 @@ class PXROM_API CLBFEvaluator : public CRSEvaluator {
   int EvaluateBasisFunction(const CLBFData* data, const std::vector<double>& x,
                             std::vector<double>& out) const;
   /// The trend's functions at the scaled point `x`. 1 with `out` empty for a type other than
-  /// PolyConstant to PolyFullQuadratic.
+  /// PolyConstant to PolyFullQuadratic, and for more than 2^24 functions.
   int ComputeVandermondePolynomialVector(const CLBFData* data, const std::vector<double>& x,
                                          std::vector<double>& out) const;
 };

@@ -15,7 +15,7 @@ namespace {
 // 3 pi / 2, where the sinc function is cut after a shift that makes it 0 there.
 constexpr double kSincCutOff = 4.71238898038469;
 
-// More functions than any fit has samples for; a damaged record could ask for all memory.
+// More functions than any fit has samples for.
 constexpr std::int64_t kMostTrendFunctions = std::int64_t{1} << 24;
 
 // Calls `use(function)`, where function(r2, h) is the radial function of `type` at the squared
@@ -105,10 +105,14 @@ int CLBFEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   // Samples without a weight of their own do not count.
   std::vector<double> radial(radialWeights.size());
   if (!EvaluateRadial(record, point, radial)) return 1;
-  std::vector<double> trend;
-  if (ComputeVandermondePolynomialVector(&record, point, trend) != 0) return 1;
+  // Functions without a coefficient do not count either, and there can be far too many of them.
   const std::vector<double>& trendWeights = record.PolynomialCoefficients;
-  if (trendWeights.size() > trend.size()) return 1;
+  const std::int64_t functions =
+      PolynomialCount(record.PolynomialType, static_cast<std::int64_t>(point.size()));
+  if (functions <= 0 || trendWeights.size() > static_cast<std::uint64_t>(functions)) return 1;
+  std::vector<double> trend(trendWeights.size());
+  EvaluateLeadingPolynomialBasis(record.PolynomialType, point.data(), point.size(), trend.size(),
+                                 trend.data());
 
   double trendSum = 0.0;
   for (std::size_t i = 0; i < trendWeights.size(); ++i) trendSum += trend[i] * trendWeights[i];

@@ -1,6 +1,7 @@
 #include "numerics/polynomial_basis.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -23,15 +24,26 @@ std::int64_t PolynomialCount(E_PolynomialType type, std::int64_t d) noexcept {
 
 void EvaluatePolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
                              double* out) noexcept {
-  if (type < PolyConstant) return;
+  EvaluateLeadingPolynomialBasis(type, x, d, std::numeric_limits<std::size_t>::max(), out);
+}
+
+void EvaluateLeadingPolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
+                                    std::size_t count, double* out) noexcept {
+  if (type < PolyConstant || count == 0) return;
   *out++ = 1.0;
+  std::size_t left = count - 1;
   if (type < PolyLinear) return;
-  out = std::copy_n(x, d, out);
+  const std::size_t linear = std::min(d, left);
+  out = std::copy_n(x, linear, out);
+  left -= linear;
   if (type == PolyPureQuadratic) {
-    for (std::size_t i = 0; i < d; ++i) *out++ = x[i] * x[i];
+    const std::size_t squares = std::min(d, left);
+    for (std::size_t i = 0; i < squares; ++i) *out++ = x[i] * x[i];
   } else if (type == PolyFullQuadratic) {
-    for (std::size_t i = 0; i < d; ++i) {
-      for (std::size_t j = i; j < d; ++j) *out++ = x[i] * x[j];
+    for (std::size_t i = 0; i < d && left > 0; ++i) {
+      const std::size_t end = i + std::min(d - i, left);
+      for (std::size_t j = i; j < end; ++j) *out++ = x[i] * x[j];
+      left -= end - i;
     }
   }
 }

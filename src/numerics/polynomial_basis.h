@@ -19,4 +19,9 @@ std::int64_t PolynomialCount(E_PolynomialType type, std::int64_t d) noexcept;
 void EvaluatePolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
                              double* out) noexcept;
 
+/// The first `count` of them, or all when there are fewer: a basis can be far longer than what a
+/// record has coefficients for.
+void EvaluateLeadingPolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
+                                    std::size_t count, double* out) noexcept;
+
 }  // namespace Tarvane::Plexura::PXROM

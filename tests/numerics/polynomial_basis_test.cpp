@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Tarvane::Plexura::PXROM {
@@ -16,6 +17,14 @@ TEST(PolynomialBasis, ComesInOrderAndAsCounted) {
     EvaluatePolynomialBasis(E_PolynomialType(type), x.data(), x.size(), out.data());
     EXPECT_EQ(out, want[type]) << type;
     EXPECT_EQ(PolynomialCount(E_PolynomialType(type), 3), std::int64_t(out.size()));
+    for (std::size_t count = 0; count <= out.size() + 1; ++count) {
+      std::vector<double> front(out.size() + 1, -1.0);
+      EvaluateLeadingPolynomialBasis(E_PolynomialType(type), x.data(), x.size(), count,
+                                     front.data());
+      for (std::size_t i = 0; i < front.size(); ++i) {
+        EXPECT_EQ(front[i], i < std::min(count, out.size()) ? out[i] : -1.0);
+      }
+    }
   }
   EXPECT_EQ(PolynomialCount(PolyFullQuadratic, 2147483647), 2305843010287435776);
   EXPECT_EQ(PolynomialCount(E_PolynomialType(5), 3), -1);
