@@ -1,6 +1,4 @@
-// Reading of the three families' attributes, and models that independent tools fitted.
-
-#include <sstream>
+// Reading of the three families' attributes.
 
 #include "kernel_local/test_records.h"
 #include "pxrom/database_reader.h"
@@ -27,46 +25,7 @@ class Reader : public CReaderPXROMDatabase {
     SearchBoundsOfTaggedGroup(DataStream, "Genome", 0, lower, upper);
     return (this->*resume)(&record, lower, upper);
   }
-
-  // The names of the inputs and, last, of the output.
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    CatchKeyValue(DataStream, "IDs=", names, 0, std::string::npos);
-    return names;
-  }
 };
-
-TEST(KernelLocalReading, FittedModelsPredictWhatTheirToolsPredict) {
-  const struct {
-    const char* folder;
-    std::unique_ptr<CRSData> record;
-    std::unique_ptr<CRSEvaluator> evaluator;
-  } models[] = {
-      {"svr_sk_eps_rbf", std::make_unique<CSVRData>(), std::make_unique<CSVREvaluator>()},
-      {"svr_sk_version170", std::make_unique<CSVRData>(), std::make_unique<CSVREvaluator>()},
-      {"mls_np_franke_linear_gauss", std::make_unique<CMLSData>(),
-       std::make_unique<CMLSEvaluator>()},
-      {"lbf_scipy_gauss_linear", std::make_unique<CLBFData>(), std::make_unique<CLBFEvaluator>()},
-  };
-  for (const auto& model : models) {
-    const std::string folder = std::string(PXROM_TEST_DATA "/kernel_local/models/") + model.folder;
-    std::stringstream text;
-    text << std::ifstream(folder + "/model.pxdb", std::ios::binary).rdbuf();
-    const Reader reader(text.str());
-    ASSERT_EQ(reader.Resume(*model.record), 0) << model.folder;
-    const std::vector<std::string> names = reader.Names();
-    const auto cases = nlohmann::json::parse(std::ifstream(folder + "/cases.json"));
-    ASSERT_FALSE(cases.empty());
-    for (const auto& item : cases) {
-      Vector x;
-      for (std::size_t i = 0; i + 1 < names.size(); ++i) x.push_back(item["continuous"][names[i]]);
-      const double want = item["outputs"][names.back()];
-      EXPECT_NEAR(Value(*model.evaluator, *model.record, x), want,
-                  item["tolerance"].get<double>() * std::fmax(1.0, std::fabs(want)))
-          << model.folder;
-    }
-  }
-}
 
 const std::string kBase =
     "<Genome ID=0>\nNumberOfInputVariables=1\nNumberOfSamples=2\nInputSamples=1,2\n"

@@ -5,9 +5,11 @@ A seed keeps the shape of its model (families, cross-validation, error data) wit
 short numbers. Run it in this folder; cases that a fuzzer found stand beside and are left alone.
 """
 
+import math
 import os
 import re
 import shutil
+import struct
 
 SAMPLES = 5
 MODELS = "../models"
@@ -167,6 +169,18 @@ def main():
     }
     for name, text in damaged.items():
         write("database/damaged_%s.pxdb" % name, text)
+
+    # Behind the last NUL stand the inputs.
+    for model, name, values in (
+        ("kriging_sk_linnerud", "kriging_not_finite", [math.nan, math.inf, -math.inf]),
+        ("qrs_sm_piston_loglog", "regression_of_negatives", [-1.0, 0.0, -1e308]),
+        ("mls_np_franke_linear_gauss", "mls_far_away", [1e308, 5e-324]),
+        ("beam_stress", "cross_validation_tiny", [5e-324, -0.0, 1e-308, 1.0]),
+    ):
+        os.makedirs("evaluate", exist_ok=True)
+        with open("evaluate/%s.bin" % name, "wb") as file:
+            tail = struct.pack("<%dd" % len(values), *values)
+            file.write(texts[model].encode() + b"\0" + tail)
 
     write("tokens/numbers.bin", ",;\x00\x401,-2.5,+3e5, 4 ,1e,.5,1e999,nan,-0,2147483648,")
     write("tokens/pairs.bin", ",;\x00\x40{a;1},{b;2},{c},{},x,{d;e;f}\r\n")

@@ -1,0 +1,91 @@
+#pragma once
+
+// Good and damaged texts, and what the library makes of them.
+
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "pxrom/inspection.h"
+#include "support/model_files.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+inline const CFinding* FirstError(const CInspectionReport& report) {
+  const auto error =
+      std::find_if(report.findings.begin(), report.findings.end(),
+                   [](const CFinding& f) { return f.severity == SeverityError; });
+  return error == report.findings.end() ? nullptr : &*error;
+}
+
+inline bool Has(const CInspectionReport& report, E_FindingCode code) {
+  return std::any_of(report.findings.begin(), report.findings.end(),
+                     [code](const CFinding& f) { return f.code == code; });
+}
+
+/// All findings as a person would read them, for the message of a test.
+inline std::string Shown(const CInspectionReport& report) {
+  std::string text;
+  for (const CFinding& f : report.findings) {
+    text += std::to_string(f.line) + ':' + std::to_string(f.column) + ' ' +
+            std::to_string(f.severity) + ' ' + f.sentence + " [" + FindingCodeName(f.code) +
+            "] in \"" + f.group + "\"\n";
+  }
+  return text;
+}
+
+/// A damage of tests/data/damaged/damages.json.
+struct Damage {
+  std::string name;
+  std::string text;
+  std::string code;
+  std::size_t line = 0;
+};
+
+inline std::size_t StartOfLine(const std::string& text, std::size_t line) {
+  std::size_t at = 0;
+  for (; line > 1; --line) at = text.find('\n', at) + 1;
+  return at;
+}
+
+inline std::vector<Damage> Damages() {
+  const auto document = nlohmann::json::parse(ContentOf(PXROM_TEST_DATA "/damaged/damages.json"));
+  std::vector<Damage> damages;
+  for (const auto& entry : document["damages"]) {
+    const std::string model = document["models"][entry["model"].get<std::string>()];
+    Damage damage{entry["name"], ContentOf(PXROM_TEST_DATA "/../../" + model), entry["code"],
+                  entry.value("line", entry["at"].get<std::size_t>())};
+    const std::size_t at = StartOfLine(damage.text, entry["at"]);
+    if (entry.contains("delete")) {
+      const std::size_t end =
+          StartOfLine(damage.text, entry["at"].get<std::size_t>() + entry["delete"].get<std::size_t>());
+      damage.text.erase(at, end - at);
+    } else {
+      const std::string from = entry["find"];
+      const std::size_t found = damage.text.find(from, at);
+      EXPECT_NE(found, std::string::npos) << damage.name;
+      if (found != std::string::npos) {
+        damage.text.replace(found, from.size(), entry["replace"].get<std::string>());
+      }
+    }
+    damages.push_back(std::move(damage));
+  }
+  return damages;
+}
+
+/// The paths of all models that are sound.
+inline std::vector<std::string> GoodModels() {
+  std::vector<std::string> paths;
+  for (const char* folder : {PXROM_TEST_DATA "/models", PXROM_EXAMPLES}) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+      if (entry.path().extension() == ".pxdb") paths.push_back(entry.path().string());
+    }
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+}  // namespace Tarvane::Plexura::PXROM
