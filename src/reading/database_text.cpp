@@ -79,7 +79,7 @@ Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
 }
 
 DatabaseText::DatabaseText(std::string_view text)
-    : text_(text), limit_(kWorkForAnyText + kWorkPerCharacter * text.size()) {}
+    : text_(text), limit_(WorkAllowedFor(text.size())) {}
 
 void DatabaseText::Index() {
   indexed_ = true;

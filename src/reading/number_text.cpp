@@ -20,6 +20,10 @@ std::string_view WithoutLeadingBlanks(std::string_view text) {
   return text.substr(i);
 }
 
+bool IsInNumbers(char c) {
+  return IsDigit(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
+}
+
 // An integer as a stream takes it: sign, digits, the limits of int64 on overflow.
 struct Integer {
   bool found = false;
@@ -151,8 +155,9 @@ void Extract(std::string_view text, bool& target) noexcept {
 
 std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept {
   // Nearly every token is digits that end at the delimiter, which std::from_chars takes in one
-  // pass exactly as a stream would; everything else goes by the stream's rules.
-  if (!text.empty() &&
+  // pass exactly as a stream would; everything else goes by the stream's rules. So does a delimiter
+  // that could stand inside of a number.
+  if (!text.empty() && !IsInNumbers(delimiter) &&
       (IsDigit(text[0]) || (text[0] == '-' && text.size() > 1 && IsDigit(text[1])))) {
     const char* const end = text.data() + text.size();
     double value = 0.0;

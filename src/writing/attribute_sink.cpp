@@ -95,15 +95,23 @@ void AttributeSink::Close(const std::string& word, std::size_t body) {
 
 std::string NameOf(const std::string& key) { return key.substr(0, key.size() - 1); }
 
+std::string Quoted(std::string word) {
+  constexpr char kFirstPrintable = ' ';
+  for (char& c : word) {
+    if (c >= 0 && c < kFirstPrintable) c = '?';
+  }
+  return "\"" + word + "\"";
+}
+
 bool IsUnset(double value) { return value == 0.0 && !std::signbit(value); }
 
 std::string ReasonAgainst(std::string_view word) {
   const auto holds = [word](std::string_view piece) {
     return word.find(piece) != std::string_view::npos;
   };
-  for (const std::string* const separator : {&Labels::strSep(), &Labels::strSubSep(),
-                                             &Labels::strGrpStart(), &Labels::strGrpEnd()}) {
-    if (holds(*separator)) return "holds \"" + *separator + "\", which separates values";
+  for (const std::string* const separator :
+       {&Labels::strSep(), &Labels::strSubSep(), &Labels::strGrpStart(), &Labels::strGrpEnd()}) {
+    if (holds(*separator)) return "holds " + Quoted(*separator) + ", which separates values";
   }
   // The reader drops a carriage return in front of a line end, and keeps it in other places.
   if (holds(Labels::strEOL()) || holds("\r")) return "holds a line end";
@@ -111,11 +119,11 @@ std::string ReasonAgainst(std::string_view word) {
   for (const std::string* const tag :
        {&Labels::tagParameterRegistry(), &Labels::tagDiscreteSets(), &Labels::tagFMU()}) {
     for (const std::string& whole : {reading::OpeningTag(*tag), reading::ClosingTag(*tag)}) {
-      if (holds(whole)) return "holds the tag \"" + whole + "\"";
+      if (holds(whole)) return "holds the tag " + Quoted(whole);
     }
   }
   const std::string numbered = "<" + Labels::tagPlexuraData() + " " + Labels::attID();
-  return holds(numbered) ? "holds the tag \"" + numbered + "\"" : "";
+  return holds(numbered) ? "holds the tag " + Quoted(numbered) : "";
 }
 
 }  // namespace Tarvane::Plexura::PXROM::writing

@@ -52,24 +52,26 @@ class AttributeSink {
                  int columns);
 
   /// The group `word`, number `id` if it is not negative, with the attributes that `write` puts
-  /// in. A refusal inside gets the group's word and number in front.
+  /// in. A refusal inside a nested group gets its word and number in front.
   template <class Write>
   void PutGroup(const std::string& word, int id, Write write) {
+    const bool wasRefused = IsRefused();
     const std::size_t outerRows = std::exchange(emptyRows_, 0);
     const std::size_t body = Open(word, id);
-    const bool wasRefused = IsRefused();
+    ++depth_;
     write();
+    --depth_;
     Close(word, body);
-    if (!wasRefused && IsRefused() && id >= 0) Prefix(word + " " + std::to_string(id));
     emptyRows_ = outerRows;
+    if (IsRefused() && !wasRefused && depth_ > 0) {
+      reason_.insert(0, word + " " + std::to_string(id) + ": ");
+    }
   }
 
   /// Keeps the first reason.
   void Refuse(const std::string& reason) {
     if (reason_.empty()) reason_ = reason;
   }
-  /// Tells where the refusal happened.
-  void Prefix(const std::string& place) { reason_.insert(0, place + ": "); }
   bool IsRefused() const { return !reason_.empty(); }
   const std::string& Reason() const { return reason_; }
 
@@ -100,12 +102,16 @@ class AttributeSink {
   std::string& text_;
   std::string reason_;
   std::size_t work_ = 0;
+  int depth_ = 0;
   /// The largest number of rows without columns in the group that is open.
   std::size_t emptyRows_ = 0;
 };
 
 /// "NumberOfSamples" for "NumberOfSamples=", as reasons name an attribute.
 std::string NameOf(const std::string& key);
+
+/// `word` in quotation marks and on one line, as reasons name what they didn't choose.
+std::string Quoted(std::string word);
 
 /// Whether `value` is what a field holds that nobody has set: +0.0.
 bool IsUnset(double value);

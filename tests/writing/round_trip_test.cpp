@@ -127,7 +127,7 @@ TEST(RoundTrip, FittedModelsAnswerTheSameOnTheirCases) {
 TEST(RoundTrip, RandomModelsOfAllFamilies) {
   std::set<std::string> kinds;
   int withErrors = 0;
-  for (std::uint32_t seed = 0; seed < 400; ++seed) {
+  for (std::uint32_t seed = 0; seed < 150; ++seed) {
     SCOPED_TRACE(seed);
     CDiscreteCombinations model;
     tests::FillRandomModel(seed, {}, model);
@@ -160,7 +160,7 @@ TEST(RoundTrip, RandomModelsOfAllFamilies) {
   }
   // Nothing that a family knows is missing: 6 families, 11 correlations, 5 trends, 6 kernels, ...
   EXPECT_EQ(kinds.size(), 6u + 11 + 5 + 6 + 4 + 5 + 4 + 2 + 6 + 4 + 10 + 10 + 4 + 2 + 2 + 2 + 2);
-  EXPECT_GT(withErrors, 100);
+  EXPECT_GT(withErrors, 30);
 }
 
 /// One input, one output, one surface of weight 1.
@@ -234,6 +234,247 @@ TEST(RoundTrip, EveryDoubleKeepsItsBitsInItsShortestForm) {
   }
   const std::vector<double> numbers = ReadBack(record).OutputSamples;
   EXPECT_EQ(std::memcmp(numbers.data(), record.OutputSamples.data(), 20000 * sizeof(double)), 0);
+}
+
+TEST(RoundTrip, EqualListsShareAGroup) {
+  CConstantData record;
+  record.SetConstantValue(2.5);
+  record.ReadyForEvaluation = true;
+  CFittingCandidates equal[2];
+  for (CFittingCandidates& list : equal) list.GenerateCandidateFromCRSData(&record);
+  record.SetConstantValue(-2.5);
+  CFittingCandidates other;
+  other.GenerateCandidateFromCRSData(&record);
+
+  CDiscreteCombinations model;
+  model.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
+  model.RegisterParameter("a", CausalityOutput, ContinuousNotManufacturable, true);
+  model.RegisterParameter("b", CausalityOutput, ContinuousNotManufacturable, true);
+  for (const char* const id : {"k", "a", "b"}) {
+    model.RegisterParameterExtraInfos(id, "", "", id, 0, 0);
+  }
+  CFittingCandidates* const shared = equal[0].Clone();
+  model.RegisterDiscreteCombination({{"k", 3}}, {{"a", shared}, {"b", other.Clone()}});
+  model.RegisterDiscreteCombination({{"k", 9}}, {{"a", other.Clone()}, {"b", shared}});
+  model.RegisterDiscreteCombination({{"k", 1}}, {{"a", shared}, {"b", equal[1].Clone()}});
+  // The first combination again: the maps of before stay in the object, but nobody reaches them.
+  model.RegisterDiscreteCombination({{"k", 3}}, {{"a", other.Clone()}, {"b", other.Clone()}});
+
+  const std::string text = Written(model);
+  EXPECT_NE(text.find("<DiscreteSets>\nDiscreteSet={k;9},{a;0},{b;1}\n"
+                      "DiscreteSet={k;1},{a;1},{b;1}\nDiscreteSet={k;3},{a;0},{b;0}\n"
+                      "</DiscreteSets>\n<PlexuraData ID=0>\n"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(text.find("<PlexuraData ID=2>"), std::string::npos);
+  ExpectRoundTrip(model, tests::QuestionsFor(model, 0.5));
+}
+
+// A reader reads a group anew for each use and limits the sum, so that beyond it uses need groups
+// of their own.
+TEST(RoundTrip, SharingStaysWithinWhatAReaderBears) {
+  CConstantData record;
+  record.NumberOfInputVariables = 1;
+  record.NumberOfSamples = 20000;
+  record.InputSamples.assign(20000, {0.5});
+  record.ReadyForEvaluation = true;
+  CFittingCandidates list;
+  list.GenerateCandidateFromCRSData(&record);
+  CDiscreteCombinations model;
+  model.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
+  model.RegisterParameter("x", CausalityInput, ContinuousNotManufacturable, true);
+  model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
+  CFittingCandidates* const shared = list.Clone();
+  for (int k = 0; k < 60; ++k) {
+    CFittingCandidates* const mine = k % 2 == 0 ? shared : list.Clone();
+    model.RegisterDiscreteCombination({{"k", k}}, {{"y", mine}});
+  }
+  const std::string text = Written(model);
+  EXPECT_LT(text.size(), 30u * 160000);
+  EXPECT_NE(text.find("<PlexuraData ID=1>"), std::string::npos);
+  CDiscreteCombinations again;
+  ASSERT_EQ(Read(text, again), 0);
+  EXPECT_EQ(Written(again), text);
+}
+
+TEST(RoundTrip, UnusualObjectsThatATextCanHold) {
+  CDiscreteCombinations model;
+  // An empty ID, a key that stands further up, words that only look like tags, equal ranks, numbers
+  // that are no role and no type, infos that nobody gave.
+  for (const char* const id : {"", "IDs=4", "<Genome ID=0>", "a < b > c", " "}) {
+    model.RegisterParameter(id, CausalityInput, ContinuousManufacturable, true);
+  }
+  model.RegisterParameter("?", static_cast<E_ParameterCausality>(-3),
+                          static_cast<E_ParameterType>(99), false);
+  model.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
+  model.RegisterParameter("m", CausalityInput, DiscreteParameter, true);
+  model.RegisterParameter("out", CausalityOutput, DiscreteParameter, true);
+  model.RegisterParameterExtraInfos("a < b > c", "", "IDs=", "Units= of it", -0.0, -1e-310);
+  model.SetRegistrationRank({{"", -9},
+                             {"IDs=4", 2147483647},
+                             {"<Genome ID=0>", 4},
+                             {"a < b > c", -2147483647 - 1},
+                             {" ", 4},
+                             {"?", 4},
+                             {"k", 7},
+                             {"m", 7},
+                             {"out", 7}});
+  model.RegisterDiscreteCombination({{"m", -5}, {"k", 2147483647}}, {});
+  model.RegisterDiscreteCombination({{"m", 3}, {"k", 3}}, {});
+  const std::string text = Written(model);
+  EXPECT_NE(text.find("\nRegistrationRank={;-9},{ ;4},{<Genome ID=0>;4},"), std::string::npos);
+  EXPECT_NE(text.find("\nLowerBounds={;0},{ ;0},{<Genome ID=0>;0},{IDs=4;0},{a < b > c;-1e-310}\n"),
+            std::string::npos)
+      << text;
+  CDiscreteCombinations again;
+  ASSERT_EQ(Read(text, again), 0);
+  EXPECT_EQ(Written(again), text);
+  EXPECT_EQ(*again.GetRegistrationRank(), *model.GetRegistrationRank());
+  EXPECT_EQ(*again.GetDiscreteCombinationsIndexingPtr(),
+            *model.GetDiscreteCombinationsIndexingPtr());
+  EXPECT_EQ(again.ListParameterType({"?"})[0], 99);
+  EXPECT_EQ(again.ListParameterCaption({"a < b > c"})[0].second, "Units= of it");
+  EXPECT_TRUE(std::signbit(again.ListUpperBound({"a < b > c"})[0].second));
+}
+
+// The reader drops error data that are incomplete and keeps the flag: such records are written too.
+TEST(RoundTrip, ErrorDataThatWereDropped) {
+  CKrigingData kriging;
+  kriging.NumberOfInputVariables = 1;
+  kriging.NumberOfSamples = 2;
+  kriging.InputSamples = {{0.25}, {0.5}};
+  kriging.SavePredictorError = true;
+  CKrigingData again = ReadBack(kriging);
+  EXPECT_TRUE(again.SavePredictorError && again.InvC.empty() && again.NumberOfPolyCoeff == 0);
+  // A surface without a trend has a matrix for its samples alone.
+  kriging.InvC = {{1, 2}, {3, 4}};
+  kriging.Sigma2 = 0.5;
+  again = ReadBack(kriging);
+  EXPECT_TRUE(again.InvC == kriging.InvC && again.Sigma2 == 0.5 && again.InvG.empty());
+
+  CQRSData regression;
+  regression.SavePredictorError = true;
+  regression.Sigma2 = 0.5;
+  regression.NumberOfSelectedRegTerms = 3;
+  const CQRSData read = ReadBack(regression);
+  EXPECT_TRUE(read.SavePredictorError && read.InvXtX.empty() && read.Sigma2 == 0.5);
+}
+
+TEST(RoundTrip, TermsWithoutTheirPartsStayWithoutThem) {
+  LinearTerm complete;
+  LinearTerm bare;
+  LinearTerm reset;
+  ConstTerm unset;
+  const double coefficient = 3;
+  const int index = 0;
+  for (LinearTerm* const term : {&complete, &reset}) {
+    term->SetParamVal(1, &coefficient);
+    term->SetUsedInpVarIdx(1, &index);
+  }
+  bare.SetInactive();
+  RegTerm* terms[] = {&complete, &bare, &reset, &unset};
+  CQRSData record;
+  record.NumberOfInputVariables = 1;
+  record.SetRegTerm(terms, 4);
+  CDiscreteCombinations model;
+  FillWith(record, model);
+  const auto* surface = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
+  // GetParamVal delivers a number for this one, which evaluations don't take.
+  static_cast<const CQRSData*>(surface->GetRSPtr(0))->RegTerms[2]->ResetParamVal();
+
+  CDiscreteCombinations again;
+  ASSERT_EQ(Read(Written(model), again), 0);
+  EXPECT_EQ(Written(again), Written(model));
+  const auto& read = *static_cast<const CQRSData*>(
+      again.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0)->GetRSPtr(0));
+  const double x = 2;
+  double value = 0;
+  int got = 0;
+  EXPECT_EQ(read.RegTerms[0]->EvaluateValue(1, &x, &value), 0);
+  EXPECT_EQ(value, 6);
+  EXPECT_EQ(read.RegTerms[1]->GetUsedInpVarIdx(&got), 1);
+  EXPECT_EQ(read.QryRegTermIsActive(1), 0);
+  EXPECT_EQ(read.RegTerms[2]->GetParamVal(&value), 1);
+  EXPECT_EQ(read.RegTerms[2]->GetUsedInpVarIdx(&got), 0);
+  EXPECT_EQ(read.RegTerms[3]->GetParamVal(&value), 1);
+}
+
+// Whatever text the reader takes, the writer writes what it made of it, or says why it can't.
+TEST(RoundTrip, DamagedTextsThatStillRead) {
+  std::mt19937 random(7);
+  tests::RandomModelOptions options;
+  options.maxSurfaces = 1;
+  int written = 0;
+  int refused = 0;
+  for (std::uint32_t seed = 0; seed < 20; ++seed) {
+    CDiscreteCombinations model;
+    tests::FillRandomModel(seed, options, model);
+    const std::string whole = Written(model);
+    for (int round = 0; round < 100; ++round) {
+      std::string text = whole;
+      // Half of the damages lie in the registry and the discrete sets.
+      const std::size_t at = random() % (round % 2 == 0 ? whole.size() : whole.size() / 20);
+      const std::size_t length = random() % 12;
+      if (random() % 3 == 0) {
+        text.erase(at, length);
+      } else if (random() % 2 == 0) {
+        text.insert(at, text.substr(random() % text.size(), length));
+      } else {
+        text[at] = "0123456789-,;{}<>=\n\r e"[random() % 22];
+      }
+      CDiscreteCombinations read;
+      try {
+        if (Read(text, read) != 0) continue;
+      } catch (const std::out_of_range&) {
+        continue;
+      }
+      std::string first;
+      std::string reason;
+      if (CWriterPXROMDatabase().WriteDiscreteCombinations(read, first, reason) != 0) {
+        ++refused;
+        EXPECT_TRUE(reason.find(", which separates values") != std::string::npos ||
+                    reason.find(" holds a line end") != std::string::npos)
+            << reason;
+        continue;
+      }
+      ++written;
+      CDiscreteCombinations again;
+      ASSERT_EQ(Read(first, again), 0);
+      ASSERT_EQ(Written(again), first);
+    }
+  }
+  EXPECT_GT(written, 1000);
+  EXPECT_LT(refused, 50);
+}
+
+TEST(RoundTrip, FMUVariables) {
+  const CWriterPXROMDatabase writer;
+  const std::vector<std::pair<std::string, int>> references = {{"NumberOfReals=", 4}, {"x", -1}};
+  std::string group;
+  ASSERT_EQ(writer.WriteFMUDescriptionVariables(1, 2, 3, 4, 5, references, group), 0);
+  EXPECT_EQ(group,
+            "<FMU>\nNumberOfReals=1\nNumberOfIntegers=2\nNumberOfBooleans=3\nNumberOfStrings=4\n"
+            "NumberOfEventIndicators=5\nIDToValueReference={NumberOfReals=;4},{x;-1}\n</FMU>\n");
+  CDiscreteCombinations model;
+  tests::FillRandomModel(3, {}, model);
+  std::string text = Written(model) + group;
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  int counts[5] = {};
+  std::vector<std::pair<std::string, int>> read;
+  EXPECT_EQ(reader.ResumeFMUDescriptionVariables(counts[0], counts[1], counts[2], counts[3],
+                                                 counts[4], read),
+            0);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(counts[i], i + 1);
+  EXPECT_EQ(read, references);
+  CDiscreteCombinations again;
+  EXPECT_EQ(Read(text, again), 0);
+
+  std::string reason;
+  group = "kept";
+  EXPECT_EQ(writer.WriteFMUDescriptionVariables(0, 0, 0, 0, 0, {{"a;b", 1}}, group, reason), 1);
+  EXPECT_EQ(group, "kept");
+  EXPECT_EQ(reason, "the reference \"a;b\" holds \";\", which separates values");
 }
 
 }  // namespace

@@ -1,0 +1,101 @@
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "command.h"
+#include "model_file.h"
+#include "pxrom/database_labels.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/writer.h"
+#include "refusal.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+struct FormatOptions {
+  std::string model;
+  std::string out;
+};
+
+[[noreturn]] void RefuseToWrite(const std::string& path, const std::string& reason) {
+  throw Refusal("can't write " + Quoted(path) + " anew: " + reason);
+}
+
+/// The `FMU` group of `text`, written anew; empty when it has none.
+std::string FmuGroup(const std::string& path, std::string text) {
+  if (text.find('<' + pxrom::CPXROMDatabaseLabels::tagFMU() + '>') == std::string::npos) return "";
+  pxrom::CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  int reals = 0;
+  int integers = 0;
+  int booleans = 0;
+  int strings = 0;
+  int events = 0;
+  std::vector<std::pair<std::string, int>> references;
+  if (reader.ResumeFMUDescriptionVariables(reals, integers, booleans, strings, events,
+                                           references) != 0) {
+    RefuseToWrite(path, "its FMU group is damaged");
+  }
+  std::string group;
+  std::string reason;
+  if (pxrom::CWriterPXROMDatabase().WriteFMUDescriptionVariables(
+          reals, integers, booleans, strings, events, references, group, reason) != 0) {
+    RefuseToWrite(path, reason);
+  }
+  return group;
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+  errno = 0;
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) {
+    throw Refusal("can't write to " + Quoted(path) + ": " +
+                  (errno != 0 ? std::strerror(errno) : "writing failed"));
+  }
+}
+
+void Format(const FormatOptions& options) {
+  const std::unique_ptr<Model> model = ReadModel(options.model);
+  std::string text;
+  std::string reason;
+  if (pxrom::CWriterPXROMDatabase().WriteDiscreteCombinations(*model, text, reason) != 0) {
+    RefuseToWrite(options.model, reason);
+  }
+  text += FmuGroup(options.model, ReadTextFile(options.model));
+  if (options.out.empty()) {
+    std::cout << text;
+  } else {
+    WriteFile(options.out, text);
+  }
+}
+
+}  // namespace
+
+void AddFormat(CLI::App& app) {
+  const auto options = std::make_shared<FormatOptions>();
+  CLI::App* format = app.add_subcommand("format", "Write a model anew, in one canonical form");
+  format->add_option("MODEL", options->model, "Database of fitted models")->required();
+  format->add_option("-o,--out", options->out,
+                     "File to write, which may be MODEL itself; else the standard output");
+  format->footer(
+      "The result holds what the library reads of MODEL, so that it evaluates the same to the "
+      "last\n"
+      "bit. What it does not read is left out. Formatting a result again changes nothing.\n"
+      "\n"
+      "Example:\n"
+      "  pxrom format examples/constant.pxdb");
+  format->callback([options] { Format(*options); });
+}
+
+}  // namespace pxrom_command
