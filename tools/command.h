@@ -7,7 +7,10 @@ namespace pxrom_command {
 // Each subcommand adds itself to `app` and runs as the callback of its own parse. It writes its
 // result to the standard output and throws a Refusal when there is none.
 
+void AddCheck(CLI::App& app);
 void AddEval(CLI::App& app);
 void AddFmu(CLI::App& app);
+void AddInfo(CLI::App& app);
+void AddFormat(CLI::App& app);
 
 }  // namespace pxrom_command

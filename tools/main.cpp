@@ -39,13 +39,21 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer("pxrom COMMAND --help tells more, with an example.");
   pxrom_command::AddEval(app);
+  pxrom_command::AddInfo(app);
+  pxrom_command::AddCheck(app);
   pxrom_command::AddFmu(app);
+  pxrom_command::AddFormat(app);
 
   try {
     RequireKnownCommand(app, argc, argv);
     app.parse(argc, argv);
     std::cout.flush();
     return std::cout ? 0 : Fail(app, "can't write the result to the standard output");
+  } catch (const CLI::RuntimeError& ended) {
+    // The result is printed; the command ends with a status of its own.
+    std::cout.flush();
+    return std::cout ? ended.get_exit_code()
+                     : Fail(app, "can't write the result to the standard output");
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);  // --help or --version
     return Fail(app, std::string(error.what()) + " (--help tells more)");

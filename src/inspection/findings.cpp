@@ -35,8 +35,9 @@ bool Findings::IsFull(E_FindingCode code) const {
 void Findings::Add(E_FindingSeverity severity, E_FindingCode code, Subject subject,
                    std::string sentence) {
   ++bySeverity_[severity];
-  if (severity == SeverityError) {
+  if (severity == SeverityError && (groupsWithErrors_.empty() || subject.group != lastGroup_)) {
     // The group and all around it.
+    lastGroup_ = subject.group;
     groupsWithErrors_.emplace();
     for (std::size_t end = subject.group.find(" / ");; end = subject.group.find(" / ", end + 1)) {
       groupsWithErrors_.insert(subject.group.substr(0, end));

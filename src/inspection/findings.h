@@ -40,6 +40,10 @@ class Findings {
   /// Whether no more of `code` will be listed: who has work with a finding may then spare it.
   bool IsFull(E_FindingCode code) const;
   void Add(E_FindingSeverity severity, E_FindingCode code, Subject subject, std::string sentence);
+  /// Adds one of a code that is full: it only counts.
+  void Count(E_FindingSeverity severity, E_FindingCode code, const std::string& group) {
+    Add(severity, code, {0, group, "", "", ""}, "");
+  }
   /// Whether there is an error in `group` or in a group inside it; for "" anywhere.
   bool HasErrorIn(const std::string& group) const;
 
@@ -56,7 +60,9 @@ class Findings {
   std::vector<CFinding> list_;
   std::map<E_FindingCode, Tally> tallies_;
   std::size_t bySeverity_[3] = {};
-  std::set<std::string, std::less<>> groupsWithErrors_;
+  std::set<std::string> groupsWithErrors_;
+  /// The group of the last error: they come group by group.
+  std::string lastGroup_;
 };
 
 /// `text` for a sentence: in quotation marks, unprintable characters replaced, shortened.

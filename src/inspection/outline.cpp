@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <optional>
 
 #include "inspection/suggestion.h"
@@ -16,6 +17,8 @@ using reading::Labels;
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::size_t kLongestTag = 64;
+// The number of a group whose tag has lost it.
+constexpr int kUnknownId = std::numeric_limits<int>::min();
 
 struct WordFact {
   const std::string& (*text)();
@@ -74,17 +77,20 @@ std::size_t Outline::KeyHash::operator()(const Key& key) const {
 
 Outline::Outline(std::string_view text, Findings& findings) : findings_(findings) {
   ListTags(text);
-  placeOf_.resize(tags_.size());
-  for (std::size_t t = 0; t < tags_.size(); ++t) {
-    auto& list = tagsOf_[static_cast<std::size_t>(tags_[t].word)];
-    placeOf_[t] = list.size();
-    list.push_back(t);
-  }
   Build(text.size());
+  for (auto& offsets : damages_) std::sort(offsets.begin(), offsets.end());
 }
 
-void Outline::Report(E_FindingCode code, std::size_t offset, const std::string& group,
+void Outline::Append(const Tag& tag) {
+  auto& list = tagsOf_[static_cast<std::size_t>(tag.word)];
+  placeOf_.push_back(list.size());
+  list.push_back(tags_.size());
+  tags_.push_back(tag);
+}
+
+void Outline::Report(E_FindingCode code, std::size_t offset, Word word, const std::string& group,
                      std::string expected, std::string sentence) {
+  damages_[static_cast<std::size_t>(word)].push_back(offset);
   findings_.Add(SeverityError, code, {offset, group, "", "", std::move(expected)},
                 std::move(sentence));
 }
@@ -127,7 +133,7 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
       const std::string_view number = inner.substr(word.size());
       if (tag.isClosing || !kWords[w].isNumbered) {
         if (!number.empty()) break;
-        tags_.push_back(tag);
+        Append(tag);
         return;
       }
       const std::string opening = " " + Labels::attID();
@@ -137,7 +143,7 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
           std::from_chars(digits.data(), digits.data() + digits.size(), tag.id);
       // Written as the reader writes it for its search, without a plus or leading zeros.
       if (result.ec != std::errc() || digits != std::to_string(tag.id)) break;
-      tags_.push_back(tag);
+      Append(tag);
       return;
     }
   }
@@ -148,44 +154,47 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
   ListMalformed(text, at, std::min({close == kNowhere ? rest.size() : close + 1, rest.size()}));
 }
 
-bool Outline::ListMalformed(std::string_view text, std::size_t offset, std::size_t length) {
-  const std::string_view written = Trimmed(text.substr(offset, length).substr(0, kLongestTag));
+void Outline::ListMalformed(std::string_view text, std::size_t offset, std::size_t length) {
+  const std::string_view written = Trimmed(text.substr(offset, std::min(length, kLongestTag)));
   std::string_view inner = written.substr(0, written.find('\n'));
   while (!inner.empty() && !IsLetter(inner.front()) && inner.front() != '/') inner.remove_prefix(1);
   Tag tag;
   tag.offset = offset;
   tag.length = static_cast<std::uint32_t>(length);
   tag.isMalformed = true;
+  tag.id = kUnknownId;
   tag.isClosing = !inner.empty() && inner.front() == '/';
   while (!inner.empty() && !IsLetter(inner.front())) inner.remove_prefix(1);
-  const auto wordEnd = std::find_if_not(inner.begin(), inner.end(), IsLetter);
+  const auto* const wordEnd = std::find_if_not(inner.begin(), inner.end(), IsLetter);
   const std::string_view typed = inner.substr(0, static_cast<std::size_t>(wordEnd - inner.begin()));
   const std::optional<Word> word = NearestWord(typed);
   if (!word) {
-    if (written.size() > 2 && written.front() == '<' && written.back() == '>' &&
-        !findings_.IsFull(FindingStrayText)) {
+    if (written.size() > 2 && written.front() == '<' && written.back() == '>') {
       findings_.Add(SeverityWarning, FindingStrayText, {offset, "", "", Shortened(written), ""},
                     Quoted(written) + " is no tag of the format: nothing reads what it marks");
     }
-    return false;
+    return;
   }
   tag.word = *word;
   const std::string_view behind = inner.substr(typed.size());
   const std::size_t digit = behind.find_first_of("0123456789");
-  if (digit != kNowhere) {
-    std::from_chars(behind.data() + digit, behind.data() + behind.size(), tag.id);
+  const bool hasNumber = digit != kNowhere;
+  if (hasNumber) std::from_chars(behind.data() + digit, behind.data() + behind.size(), tag.id);
+  if (!IsNumbered(*word)) tag.id = 0;
+  // A number speaks for an opening tag and a slash for a closing one. Where they disagree, it is
+  // the one that comes next.
+  if (IsNumbered(*word) && tag.isClosing == hasNumber) {
+    const auto& list = tagsOf_[static_cast<std::size_t>(*word)];
+    tag.isClosing = !list.empty() && !tags_[list.back()].isClosing;
   }
-  // Without a number it can be any of them.
-  const bool knowsNumber = tag.isClosing || !IsNumbered(*word) || digit != kNowhere;
-  const std::string meant = tag.isClosing ? reading::ClosingTag(TextOf(*word))
-                            : knowsNumber ? TagText(*word, tag.id)
-                                          : "<" + TextOf(*word) + " ID=n>";
-  findings_.Add(SeverityError, FindingTagMalformed,
-                {offset, "", "", Shortened(written), meant},
+  const std::string meant = tag.isClosing                              ? reading::ClosingTag(TextOf(*word))
+                            : hasNumber || !IsNumbered(*word) ? TagText(*word, tag.id)
+                                                              : "<" + TextOf(*word) + " ID=n>";
+  damages_[static_cast<std::size_t>(*word)].push_back(offset);
+  findings_.Add(SeverityError, FindingTagMalformed, {offset, "", "", Shortened(written), meant},
                 Quoted(written) + " is no tag, the reader does not find it; did you mean " +
                     Quoted(meant) + "?");
-  if (knowsNumber) tags_.push_back(tag);
-  return knowsNumber;
+  Append(tag);
 }
 
 bool Outline::IsOpen(Word word) const {
@@ -204,7 +213,7 @@ void Outline::Abandon(std::size_t offset) {
   group.upper = offset;
   group.end = offset;
   group.isSound = false;
-  Report(FindingGroupUnclosed, group.tag, PathOf(group), reading::ClosingTag(TextOf(group.word)),
+  Report(FindingGroupUnclosed, group.tag, group.word, PathOf(group), reading::ClosingTag(TextOf(group.word)),
          "the group " + PathOf(group) + " has no closing tag " +
              Quoted(reading::ClosingTag(TextOf(group.word))));
 }
@@ -214,6 +223,15 @@ void Outline::Open(std::size_t t) {
   const Word around = FactOf(tag.word).around;
   bool isNested = false;
   if (IsOpen(tag.word)) {
+    if (!IsNumbered(tag.word) && !tag.isMalformed && !IsClosing(placeOf_[t] + 1, tag.word)) {
+      // There is but one of these, so that a second opening tag is a closing tag without its slash.
+      const std::string closing = reading::ClosingTag(TextOf(tag.word));
+      Report(FindingTagMalformed, tag.offset, tag.word, "", closing,
+             Quoted(TagText(tag.word, 0)) + " opens the group a second time; did you mean " +
+                 Quoted(closing) + "?");
+      Close(tag);
+      return;
+    }
     // With two closing tags ahead the groups are nested; else the outer one lost its own.
     isNested = IsClosing(placeOf_[t] + 1, tag.word) && IsClosing(placeOf_[t] + 2, tag.word);
     while (!isNested && IsOpen(tag.word)) Abandon(tag.offset);
@@ -247,19 +265,19 @@ void Outline::Open(std::size_t t) {
                             : isInside && groups_[group.parent].word == around;
   if (isNested) {
     groups_[group.parent].isSound = false;
-    Report(FindingGroupNested, tag.offset, path, "",
+    Report(FindingGroupNested, tag.offset, tag.word, path, "",
            "the group " + path + " begins inside a group of its own word; the first " +
                Quoted(reading::ClosingTag(TextOf(tag.word))) + " ends both");
   } else if (!isPlaced) {
-    Report(FindingGroupMisplaced, tag.offset, path,
+    Report(FindingGroupMisplaced, tag.offset, tag.word, path,
            around == tag.word ? "at the top" : "in a " + TextOf(around) + " group",
            "the group " + path + " stands where the reader does not look for it, it belongs " +
                (around == tag.word ? "outside of other groups" : "in a " + TextOf(around) + " group"));
   }
-  const auto [first, isFirst] = first_.emplace(Key{group.parent, tag.word, tag.id}, index);
-  if (!isFirst) {
+  const bool isFirst = first_.emplace(Key{group.parent, tag.word, tag.id}, index).second;
+  if (!isFirst && tag.id != kUnknownId) {
     groups_[index].isSound = false;
-    Report(FindingGroupTwice, tag.offset, path, "",
+    Report(FindingGroupTwice, tag.offset, tag.word, path, "",
            "there is a group " + path + " already, this one is never read");
   }
 }
@@ -267,7 +285,7 @@ void Outline::Open(std::size_t t) {
 void Outline::Close(const Tag& tag) {
   if (!IsOpen(tag.word)) {
     const std::string closing = reading::ClosingTag(TextOf(tag.word));
-    Report(FindingGroupUnopened, tag.offset, "", "",
+    Report(FindingGroupUnopened, tag.offset, tag.word, "", "",
            Quoted(closing) + " closes a group that no tag has opened");
     return;
   }
@@ -295,9 +313,22 @@ const Group* Outline::Find(Word word, int id, std::size_t parent) const {
   return found == first_.end() ? nullptr : &groups_[found->second];
 }
 
+bool Outline::IsDamaged(Word word, std::size_t lower, std::size_t upper) const {
+  const auto& offsets = damages_[static_cast<std::size_t>(word)];
+  const auto first = std::lower_bound(offsets.begin(), offsets.end(), lower);
+  return first != offsets.end() && *first < upper;
+}
+
+bool Outline::IsDamaged(const Group& group) const {
+  for (std::size_t w = 0; w < kWordCount; ++w) {
+    if (IsDamaged(static_cast<Word>(w), group.tag, group.end)) return true;
+  }
+  return false;
+}
+
 std::string Outline::PathOf(const Group& group) const {
   std::string path = TextOf(group.word);
-  if (IsNumbered(group.word)) path += ' ' + std::to_string(group.id);
+  if (IsNumbered(group.word)) path += group.id == kUnknownId ? " ?" : ' ' + std::to_string(group.id);
   return group.parent == Group::kNone ? path : PathOf(groups_[group.parent]) + " / " + path;
 }
 

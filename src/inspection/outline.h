@@ -38,8 +38,7 @@ struct Group {
   std::size_t lower = 0;  ///< the first character of the body
   std::size_t upper = 0;  ///< the one behind the body
   std::size_t end = 0;    ///< the one behind the closing tag
-  /// Whether it is opened and closed as it should be. Of another one only the part that is surely
-  /// its own counts as body.
+  /// Whether it is opened and closed as it should be. What another one holds is not to be judged.
   bool isSound = true;
   std::vector<std::size_t> children;
 };
@@ -62,6 +61,10 @@ class Outline {
   std::string PathOf(const Group& group) const;
   /// The indices of the groups at the top, in the order of the text.
   const std::vector<std::size_t>& Top() const { return top_; }
+  /// Whether a tag of `word`, or of any word, is damaged within [lower, upper): then groups that
+  /// seem to be missing there may just not have been recognised.
+  bool IsDamaged(Word word, std::size_t lower, std::size_t upper) const;
+  bool IsDamaged(const Group& group) const;
 
  private:
   struct Tag {
@@ -87,7 +90,8 @@ class Outline {
   void ListTags(std::string_view text);
   void ListTag(std::string_view text, std::size_t at);
   void ListTagWithoutBracket(std::string_view text, std::size_t lineStart);
-  bool ListMalformed(std::string_view text, std::size_t offset, std::size_t length);
+  void ListMalformed(std::string_view text, std::size_t offset, std::size_t length);
+  void Append(const Tag& tag);
   void Build(std::size_t textSize);
   void Open(std::size_t tag);
   void Close(const Tag& tag);
@@ -95,7 +99,7 @@ class Outline {
   void Abandon(std::size_t offset);
   bool IsOpen(Word word) const;
   bool IsClosing(std::size_t place, Word word) const;
-  void Report(E_FindingCode code, std::size_t offset, const std::string& group,
+  void Report(E_FindingCode code, std::size_t offset, Word word, const std::string& group,
               std::string expected, std::string sentence);
 
   Findings& findings_;
@@ -103,6 +107,8 @@ class Outline {
   /// Per word the indices of its tags, and per tag its place in that list.
   std::vector<std::size_t> tagsOf_[kWordCount];
   std::vector<std::size_t> placeOf_;
+  /// Per word the offsets of damaged tags, in no order until all are known.
+  std::vector<std::size_t> damages_[kWordCount];
   std::vector<Group> groups_;
   std::vector<std::size_t> top_;
   std::vector<std::size_t> open_;

@@ -9,15 +9,14 @@ namespace {
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Whether one of the two begins or ends with the other, of which at least six letters are there.
+}  // namespace
+
 bool IsPartOf(std::string_view a, std::string_view b) {
   if (a.size() > b.size()) std::swap(a, b);
   constexpr std::size_t kLeast = 6;
   return a.size() >= kLeast &&
          (b.substr(0, a.size()) == a || b.substr(b.size() - a.size()) == a);
 }
-
-}  // namespace
 
 std::size_t EditDistance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);

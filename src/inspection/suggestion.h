@@ -10,8 +10,11 @@ namespace Tarvane::Plexura::PXROM::inspection {
 /// letters alike.
 std::size_t EditDistance(std::string_view a, std::string_view b);
 
-/// The one of `words` that was most likely meant by `typed`, or null when none is near. A word that
-/// only lacks its beginning or its end is near too.
+/// Whether one of the two begins or ends with the other, of which at least six letters are there.
+bool IsPartOf(std::string_view a, std::string_view b);
+
+/// The one of `words` that was most likely meant by `typed`, or null when none is near. A word of
+/// which only the beginning or the end is there is near too.
 const std::string* Nearest(std::string_view typed, const std::vector<const std::string*>& words);
 
 }  // namespace Tarvane::Plexura::PXROM::inspection

@@ -1,0 +1,27 @@
+// The optional description of an FMU.
+
+#include <set>
+
+#include "inspection/context.h"
+#include "inspection/group_text.h"
+#include "pxrom/database_labels.h"
+
+namespace Tarvane::Plexura::PXROM::inspection {
+
+void CheckFmu(Context& context) {
+  using Labels = CPXROMDatabaseLabels;
+  const Group* const group = context.outline.FindPlain(Word::FMU);
+  if (group == nullptr || !group->isSound) return;
+  GroupText in(context.text, context.outline, *group, {kFmuKeys}, context.findings);
+  in.Require(kFmuKeys);
+  in.Finish();
+  const std::string& label = Labels::attFMUIDToValRef();
+  std::set<std::string> seen;
+  for (const Pair& pair : in.Pairs(label)) {
+    if (seen.insert(pair.key).second) continue;
+    in.ReportAt(pair.offset, SeverityWarning, FindingParameterTwice, label, Shortened(pair.key), "",
+                Quoted(pair.key) + " has two value references");
+  }
+}
+
+}  // namespace Tarvane::Plexura::PXROM::inspection

@@ -1,0 +1,265 @@
+#include <algorithm>
+#include <cstddef>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "model_file.h"
+#include "numbers.h"
+#include "pxrom/inspection.h"
+#include "refusal.h"
+#include "table.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+using Parameters = std::vector<pxrom::CParameterOverview>;
+using Ensembles = std::map<int, const pxrom::CEnsembleOverview*>;
+
+struct InfoOptions {
+  std::string model;
+  bool json = false;
+};
+
+std::string FamilyOf(pxrom::E_DataType type) {
+  switch (type) {
+    case pxrom::DT_QRSData:
+      return "regression";
+    case pxrom::DT_KrigingData:
+      return "Kriging";
+    case pxrom::DT_SVRData:
+      return "support vector";
+    case pxrom::DT_MLSData:
+      return "moving least squares";
+    case pxrom::DT_LBFData:
+      return "linear basis";
+    case pxrom::DT_ConstantData:
+      return "constant";
+    default:
+      return "type " + std::to_string(type);
+  }
+}
+
+std::string TypeOf(pxrom::E_ParameterType type) {
+  static const char* const kWords[] = {"continuous", "continuous, manufacturable", "discrete",
+                                       "derived"};
+  const auto index = static_cast<std::size_t>(type);
+  return index < std::size(kWords) ? kWords[index] : "type " + std::to_string(type);
+}
+
+std::string RoleOf(const pxrom::CParameterOverview& parameter) {
+  return parameter.causality == pxrom::CausalityOutput ? "output" : "input";
+}
+
+const char* ErrorKindOf(const pxrom::CEnsembleOverview& ensemble) {
+  switch (ensemble.errorKind) {
+    case pxrom::PredictedErrorCrossValidation:
+      return "cross-validation";
+    case pxrom::PredictedErrorSurface:
+      return "surface";
+    case pxrom::PredictedErrorNone:
+      break;
+  }
+  return "none";
+}
+
+/// Discrete inputs have values; bounds of 0 and 0 are those of a parameter that has none.
+std::string RangeOf(const pxrom::CParameterOverview& parameter) {
+  if (!parameter.values.empty()) {
+    std::string range;
+    for (const int value : parameter.values) {
+      range += (range.empty() ? "" : ", ") + std::to_string(value);
+    }
+    return range;
+  }
+  const bool is_continuous = parameter.type <= pxrom::ContinuousManufacturable;
+  const bool is_empty = parameter.lowerBound == 0.0 && parameter.upperBound == 0.0;
+  if (!parameter.hasBounds || !is_continuous || is_empty) return "";
+  return Shown(parameter.lowerBound) + " to " + Shown(parameter.upperBound);
+}
+
+Parameters ByRank(const pxrom::CDatabaseOverview& overview) {
+  Parameters parameters = overview.parameters;
+  std::stable_sort(parameters.begin(), parameters.end(),
+                   [](const auto& a, const auto& b) { return a.rank < b.rank; });
+  return parameters;
+}
+
+Ensembles ById(const pxrom::CDatabaseOverview& overview) {
+  Ensembles ensembles;
+  for (const auto& ensemble : overview.ensembles) ensembles[ensemble.id] = &ensemble;
+  return ensembles;
+}
+
+/// "Holes=2, Material=1", by rank.
+std::string TextOf(const pxrom::CCombinationOverview& combination, const Parameters& by_rank) {
+  const std::map<std::string, int> values(combination.discreteValues.begin(),
+                                          combination.discreteValues.end());
+  std::string text;
+  for (const auto& parameter : by_rank) {
+    const auto value = values.find(parameter.id);
+    if (value == values.end()) continue;
+    text += (text.empty() ? "" : ", ") + parameter.id + '=' + std::to_string(value->second);
+  }
+  return text;
+}
+
+/// "0.4 Kriging, 0.6 regression".
+std::string SurfacesOf(const pxrom::CEnsembleOverview& ensemble) {
+  std::string text;
+  for (const auto& surface : ensemble.surfaces) {
+    text += (text.empty() ? "" : ", ") + Shown(surface.weight) + ' ' + FamilyOf(surface.type);
+  }
+  return text;
+}
+
+void PrintParameters(const Parameters& parameters) {
+  Table table({{"Parameter"}, {"Caption"}, {"Role"}, {"Type"}, {"State"}, {"Range"}, {"Unit"}});
+  for (const auto& parameter : parameters) {
+    table.Add({parameter.id, parameter.caption, RoleOf(parameter), TypeOf(parameter.type),
+               parameter.enabled ? "" : "disabled", RangeOf(parameter), parameter.unit});
+  }
+  table.Print(std::cout);
+}
+
+void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameters& by_rank) {
+  const Ensembles ensembles = ById(overview);
+  Table table({{"Combination"},
+               {"Output"},
+               {"Group", Align::Right},
+               {"Weights and surfaces"},
+               {"Samples", Align::Right},
+               {"Folds", Align::Right},
+               {"Error"},
+               {"Size", Align::Right}});
+  for (const auto& combination : overview.combinations) {
+    std::string text = TextOf(combination, by_rank);
+    for (const auto& [output, id] : combination.outputs) {
+      std::vector<std::string> row = {text, output, std::to_string(id)};
+      const auto found = ensembles.find(id);
+      if (found == ensembles.end()) {
+        row.insert(row.end(), {"damaged or missing", "", "", "", ""});
+      } else {
+        const pxrom::CEnsembleOverview& ensemble = *found->second;
+        row.insert(row.end(),
+                   {SurfacesOf(ensemble), std::to_string(ensemble.samples),
+                    ensemble.folds == 0 ? "" : std::to_string(ensemble.folds),
+                    ErrorKindOf(ensemble), std::to_string(ensemble.characters)});
+      }
+      table.Add(std::move(row));
+      text.clear();
+    }
+  }
+  table.Print(std::cout);
+}
+
+void PrintText(const InfoOptions& options, const pxrom::CDatabaseOverview& overview) {
+  const Parameters parameters = ByRank(overview);
+  std::cout << options.model << ": " << overview.characters << " characters in " << overview.lines
+            << " lines, " << overview.parameters.size() << " parameters, "
+            << overview.combinations.size() << " combinations, " << overview.ensembles.size()
+            << " ensembles\n\n";
+  PrintParameters(parameters);
+  std::cout << '\n';
+  PrintCombinations(overview, parameters);
+}
+
+nlohmann::ordered_json JsonOf(const pxrom::CParameterOverview& parameter) {
+  nlohmann::ordered_json entry;
+  entry["id"] = parameter.id;
+  entry["caption"] = parameter.caption;
+  entry["unit"] = parameter.unit;
+  entry["role"] = RoleOf(parameter);
+  entry["type"] = TypeOf(parameter.type);
+  entry["enabled"] = parameter.enabled;
+  entry["rank"] = parameter.rank;
+  entry["bounds"] = nullptr;
+  if (parameter.hasBounds) entry["bounds"] = {parameter.lowerBound, parameter.upperBound};
+  entry["values"] = parameter.values;
+  return entry;
+}
+
+nlohmann::ordered_json JsonOf(const pxrom::CEnsembleOverview& ensemble) {
+  nlohmann::ordered_json surfaces = nlohmann::ordered_json::array();
+  for (const auto& surface : ensemble.surfaces) {
+    surfaces.push_back({{"genome", surface.genome},
+                        {"family", FamilyOf(surface.type)},
+                        {"weight", surface.weight},
+                        {"samples", surface.samples}});
+  }
+  return {{"group", ensemble.id},
+          {"inputs", ensemble.inputs},
+          {"samples", ensemble.samples},
+          {"surfaces", surfaces},
+          {"sub_surfaces", ensemble.subSurfaces},
+          {"folds", ensemble.folds},
+          {"error", ErrorKindOf(ensemble)},
+          {"characters", ensemble.characters}};
+}
+
+void PrintJson(const InfoOptions& options, const pxrom::CInspectionReport& report) {
+  const pxrom::CDatabaseOverview& overview = report.overview;
+  nlohmann::ordered_json document;
+  document["model"] = options.model;
+  document["characters"] = overview.characters;
+  document["lines"] = overview.lines;
+  document["errors"] = report.errors;
+  for (const char* list : {"parameters", "combinations", "ensembles"}) {
+    document[list] = nlohmann::ordered_json::array();
+  }
+  for (const auto& parameter : ByRank(overview)) document["parameters"].push_back(JsonOf(parameter));
+  for (const auto& combination : overview.combinations) {
+    nlohmann::ordered_json values = nlohmann::ordered_json::object();
+    for (const auto& [id, value] : combination.discreteValues) values[id] = value;
+    nlohmann::ordered_json outputs = nlohmann::ordered_json::object();
+    for (const auto& [id, group] : combination.outputs) outputs[id] = group;
+    document["combinations"].push_back(
+        {{"line", combination.line}, {"discrete", values}, {"outputs", outputs}});
+  }
+  for (const auto& ensemble : overview.ensembles) document["ensembles"].push_back(JsonOf(ensemble));
+  // A text of another encoding than UTF-8 must not cost the rest.
+  constexpr int kIndent = 2;
+  std::cout << document.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+void Info(const InfoOptions& options) {
+  const pxrom::CInspectionReport report =
+      pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
+  if (report.overview.parameters.empty() && report.overview.combinations.empty()) {
+    throw Refusal(Quoted(options.model) + " is no database of fitted models");
+  }
+  if (options.json) {
+    PrintJson(options, report);
+  } else {
+    PrintText(options, report.overview);
+  }
+  if (report.errors > 0) {
+    std::cerr << "pxrom info: note: the database is damaged (" << report.errors
+              << (report.errors == 1 ? " error" : " errors") << "), pxrom check tells where\n";
+  }
+}
+
+}  // namespace
+
+void AddInfo(CLI::App& app) {
+  const auto options = std::make_shared<InfoOptions>();
+  CLI::App* info = app.add_subcommand("info", "Show what a database holds");
+  info->add_option("MODEL", options->model, "Database of fitted models")->required();
+  info->add_flag("--json", options->json, "Print JSON with all digits, for programs");
+  info->footer(
+      "Weights stand before the families of the surfaces that they belong to. Errors come from\n"
+      "cross-validation data or from a surface; sizes are characters of the file.\n"
+      "Example:\n"
+      "  pxrom info examples/beam.pxdb");
+  info->callback([options] { Info(*options); });
+}
+
+}  // namespace pxrom_command
