@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "batch/prepared_surface.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+/// The predicted error of an ensemble from cross-validation (ensemble/cross_validation.h), for
+/// blocks of points.
+class PreparedCrossValidation {
+ public:
+  /// `sortedInput` has at least `inputs` values in each row, and the first `folds` counts lie
+  /// within its rows.
+  PreparedCrossValidation(const std::vector<std::vector<double>>& sortedInput,
+                          const std::vector<int>& foldCounts, std::size_t folds,
+                          std::size_t inputs, double distanceScale, double outputSlope);
+
+  std::size_t Folds() const { return foldCounts_.size(); }
+  std::size_t WorkSize() const;
+  /// The errors from the predictions without each fold (a block for each) and those with all. A
+  /// status becomes 1 where there is no error; else it stays.
+  void Evaluate(const Points& points, const Lanes& lanes, const double* foldPredictions,
+                const double* predictions, double* work, double* errors, int* statuses) const;
+
+ private:
+  double ErrorFrom(const double* weights, const double* foldPredictions, double prediction,
+                   double nearest) const;
+
+  std::size_t inputs_;
+  std::size_t rowCount_;
+  std::vector<double> rows_;
+  std::vector<std::size_t> foldCounts_;
+  double distanceScale_;
+  double outputSlope_;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::batch

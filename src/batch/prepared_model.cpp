@@ -1,0 +1,272 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "batch/prepared_model_access.h"
+#include "batch/prepared_output.h"
+#include "pxrom/batch.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+using batch::kBlock;
+using batch::Lanes;
+using batch::PreparedOutput;
+
+/// The outputs are shared by copies that differ in their loops.
+struct CPreparedModel::Parts {
+  using Outputs = std::vector<std::unique_ptr<const PreparedOutput>>;
+  /// Inputs of one rank. Their values are sorted, as Evaluate sorts them.
+  struct Tie {
+    std::size_t first;
+    std::size_t last;
+  };
+
+  std::vector<std::string> inputIDs;
+  std::vector<std::string> outputIDs;
+  std::vector<Tie> ties;
+  std::shared_ptr<const Outputs> outputs;
+  const Lanes* exact = nullptr;
+  const Lanes* fast = nullptr;
+
+  std::vector<std::size_t> Order(const double* row) const;
+  void FillBlock(const double* points, std::size_t count, double* x) const;
+};
+
+namespace {
+
+using DiscreteValues = std::vector<std::pair<std::string, int>>;
+
+int Refuse(std::string* reason, std::string sentence) {
+  if (reason != nullptr) *reason = std::move(sentence);
+  return 1;
+}
+
+std::string Listed(const std::vector<int>& values) {
+  std::string text;
+  for (const int value : values) text += (text.empty() ? "" : ", ") + std::to_string(value);
+  return text;
+}
+
+/// The values by rank, and by value where ranks are equal: what a combination is registered under.
+int KeyOf(const CDiscreteCombinations& model, const DiscreteValues& values, std::vector<int>& key,
+          std::string* reason) {
+  const std::size_t expected = model.Count(CausalityInput, DiscreteParameter, true);
+  if (values.size() != expected) {
+    return Refuse(reason, "The model has " + std::to_string(expected) +
+                              " enabled discrete inputs, but " + std::to_string(values.size()) +
+                              " discrete values are given.");
+  }
+  const auto& ranks = *model.GetRegistrationRank();
+  std::vector<std::pair<std::int32_t, int>> ranked;
+  for (const auto& [id, value] : values) {
+    const auto rank = ranks.find(id);
+    if (rank == ranks.end()) return Refuse(reason, "The model has no parameter '" + id + "'.");
+    ranked.emplace_back(rank->second, value);
+  }
+  std::sort(ranked.begin(), ranked.end());
+  for (const auto& entry : ranked) key.push_back(entry.second);
+  return 0;
+}
+
+/// The enabled continuous inputs by rank.
+std::vector<std::pair<std::int32_t, std::string>> RankedInputs(const CDiscreteCombinations& model) {
+  const auto& ranks = *model.GetRegistrationRank();
+  std::vector<std::pair<std::int32_t, std::string>> inputs;
+  for (const std::string& id : model.ListParameterImmutableID(CausalityInput, true)) {
+    const auto rank = ranks.find(id);
+    if (model.IsContinuous(id) && rank != ranks.end()) inputs.emplace_back(rank->second, id);
+  }
+  std::sort(inputs.begin(), inputs.end());
+  return inputs;
+}
+
+/// A working area whose parts start at cache lines.
+class AlignedArea {
+ public:
+  explicit AlignedArea(std::size_t count) : values_(count + kLine) {
+    const auto at = reinterpret_cast<std::uintptr_t>(values_.data());
+    const std::uintptr_t over = at % (kLine * sizeof(double));
+    if (over != 0) offset_ = kLine - over / sizeof(double);
+  }
+  double* Start() { return values_.data() + offset_; }
+
+ private:
+  static constexpr std::size_t kLine = 8;
+
+  std::vector<double> values_;
+  std::size_t offset_ = 0;
+};
+
+/// Inputs of which an unordered comparison stands last, as Evaluate sorts.
+bool ComesBefore(double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); }
+
+}  // namespace
+
+/// From each place of a row as it is worked on to its place in the caller's.
+std::vector<std::size_t> CPreparedModel::Parts::Order(const double* row) const {
+  std::vector<std::size_t> order(inputIDs.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  for (const Tie& tie : ties) {
+    std::sort(order.begin() + static_cast<std::ptrdiff_t>(tie.first),
+              order.begin() + static_cast<std::ptrdiff_t>(tie.last),
+              [&](std::size_t a, std::size_t b) { return ComesBefore(row[a], row[b]); });
+  }
+  return order;
+}
+
+/// The first `count` of `points`, input by input, and copies of the last one behind them.
+void CPreparedModel::Parts::FillBlock(const double* points, std::size_t count, double* x) const {
+  const std::size_t inputs = inputIDs.size();
+  for (std::size_t i = 0; i < inputs; ++i) {
+    double* const to = x + i * kBlock;
+    for (std::size_t lane = 0; lane < count; ++lane) to[lane] = points[lane * inputs + i];
+  }
+  for (std::size_t lane = 0; lane < count && !ties.empty(); ++lane) {
+    const double* const row = points + lane * inputs;
+    const std::vector<std::size_t> order = Order(row);
+    for (std::size_t i = 0; i < inputs; ++i) x[i * kBlock + lane] = row[order[i]];
+  }
+  for (std::size_t i = 0; i < inputs; ++i) {
+    double* const to = x + i * kBlock;
+    std::fill(to + count, to + kBlock, to[count - 1]);
+  }
+}
+
+CPreparedModel::CPreparedModel() = default;
+CPreparedModel::CPreparedModel(const CPreparedModel&) = default;
+CPreparedModel::CPreparedModel(CPreparedModel&&) noexcept = default;
+CPreparedModel& CPreparedModel::operator=(const CPreparedModel&) = default;
+CPreparedModel& CPreparedModel::operator=(CPreparedModel&&) noexcept = default;
+CPreparedModel::~CPreparedModel() = default;
+
+int CPreparedModel::Prepare(const CDiscreteCombinations& model,
+                            const DiscreteValues& discreteValues, CPreparedModel& out,
+                            std::string* reason) {
+  std::vector<int> key;
+  if (KeyOf(model, discreteValues, key, reason) != 0) return 1;
+  const auto combination = model.GetDiscreteCombinationsIndexingPtr()->find(key);
+  if (combination == model.GetDiscreteCombinationsIndexingPtr()->end()) {
+    return Refuse(reason, key.empty() ? "The model has no combination without discrete values."
+                                      : "The model has no combination of the discrete values " +
+                                            Listed(key) + ".");
+  }
+
+  auto parts = std::make_shared<Parts>();
+  const auto inputs = RankedInputs(model);
+  for (const auto& input : inputs) parts->inputIDs.push_back(input.second);
+  for (std::size_t first = 0, last = 0; first < inputs.size(); first = last) {
+    while (last < inputs.size() && inputs[last].first == inputs[first].first) ++last;
+    if (last - first > 1) parts->ties.push_back({first, last});
+  }
+  auto outputs = std::make_shared<Parts::Outputs>();
+  const std::vector<CDiscreteCombinations::OutputsByID>& all = *model.GetOutputsWrtDiscCombPtr();
+  for (const auto& [id, candidates] : all[static_cast<std::size_t>(combination->second)]) {
+    parts->outputIDs.push_back(id);
+    outputs->push_back(std::make_unique<PreparedOutput>(*candidates, inputs.size()));
+  }
+  parts->outputs = std::move(outputs);
+  parts->fast = batch::FindLanes(batch::BestInstructionSet());
+  parts->exact = batch::AreHostFunctionsKnown() ? parts->fast : batch::PortableLanes();
+  out.parts_ = std::move(parts);
+  return 0;
+}
+
+const std::vector<std::string>& CPreparedModel::InputIDs() const {
+  static const std::vector<std::string> none;
+  return parts_ != nullptr ? parts_->inputIDs : none;
+}
+
+const std::vector<std::string>& CPreparedModel::OutputIDs() const {
+  static const std::vector<std::string> none;
+  return parts_ != nullptr ? parts_->outputIDs : none;
+}
+
+int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_PrecisionMode mode,
+                             double* values, double* errors, int* statuses) const {
+  if (parts_ == nullptr || (mode != PrecisionExact && mode != PrecisionFast)) return 1;
+  const std::size_t inputs = parts_->inputIDs.size();
+  const std::size_t outputs = parts_->outputIDs.size();
+  if (rows == 0 || outputs == 0) return 0;
+  if ((points == nullptr && inputs > 0) || values == nullptr) return 1;
+
+  std::size_t workSize = 0;
+  std::size_t questionCount = 0;
+  for (const auto& output : *parts_->outputs) {
+    workSize = std::max(workSize, output->WorkSize(errors != nullptr));
+    questionCount = std::max(questionCount, output->QuestionCount());
+  }
+  const std::size_t pointSize = inputs * kBlock;
+  AlignedArea area(pointSize + 2 * kBlock + workSize);
+  std::vector<batch::Question> questions(questionCount);
+  double* const x = area.Start();
+  double* const blockValues = x + pointSize;
+  double* const blockErrors = blockValues + kBlock;
+  int blockStatuses[kBlock] = {};
+  const batch::Tools tools = {parts_->exact, parts_->fast, blockErrors + kBlock, questions.data()};
+  const batch::Results results = {blockValues, errors != nullptr ? blockErrors : nullptr,
+                                  blockStatuses};
+
+  for (std::size_t o = 0; o < outputs; ++o) {
+    batch::FastProgress progress;
+    for (std::size_t first = 0; first < rows; first += kBlock) {
+      const std::size_t count = std::min(kBlock, rows - first);
+      if (inputs > 0) parts_->FillBlock(points + first * inputs, count, x);
+      (*parts_->outputs)[o]->Evaluate({x, count}, tools, results,
+                                      mode == PrecisionFast ? &progress : nullptr);
+      for (std::size_t lane = 0; lane < count; ++lane) {
+        const std::size_t at = (first + lane) * outputs + o;
+        values[at] = blockValues[lane];
+        if (errors != nullptr) errors[at] = blockErrors[lane];
+        if (statuses != nullptr) statuses[at] = blockStatuses[lane];
+      }
+    }
+  }
+  return 0;
+}
+
+int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, double* gradients,
+                                      int* statuses) const {
+  if (parts_ == nullptr) return 1;
+  const std::size_t inputs = parts_->inputIDs.size();
+  const std::size_t outputs = parts_->outputIDs.size();
+  if (rows == 0 || outputs == 0) return 0;
+  if (inputs > 0 && (points == nullptr || gradients == nullptr)) return 1;
+
+  std::size_t workSize = 0;
+  for (const auto& output : *parts_->outputs) {
+    workSize = std::max(workSize, output->GradientWorkSize());
+  }
+  std::vector<double> work(2 * inputs + workSize);
+  double* const x = work.data();
+  double* const gradient = x + inputs;
+  for (std::size_t r = 0; r < rows; ++r) {
+    std::vector<std::size_t> order;
+    const double* const row = points + r * inputs;
+    if (!parts_->ties.empty()) order = parts_->Order(row);
+    for (std::size_t i = 0; i < inputs; ++i) x[i] = row[order.empty() ? i : order[i]];
+    for (std::size_t o = 0; o < outputs; ++o) {
+      const int status =
+          (*parts_->outputs)[o]->Gradient(x, gradient + inputs, gradient);
+      double* const to = gradients + (r * outputs + o) * inputs;
+      for (std::size_t i = 0; i < inputs; ++i) to[order.empty() ? i : order[i]] = gradient[i];
+      if (statuses != nullptr) statuses[r * outputs + o] = status;
+    }
+  }
+  return 0;
+}
+
+CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, batch::InstructionSet set) {
+  CPreparedModel other;
+  const Lanes* const lanes = batch::FindLanes(set);
+  if (model.parts_ == nullptr || lanes == nullptr) return other;
+  auto parts = std::make_shared<CPreparedModel::Parts>(*model.parts_);
+  parts->exact = lanes;
+  parts->fast = lanes;
+  other.parts_ = std::move(parts);
+  return other;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,302 @@
+#include "batch/prepared_output.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "ensemble/candidate_access.h"
+#include "ensemble/cross_validation.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+namespace {
+
+using Access = CandidateAccess;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+// What the fast mode promises, and a little less, which leaves room for the last roundings.
+constexpr double kFastTolerance = 0.9e-11;
+
+std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
+    const std::vector<std::shared_ptr<CRSData>>& records, std::size_t inputs) {
+  std::vector<std::unique_ptr<const PreparedSurface>> surfaces;
+  surfaces.reserve(records.size());
+  for (const auto& record : records) surfaces.push_back(PrepareSurface(*record, inputs));
+  return surfaces;
+}
+
+/// The larger of `largest` and the magnitudes of the values that are there; infinite when one of
+/// these is no number.
+double LargestOf(double largest, const double* values, const int* statuses, std::size_t count) {
+  for (std::size_t lane = 0; lane < count; ++lane) {
+    if (statuses[lane] == 1) continue;
+    if (!std::isfinite(values[lane])) return std::numeric_limits<double>::infinity();
+    largest = std::max(largest, std::fabs(values[lane]));
+  }
+  return largest;
+}
+
+}  // namespace
+
+/// What an evaluation works on, laid out over a working area.
+struct PreparedOutput::Work {
+  Work(const PreparedOutput& output, bool withErrors, double* start) {
+    WorkArea area(start);
+    const bool validates = withErrors && output.validation_ != nullptr;
+    x = area.Take(output.inputs_ * kBlock);
+    values = area.Take(kBlock);
+    errors = area.Take(kBlock);
+    folds = area.Take(validates ? output.validation_->Folds() * kBlock : 0);
+    validation = area.Take(validates ? output.validation_->WorkSize() : 0);
+    std::size_t largest = 0;
+    for (const auto& each : output.surfaces_) {
+      largest = std::max(largest, each->WorkSize(withErrors));
+    }
+    for (const auto& each : output.subSurfaces_) {
+      largest = std::max(largest, each->WorkSize(false));
+    }
+    surface = area.Take(largest);
+    size = area.Used();
+  }
+
+  double* x;
+  double* values;
+  double* errors;
+  double* folds;
+  double* validation;
+  double* surface;
+  std::size_t size;
+};
+
+PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs)
+    : inputs_(inputs) {
+  const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
+  if (candidate == nullptr || Access::InputScaleSlopes(*candidate).size() != inputs ||
+      Access::InputScaleIntercepts(*candidate).size() != inputs ||
+      Access::Weights(*candidate).size() < Access::Surfaces(*candidate).size()) {
+    isRefused_ = true;
+    return;
+  }
+  inputSlopes_ = Access::InputScaleSlopes(*candidate);
+  inputIntercepts_ = Access::InputScaleIntercepts(*candidate);
+  candidate->GetOutputScaleSlope(outputSlope_);
+  candidate->GetOutputScaleIntercept(outputIntercept_);
+  surfaces_ = Prepare(Access::Surfaces(*candidate), inputs);
+  weights_ = Access::Weights(*candidate);
+  if (!candidate->GetIsErrPredRequired()) return;
+
+  const auto& subRecords = Access::SubSurfaces(*candidate);
+  areErrorsRefused_ = surfaces_.empty() || subRecords.size() % surfaces_.size() != 0;
+  if (areErrorsRefused_) return;
+  const std::size_t folds = subRecords.size() / surfaces_.size();
+  const CrossValidation validation{Access::SortedInput(*candidate), Access::FoldCounts(*candidate),
+                                   candidate->GetDPMinDist(), outputSlope_};
+  areErrorsRefused_ = !validation.Fits(folds, inputs);
+  if (areErrorsRefused_) return;
+  subSurfaces_ = Prepare(subRecords, inputs);
+  validation_ = std::make_unique<PreparedCrossValidation>(
+      validation.sortedInput, validation.foldCounts, folds, inputs, validation.distanceScale,
+      outputSlope_);
+}
+
+std::size_t PreparedOutput::WorkSize(bool withErrors) const {
+  return Work(*this, withErrors, nullptr).size;
+}
+
+std::size_t PreparedOutput::QuestionCount() const {
+  std::size_t largest = 0;
+  for (const auto& surface : surfaces_) largest = std::max(largest, surface->QuestionCount());
+  for (const auto& surface : subSurfaces_) largest = std::max(largest, surface->QuestionCount());
+  return largest;
+}
+
+bool PreparedOutput::HasFastForm(bool withErrors) const {
+  // The errors of single surfaces are small differences of large numbers: nothing that is only near
+  // would do for them, and an exact one brings the exact value with it.
+  if (withErrors && validation_ == nullptr) return false;
+  const auto hasOne = [](const auto& surface) { return surface->HasFastForm(); };
+  return std::any_of(surfaces_.begin(), surfaces_.end(), hasOne) ||
+         (withErrors && std::any_of(subSurfaces_.begin(), subSurfaces_.end(), hasOne));
+}
+
+bool PreparedOutput::IsNearEnough(const FastProgress& progress, bool withErrors) const {
+  const auto deviationOf = [&](const Surfaces& surfaces, std::size_t first, std::size_t stride) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+      const double magnitude = progress.largestSurface;
+      const double own = surfaces[i * stride + first]->FastDeviation(magnitude);
+      sum += std::fabs(weights_[i]) * (own + 0x1p-50 * magnitude);
+    }
+    return sum;
+  };
+  // A result that is no finite number may be one of the fast form only.
+  const bool isFinite = std::isfinite(progress.largestValue) &&
+                        std::isfinite(progress.largestError) &&
+                        std::isfinite(progress.largestSurface);
+  if (!isFinite) return false;
+  const double slope = std::fabs(outputSlope_);
+  const double value = deviationOf(surfaces_, 0, 1);
+  const double rounding = 0x1p-50 * std::fabs(outputIntercept_);
+  // Also false for a NaN.
+  if (!((value + rounding) / slope <= kFastTolerance * progress.largestValue)) return false;
+  if (!withErrors) return true;
+  double fold = value;
+  for (std::size_t f = 0; f < validation_->Folds(); ++f) {
+    fold = std::max(fold, deviationOf(subSurfaces_, f, validation_->Folds()));
+  }
+  // Three times a root mean square of the differences of two predictions.
+  return 6.0 * fold / slope <= kFastTolerance * progress.largestError;
+}
+
+void PreparedOutput::Evaluate(const Points& points, const Tools& tools, const Results& results,
+                              FastProgress* progress) const {
+  const bool withErrors = results.errors != nullptr;
+  if (isRefused_ || (withErrors && areErrorsRefused_)) {
+    std::fill_n(results.statuses, points.count, 1);
+  } else if (progress == nullptr || !HasFastForm(withErrors)) {
+    Run(points, tools, results, nullptr);
+  } else {
+    // Tried on the first block, and then wherever it would have been near enough so far.
+    const bool isTried = progress->isFirst || IsNearEnough(*progress, withErrors);
+    FastProgress next = *progress;
+    next.isFirst = false;
+    if (isTried) Run(points, tools, results, &next);
+    if (!isTried || !IsNearEnough(next, withErrors)) {
+      next.largestValue = progress->largestValue;
+      next.largestError = progress->largestError;
+      if (!std::isfinite(next.largestSurface)) next.largestSurface = progress->largestSurface;
+      Run(points, tools, results, nullptr);
+      next.largestValue =
+          LargestOf(next.largestValue, results.values, results.statuses, points.count);
+      if (withErrors) {
+        next.largestError =
+            LargestOf(next.largestError, results.errors, results.statuses, points.count);
+      }
+      if (!std::isfinite(next.largestValue)) next.largestValue = progress->largestValue;
+      if (!std::isfinite(next.largestError)) next.largestError = progress->largestError;
+    }
+    *progress = next;
+  }
+  for (std::size_t lane = 0; lane < points.count; ++lane) {
+    if (results.statuses[lane] == 1) results.values[lane] = kNaN;
+    if (withErrors && results.statuses[lane] != 0) results.errors[lane] = kNaN;
+  }
+}
+
+void PreparedOutput::AddValue(const PreparedSurface& surface, double weight, const Work& work,
+                              const Points& scaled, const Tools& tools, int* statuses, double* sums,
+                              FastProgress* progress) const {
+  int own[kBlock];
+  const Results results = {work.values, nullptr, own};
+  if (progress != nullptr) {
+    surface.FastValues(scaled, tools, results);
+    progress->largestSurface = LargestOf(progress->largestSurface, work.values, own, scaled.count);
+  } else {
+    surface.Evaluate(scaled, tools, results);
+  }
+  for (std::size_t lane = 0; lane < scaled.count; ++lane) {
+    if (own[lane] == 1) statuses[lane] = 1;
+    sums[lane] += weight * work.values[lane];
+  }
+}
+
+// With `progress` the surfaces' fast forms, and their largest results noted there.
+void PreparedOutput::Run(const Points& points, const Tools& tools, const Results& results,
+                         FastProgress* progress) const {
+  const bool withErrors = results.errors != nullptr;
+  const Work work(*this, withErrors, tools.work);
+  for (std::size_t i = 0; i < inputs_; ++i) {
+    const double* const from = points.x + i * kBlock;
+    double* const to = work.x + i * kBlock;
+    for (std::size_t lane = 0; lane < kBlock; ++lane) {
+      to[lane] = inputSlopes_[i] * from[lane] + inputIntercepts_[i];
+    }
+  }
+  const Points scaled = {work.x, points.count};
+  Tools surfaceTools = tools;
+  surfaceTools.work = work.surface;
+  std::fill_n(results.values, points.count, 0.0);
+  std::fill_n(results.statuses, points.count, 0);
+
+  if (withErrors && validation_ == nullptr) {
+    std::fill_n(results.errors, points.count, 0.0);
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+      int own[kBlock];
+      surfaces_[i]->Evaluate(scaled, surfaceTools, {work.values, work.errors, own});
+      for (std::size_t lane = 0; lane < points.count; ++lane) {
+        // A failure stands; a missing error stands unless something fails.
+        if (results.statuses[lane] != 1 && own[lane] != 0) results.statuses[lane] = own[lane];
+        // The errors are not combined: the last one stands.
+        if (own[lane] == 0) results.errors[lane] = work.errors[lane];
+        results.values[lane] += weights_[i] * work.values[lane];
+      }
+    }
+    Backscale(points.count, results);
+    return;
+  }
+
+  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    AddValue(*surfaces_[i], weights_[i], work, scaled, surfaceTools, results.statuses,
+             results.values, progress);
+  }
+  if (withErrors) {
+    const std::size_t folds = validation_->Folds();
+    std::fill_n(work.folds, folds * kBlock, 0.0);
+    for (std::size_t k = 0; k < subSurfaces_.size(); ++k) {
+      AddValue(*subSurfaces_[k], weights_[k / folds], work, scaled, surfaceTools, results.statuses,
+               work.folds + k % folds * kBlock, progress);
+    }
+    validation_->Evaluate(scaled, *tools.exact, work.folds, results.values, work.validation,
+                          results.errors, results.statuses);
+  }
+  Backscale(points.count, results);
+  if (progress == nullptr) return;
+  progress->largestValue =
+      LargestOf(progress->largestValue, results.values, results.statuses, points.count);
+  if (withErrors) {
+    progress->largestError =
+        LargestOf(progress->largestError, results.errors, results.statuses, points.count);
+  }
+}
+
+void PreparedOutput::Backscale(std::size_t count, const Results& results) const {
+  for (std::size_t lane = 0; lane < count; ++lane) {
+    if (outputSlope_ != 0.0) {
+      results.values[lane] = (results.values[lane] - outputIntercept_) / outputSlope_;
+    } else if (results.statuses[lane] == 0) {
+      // Where an error is missing that status wins, and the value stays in the scaled space.
+      results.statuses[lane] = 1;
+    }
+  }
+}
+
+std::size_t PreparedOutput::GradientWorkSize() const {
+  std::size_t largest = 0;
+  for (const auto& surface : surfaces_) {
+    largest = std::max(largest, surface->GradientWorkSize());
+  }
+  return 2 * inputs_ + largest;
+}
+
+int PreparedOutput::Gradient(const double* x, double* work, double* gradient) const {
+  double* const scaled = work;
+  double* const own = work + inputs_;
+  double* const rest = own + inputs_;
+  bool isThere = !isRefused_ && outputSlope_ != 0.0;
+  std::fill_n(gradient, inputs_, 0.0);
+  for (std::size_t i = 0; isThere && i < inputs_; ++i) {
+    scaled[i] = inputSlopes_[i] * x[i] + inputIntercepts_[i];
+  }
+  for (std::size_t k = 0; isThere && k < surfaces_.size(); ++k) {
+    isThere = surfaces_[k]->Gradient(scaled, rest, own) == 0;
+    for (std::size_t i = 0; isThere && i < inputs_; ++i) gradient[i] += weights_[k] * own[i];
+  }
+  if (!isThere) {
+    std::fill_n(gradient, inputs_, kNaN);
+    return 1;
+  }
+  for (std::size_t i = 0; i < inputs_; ++i) gradient[i] *= inputSlopes_[i] / outputSlope_;
+  return 0;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::batch

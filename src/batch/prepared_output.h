@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "batch/prepared_cross_validation.h"
+#include "batch/prepared_surface.h"
+#include "pxrom/fitting_candidates.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+/// What the fast mode knows of the blocks of a batch that are done.
+struct FastProgress {
+  bool isFirst = true;
+  double largestValue = 0.0;
+  double largestError = 0.0;
+  double largestSurface = 0.0;  ///< of the values of surfaces and sub surfaces
+};
+
+/// One output: the ensemble of the candidate that its list has chosen, prepared. It never changes.
+class PreparedOutput {
+ public:
+  PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs);
+
+  std::size_t WorkSize(bool withErrors) const;
+  std::size_t QuestionCount() const;
+
+  /// As CFittingCandidatesEvaluator at each of the points, in physical units; with `progress` in
+  /// the fast mode. Values and errors that a status says are not there become NaN.
+  void Evaluate(const Points& points, const Tools& tools, const Results& results,
+                FastProgress* progress) const;
+
+  std::size_t GradientWorkSize() const;
+  /// The derivative of the value at `x` with respect to `x`, both in physical units. 1, with NaN in
+  /// `gradient`, where there is none.
+  int Gradient(const double* x, double* work, double* gradient) const;
+
+ private:
+  using Surfaces = std::vector<std::unique_ptr<const PreparedSurface>>;
+  struct Work;
+
+  bool HasFastForm(bool withErrors) const;
+  bool IsNearEnough(const FastProgress& progress, bool withErrors) const;
+  void Run(const Points& points, const Tools& tools, const Results& results,
+           FastProgress* progress) const;
+  void AddValue(const PreparedSurface& surface, double weight, const Work& work,
+                const Points& scaled, const Tools& tools, int* statuses, double* sums,
+                FastProgress* progress) const;
+  void Backscale(std::size_t count, const Results& results) const;
+
+  std::size_t inputs_;
+  bool isRefused_ = false;       ///< every point has the status 1
+  bool areErrorsRefused_ = false;  ///< every point has it when errors are asked for
+  std::vector<double> inputSlopes_;
+  std::vector<double> inputIntercepts_;
+  double outputSlope_ = 1.0;
+  double outputIntercept_ = 0.0;
+  Surfaces surfaces_;
+  std::vector<double> weights_;
+  Surfaces subSurfaces_;
+  std::unique_ptr<const PreparedCrossValidation> validation_;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::batch

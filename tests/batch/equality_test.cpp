@@ -1,0 +1,107 @@
+// A prepared model answers as the evaluators do: to the last bit, or within the fast mode's
+// tolerance, with every instruction set that there is.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "batch/batch_cases.h"
+#include "support/model_files.h"
+
+namespace Tarvane::Plexura::PXROM::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+const CDiscreteCombinations::OutputsByID& OutputsOf(const CDiscreteCombinations& model,
+                                                    const std::vector<int>& key) {
+  const auto& indexing = *model.GetDiscreteCombinationsIndexingPtr();
+  return (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(indexing.at(key))];
+}
+
+/// Rows between the bounds and a little beyond; now and then one that is far away.
+std::vector<double> PointsFor(Draw& draw, const CDiscreteCombinations& model,
+                              const std::vector<std::string>& ids, std::size_t rows) {
+  std::vector<double> points;
+  for (std::size_t r = 0; r < rows; ++r) {
+    for (const std::string& id : ids) {
+      const double lower = model.ListLowerBound({id})[0].second;
+      const double upper = model.ListUpperBound({id})[0].second;
+      const double reach = draw.Chance(3) ? 1e4 : 0.05;
+      points.push_back(lower + draw.Real(-reach, 1.0 + reach) * (upper - lower));
+    }
+  }
+  return points;
+}
+
+void ExpectAsEvaluated(const CDiscreteCombinations& model, std::uint32_t seed, std::size_t rows) {
+  Draw draw(seed);
+  const auto& indexing = *model.GetDiscreteCombinationsIndexingPtr();
+  for (const Question& question : QuestionsFor(model, 0.5)) {
+    std::vector<std::pair<int, int>> ranked;
+    for (const auto& [id, value] : question.discrete) {
+      ranked.emplace_back(model.GetRegistrationRank()->at(id), value);
+    }
+    std::sort(ranked.begin(), ranked.end());
+    std::vector<int> key;
+    for (const auto& entry : ranked) key.push_back(entry.second);
+    ASSERT_EQ(indexing.count(key), 1U);
+
+    CPreparedModel prepared;
+    std::string reason;
+    ASSERT_EQ(CPreparedModel::Prepare(model, question.discrete, prepared, &reason), 0) << reason;
+    const std::vector<double> points = PointsFor(draw, model, prepared.InputIDs(), rows);
+    ASSERT_NO_FATAL_FAILURE(
+        tests::ExpectAsEvaluated(prepared, OutputsOf(model, key), points, rows));
+  }
+}
+
+TEST(PreparedModel, AnswersAsEvaluateForRandomModels) {
+  // Rows for whole blocks of points and a rest, where the last one stands alone or not.
+  const std::size_t rowCounts[] = {1, 33, 32, 70, 3, 9};
+  for (std::uint32_t seed = 1; seed <= 120; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    CDiscreteCombinations model;
+    FillRandomModel(seed, {}, model);
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, seed, rowCounts[seed % 6]));
+  }
+}
+
+class Family : public testing::TestWithParam<E_DataType> {};
+
+// More inputs and samples than the random models have, so that loops over samples go in parts.
+TEST_P(Family, AnswersAsItsEvaluator) {
+  Draw draw(static_cast<std::uint32_t>(GetParam()) + 1);
+  for (int round = 0; round < 60; ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    const int inputs = draw.Int(1, 6);
+    const auto surface = RandomSurface(draw, GetParam(), inputs, draw.Int(60, 140), true);
+    CDiscreteCombinations model;
+    FillModel(*surface, model);
+    const std::size_t rows = 45;
+    std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, 0, 1);
+    // A point on a sample, and one that is no point.
+    std::copy_n(surface->InputSamples[7].begin(), inputs, points.begin() + 3 * inputs);
+    points[static_cast<std::size_t>(40 * inputs)] = round % 2 == 0 ? kNaN : HUGE_VAL;
+    ASSERT_NO_FATAL_FAILURE(
+        tests::ExpectAsEvaluated(Prepared(model), OutputsOf(model, {}), points, rows));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, Family,
+                         testing::Values(DT_KrigingData, DT_QRSData, DT_SVRData, DT_MLSData,
+                                         DT_LBFData, DT_ConstantData));
+
+TEST(PreparedModel, AnswersAsEvaluateForFittedModels) {
+  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
+    if (!entry.is_directory()) continue;
+    SCOPED_TRACE(entry.path().filename().string());
+    CDiscreteCombinations model;
+    ASSERT_NO_FATAL_FAILURE(ReadModel((entry.path() / "model.pxdb").string(), model));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, 5, 50));
+  }
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::tests
