@@ -8,6 +8,9 @@ add_library(pxrom_developer INTERFACE)
 
 # Results are defined to the last bit, so that no multiply and add may be fused.
 target_compile_options(pxrom_developer INTERFACE -ffp-contract=off)
+# Nobody replaces our own functions at load time, so that calls among them may be direct.
+target_compile_options(pxrom_developer INTERFACE
+  $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
 
 if(PROJECT_IS_TOP_LEVEL)
   target_compile_options(pxrom_developer INTERFACE
@@ -26,6 +29,14 @@ if(PXROM_SANITIZE)
   endif()
   target_compile_options(pxrom_developer INTERFACE ${sanitize})
   target_link_options(pxrom_developer INTERFACE ${sanitize})
+endif()
+
+if(PXROM_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    message(FATAL_ERROR "PXROM_BUILD_FUZZERS needs clang")
+  endif()
+  target_compile_options(pxrom_developer INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(pxrom_developer INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 if(PXROM_COVERAGE)

@@ -1,0 +1,90 @@
+#include <map>
+
+#include "model_inputs.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/inspection.h"
+#include "targets.h"
+
+namespace fuzz {
+
+namespace {
+
+using namespace Tarvane::Plexura::PXROM;
+
+void CheckFindings(const CInspectionReport& report) {
+  std::map<E_FindingCode, int> counts;
+  const CFinding* before = nullptr;
+  for (const CFinding& finding : report.findings) {
+    Require(*FindingCodeName(finding.code) != '\0' && !finding.sentence.empty(),
+            "a finding has a name and a sentence");
+    Require(finding.line >= 1 && finding.column >= 1, "a finding has a place");
+    Require(before == nullptr || before->line < finding.line ||
+                (before->line == finding.line && before->column <= finding.column),
+            "findings are in the order of their places");
+    Require(++counts[finding.code] <= 100, "a code is listed a hundred times at most");
+    before = &finding;
+  }
+  Require(report.errors + report.warnings + report.notes >= report.findings.size(),
+          "the counts have all findings");
+}
+
+bool Has(const CInspectionReport& report, E_FindingCode code) {
+  for (const CFinding& finding : report.findings) {
+    if (finding.code == code) return true;
+  }
+  return false;
+}
+
+// Whether the text is read, and every combination evaluates in the middle of its bounds.
+bool Works(const std::string& data, bool errorsToo) {
+  std::string text = data;
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  CDiscreteCombinations model;
+  try {
+    if (reader.ResumeDiscreteCombinations(model) != 0) return false;
+  } catch (const std::out_of_range&) {
+    return false;
+  }
+  NamedValues middle;
+  for (const std::string& id : model.ListParameterImmutableID(CausalityInput, true)) {
+    if (!model.IsContinuous(id)) continue;
+    const auto lower = model.ListLowerBound({id});
+    const auto upper = model.ListUpperBound({id});
+    if (lower.empty() || upper.empty()) return false;
+    middle.emplace_back(id, 0.5 * lower[0].second + 0.5 * upper[0].second);
+  }
+  const std::vector<std::string> ids = model.ListEnabledDiscreteParameterWrtRegistrationRank();
+  for (const auto& combination : *model.GetDiscreteCombinationsIndexingPtr()) {
+    NamedInts discrete;
+    for (std::size_t i = 0; i < ids.size() && i < combination.first.size(); ++i) {
+      discrete.emplace_back(ids[i], combination.first[i]);
+    }
+    NamedValues outputs;
+    NamedValues errors;
+    if (model.Evaluate(discrete, middle, outputs) != 0) return false;
+    if (errorsToo &&
+        CDiscreteCombinations(model).Evaluate(discrete, middle, outputs, errors) == 1) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+void RunInspection(std::string_view data) {
+  const std::string text(data);
+  const CInspectionReport report = InspectPXROMDatabase(text);
+  CheckFindings(report);
+  if (Has(report, FindingNotTried)) return;
+  if (report.errors == 0) {
+    Require(Works(text, !Has(report, FindingErrorFormRefused)),
+            "a text without an error is read and evaluates");
+  } else {
+    // Much that is wrong is read all the same.
+    static_cast<void>(Works(text, false));
+  }
+}
+
+}  // namespace fuzz

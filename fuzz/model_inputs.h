@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "pxrom/discrete_combinations.h"
+
+namespace fuzz {
+
+using NamedInts = std::vector<std::pair<std::string, int>>;
+using NamedValues = std::vector<std::pair<std::string, double>>;
+
+bool SameBits(const NamedValues& a, const NamedValues& b);
+
+/// Data taken apart: the text of a database up to the last "\0", doubles behind it.
+class ModelInputs {
+ public:
+  explicit ModelInputs(std::string_view data);
+
+  const std::string& Text() const { return text_; }
+  /// Reads the text into `model`, which may hold a part of it if that fails. False without any
+  /// combination.
+  bool Read(Tarvane::Plexura::PXROM::CDiscreteCombinations& model) const;
+  /// The doubles, repeated as needed.
+  std::vector<double> Values(int count) const;
+  NamedInts DiscreteOf(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model,
+                       const std::vector<int>& key) const;
+  NamedValues ContinuousOf(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model) const;
+
+ private:
+  std::string text_;
+  std::vector<double> values_;
+};
+
+}  // namespace fuzz
