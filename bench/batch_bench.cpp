@@ -1,6 +1,6 @@
-// Many points: a prepared model in its exact and its fast mode against the literal program, point by
-// point, in the same run. Every benchmark does all points in each iteration. Ends with the ratios
-// literal / library; items are predictions times samples, or times terms for a regression.
+// Many points: a prepared model in its exact and its fast mode against the literal program, point
+// by point, in the same run. Every benchmark does all points in each iteration. Ends with the
+// ratios literal / library; items are predictions times samples, or times terms for a regression.
 
 #include <benchmark/benchmark.h>
 
@@ -186,8 +186,8 @@ CFittingCandidates ListOf(const CRSData& record) {
 }
 
 template <class Record>
-Literal Value(const Record& record, int (*evaluate)(const Record&, const std::vector<double>&,
-                                                    double&)) {
+Literal Value(const Record& record,
+              int (*evaluate)(const Record&, const std::vector<double>&, double&)) {
   return [evaluate, copy = std::make_shared<Record>(record)](const std::vector<double>& x) {
     double y = 0.0;
     benchmark::DoNotOptimize(evaluate(*copy, x, y));
@@ -207,9 +207,9 @@ void RegisterKriging() {
       add("gaussian/n" + std::to_string(n) + "/d" + std::to_string(d), n, d, CorrGaussian);
     }
   }
-  const char* const names[] = {"",           "exponential",  "gaussian", "linear",
-                               "spherical",  "cubic",        "multiquadric", "spline",
-                               "matern52",   "parabolic",    "bessel",   "sinc"};
+  const char* const names[] = {"",          "exponential", "gaussian",     "linear",
+                               "spherical", "cubic",       "multiquadric", "spline",
+                               "matern52",  "parabolic",   "bessel",       "sinc"};
   for (int type = CorrExponential; type <= CorrSinc; ++type) {
     if (type == CorrGaussian) continue;
     add(names[type], 200, 6, static_cast<E_KringingCorrelationFunctionType>(type));
@@ -227,9 +227,9 @@ void RegisterKriging() {
 }
 
 void RegisterKernelLocal() {
-  for (const auto& [type, name] : {std::pair(SVRKernGaussian, "gaussian"),
-                                   std::pair(SVRKernQuadratic, "quadratic"),
-                                   std::pair(SVRKernSigmoid, "sigmoid")}) {
+  for (const auto& [type, name] :
+       {std::pair(SVRKernGaussian, "gaussian"), std::pair(SVRKernQuadratic, "quadratic"),
+        std::pair(SVRKernSigmoid, "sigmoid")}) {
     const CSVRData record = SupportVector(200, 6, type);
     Register("support_vector", name, ListOf(record), 6, 200, false,
              Value(record, &literal::EvaluateSupportVector));

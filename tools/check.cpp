@@ -79,8 +79,7 @@ void PrintJson(const CheckOptions& options, const pxrom::CInspectionReport& repo
 }
 
 void Check(const CheckOptions& options) {
-  const pxrom::CInspectionReport report =
-      pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
+  const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
   if (options.json) {
     PrintJson(options, report);
   } else {

@@ -149,10 +149,9 @@ void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameter
         row.insert(row.end(), {"damaged or missing", "", "", "", ""});
       } else {
         const pxrom::CEnsembleOverview& ensemble = *found->second;
-        row.insert(row.end(),
-                   {SurfacesOf(ensemble), std::to_string(ensemble.samples),
-                    ensemble.folds == 0 ? "" : std::to_string(ensemble.folds),
-                    ErrorKindOf(ensemble), std::to_string(ensemble.characters)});
+        row.insert(row.end(), {SurfacesOf(ensemble), std::to_string(ensemble.samples),
+                               ensemble.folds == 0 ? "" : std::to_string(ensemble.folds),
+                               ErrorKindOf(ensemble), std::to_string(ensemble.characters)});
       }
       table.Add(std::move(row));
       text.clear();
@@ -215,7 +214,8 @@ void PrintJson(const InfoOptions& options, const pxrom::CInspectionReport& repor
   for (const char* list : {"parameters", "combinations", "ensembles"}) {
     document[list] = nlohmann::ordered_json::array();
   }
-  for (const auto& parameter : ByRank(overview)) document["parameters"].push_back(JsonOf(parameter));
+  for (const auto& parameter : ByRank(overview))
+    document["parameters"].push_back(JsonOf(parameter));
   for (const auto& combination : overview.combinations) {
     nlohmann::ordered_json values = nlohmann::ordered_json::object();
     for (const auto& [id, value] : combination.discreteValues) values[id] = value;
@@ -231,8 +231,7 @@ void PrintJson(const InfoOptions& options, const pxrom::CInspectionReport& repor
 }
 
 void Info(const InfoOptions& options) {
-  const pxrom::CInspectionReport report =
-      pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
+  const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
   if (report.overview.parameters.empty() && report.overview.combinations.empty()) {
     throw Refusal(Quoted(options.model) + " is no database of fitted models");
   }

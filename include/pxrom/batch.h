@@ -24,10 +24,10 @@ enum E_PrecisionMode : std::int32_t {
   PrecisionFast = 1,
 };
 
-/// One combination of discrete values, prepared to answer many points at once. It holds its own copy
-/// of all that it needs, laid out for speed: scaled samples, matrices in one piece, everything that
-/// does not depend on the point computed beforehand. The object it was made from is only read and
-/// may change or go afterwards.
+/// One combination of discrete values, prepared to answer many points at once. It holds its own
+/// copy of all that it needs, laid out for speed: scaled samples, matrices in one piece, everything
+/// that does not depend on the point computed beforehand. The object it was made from is only read
+/// and may change or go afterwards.
 ///
 /// Instructions are chosen when it is prepared, by what the machine can do (AVX-512, AVX2, or plain
 /// code that runs anywhere).
@@ -51,9 +51,9 @@ class PXROM_API CPreparedModel {
   ~CPreparedModel();
 
   /// Prepares the combination that `discreteValues` names, each enabled discrete input once and in
-  /// any order. 0; 1 with `out` untouched and a sentence in `reason` (unless it is null) when a name
-  /// or the number of them doesn't fit or there is no such combination. An output that cannot be
-  /// evaluated is no reason to refuse the rest: it has the status 1 at every point.
+  /// any order. 0; 1 with `out` untouched and a sentence in `reason` (unless it is null) when a
+  /// name or the number of them doesn't fit or there is no such combination. An output that cannot
+  /// be evaluated is no reason to refuse the rest: it has the status 1 at every point.
   static int Prepare(const CDiscreteCombinations& model,
                      const std::vector<std::pair<std::string, int>>& discreteValues,
                      CPreparedModel& out, std::string* reason = nullptr);
@@ -83,8 +83,8 @@ class PXROM_API CPreparedModel {
 
   /// The derivatives of the values with respect to the inputs, in physical units: for each row and
   /// output one number per input. They are those of the formulas, through all scalings and
-  /// transformations, for every family; the evaluators' own derivatives, where they have one, differ
-  /// in places (regression.h). `statuses`, one per row and output, may be null.
+  /// transformations, for every family; the evaluators' own derivatives, where they have one,
+  /// differ in places (regression.h). `statuses`, one per row and output, may be null.
   ///
   /// Where a formula has no derivative:
   ///   - at a kink, such as that of |x| in an exponential correlation at a sample, it counts as 0

@@ -1,7 +1,8 @@
 // The derivatives of the kernels with respect to the scaled point.
 //
-// At a kink, which is where a coordinate equals the centre's under an absolute value, the derivative
-// is 0: the mean of both sides. At a cut-off it is that of the branch that the value takes.
+// At a kink, which is where a coordinate equals the centre's under an absolute value, the
+// derivative is 0: the mean of both sides. At a cut-off it is that of the branch that the value
+// takes.
 
 #include <math.h>  // j1 is POSIX's, and stands in the global namespace
 

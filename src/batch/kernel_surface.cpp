@@ -75,13 +75,12 @@ class KernelSurface : public PreparedSurface {
 
   double FastDeviation(double magnitude) const override {
     // Adding the trend and backscaling round both, in much the same way.
-    const double scaled = magnitude * std::fabs(model_.outputSlope) +
-                          2.0 * std::fabs(model_.outputIntercept);
+    const double scaled =
+        magnitude * std::fabs(model_.outputSlope) + 2.0 * std::fabs(model_.outputIntercept);
     return (fast_.deviation + 0x1p-50 * scaled) / std::fabs(model_.outputSlope);
   }
 
-  void FastValues(const Points& points, const Tools& tools,
-                  const Results& results) const override {
+  void FastValues(const Points& points, const Tools& tools, const Results& results) const override {
     const KernelWork work(model_, false, tools.work);
     Scale(points, work);
     // Where nothing is infinite or no number on the way, nothing has to be told apart.
@@ -170,8 +169,7 @@ class KernelSurface : public PreparedSurface {
 
   void Backscale(std::size_t count, const KernelWork& work, double* values) const {
     for (std::size_t lane = 0; lane < count; ++lane) {
-      const double sum =
-          model_.hasTrend ? work.trend[lane] + work.sums[lane] : work.sums[lane];
+      const double sum = model_.hasTrend ? work.trend[lane] + work.sums[lane] : work.sums[lane];
       values[lane] = (sum - model_.outputIntercept) / model_.outputSlope;
     }
   }

@@ -55,14 +55,14 @@ struct KernelSum {
   const double* weights = nullptr;  ///< one per centre
   double start = 0.0;               ///< what the sum begins with
   double shift = 0.0;               ///< the constant of the functions that are shifted to end at 0
-  double perInput = 0.0;            ///< the factor of the functions that depend on the inputs' number
+  double perInput = 0.0;  ///< the factor of the functions that depend on the inputs' number
 
-  const double* x = nullptr;  ///< the points, input by input
-  std::size_t points = 0;     ///< how many of them count
-  double* sums = nullptr;     ///< one per point
-  bool keepsKernels = false;  ///< whether `values` has room for the kernels of all centres
-  double* values = nullptr;   ///< room for those of kChunk centres, a block for each
-  double* steps = nullptr;    ///< room for two blocks per input
+  const double* x = nullptr;      ///< the points, input by input
+  std::size_t points = 0;         ///< how many of them count
+  double* sums = nullptr;         ///< one per point
+  bool keepsKernels = false;      ///< whether `values` has room for the kernels of all centres
+  double* values = nullptr;       ///< room for those of kChunk centres, a block for each
+  double* steps = nullptr;        ///< room for two blocks per input
   Question* questions = nullptr;  ///< room for a block for each of kChunk centres and all inputs
 };
 

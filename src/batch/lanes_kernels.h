@@ -240,8 +240,7 @@ struct FastBesselJ0 {
     constexpr double kShift = -0.4027593956953751;
     const V a = x - y;
     const V w = a * a;
-    const V factor =
-        (BesselJ0OfSquare(w) - Set(kShift)) * Set(1.0 / (1.0 - kShift));
+    const V factor = (BesselJ0OfSquare(w) - Set(kShift)) * Set(1.0 / (1.0 - kShift));
     return Select(IsAtMost(w, Set(BesselJ0::kEnd * BesselJ0::kEnd)), product * factor, Set(0.0));
   }
   PXROM_INLINE V Finish(const KernelSum&, V product, V) { return product; }

@@ -117,8 +117,7 @@ PXROM_INLINE I TableIndex(I i) {
   return Or(both, Ints(std::int64_t{1} << 32));
 }
 PXROM_INLINE V LookUp(const double* table, I index) {
-  return _mm256_castps_pd(
-      _mm256_permutevar8x32_ps(_mm256_castpd_ps(Load(table)), index));
+  return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(Load(table)), index));
 }
 
 #endif
@@ -236,9 +235,8 @@ PXROM_INLINE Exact Power4(V x) {
   const V doubt = LeadingPowerOf2(high) * Set(kDoubt);
   const V up = high + (low + doubt);
   const V down = high + (low - doubt);
-  const unsigned usual =
-      (Bits(IsAtMost(Set(1e-16), high)) & Bits(IsAtMost(high, Set(1e16)))) |
-      (kAllLanes & ~Bits(IsOther(x, Set(0.0))));
+  const unsigned usual = (Bits(IsAtMost(Set(1e-16), high)) & Bits(IsAtMost(high, Set(1e16)))) |
+                         (kAllLanes & ~Bits(IsOther(x, Set(0.0))));
   return {up, (Bits(IsOther(up, down)) | ~usual) & kAllLanes};
 }
 

@@ -27,8 +27,7 @@ void AddTerms(const Polynomial& polynomial, const double* x, std::size_t points,
   });
 }
 
-void PolynomialOf(const Polynomial& polynomial, const double* x, std::size_t points,
-                  double* sums) {
+void PolynomialOf(const Polynomial& polynomial, const double* x, std::size_t points, double* sums) {
   if (polynomial.coefficientFirst) {
     AddTerms<true>(polynomial, x, points, sums);
   } else {
@@ -36,8 +35,7 @@ void PolynomialOf(const Polynomial& polynomial, const double* x, std::size_t poi
   }
 }
 
-void ProductsOf(const Polynomial& polynomial, const double* x, std::size_t points,
-                double* values) {
+void ProductsOf(const Polynomial& polynomial, const double* x, std::size_t points, double* values) {
   for (std::size_t k = 0; k < polynomial.count; ++k) {
     const double* const first = x + polynomial.terms[k].first * kBlock;
     const double* const second = x + polynomial.terms[k].second * kBlock;

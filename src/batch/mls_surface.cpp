@@ -37,7 +37,8 @@ Weight WeightAt(const CMLSData& record, double r, double rho) {
       return {value, 2.0 * sharpness * value / (rho * rho), -2.0 * sharpness * value * z * z / rho};
     }
     case WeightCompact: {
-      const double reach = std::sqrt(static_cast<double>(record.NumberOfInputVariables)) * 2.0 * rho;
+      const double reach =
+          std::sqrt(static_cast<double>(record.NumberOfInputVariables)) * 2.0 * rho;
       const double t = std::min(1.0, r / reach);
       const double rest = 1.0 - t;
       // The derivative by t is -20 t (1 - t)^3.
@@ -134,8 +135,7 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     std::vector<double> x(static_cast<std::size_t>(record_.NumberOfInputVariables));
     for (std::size_t lane = 0; lane < points.count; ++lane) {
       for (std::size_t i = 0; i < x.size(); ++i) x[i] = points.x[i * kBlock + lane];
-      results.statuses[lane] =
-          evaluator.EvaluateResponseSurface(&record_, x, results.values[lane]);
+      results.statuses[lane] = evaluator.EvaluateResponseSurface(&record_, x, results.values[lane]);
     }
   }
 
@@ -216,11 +216,9 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     const auto rank = std::min(static_cast<std::size_t>(record_.NumberOfBasisFunctions), n - 1);
     std::copy_n(work.distances, n, work.ranked);
     // NaNs stand behind all numbers.
-    std::nth_element(work.ranked, work.ranked + rank, work.ranked + n, [](double a, double b) {
-      return a < b || (!std::isnan(a) && std::isnan(b));
-    });
-    const double* const found =
-        std::find(work.distances, work.distances + n, work.ranked[rank]);
+    std::nth_element(work.ranked, work.ranked + rank, work.ranked + n,
+                     [](double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); });
+    const double* const found = std::find(work.distances, work.distances + n, work.ranked[rank]);
     return static_cast<std::size_t>(found - work.distances) % n;
   }
 

@@ -97,7 +97,8 @@ std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& base, std::
     const int type = record.CorrelationFunctionType - CorrExponential;
     model.kernel = static_cast<Kernel>(static_cast<int>(Kernel::Exponential) + type);
     const std::vector<double>& kernels = record.CorrelationKernels;
-    for (std::size_t i = 0; i < inputs; ++i) model.kernels[i] = kernels[kernels.size() == 1 ? 0 : i];
+    for (std::size_t i = 0; i < inputs; ++i)
+      model.kernels[i] = kernels[kernels.size() == 1 ? 0 : i];
     if (model.kernel == Kernel::BesselJ0) model.shift = kriging::BesselJ0(3.8317);
     if (model.kernel == Kernel::Sinc) model.shift = std::sin(kSincEnd) / kSincEnd;
   }
@@ -169,9 +170,8 @@ std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& base, s
   model.weights = record.KernelCoefficients;
   TakeCentres(record.InputSamples, model.weights.size(), model);
   model.widths = record.KernelValues;
-  constexpr Kernel kRadial[] = {Kernel::RadialGaussian, Kernel::RadialCompact,
-                                Kernel::RadialCubic,    Kernel::RadialSinc,
-                                Kernel::RadialRational, Kernel::RadialTanh};
+  constexpr Kernel kRadial[] = {Kernel::RadialGaussian, Kernel::RadialCompact,  Kernel::RadialCubic,
+                                Kernel::RadialSinc,     Kernel::RadialRational, Kernel::RadialTanh};
   model.kernel = kRadial[record.BasisFunctionType];
   if (model.kernel == Kernel::RadialSinc) model.shift = std::sin(kSincEnd) / kSincEnd;
   if (model.kernel == Kernel::RadialTanh) model.perInput = 1.0 / static_cast<double>(inputs);

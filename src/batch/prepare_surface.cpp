@@ -47,12 +47,9 @@ struct Preparation {
 };
 
 constexpr Preparation kPreparations[] = {
-    {DT_ConstantData, &PrepareConstant, false},
-    {DT_KrigingData, &PrepareKriging, false},
-    {DT_QRSData, &PrepareRegression, true},
-    {DT_SVRData, &PrepareSupportVector, false},
-    {DT_MLSData, &PrepareMovingLeastSquares, true},
-    {DT_LBFData, &PrepareLinearBasis, false},
+    {DT_ConstantData, &PrepareConstant, false},     {DT_KrigingData, &PrepareKriging, false},
+    {DT_QRSData, &PrepareRegression, true},         {DT_SVRData, &PrepareSupportVector, false},
+    {DT_MLSData, &PrepareMovingLeastSquares, true}, {DT_LBFData, &PrepareLinearBasis, false},
 };
 
 }  // namespace

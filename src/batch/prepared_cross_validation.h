@@ -14,8 +14,8 @@ class PreparedCrossValidation {
   /// `sortedInput` has at least `inputs` values in each row, and the first `folds` counts lie
   /// within its rows.
   PreparedCrossValidation(const std::vector<std::vector<double>>& sortedInput,
-                          const std::vector<int>& foldCounts, std::size_t folds,
-                          std::size_t inputs, double distanceScale, double outputSlope);
+                          const std::vector<int>& foldCounts, std::size_t folds, std::size_t inputs,
+                          double distanceScale, double outputSlope);
 
   std::size_t Folds() const { return foldCounts_.size(); }
   std::size_t WorkSize() const;

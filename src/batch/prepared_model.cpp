@@ -248,8 +248,7 @@ int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, do
     if (!parts_->ties.empty()) order = parts_->Order(row);
     for (std::size_t i = 0; i < inputs; ++i) x[i] = row[order.empty() ? i : order[i]];
     for (std::size_t o = 0; o < outputs; ++o) {
-      const int status =
-          (*parts_->outputs)[o]->Gradient(x, gradient + inputs, gradient);
+      const int status = (*parts_->outputs)[o]->Gradient(x, gradient + inputs, gradient);
       double* const to = gradients + (r * outputs + o) * inputs;
       for (std::size_t i = 0; i < inputs; ++i) to[order.empty() ? i : order[i]] = gradient[i];
       if (statuses != nullptr) statuses[r * outputs + o] = status;

@@ -94,9 +94,9 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   areErrorsRefused_ = !validation.Fits(folds, inputs);
   if (areErrorsRefused_) return;
   subSurfaces_ = Prepare(subRecords, inputs);
-  validation_ = std::make_unique<PreparedCrossValidation>(
-      validation.sortedInput, validation.foldCounts, folds, inputs, validation.distanceScale,
-      outputSlope_);
+  validation_ = std::make_unique<PreparedCrossValidation>(validation.sortedInput,
+                                                          validation.foldCounts, folds, inputs,
+                                                          validation.distanceScale, outputSlope_);
 }
 
 std::size_t PreparedOutput::WorkSize(bool withErrors) const {

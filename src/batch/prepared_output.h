@@ -50,7 +50,7 @@ class PreparedOutput {
   void Backscale(std::size_t count, const Results& results) const;
 
   std::size_t inputs_;
-  bool isRefused_ = false;       ///< every point has the status 1
+  bool isRefused_ = false;         ///< every point has the status 1
   bool areErrorsRefused_ = false;  ///< every point has it when errors are asked for
   std::vector<double> inputSlopes_;
   std::vector<double> inputIntercepts_;

@@ -31,7 +31,7 @@ class WorkArea {
 struct Tools {
   const Lanes* exact = nullptr;
   const Lanes* fast = nullptr;
-  double* work = nullptr;        ///< WorkSize values
+  double* work = nullptr;         ///< WorkSize values
   Question* questions = nullptr;  ///< QuestionCount of them
 };
 

@@ -311,9 +311,9 @@ bool IsConsistent(const CQRSData& record, std::size_t inputs) {
   if (record.InputScaleSlopes.size() != inputs || record.InputScaleIntercepts.size() != inputs) {
     return false;
   }
-  const bool hasParameters = record.InputTransformType == TransformNone ||
-                             (record.InputTransformValues.size() >= inputs &&
-                              record.InputLambdas.size() >= inputs);
+  const bool hasParameters =
+      record.InputTransformType == TransformNone ||
+      (record.InputTransformValues.size() >= inputs && record.InputLambdas.size() >= inputs);
   return hasParameters && FindTransformer(record.InputTransformType) != nullptr &&
          FindTransformer(record.OutputTransformType) != nullptr;
 }

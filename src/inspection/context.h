@@ -37,7 +37,6 @@ struct RegistryFacts {
   std::vector<std::string> outputs;
 };
 
-
 /// What the checks of one text share.
 struct Context {
   std::string_view text;

@@ -131,8 +131,7 @@ class EnsembleCheck {
     return false;
   }
 
-  void Report(const Group& genome, E_FindingCode code, std::string expected,
-              std::string sentence) {
+  void Report(const Group& genome, E_FindingCode code, std::string expected, std::string sentence) {
     context_.findings.Add(
         SeverityError, code,
         {genome.tag, context_.outline.PathOf(genome), "", "", std::move(expected)},
@@ -161,23 +160,22 @@ class EnsembleCheck {
       if (in_.Int(subSurfaces).value_or(0) + cardinality.surfaces == there) return;
       in_.Report(SeverityError, FindingCardinalityMismatch, surfaces,
                  std::to_string(cardinality.surfaces), std::to_string(there),
-                 Quoted(surfaces) + " is " + std::to_string(cardinality.surfaces) +
-                     ", there are " + genomes);
+                 Quoted(surfaces) + " is " + std::to_string(cardinality.surfaces) + ", there are " +
+                     genomes);
       return;
     }
     const auto folds =
         static_cast<std::int64_t>(in_.Length(Labels::CardinalOfEachFold()).value_or(0));
-    const bool isSurfaces = there % (folds + 1) == 0 &&
-                            there / (folds + 1) * folds == cardinality.subSurfaces;
+    const bool isSurfaces =
+        there % (folds + 1) == 0 && there / (folds + 1) * folds == cardinality.subSurfaces;
     const std::string& label = isSurfaces ? surfaces : subSurfaces;
     const std::int64_t count = isSurfaces ? cardinality.surfaces : cardinality.subSurfaces;
     const std::int64_t other = cardinality.Total() - count;
     in_.Report(SeverityError, FindingCardinalityMismatch, label, std::to_string(count),
                std::to_string(there - other),
-               Quoted(label) + " is " + std::to_string(count) + ", with " +
-                   std::to_string(other) + " others there should be " +
-                   std::to_string(cardinality.Total()) + " Genome groups, there are " +
-                   std::to_string(there));
+               Quoted(label) + " is " + std::to_string(count) + ", with " + std::to_string(other) +
+                   " others there should be " + std::to_string(cardinality.Total()) +
+                   " Genome groups, there are " + std::to_string(there));
   }
 
   void CheckSurfaces(const Cardinality& cardinality) {
@@ -200,9 +198,9 @@ class EnsembleCheck {
     }
     constexpr double kTolerance = 1e-6;
     if (!isSummed || overview_.surfaces.empty() || std::fabs(sum - 1.0) <= kTolerance) return;
-    in_.ReportAt(offset, SeverityNote, FindingWeightSum, Labels::tagGenomeWeight(),
-                 NumberText(sum), "1",
-                 "the weights of " + in_.Path() + " add up to " + NumberText(sum) + " and not to 1");
+    in_.ReportAt(
+        offset, SeverityNote, FindingWeightSum, Labels::tagGenomeWeight(), NumberText(sum), "1",
+        "the weights of " + in_.Path() + " add up to " + NumberText(sum) + " and not to 1");
   }
 
   void CheckCrossValidation(const Cardinality& cardinality, bool hasRightCardinality) {
@@ -228,8 +226,7 @@ class EnsembleCheck {
     const std::int64_t folds = cardinality.subSurfaces / cardinality.surfaces;
     const std::string subSurfaces =
         Counted(static_cast<std::size_t>(cardinality.subSurfaces), "sub surface");
-    const std::string surfaces =
-        Counted(static_cast<std::size_t>(cardinality.surfaces), "surface");
+    const std::string surfaces = Counted(static_cast<std::size_t>(cardinality.surfaces), "surface");
     if (cardinality.subSurfaces % cardinality.surfaces != 0) {
       in_.Report(SeverityError, FindingFoldsMismatch, label,
                  std::to_string(cardinality.subSurfaces), "",
@@ -271,8 +268,8 @@ class EnsembleCheck {
     overview_.id = group_.id;
     overview_.inputs = shape_.inputs.value_or(0);
     overview_.samples = shape_.samples.value_or(0);
-    overview_.subSurfaces = static_cast<std::size_t>(std::max<std::int64_t>(
-        cardinality.subSurfaces, 0));
+    overview_.subSurfaces =
+        static_cast<std::size_t>(std::max<std::int64_t>(cardinality.subSurfaces, 0));
     overview_.characters = group_.end - group_.tag;
     context_.overview.ensembles.push_back(std::move(overview_));
   }

@@ -21,9 +21,7 @@ bool IsList(Form form) {
          form == Form::IntPairs || form == Form::DoublePairs || form == Form::StringPairs;
 }
 
-bool IsScalar(Form form) {
-  return form == Form::Int || form == Form::Double || form == Form::Bool;
-}
+bool IsScalar(Form form) { return form == Form::Int || form == Form::Double || form == Form::Bool; }
 
 // Reads one element of a list; most are digits up to the separator, which is quickly told.
 template <class Number>
@@ -175,9 +173,10 @@ void GroupText::CheckForm(Entry& entry) {
       if (entry.value + entry.length == group_.upper) {
         entry.isSound = false;
         ReportAt(group_.upper, SeverityError, FindingValueTrailingText, entry.fact->label(), "",
-                 "a line end", Quoted(entry.fact->label()) +
-                                   " needs a line end before the closing tag, whose first "
-                                   "character is read with the last value");
+                 "a line end",
+                 Quoted(entry.fact->label()) +
+                     " needs a line end before the closing tag, whose first "
+                     "character is read with the last value");
       }
       return;
     }
@@ -210,9 +209,9 @@ void GroupText::CheckRange(const Entry& entry, int value) const {
   const KeyFact& fact = *entry.fact;
   if (value < fact.range.least || value > fact.range.most) {
     const bool isCount = fact.range.least == 0 && fact.range.most == Range().most;
-    const std::string expected = isCount ? "0 or more"
-                                         : std::to_string(fact.range.least) + " to " +
-                                               std::to_string(fact.range.most);
+    const std::string expected =
+        isCount ? "0 or more"
+                : std::to_string(fact.range.least) + " to " + std::to_string(fact.range.most);
     ReportAt(entry.value, SeverityError, FindingValueOutOfRange, fact.label(),
              std::to_string(value), expected,
              Quoted(fact.label()) + " is " + std::to_string(value) + ", it has to be " + expected);
@@ -220,8 +219,7 @@ void GroupText::CheckRange(const Entry& entry, int value) const {
   const auto& known = fact.versions;
   if (known[0] != 0 && value != known[0] && value != known[1]) {
     const std::string expected =
-        std::to_string(known[0]) +
-        (known[0] == known[1] ? "" : " or " + std::to_string(known[1]));
+        std::to_string(known[0]) + (known[0] == known[1] ? "" : " or " + std::to_string(known[1]));
     ReportAt(entry.value, fact.refusesVersions ? SeverityError : SeverityWarning,
              FindingVersionUnknown, fact.label(), std::to_string(value), expected,
              Quoted(fact.label()) + " is " + std::to_string(value) + ", known is " + expected);
@@ -276,8 +274,7 @@ void GroupText::ReportDefect(Entry& entry, Defect defect, std::size_t offset,
   const E_FindingCode code = kCodes[static_cast<std::size_t>(defect)];
   entry.isSound = false;
   const std::string& label = entry.fact->label();
-  const E_FindingSeverity severity =
-      defect == Defect::Underflow ? SeverityWarning : SeverityError;
+  const E_FindingSeverity severity = defect == Defect::Underflow ? SeverityWarning : SeverityError;
   // The place and the words are spared where nobody will see them.
   if (findings_.IsFull(code)) return findings_.Count(severity, code, path_);
   token = WithoutBlanks(token);
@@ -371,9 +368,8 @@ std::size_t GroupText::OffsetOfElement(const std::string& label, std::size_t ind
 }
 
 std::size_t GroupText::CountKeysOf(const KeyTable& table) const {
-  return static_cast<std::size_t>(
-      std::count_if(table.begin(), table.end(),
-                    [&](const KeyFact& fact) { return Has(fact.label()); }));
+  return static_cast<std::size_t>(std::count_if(
+      table.begin(), table.end(), [&](const KeyFact& fact) { return Has(fact.label()); }));
 }
 
 void GroupText::Require(const KeyTable& table) {
@@ -451,10 +447,11 @@ void GroupText::ReportUnknown(const Line& line, std::vector<const std::string*>&
     for (const KeyFact& fact : table) labels.push_back(&fact.label());
   }
   meant = Nearest(typed, labels);
-  ReportAt(line.offset, SeverityWarning, FindingKeyUnknown, Shortened(typed), Shortened(typed),
-           meant == nullptr ? "" : *meant,
-           Quoted(typed) + " is no key of this group" +
-               (meant == nullptr ? ", nothing reads it" : "; did you mean " + Quoted(*meant) + "?"));
+  ReportAt(
+      line.offset, SeverityWarning, FindingKeyUnknown, Shortened(typed), Shortened(typed),
+      meant == nullptr ? "" : *meant,
+      Quoted(typed) + " is no key of this group" +
+          (meant == nullptr ? ", nothing reads it" : "; did you mean " + Quoted(*meant) + "?"));
 }
 
 void GroupText::Report(E_FindingSeverity severity, E_FindingCode code, const std::string& label,

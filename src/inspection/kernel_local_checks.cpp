@@ -92,18 +92,17 @@ void CheckMovingLeastSquares(SurfaceText& surface) {
     in.Report(SeverityError, FindingCountMismatch, functions, std::to_string(p),
               std::to_string(size),
               Quoted(functions) + " is " + std::to_string(p) + ", a basis of type " +
-                  std::to_string(*type) + " in " + Inputs(shape) + " has " +
-                  std::to_string(size));
+                  std::to_string(*type) + " in " + Inputs(shape) + " has " + std::to_string(size));
     p = size;
   }
   const std::string& points = Labels::attMLSNumberOfUsedPoints();
   const std::optional<int> used = in.Int(points);
   if (!used) return;
   if (shape.samples && *used > *shape.samples) {
-    in.Report(SeverityError, FindingCountMismatch, points, std::to_string(*used),
-              std::to_string(*shape.samples) + " or less",
-              Quoted(points) + " is " + std::to_string(*used) + ", there are only " +
-                  Samples(shape));
+    in.Report(
+        SeverityError, FindingCountMismatch, points, std::to_string(*used),
+        std::to_string(*shape.samples) + " or less",
+        Quoted(points) + " is " + std::to_string(*used) + ", there are only " + Samples(shape));
   } else if (*used < p) {
     in.Report(SeverityError, FindingCountMismatch, points, std::to_string(*used),
               std::to_string(p) + " or more",

@@ -15,10 +15,10 @@ void CheckTrend(const SurfaceText& surface) {
   const std::string& label = Labels::attKrigingPolynomialCoefficients();
   if (!size) return;
   if (type != PolyNone) {
-    in.ExpectLength(label, *size, "a trend of type " + std::to_string(*type) + " in " +
-                                      Counted(static_cast<std::size_t>(*surface.shape.inputs),
-                                              "input") +
-                                      " would");
+    in.ExpectLength(label, *size,
+                    "a trend of type " + std::to_string(*type) + " in " +
+                        Counted(static_cast<std::size_t>(*surface.shape.inputs), "input") +
+                        " would");
   } else if (in.Length(label).value_or(0) > 0) {
     in.Report(SeverityWarning, FindingCountMismatch, label, Counted(*in.Length(label), "value"),
               "0", Quoted(label) + " has values, but the surface has no trend (type 0)");

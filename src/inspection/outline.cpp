@@ -71,7 +71,8 @@ const std::string& TextOf(Word word) { return FactOf(word).text(); }
 bool IsNumbered(Word word) { return FactOf(word).isNumbered; }
 
 std::size_t Outline::KeyHash::operator()(const Key& key) const {
-  const std::size_t low = static_cast<unsigned>(key.id) * kWordCount + static_cast<unsigned>(key.word);
+  const std::size_t low =
+      static_cast<unsigned>(key.id) * kWordCount + static_cast<unsigned>(key.word);
   return std::hash<std::size_t>()(low ^ key.parent * 0x9E3779B97F4A7C15U);
 }
 
@@ -139,8 +140,7 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
       const std::string opening = " " + Labels::attID();
       if (number.substr(0, opening.size()) != opening) break;
       const std::string_view digits = number.substr(opening.size());
-      const auto result =
-          std::from_chars(digits.data(), digits.data() + digits.size(), tag.id);
+      const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), tag.id);
       // Written as the reader writes it for its search, without a plus or leading zeros.
       if (result.ec != std::errc() || digits != std::to_string(tag.id)) break;
       Append(tag);
@@ -187,7 +187,7 @@ void Outline::ListMalformed(std::string_view text, std::size_t offset, std::size
     const auto& list = tagsOf_[static_cast<std::size_t>(*word)];
     tag.isClosing = !list.empty() && !tags_[list.back()].isClosing;
   }
-  const std::string meant = tag.isClosing                              ? reading::ClosingTag(TextOf(*word))
+  const std::string meant = tag.isClosing                     ? reading::ClosingTag(TextOf(*word))
                             : hasNumber || !IsNumbered(*word) ? TagText(*word, tag.id)
                                                               : "<" + TextOf(*word) + " ID=n>";
   damages_[static_cast<std::size_t>(*word)].push_back(offset);
@@ -213,7 +213,8 @@ void Outline::Abandon(std::size_t offset) {
   group.upper = offset;
   group.end = offset;
   group.isSound = false;
-  Report(FindingGroupUnclosed, group.tag, group.word, PathOf(group), reading::ClosingTag(TextOf(group.word)),
+  Report(FindingGroupUnclosed, group.tag, group.word, PathOf(group),
+         reading::ClosingTag(TextOf(group.word)),
          "the group " + PathOf(group) + " has no closing tag " +
              Quoted(reading::ClosingTag(TextOf(group.word))));
 }
@@ -260,19 +261,19 @@ void Outline::Open(std::size_t t) {
 
   const std::string path = PathOf(groups_[index]);
   const bool isInside = group.parent != Group::kNone;
-  const bool isPlaced = around == tag.word
-                            ? !isInside
-                            : isInside && groups_[group.parent].word == around;
+  const bool isPlaced =
+      around == tag.word ? !isInside : isInside && groups_[group.parent].word == around;
   if (isNested) {
     groups_[group.parent].isSound = false;
     Report(FindingGroupNested, tag.offset, tag.word, path, "",
            "the group " + path + " begins inside a group of its own word; the first " +
                Quoted(reading::ClosingTag(TextOf(tag.word))) + " ends both");
   } else if (!isPlaced) {
-    Report(FindingGroupMisplaced, tag.offset, tag.word, path,
-           around == tag.word ? "at the top" : "in a " + TextOf(around) + " group",
-           "the group " + path + " stands where the reader does not look for it, it belongs " +
-               (around == tag.word ? "outside of other groups" : "in a " + TextOf(around) + " group"));
+    Report(
+        FindingGroupMisplaced, tag.offset, tag.word, path,
+        around == tag.word ? "at the top" : "in a " + TextOf(around) + " group",
+        "the group " + path + " stands where the reader does not look for it, it belongs " +
+            (around == tag.word ? "outside of other groups" : "in a " + TextOf(around) + " group"));
   }
   const bool isFirst = first_.emplace(Key{group.parent, tag.word, tag.id}, index).second;
   if (!isFirst && tag.id != kUnknownId) {
@@ -328,7 +329,8 @@ bool Outline::IsDamaged(const Group& group) const {
 
 std::string Outline::PathOf(const Group& group) const {
   std::string path = TextOf(group.word);
-  if (IsNumbered(group.word)) path += group.id == kUnknownId ? " ?" : ' ' + std::to_string(group.id);
+  if (IsNumbered(group.word))
+    path += group.id == kUnknownId ? " ?" : ' ' + std::to_string(group.id);
   return group.parent == Group::kNone ? path : PathOf(groups_[group.parent]) + " / " + path;
 }
 

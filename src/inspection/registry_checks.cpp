@@ -98,8 +98,8 @@ class RegistryCheck {
       CheckRole(Labels::attParameterTypes(), i, types[i], DerivedParameter);
       if (availability[i] != 0 && availability[i] != 1) {
         const std::string& label = Labels::attParameterAvailability();
-        in_.ReportAt(ElementOffset(FindingValueOutOfRange, label, i), SeverityNote, FindingValueOutOfRange, label,
-                     std::to_string(availability[i]), "0 or 1",
+        in_.ReportAt(ElementOffset(FindingValueOutOfRange, label, i), SeverityNote,
+                     FindingValueOutOfRange, label, std::to_string(availability[i]), "0 or 1",
                      Quoted(ids_[i]) + " has the availability " + std::to_string(availability[i]) +
                          "; only 1 makes it available");
       }
@@ -135,7 +135,8 @@ class RegistryCheck {
     if (value >= 0 && value <= most) return;
     context_.registry.isKnown = false;
     in_.ReportAt(ElementOffset(FindingValueOutOfRange, label, i), SeverityError,
-                 FindingValueOutOfRange, label, std::to_string(value), "0 to " + std::to_string(most),
+                 FindingValueOutOfRange, label, std::to_string(value),
+                 "0 to " + std::to_string(most),
                  Quoted(ids_[i]) + " has " + std::to_string(value) + " in " + Quoted(label) +
                      ", it has to be 0 to " + std::to_string(most));
   }

@@ -117,8 +117,8 @@ std::optional<std::size_t> CheckTerms(const SurfaceText& surface) {
     surface.context.findings.Add(
         SeverityError, FindingGroupMissing,
         {extra->tag, outline.PathOf(*extra), "", std::to_string(extra->id), number},
-        "the group RegTerm " + number + " of " + in.Path() + " is missing; this one has the number " +
-            std::to_string(extra->id));
+        "the group RegTerm " + number + " of " + in.Path() +
+            " is missing; this one has the number " + std::to_string(extra->id));
   } else if (extra != nullptr) {
     surface.context.findings.Add(SeverityWarning, FindingGroupUnused,
                                  {extra->tag, outline.PathOf(*extra), "", "", ""},
@@ -151,8 +151,8 @@ void CheckSelected(const SurfaceText& surface, std::optional<std::size_t> active
   if (active && order && *order != static_cast<std::int64_t>(*active)) {
     in.Report(hasData ? SeverityError : SeverityWarning, FindingCardinalityMismatch, label,
               std::to_string(*order), std::to_string(*active),
-              Quoted(label) + " is " + std::to_string(*order) + ", " +
-                  Counted(*active, "term") + (*active == 1 ? " is active" : " are active"));
+              Quoted(label) + " is " + std::to_string(*order) + ", " + Counted(*active, "term") +
+                  (*active == 1 ? " is active" : " are active"));
     order = static_cast<std::int64_t>(*active);
   }
   if (hasData && order && *order >= 0) {

@@ -119,8 +119,7 @@ class SetsCheck {
       if (registry.parameters.count(pair.name) == 0) {
         const bool isFull = context_.findings.IsFull(FindingParameterUnknown);
         Report(pair.offset, FindingParameterUnknown, Shortened(pair.name), "",
-               name + " is no ID of the registry" +
-                   (isFull ? "" : registry.DidYouMean(pair.name)));
+               name + " is no ID of the registry" + (isFull ? "" : registry.DidYouMean(pair.name)));
       } else if (registry.IsDiscreteInput(pair.name)) {
         if (isFirst) continue;
         Report(pair.offset, FindingDiscreteInputWrong, Shortened(pair.name), "",

@@ -14,8 +14,7 @@ char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + '
 bool IsPartOf(std::string_view a, std::string_view b) {
   if (a.size() > b.size()) std::swap(a, b);
   constexpr std::size_t kLeast = 6;
-  return a.size() >= kLeast &&
-         (b.substr(0, a.size()) == a || b.substr(b.size() - a.size()) == a);
+  return a.size() >= kLeast && (b.substr(0, a.size()) == a || b.substr(b.size() - a.size()) == a);
 }
 
 std::size_t EditDistance(std::string_view a, std::string_view b) {

@@ -18,8 +18,8 @@ struct FamilyCheck {
 };
 
 constexpr FamilyCheck kChecks[] = {
-    {DT_QRSData, &CheckRegression},         {DT_KrigingData, &CheckKriging},
-    {DT_SVRData, &CheckSupportVector},      {DT_MLSData, &CheckMovingLeastSquares},
+    {DT_QRSData, &CheckRegression},    {DT_KrigingData, &CheckKriging},
+    {DT_SVRData, &CheckSupportVector}, {DT_MLSData, &CheckMovingLeastSquares},
     {DT_LBFData, &CheckLinearBasis},
 };
 
@@ -85,8 +85,8 @@ std::optional<int> CheckSamples(const GroupText& in, const ShapeLabels& labels,
       *values == *outputs * static_cast<std::size_t>(*inputs)) {
     in.Report(SeverityError, FindingCountMismatch, labels.samples, std::to_string(*samples),
               std::to_string(*outputs),
-              Quoted(labels.samples) + " is " + std::to_string(*samples) +
-                  ", but the lists hold " + Counted(*outputs, "sample"));
+              Quoted(labels.samples) + " is " + std::to_string(*samples) + ", but the lists hold " +
+                  Counted(*outputs, "sample"));
     samples = static_cast<int>(*outputs);
   }
   if (!samples || *samples < 0) return std::nullopt;
@@ -111,8 +111,8 @@ Shape CheckShape(const GroupText& in, const ShapeLabels& labels, const ShapeFram
   shape.inputs = in.Int(labels.inputs);
   if (frame.inputs && shape.inputs != frame.inputs) {
     if (shape.inputs) {
-      in.Report(SeverityError, FindingInputsMismatch, labels.inputs,
-                std::to_string(*shape.inputs), std::to_string(*frame.inputs),
+      in.Report(SeverityError, FindingInputsMismatch, labels.inputs, std::to_string(*shape.inputs),
+                std::to_string(*frame.inputs),
                 Quoted(labels.inputs) + " is " + std::to_string(*shape.inputs) + ", " +
                     frame.source + " has " +
                     Counted(static_cast<std::size_t>(*frame.inputs), "input"));
@@ -127,8 +127,8 @@ Shape CheckShape(const GroupText& in, const ShapeLabels& labels, const ShapeFram
   }
   const std::optional<std::size_t> zero = in.FirstZero(labels.inputSlopes);
   if (frame.scalesInput && zero) {
-    in.ReportAt(in.OffsetOfElement(labels.inputSlopes, *zero), SeverityError,
-                FindingScaleSlopeZero, labels.inputSlopes, "0", "not 0",
+    in.ReportAt(in.OffsetOfElement(labels.inputSlopes, *zero), SeverityError, FindingScaleSlopeZero,
+                labels.inputSlopes, "0", "not 0",
                 "slope " + std::to_string(*zero + 1) + " of " + Quoted(labels.inputSlopes) +
                     " is 0, so that the input has no effect");
   }
@@ -144,7 +144,6 @@ std::optional<std::int64_t> BasisSize(std::optional<int> type, std::optional<int
   const std::int64_t size = PolynomialCount(static_cast<E_PolynomialType>(*type), *inputs);
   return size < 0 ? std::nullopt : std::optional(size);
 }
-
 
 SurfaceFacts CheckSurface(Context& context, const Group& group, std::optional<int> inputs,
                           bool isSub) {

@@ -127,8 +127,9 @@ class Trial {
     NoteFamilies(*candidate, group);
     if (!hasPoint || !IsAffordable(*candidate)) {
       if (hasPoint) {
-        Report(SeverityWarning, FindingNotTried, group.tag, path,
-               "the evaluation of " + path + " would take out of proportion long, it was not tried");
+        Report(
+            SeverityWarning, FindingNotTried, group.tag, path,
+            "the evaluation of " + path + " would take out of proportion long, it was not tried");
       }
       return;
     }
@@ -159,15 +160,16 @@ class Trial {
     if (status == 0 && std::isfinite(value)) return true;
     if (!IsExplained(group, path)) {
       const std::size_t culprit = Culprit(candidate, status != 0);
-      const Group* const genome = context_.outline.Find(
-          Word::Genome, static_cast<int>(culprit), context_.outline.IndexOf(group));
+      const Group* const genome = context_.outline.Find(Word::Genome, static_cast<int>(culprit),
+                                                        context_.outline.IndexOf(group));
       const bool isNamed = culprit < candidate.GetRSCount() && genome != nullptr;
       const std::string name = isNamed ? context_.outline.PathOf(*genome) : path;
       const std::size_t offset = isNamed ? genome->tag : group.tag;
       if (status != 0) {
         Report(SeverityError, FindingEvaluationRefused, offset, name,
-               name + " is read, but in the middle of the bounds its evaluation is refused with "
-                      "status 1");
+               name +
+                   " is read, but in the middle of the bounds its evaluation is refused with "
+                   "status 1");
       } else {
         Report(SeverityWarning, FindingValueNotFinite, offset, name,
                "the value of " + name + " in the middle of the bounds is not finite");
@@ -184,9 +186,8 @@ class Trial {
       const CRSData* const surface = candidate.GetRSPtr(static_cast<int>(i));
       const Family* const family = FindFamily(surface->DataType());
       double value = 0.0;
-      const bool refuses =
-          family == nullptr ||
-          family->evaluator().EvaluateResponseSurface(surface, point, value) == 1;
+      const bool refuses = family == nullptr ||
+                           family->evaluator().EvaluateResponseSurface(surface, point, value) == 1;
       if (isRefused ? refuses : !std::isfinite(value)) return i;
     }
     return candidate.GetRSCount();
@@ -210,7 +211,8 @@ class Trial {
     } else {
       const std::string reason = ReasonOfRefusal(candidate);
       Report(reason.empty() ? SeverityWarning : SeverityNote, FindingErrorFormRefused, group.tag,
-             path, "the form with errors is refused for " + path +
+             path,
+             "the form with errors is refused for " + path +
                  (reason.empty() ? ", though it has data for it" : ": " + reason));
     }
   }
@@ -250,8 +252,8 @@ class Trial {
       const CRSData* const surface = candidate.GetRSPtr(static_cast<int>(i));
       const E_DataType type = surface->DataType();
       if (type == DT_QRSData && !IsDerivativeOff(*static_cast<const CQRSData*>(surface))) continue;
-      const Group* const genome = context_.outline.Find(Word::Genome, static_cast<int>(i),
-                                                        context_.outline.IndexOf(group));
+      const Group* const genome =
+          context_.outline.Find(Word::Genome, static_cast<int>(i), context_.outline.IndexOf(group));
       WithoutDerivative& entry = withoutDerivative_[type];
       ++entry.count;
       if (genome == nullptr || (entry.count > 1 && genome->tag > entry.offset)) continue;
@@ -273,11 +275,11 @@ class Trial {
       const std::string surfaces = FamilyName(type) + " surfaces";
       std::string sentence =
           type == DT_QRSData
-              ? "the derivative of " + surfaces + " with such transformations is not that of the "
-                                                  "value"
-              : surfaces + (type == DT_KrigingData
-                                ? " have no derivative, although its status is 0"
-                                : " have no derivative, it is refused");
+              ? "the derivative of " + surfaces +
+                    " with such transformations is not that of the "
+                    "value"
+              : surfaces + (type == DT_KrigingData ? " have no derivative, although its status is 0"
+                                                   : " have no derivative, it is refused");
       if (entry.count > 1) sentence += "; this is the first of " + std::to_string(entry.count);
       Report(SeverityNote, FindingDerivativeNone, entry.offset, entry.path, std::move(sentence));
     }

@@ -45,7 +45,8 @@ inline std::vector<batch::InstructionSet> InstructionSets() {
 }
 
 /// A model of one output "y" with the given candidate, and inputs that sort as x00, x01, ...
-inline void FillModel(const CFittingCandidate& candidate, int inputs, CDiscreteCombinations& model) {
+inline void FillModel(const CFittingCandidate& candidate, int inputs,
+                      CDiscreteCombinations& model) {
   for (int i = 0; i < inputs; ++i) {
     const std::string id = "x" + std::string(i < 10 ? "0" : "") + std::to_string(i);
     model.RegisterParameter(id, CausalityInput, ContinuousNotManufacturable, true);

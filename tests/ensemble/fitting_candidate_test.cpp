@@ -116,7 +116,8 @@ TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
   source->ResetData();
   EXPECT_EQ(Values(first), (std::vector<double>{4}));
   source.reset();
-  first = first;
+  const CFittingCandidate& same = first;
+  first = same;
   EXPECT_EQ(Values(first), (std::vector<double>{4}));
   first.ResetData();
   EXPECT_EQ(Values(second), (std::vector<double>{4}));

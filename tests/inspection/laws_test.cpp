@@ -73,8 +73,8 @@ void ExpectLaws(const std::string& text, const std::string& name) {
   EXPECT_TRUE(experience.isRead) << name << '\n' << Shown(report);
   if (!experience.isRead || Has(report, FindingNotTried)) return;
   EXPECT_TRUE(experience.hasValues) << name << '\n' << Shown(report);
-  EXPECT_TRUE(experience.hasErrorForms || Has(report, FindingErrorFormRefused))
-      << name << '\n' << Shown(report);
+  EXPECT_TRUE(experience.hasErrorForms || Has(report, FindingErrorFormRefused)) << name << '\n'
+                                                                                << Shown(report);
 }
 
 std::string RandomModelText(std::uint32_t seed) {
@@ -160,13 +160,37 @@ TEST(Laws, HoldForRandomDamages) {
 }
 
 TEST(Laws, HoldForPiecesInRandomOrder) {
-  const char* const pieces[] = {
-      "<ParameterRegistry>", "</ParameterRegistry>", "<DiscreteSets>", "</DiscreteSets>",
-      "<PlexuraData ID=0>", "</PlexuraData>", "<Genome ID=0>", "</Genome>", "<RegTerm ID=0>",
-      "</RegTerm>", "<FMU>", "</FMU>", "IDs=x,y", "Causalities=0,1", "Types=0,0",
-      "Availability=1,1", "RegistrationRank={x;0},{y;1}", "DiscreteSet={y;0}", "DataType=8",
-      "DataType=3", "CandidateRSCardinality=1", "NumberOfSamples=1", "=", "<", ">", ",", "{;}",
-      "<Genome", "ID=0>", "word", "\r"};
+  const char* const pieces[] = {"<ParameterRegistry>",
+                                "</ParameterRegistry>",
+                                "<DiscreteSets>",
+                                "</DiscreteSets>",
+                                "<PlexuraData ID=0>",
+                                "</PlexuraData>",
+                                "<Genome ID=0>",
+                                "</Genome>",
+                                "<RegTerm ID=0>",
+                                "</RegTerm>",
+                                "<FMU>",
+                                "</FMU>",
+                                "IDs=x,y",
+                                "Causalities=0,1",
+                                "Types=0,0",
+                                "Availability=1,1",
+                                "RegistrationRank={x;0},{y;1}",
+                                "DiscreteSet={y;0}",
+                                "DataType=8",
+                                "DataType=3",
+                                "CandidateRSCardinality=1",
+                                "NumberOfSamples=1",
+                                "=",
+                                "<",
+                                ">",
+                                ",",
+                                "{;}",
+                                "<Genome",
+                                "ID=0>",
+                                "word",
+                                "\r"};
   std::mt19937 random(7);
   for (int round = 0; round < 20000; ++round) {
     std::string text;

@@ -15,9 +15,8 @@
 namespace Tarvane::Plexura::PXROM {
 
 inline const CFinding* FirstError(const CInspectionReport& report) {
-  const auto error =
-      std::find_if(report.findings.begin(), report.findings.end(),
-                   [](const CFinding& f) { return f.severity == SeverityError; });
+  const auto error = std::find_if(report.findings.begin(), report.findings.end(),
+                                  [](const CFinding& f) { return f.severity == SeverityError; });
   return error == report.findings.end() ? nullptr : &*error;
 }
 
@@ -60,8 +59,8 @@ inline std::vector<Damage> Damages() {
                   entry.value("line", entry["at"].get<std::size_t>())};
     const std::size_t at = StartOfLine(damage.text, entry["at"]);
     if (entry.contains("delete")) {
-      const std::size_t end =
-          StartOfLine(damage.text, entry["at"].get<std::size_t>() + entry["delete"].get<std::size_t>());
+      const std::size_t end = StartOfLine(
+          damage.text, entry["at"].get<std::size_t>() + entry["delete"].get<std::size_t>());
       damage.text.erase(at, end - at);
     } else {
       const std::string from = entry["find"];
