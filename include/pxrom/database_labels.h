@@ -140,8 +140,8 @@ class PXROM_API CPXROMDatabaseLabels {
   CPXROMDatabaseLabels& operator=(const CPXROMDatabaseLabels&);
 
  private:
-  CPXROMDatabaseLabels();
-  ~CPXROMDatabaseLabels();
+  CPXROMDatabaseLabels() = default;
+  ~CPXROMDatabaseLabels() = default;
 };
 
 }  // namespace Tarvane::Plexura::PXROM

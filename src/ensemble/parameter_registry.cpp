@@ -264,6 +264,7 @@ std::vector<std::string> CDiscreteCombinations::ListEnabledDiscreteParameterWrtR
   }
   std::sort(ranked.begin(), ranked.end());
   std::vector<std::string> ids;
+  ids.reserve(ranked.size());
   for (auto& entry : ranked) ids.push_back(std::move(entry.second));
   return ids;
 }

@@ -2,8 +2,6 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-CPXROMDatabaseLabels::CPXROMDatabaseLabels() = default;
-CPXROMDatabaseLabels::~CPXROMDatabaseLabels() = default;
 // There is nothing to copy, so that assigning to itself needs no care either.
 CPXROMDatabaseLabels& CPXROMDatabaseLabels::operator=(const CPXROMDatabaseLabels&) { return *this; }
 

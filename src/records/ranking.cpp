@@ -122,7 +122,7 @@ int QuickSort(const int& n, const double* values, double* sorted) try {
   std::vector<double> ranks(n > 0 ? static_cast<std::size_t>(n) : 0);
   if (QuickRank(n, values, 0, ranks.data()) != 0) return 1;
   for (std::size_t i = 0; i < ranks.size(); ++i) {
-    sorted[static_cast<std::size_t>(ranks[i] + 0.5) - 1] = values[i];
+    sorted[static_cast<std::size_t>(ranks[i]) - 1] = values[i];
   }
   return 0;
 } catch (const std::bad_alloc&) {
