@@ -27,6 +27,16 @@ void* AllocateOrFail(std::size_t size) {
 
 void* operator new(std::size_t size) { return AllocateOrFail(size); }
 void* operator new[](std::size_t size) { return AllocateOrFail(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept try {
+  return AllocateOrFail(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept try {
+  return AllocateOrFail(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
