@@ -29,8 +29,9 @@ class AttributeRange;
 ///
 /// What a text can't claim: counts that are negative or that ask for more values than the list
 /// holds give status 1 before anything is allocated. Groups may be shared by several lines or
-/// openings, and each use reads them anew; a text whose uses add up to more than 64 MiB plus 64
-/// times its length is refused with status 1, so that no text can exhaust memory or time.
+/// openings, and each use reads them anew; a text whose uses add up to more than 16 MiB plus 16
+/// times its length, with 512 bytes for each group, is refused with status 1, so that no text can
+/// exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a longer text.
 ///
 /// Exceptions: std::bad_alloc; std::out_of_range from a text that is shorter than the bounds its
 /// damaged groups lead to (an empty text, for one) and from an empty pair in a list. Nothing leaks

@@ -9,10 +9,14 @@ namespace Tarvane::Plexura::PXROM::reading {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-constexpr std::size_t kWorkForAnyText = std::size_t{64} << 20;
-constexpr std::size_t kWorkPerCharacter = 64;
+// A list takes up to four times its text in memory, so that these keep a reader below four times
+// as much.
+constexpr std::size_t kWorkForAnyText = std::size_t{16} << 20;
+constexpr std::size_t kWorkPerCharacter = 16;
 // Longer than any tag of the format can be.
 constexpr std::size_t kLongestTag = 64;
+// What the object of a group takes besides its lists.
+constexpr std::size_t kGroupOverhead = 512;
 // What a row of a matrix takes besides its values.
 constexpr std::size_t kRowOverhead = sizeof(std::vector<double>) + 16;
 
@@ -53,6 +57,8 @@ std::size_t CountLinesWith(std::string_view range, const std::string& key) {
 std::size_t WorkAllowedFor(std::size_t length) {
   return kWorkForAnyText + kWorkPerCharacter * length;
 }
+
+std::size_t WorkOfGroup(std::size_t characters) { return characters + kGroupOverhead; }
 
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
   return rows * (columns * sizeof(double) + kRowOverhead);
@@ -124,7 +130,7 @@ void AttributeRange::LookThrough() {
   end_ = begin_ + view.size();
   marks_ = text_.AllMarks();
   // The bill is that of a look through the range, which each search of a key may come to.
-  if (!text_.Charge(view.size()) || marks_ != nullptr) return;
+  if (!text_.Charge(WorkOfGroup(view.size())) || marks_ != nullptr) return;
   ownMarks_ = FindMarks(text_.View(), begin_, end_);
   marks_ = &ownMarks_;
 }

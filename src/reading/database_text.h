@@ -38,8 +38,10 @@ std::string_view RestOfLine(std::string_view text, std::size_t position);
 std::size_t CountLinesWith(std::string_view range, const std::string& key);
 
 /// How much work a text of `length` characters may ask for, counted in bytes as
-/// DatabaseText::Charge does, and what a matrix counts besides the text of its values.
+/// DatabaseText::Charge does; what one use of a group of `characters` counts, and what a matrix
+/// counts besides the text of its values.
 std::size_t WorkAllowedFor(std::size_t length);
+std::size_t WorkOfGroup(std::size_t characters);
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
 
 /// Where the characters stand that the searches of a text stop at, in ascending order.

@@ -85,7 +85,7 @@ std::size_t AttributeSink::Open(const std::string& word, int id) {
 void AttributeSink::Close(const std::string& word, std::size_t body) {
   // The range of a group has the "<" of the closing tag as its last character.
   const std::size_t range = text_.size() - body + 1;
-  work_ += range;
+  work_ += reading::WorkOfGroup(range);
   if (emptyRows_ > range) {
     Refuse(std::to_string(emptyRows_) + " samples without any input are too many");
   }

@@ -228,6 +228,19 @@ TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
       "\n</Genome>\n</PlexuraData>\n";
   EXPECT_EQ(Status(kRegistry + ("<DiscreteSets>\nDiscreteSet={y;3}\n</DiscreteSets>\n" + nested)),
             1);
+  // Many small groups take more memory as objects than their text shows.
+  std::string many =
+      "<PlexuraData ID=3>\n" + std::string(kCandidate) + "CandidateRSCardinality=300\n";
+  for (int i = 0; i < 300; ++i) {
+    many += "<Genome ID=" + std::to_string(i) + ">\nDataType=8\n</Genome>\n";
+  }
+  lines.resize(3000 * std::string("DiscreteSet={y;3}\n").size());
+  const std::string head =
+      kRegistry + ("<DiscreteSets>\n" + lines.substr(0, 180) + "</DiscreteSets>\n");
+  EXPECT_EQ(Status(head + many + "</PlexuraData>\n"), 0);
+  EXPECT_EQ(Status(kRegistry + ("<DiscreteSets>\n" + lines + "</DiscreteSets>\n") + many +
+                   "</PlexuraData>\n"),
+            1);
 }
 
 // Whatever is cut, doubled or overwritten: a status or one of the two exceptions, and never more.
