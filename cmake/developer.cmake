@@ -14,7 +14,8 @@ target_compile_options(pxrom_developer INTERFACE
 
 if(PROJECT_IS_TOP_LEVEL)
   target_compile_options(pxrom_developer INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wfloat-conversion
+    -Wnon-virtual-dtor
     # Evaluators override one of two overloads on purpose: the other is the base's answer.
     -Wno-overloaded-virtual)
   if(PXROM_WERROR)
@@ -23,7 +24,9 @@ if(PROJECT_IS_TOP_LEVEL)
 endif()
 
 if(PXROM_SANITIZE)
-  set(sanitize -fsanitize=${PXROM_SANITIZE} -fno-omit-frame-pointer)
+  set(sanitize -fsanitize=${PXROM_SANITIZE} -fno-omit-frame-pointer
+    # g++ loses track of std::optional among the checks.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   if(PXROM_SANITIZE MATCHES undefined)
     list(APPEND sanitize -fno-sanitize-recover=all)
   endif()

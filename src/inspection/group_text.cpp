@@ -343,16 +343,17 @@ std::vector<std::string> GroupText::Strings(const std::string& label) const {
 std::vector<Pair> GroupText::Pairs(const std::string& label) const {
   std::vector<Pair> pairs;
   std::size_t offset = OffsetOf(label);
-  reading::ForEachToken(reading::EmptyIfBlank(TextOf(label)), kSeparator,
-                        [&](std::string_view token) {
-                          const PairText text = SplitPair(token);
-                          if (text.isSound) {
-                            Pair pair{std::string(text.key), std::string(text.value), 0.0, offset};
-                            reading::Extract(text.value, pair.number);
-                            pairs.push_back(std::move(pair));
-                          }
-                          offset += token.size() + 1;
-                        });
+  reading::ForEachToken(
+      reading::EmptyIfBlank(TextOf(label)), kSeparator, [&](std::string_view token) {
+        const PairText text = SplitPair(token);
+        if (text.isSound) {
+          Pair pair{std::string(text.key), std::string(text.value), 0.0, 0, offset};
+          reading::Extract(text.value, pair.number);
+          reading::Extract(text.value, pair.integer);
+          pairs.push_back(std::move(pair));
+        }
+        offset += token.size() + 1;
+      });
   return pairs;
 }
 

@@ -18,7 +18,9 @@ namespace Tarvane::Plexura::PXROM::inspection {
 struct Pair {
   std::string key;
   std::string text;
+  /// As a real number, and as an integer, which ends at the point or exponent.
   double number = 0.0;
+  int integer = 0;
   std::size_t offset = 0;
 };
 

@@ -147,7 +147,7 @@ class RegistryCheck {
     const std::vector<Pair> pairs = in_.Pairs(label);
     const bool hasWrongNames = CheckNames(label, SeverityError);
     std::map<std::string, int> ranks;
-    for (const Pair& pair : pairs) ranks.emplace(pair.key, static_cast<int>(pair.number));
+    for (const Pair& pair : pairs) ranks.emplace(pair.key, pair.integer);
     std::string missing;
     for (const auto& [id, parameter] : context_.registry.parameters) {
       if (ranks.count(id) == 0 && missing.size() < 200) missing += ' ' + Quoted(id);
@@ -165,7 +165,7 @@ class RegistryCheck {
     std::map<int, std::string> byRank;
     for (const Pair& pair : pairs) {
       if (ordered.count(pair.key) == 0) continue;
-      const auto [entry, isNew] = byRank.emplace(static_cast<int>(pair.number), pair.key);
+      const auto [entry, isNew] = byRank.emplace(pair.integer, pair.key);
       if (isNew || entry->second == pair.key) continue;
       in_.ReportAt(pair.offset, SeverityError, FindingRankEqual, label, Shortened(pair.text), "",
                    Quoted(pair.key) + " and " + Quoted(entry->second) +
@@ -252,7 +252,7 @@ class RegistryCheck {
       }
     };
     forEach(Labels::attParameterRegistrationRank(),
-            [](auto& p, const Pair& pair) { p.rank = static_cast<int>(pair.number); });
+            [](auto& p, const Pair& pair) { p.rank = pair.integer; });
     forEach(Labels::attParameterUnits(), [](auto& p, const Pair& pair) { p.unit = pair.text; });
     forEach(Labels::attParameterCaptions(),
             [](auto& p, const Pair& pair) { p.caption = pair.text; });

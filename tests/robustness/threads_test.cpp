@@ -2,54 +2,35 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <functional>
 #include <thread>
 #include <vector>
 
+#include "pxrom/batch.h"
 #include "support/model_files.h"
+#include "support/random_models.h"
 
-namespace Tarvane::Plexura::PXROM {
+namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
-using NamedInts = std::vector<std::pair<std::string, int>>;
-using NamedValues = std::vector<std::pair<std::string, double>>;
+/// All that a call answers, bit by bit; what it leaves out is 0.
+using Answers = std::vector<double>;
 
-struct Answer {
-  int status = 0;
-  NamedValues outputs;
-  NamedValues errors;
-  bool operator==(const Answer& other) const {
-    return status == other.status && outputs == other.outputs && errors == other.errors;
-  }
-};
-
-// Every combination of the beam at a few points. Errors only where they come from cross-validation:
-// the others would write Kriging records.
-std::vector<Answer> Answers(const CDiscreteCombinations& beam, bool withErrors) {
-  std::vector<Answer> answers;
-  for (const int material : {1, 2}) {
-    for (const int holes : {0, 2, 4}) {
-      for (const double length : {1.1, 1.5, 1.9}) {
-        const NamedInts discrete = {{"Material", material}, {"Holes", holes}};
-        const NamedValues point = {{"L", length}, {"b", 45}, {"h", 90}, {"F", 3000}};
-        Answer answer;
-        answer.status = withErrors ? beam.Evaluate(discrete, point, answer.outputs, answer.errors)
-                                   : beam.Evaluate(discrete, point, answer.outputs);
-        answers.push_back(answer);
-      }
-    }
-  }
-  return answers;
-}
-
-void ExpectTheSameFromEightThreads(const CDiscreteCombinations& beam, bool withErrors) {
-  const std::vector<Answer> expected = Answers(beam, withErrors);
+void ExpectTheSameFromEightThreads(const std::function<Answers()>& ask) {
+  const Answers expected = ask();
+  ASSERT_FALSE(expected.empty());
   std::vector<int> equal(8);
   std::vector<std::thread> threads;
   for (int& result : equal) {
     threads.emplace_back([&] {
       result = 1;
       for (int round = 0; round < 5; ++round) {
-        if (!(Answers(beam, withErrors) == expected)) result = 0;
+        const Answers got = ask();
+        const std::size_t bytes = expected.size() * sizeof(double);
+        if (got.size() != expected.size() || std::memcmp(got.data(), expected.data(), bytes) != 0) {
+          result = 0;
+        }
       }
     });
   }
@@ -57,50 +38,73 @@ void ExpectTheSameFromEightThreads(const CDiscreteCombinations& beam, bool withE
   EXPECT_EQ(equal, std::vector<int>(8, 1));
 }
 
-TEST(Threads, EvaluateOneStudyWithoutErrors) {
-  CDiscreteCombinations beam;
-  ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
-  ExpectTheSameFromEightThreads(beam, false);
+Answers Evaluated(const CDiscreteCombinations& model, bool withErrors) {
+  Answers answers;
+  for (const double fraction : {0.25, 0.75}) {
+    for (const Question& question : QuestionsFor(model, fraction)) {
+      std::vector<std::pair<std::string, double>> outputs;
+      std::vector<std::pair<std::string, double>> errors;
+      answers.push_back(
+          withErrors ? model.Evaluate(question.discrete, question.continuous, outputs, errors)
+                     : model.Evaluate(question.discrete, question.continuous, outputs));
+      for (const auto& output : outputs) answers.push_back(output.second);
+      for (const auto& error : errors) answers.push_back(error.second);
+    }
+  }
+  return answers;
 }
 
-TEST(Threads, EvaluateCrossValidatedErrors) {
+TEST(Threads, EvaluateOneObjectOfAnyFamily) {
+  // Errors only where they come from cross-validation: the others would write Kriging records.
+  RandomModelOptions validated;
+  validated.crossValidation = 100;
+  for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    CDiscreteCombinations plain;
+    FillRandomModel(seed, {}, plain);
+    ExpectTheSameFromEightThreads([&] { return Evaluated(plain, false); });
+    CDiscreteCombinations crossed;
+    FillRandomModel(seed, validated, crossed);
+    ExpectTheSameFromEightThreads([&] { return Evaluated(crossed, true); });
+  }
   CDiscreteCombinations beam;
   ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
-  // A list without cross-validation data gives way to one that has it.
-  CFittingCandidates* validated = nullptr;
-  for (const auto& outputs : *beam.GetOutputsWrtDiscCombPtr()) {
-    for (const auto& output : outputs) {
-      if (output.second->GetCandidatePtr(0)->GetIsErrPredRequired()) validated = output.second;
+  ExpectTheSameFromEightThreads([&] { return Evaluated(beam, false); });
+}
+
+TEST(Threads, EvaluateOnePreparedModel) {
+  for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    CDiscreteCombinations model;
+    FillRandomModel(seed, {}, model);
+    CPreparedModel prepared;
+    ASSERT_EQ(CPreparedModel::Prepare(model, QuestionsFor(model, 0.5)[0].discrete, prepared), 0);
+    const std::size_t rows = 40;
+    const std::size_t inputs = prepared.InputIDs().size();
+    const std::size_t results = rows * prepared.OutputIDs().size();
+    const std::vector<double> points = Draw(seed).Reals(static_cast<int>(rows * inputs), -1, 2);
+    for (const E_PrecisionMode mode : {PrecisionExact, PrecisionFast}) {
+      ExpectTheSameFromEightThreads([&] {
+        Answers answers((2 + inputs) * results);
+        prepared.Evaluate(points.data(), rows, mode, answers.data(), answers.data() + results,
+                          nullptr);
+        prepared.EvaluateGradients(points.data(), rows, answers.data() + 2 * results, nullptr);
+        return answers;
+      });
     }
   }
-  ASSERT_NE(validated, nullptr);
-  for (const int material : {1, 2}) {
-    for (const int holes : {0, 2, 4}) {
-      std::vector<std::pair<std::string, CFittingCandidates*>> lists;
-      for (const char* id : {"stress", "deflection", "mass"}) {
-        lists.emplace_back(id, validated->Clone());
-      }
-      ASSERT_EQ(beam.RegisterDiscreteCombination({{"Material", material}, {"Holes", holes}}, lists),
-                0);
-    }
-  }
-  ExpectTheSameFromEightThreads(beam, true);
 }
 
 TEST(Threads, ReadOneReaderIntoObjectsOfTheirOwn) {
   std::string text = ContentOf(PXROM_EXAMPLES "/beam.pxdb");
   CReaderPXROMDatabase reader;
   reader.ReadDataStream(text);
-  std::vector<CDiscreteCombinations> models(4);
-  std::vector<int> statuses(4, -1);
-  std::vector<std::thread> threads;
-  for (std::size_t i = 0; i < models.size(); ++i) {
-    threads.emplace_back([&, i] { statuses[i] = reader.ResumeDiscreteCombinations(models[i]); });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(statuses, std::vector<int>(4, 0));
-  EXPECT_EQ(Answers(models[0], false), Answers(models[3], false));
+  ExpectTheSameFromEightThreads([&] {
+    CDiscreteCombinations model;
+    EXPECT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+    return Evaluated(model, false);
+  });
 }
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM
+}  // namespace Tarvane::Plexura::PXROM::tests
