@@ -25,8 +25,8 @@ endif()
 
 if(PXROM_SANITIZE)
   set(sanitize -fsanitize=${PXROM_SANITIZE} -fno-omit-frame-pointer
-    # g++ loses track of std::optional among the checks.
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+    # Among the checks g++ loses track of std::optional, and of replaced allocation functions.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized -Wno-mismatched-new-delete>)
   if(PXROM_SANITIZE MATCHES undefined)
     list(APPEND sanitize -fno-sanitize-recover=all)
   endif()
