@@ -93,9 +93,9 @@ double Dot(const double* a, const double* b, std::size_t count) {
 struct GradientWork {
   GradientWork(const CMLSData& record, double* start) {
     WorkArea area(start);
-    const auto n = static_cast<std::size_t>(std::max(record.NumberOfSamples, 0));
-    const auto p = static_cast<std::size_t>(std::max(record.NumberOfBasisFunctions, 0));
-    const auto d = static_cast<std::size_t>(std::max(record.NumberOfInputVariables, 0));
+    const auto n = static_cast<std::size_t>(record.NumberOfSamples);
+    const auto p = static_cast<std::size_t>(record.NumberOfBasisFunctions);
+    const auto d = static_cast<std::size_t>(record.NumberOfInputVariables);
     distances = area.Take(n);
     ranked = area.Take(n);
     weights = area.Take(n);
@@ -139,19 +139,19 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     }
   }
 
-  std::size_t GradientWorkSize() const override { return GradientWork(record_, nullptr).size; }
-
   // With A c = b the normal equations, z = A^-1 f(x) and e the residuals at the samples:
   //   dy = f'(x) c + sum over the samples of dw (z' B) e
   // since a weight enters A and b alone.
-  int Gradient(const double* x, double* start, double* gradient) const override {
+  int Gradient(const double* x, double*, double* gradient) const override {
     // The evaluator tells whether there is a value.
     const auto d = static_cast<std::size_t>(record_.NumberOfInputVariables);
     double y = 0.0;
     const std::vector<double> point(x, x + d);
     const int status = CMLSEvaluator().EvaluateResponseSurface(&record_, point, y);
     if (status != 0 || !std::isfinite(y)) return 1;
-    const GradientWork work(record_, start);
+    // Only here do the counts fit what is there.
+    std::vector<double> area(GradientWork(record_, nullptr).size);
+    const GradientWork work(record_, area.data());
     const auto p = static_cast<std::size_t>(record_.NumberOfBasisFunctions);
     const auto used = static_cast<std::size_t>(record_.NumberOfUsedPoints);
     const std::size_t reference = FindDistances(x, work);
