@@ -45,7 +45,7 @@ struct PXROM_API CSVRData : public CRSData {
   ~CSVRData() override;
   int ResetData() override;
   /// Samples, scaling, AreMultipliersCorrect and IsKernelArrayCorrect, in this order. **The last
-  /// one makes this false for most sound records.**
+  /// one makes this false for a record with as many kernel widths, one per input, as samples.**
   bool IsAllRight() override;
   E_DataType DataType() const override;
 

@@ -1,0 +1,80 @@
+// Prints what random models of all families and the fitted ones answer, to the last bit: for
+// comparing builds (script/same-bits).
+
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+#include "pxrom/batch.h"
+#include "support/model_files.h"
+#include "support/random_models.h"
+
+namespace Tarvane::Plexura::PXROM::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Print(const char* what, int status, const std::vector<double>& numbers) {
+  std::printf("%s %d", what, status);
+  for (const double number : numbers) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    // A NaN's sign is the compiler's.
+    std::printf(number == number ? " %016" PRIx64 : " nan", bits);
+  }
+  std::printf("\n");
+}
+
+void PrintAnswers(const CDiscreteCombinations& model) {
+  for (const double fraction : {0.3, 0.9}) {
+    for (const Question& question : QuestionsFor(model, fraction)) {
+      std::vector<std::pair<std::string, double>> outputs;
+      std::vector<std::pair<std::string, double>> errors;
+      std::vector<double> numbers;
+      const int status = CDiscreteCombinations(model).Evaluate(
+          question.discrete, question.continuous, outputs, errors);
+      for (const auto& output : outputs) numbers.push_back(output.second);
+      for (const auto& error : errors) numbers.push_back(error.second);
+      Print("evaluated", status, numbers);
+
+      CPreparedModel prepared;
+      if (CPreparedModel::Prepare(model, question.discrete, prepared) != 0) continue;
+      std::vector<double> point;
+      for (const std::string& id : prepared.InputIDs()) {
+        for (const auto& input : question.continuous) {
+          if (input.first == id) point.push_back(input.second);
+        }
+      }
+      std::vector<double> values(prepared.OutputIDs().size());
+      prepared.Evaluate(point.data(), 1, PrecisionExact, values.data(), nullptr, nullptr);
+      Print("prepared", 0, values);
+    }
+  }
+}
+
+void PrintAll() {
+  for (std::uint32_t seed = 1; seed <= 400; ++seed) {
+    std::printf("seed %u\n", static_cast<unsigned>(seed));
+    CDiscreteCombinations model;
+    FillRandomModel(seed, {}, model);
+    PrintAnswers(model);
+  }
+  std::set<fs::path> folders;
+  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
+    if (entry.is_directory()) folders.insert(entry.path());
+  }
+  for (const fs::path& folder : folders) {
+    std::printf("%s\n", folder.filename().c_str());
+    CDiscreteCombinations model;
+    ReadModel((folder / "model.pxdb").string(), model);
+    PrintAnswers(model);
+  }
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::tests
+
+int main() { Tarvane::Plexura::PXROM::tests::PrintAll(); }
