@@ -27,24 +27,6 @@ void RequireInput(const Model& model, const std::vector<Input>& inputs, const st
                 Quoted(KindOf(model, name)));
 }
 
-Texts TextsByName(const Model& model, const std::vector<Input>& inputs,
-                  const std::vector<std::string>& assignments) {
-  Texts texts;
-  for (const std::string& assignment : assignments) {
-    // The last "=", since a name may hold one and a number can't.
-    const std::size_t equals = assignment.rfind('=');
-    if (equals == std::string::npos || equals == 0) {
-      throw Refusal(Quoted(assignment) + " is no assignment of the form NAME=VALUE");
-    }
-    const std::string name = assignment.substr(0, equals);
-    RequireInput(model, inputs, name);
-    if (!texts.emplace(name, assignment.substr(equals + 1)).second) {
-      throw Refusal(Quoted(name) + " is given twice");
-    }
-  }
-  return texts;
-}
-
 void RequireAll(const std::vector<Input>& inputs, const Texts& texts) {
   std::vector<std::string> missing;
   std::vector<std::string> expected;
@@ -76,31 +58,12 @@ int IntegerOf(const Input& input, const std::string& text) {
   return *value;
 }
 
-/// As the library orders values: by rank, and where a damaged database repeats a rank by value.
 template <typename Value>
-void SortByRank(const Model& model, std::vector<std::pair<std::string, Value>>& named) {
+void SortNamed(const Model& model, std::vector<std::pair<std::string, Value>>& named) {
   const auto& rank = *model.GetRegistrationRank();
   std::stable_sort(named.begin(), named.end(), [&rank](const auto& a, const auto& b) {
     return std::make_pair(rank.at(a.first), a.second) < std::make_pair(rank.at(b.first), b.second);
   });
-}
-
-void RequireCombination(const Model& model, const Point& point) {
-  const auto& fitted = *model.GetDiscreteCombinationsIndexingPtr();
-  if (fitted.count(point.Combination()) > 0) return;
-  const std::string wanted = point.CombinationText();
-  std::string known;
-  const std::vector<std::string> combinations = CombinationsOf(model);
-  constexpr std::size_t kMost = 20;
-  for (std::size_t i = 0; i < std::min(combinations.size(), kMost); ++i) {
-    known += (i > 0 ? "; " : "") + combinations[i];
-  }
-  if (combinations.size() > kMost) {
-    known += "; and " + std::to_string(combinations.size() - kMost) + " more";
-  }
-  throw Refusal("there is no model for the combination " +
-                (wanted.empty() ? std::string("without discrete values") : wanted) +
-                "; those that exist are: " + known);
 }
 
 }  // namespace
@@ -119,22 +82,70 @@ std::string Point::CombinationText() const {
   return text;
 }
 
+std::map<std::string, std::string> TextsByName(const Model& model, const std::vector<Input>& inputs,
+                                               const std::vector<std::string>& assignments) {
+  Texts texts;
+  for (const std::string& assignment : assignments) {
+    // The last "=", since a name may hold one and a number can't.
+    const std::size_t equals = assignment.rfind('=');
+    if (equals == std::string::npos || equals == 0) {
+      throw Refusal(Quoted(assignment) + " is no assignment of the form NAME=VALUE");
+    }
+    const std::string name = assignment.substr(0, equals);
+    RequireInput(model, inputs, name);
+    if (!texts.emplace(name, assignment.substr(equals + 1)).second) {
+      throw Refusal(Quoted(name) + " is given twice");
+    }
+  }
+  return texts;
+}
+
+void Assign(Point& point, const Input& input, const std::string& text) {
+  if (input.discrete) {
+    point.discrete.emplace_back(input.id, IntegerOf(input, text));
+  } else {
+    point.continuous.emplace_back(input.id, RealOf(input.id, text));
+  }
+}
+
+void SortByRank(const Model& model, Point& point) {
+  SortNamed(model, point.discrete);
+  SortNamed(model, point.continuous);
+}
+
+bool IsFitted(const Model& model, const Point& point) {
+  return model.GetDiscreteCombinationsIndexingPtr()->count(point.Combination()) > 0;
+}
+
+std::string FittedCombinations(const Model& model) {
+  std::string known;
+  const std::vector<std::string> combinations = CombinationsOf(model);
+  constexpr std::size_t kMost = 20;
+  for (std::size_t i = 0; i < std::min(combinations.size(), kMost); ++i) {
+    known += (i > 0 ? "; " : "") + combinations[i];
+  }
+  if (combinations.size() > kMost) {
+    known += "; and " + std::to_string(combinations.size() - kMost) + " more";
+  }
+  return known;
+}
+
+void RequireCombination(const Model& model, const Point& point) {
+  if (IsFitted(model, point)) return;
+  const std::string wanted = point.CombinationText();
+  throw Refusal("there is no model for the combination " +
+                (wanted.empty() ? std::string("without discrete values") : wanted) +
+                "; those that exist are: " + FittedCombinations(model));
+}
+
 Point PointOf(const Model& model, const std::vector<std::string>& assignments) {
   const std::vector<Input> inputs = InputsOf(model);
   const Texts texts = TextsByName(model, inputs, assignments);
   RequireAll(inputs, texts);
 
   Point point;
-  for (const Input& input : inputs) {
-    const std::string& text = texts.at(input.id);
-    if (input.discrete) {
-      point.discrete.emplace_back(input.id, IntegerOf(input, text));
-    } else {
-      point.continuous.emplace_back(input.id, RealOf(input.id, text));
-    }
-  }
-  SortByRank(model, point.discrete);
-  SortByRank(model, point.continuous);
+  for (const Input& input : inputs) Assign(point, input, texts.at(input.id));
+  SortByRank(model, point);
   RequireCombination(model, point);
   return point;
 }

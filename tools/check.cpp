@@ -1,4 +1,3 @@
-#include <cstddef>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -7,6 +6,7 @@
 #include "command.h"
 #include "model_file.h"
 #include "pxrom/inspection.h"
+#include "wording.h"
 
 namespace pxrom_command {
 
@@ -30,10 +30,6 @@ const char* WordOf(pxrom::E_FindingSeverity severity) {
       break;
   }
   return "note";
-}
-
-std::string Counted(std::size_t count, const std::string& one) {
-  return (count == 0 ? "no" : std::to_string(count)) + ' ' + one + (count == 1 ? "" : "s");
 }
 
 bool IsShown(const CheckOptions& options, const pxrom::CFinding& finding) {

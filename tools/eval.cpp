@@ -6,6 +6,7 @@
 
 #include "assignments.h"
 #include "command.h"
+#include "eval_points.h"
 #include "model_file.h"
 #include "numbers.h"
 #include "parameters.h"
@@ -20,6 +21,7 @@ struct EvalOptions {
   std::string model;
   std::vector<std::string> assignments;
   bool json = false;
+  PointsOptions points;
 };
 
 /// The error of one row; `*` marks those that are not in the unit of the output.
@@ -112,15 +114,48 @@ void Eval(const EvalOptions& options) {
 
 void AddEval(CLI::App& app) {
   const auto options = std::make_shared<EvalOptions>();
-  CLI::App* eval = app.add_subcommand("eval", "Evaluate a model at one point");
+  CLI::App* eval =
+      app.add_subcommand("eval", "Evaluate a model at one point or at those of a table");
   eval->add_option("MODEL", options->model, "Database of fitted models")->required();
   eval->add_option("NAME=VALUE", options->assignments,
                    "Each input once, in any order; those that are missing are listed");
-  eval->add_flag("--json", options->json, "Print JSON with all digits, for programs");
+  CLI::Option* json =
+      eval->add_flag("--json", options->json, "Print JSON with all digits, for programs");
+  PointsOptions& points = options->points;
+  CLI::Option* table = eval->add_option("--points", points.table,
+                                        "Table of points, comma-separated; - is the standard input")
+                           ->excludes(json);
+  eval->add_option("-o,--out", points.out, "File for the result; else the standard output")
+      ->needs(table);
+  eval->add_option("--jobs", points.jobs, "Threads to evaluate with; the result is the same")
+      ->needs(table)
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
+  eval->add_flag("--fast", points.fast,
+                 "Faster where kernels are summed, within 1e-11 of the largest value")
+      ->needs(table);
   eval->footer(
+      "A table begins with a line of IDs, one column for each input; inputs without a column are\n"
+      "given as NAME=VALUE for all rows. Each row is written as it stood, with new columns behind\n"
+      "it, in all digits: the output by its ID, its predicted error in its unit as \"ID error\", "
+      "or\n"
+      "as \"ID scaled error\" where surfaces report it in a scaled space. What there isn't is "
+      "left\n"
+      "empty. A bad row is told by its line, and the rest goes on; the status is then 1.\n"
+      "\n"
       "Example:\n"
-      "  pxrom eval examples/beam.pxdb Material=1 Holes=2 L=1.5 b=45 h=90 F=3000");
-  eval->callback([options] { Eval(*options); });
+      "  pxrom eval examples/beam.pxdb Material=1 Holes=2 L=1.5 b=45 h=90 F=3000\n"
+      "and with a table:\n"
+      "  pxrom eval examples/beam.pxdb --points examples/points.csv Material=1 L=1.5 b=45 F=3000");
+  eval->callback([options] {
+    if (options->points.table.empty()) {
+      Eval(*options);
+      return;
+    }
+    options->points.model = options->model;
+    options->points.assignments = options->assignments;
+    EvalPoints(options->points);
+  });
 }
 
 }  // namespace pxrom_command

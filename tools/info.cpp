@@ -162,10 +162,11 @@ void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameter
 
 void PrintText(const InfoOptions& options, const pxrom::CDatabaseOverview& overview) {
   const Parameters parameters = ByRank(overview);
-  std::cout << options.model << ": " << overview.characters << " characters in " << overview.lines
-            << " lines, " << overview.parameters.size() << " parameters, "
-            << overview.combinations.size() << " combinations, " << overview.ensembles.size()
-            << " ensembles\n\n";
+  std::cout << options.model << ": " << Counted(overview.characters, "character") << " in "
+            << Counted(overview.lines, "line") << ", "
+            << Counted(overview.parameters.size(), "parameter") << ", "
+            << Counted(overview.combinations.size(), "combination") << ", "
+            << Counted(overview.ensembles.size(), "ensemble") << "\n\n";
   PrintParameters(parameters);
   std::cout << '\n';
   PrintCombinations(overview, parameters);

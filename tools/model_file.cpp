@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <stdexcept>
 
@@ -26,20 +25,29 @@ void RequireGroup(const std::string& path, const std::string& text, const std::s
   }
 }
 
+[[noreturn]] void RefuseToRead(const std::string& path) {
+  throw Refusal("can't read " + Quoted(path) + ": " +
+                (errno != 0 ? std::strerror(errno) : "reading failed"));
+}
+
 }  // namespace
 
-std::string ReadTextFile(const std::string& path) {
+std::ifstream OpenFile(const std::string& path) {
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored)) {
     throw Refusal("can't read " + Quoted(path) + ": it is a folder");
   }
   errno = 0;
   std::ifstream file(path, std::ios::binary);
+  if (!file.is_open()) RefuseToRead(path);
+  return file;
+}
+
+std::string ReadTextFile(const std::string& path) {
+  std::ifstream file = OpenFile(path);
+  errno = 0;
   std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file.is_open() || file.bad()) {
-    throw Refusal("can't read " + Quoted(path) + ": " +
-                  (errno != 0 ? std::strerror(errno) : "reading failed"));
-  }
+  if (file.bad()) RefuseToRead(path);
   return text;
 }
 

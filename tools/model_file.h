@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -9,6 +10,8 @@ namespace pxrom_command {
 
 using Model = Tarvane::Plexura::PXROM::CDiscreteCombinations;
 
+/// A file to be read. Refusal when it can't be.
+std::ifstream OpenFile(const std::string& path);
 /// The bytes of a file. Refusal when it can't be read.
 std::string ReadTextFile(const std::string& path);
 

@@ -36,4 +36,10 @@ std::string Shown(double value, int digits) {
   return error == std::errc() ? std::string(buffer.data(), end) : std::string("?");
 }
 
+void AppendShortest(double value, std::string& text) {
+  std::array<char, 32> buffer{};
+  text.append(buffer.data(),
+              std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr);
+}
+
 }  // namespace pxrom_command

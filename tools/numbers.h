@@ -15,4 +15,7 @@ std::optional<int> ParseInteger(const std::string& text);
 /// At most `digits` significant digits, without trailing zeros.
 std::string Shown(double value, int digits = 6);
 
+/// The fewest digits that read back as the same number.
+void AppendShortest(double value, std::string& text);
+
 }  // namespace pxrom_command

@@ -4,7 +4,6 @@
 #include <memory>
 #include <utility>
 
-#include "pxrom/fitting_candidates.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -15,11 +14,6 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 namespace {
 
 using Values = std::vector<std::pair<std::string, double>>;
-
-const Model::OutputsByID& OutputsAt(const Model& model, const Point& point) {
-  const auto position = model.GetDiscreteCombinationsIndexingPtr()->at(point.Combination());
-  return model.GetOutputsWrtDiscCombPtr()->at(static_cast<std::size_t>(position));
-}
 
 /// The library names no culprit, but it stops at it: the first output without a value.
 [[noreturn]] void RefuseOutput(const Model::OutputsByID& outputs, const Values& done,
@@ -50,6 +44,17 @@ std::optional<double> ErrorAt(const pxrom::CFittingCandidates& candidates, const
 
 }  // namespace
 
+const Model::OutputsByID& OutputsAt(const Model& model, const Point& point) {
+  const auto position = model.GetDiscreteCombinationsIndexingPtr()->at(point.Combination());
+  return model.GetOutputsWrtDiscCombPtr()->at(static_cast<std::size_t>(position));
+}
+
+ErrorSpace ErrorSpaceOf(const pxrom::CFittingCandidates& candidates) {
+  const pxrom::CFittingCandidate* candidate = candidates.GetEvaluationCandidatePtr();
+  const bool physical = candidate != nullptr && candidate->GetIsErrPredRequired();
+  return physical ? ErrorSpace::Physical : ErrorSpace::Scaled;
+}
+
 std::vector<PredictedOutput> Predict(const Model& model, const Point& point) {
   const Model::OutputsByID& outputs = OutputsAt(model, point);
   Values values;
@@ -60,10 +65,7 @@ std::vector<PredictedOutput> Predict(const Model& model, const Point& point) {
   std::vector<PredictedOutput> predicted;
   for (const auto& [id, value] : values) {
     const pxrom::CFittingCandidates& candidates = *outputs.at(id);
-    const pxrom::CFittingCandidate* candidate = candidates.GetEvaluationCandidatePtr();
-    const bool physical = candidate != nullptr && candidate->GetIsErrPredRequired();
-    predicted.push_back({id, value, ErrorAt(candidates, point),
-                         physical ? ErrorSpace::Physical : ErrorSpace::Scaled});
+    predicted.push_back({id, value, ErrorAt(candidates, point), ErrorSpaceOf(candidates)});
   }
   return predicted;
 }

@@ -6,6 +6,7 @@
 
 #include "assignments.h"
 #include "model_file.h"
+#include "pxrom/fitting_candidates.h"
 
 namespace pxrom_command {
 
@@ -21,6 +22,11 @@ struct PredictedOutput {
   std::optional<double> error;
   ErrorSpace error_space = ErrorSpace::Physical;
 };
+
+ErrorSpace ErrorSpaceOf(const Tarvane::Plexura::PXROM::CFittingCandidates& candidates);
+
+/// The outputs of the combination of `point`, which exists.
+const Model::OutputsByID& OutputsAt(const Model& model, const Point& point);
 
 /// Every output at `point`, by ID. Refusal when the library can't evaluate one of them.
 ///

@@ -29,6 +29,10 @@ std::size_t EditDistance(const std::string& a, const std::string& b) {
 
 std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
+std::string Counted(std::size_t count, const std::string& one) {
+  return (count == 0 ? "no" : std::to_string(count)) + ' ' + one + (count == 1 ? "" : "s");
+}
+
 std::string Listed(const std::vector<std::string>& items, std::size_t most) {
   std::vector<std::string> shown(
       items.begin(), items.begin() + static_cast<std::ptrdiff_t>(std::min(most, items.size())));

@@ -9,6 +9,9 @@ namespace pxrom_command {
 /// "text" in quotation marks.
 std::string Quoted(const std::string& text);
 
+/// "no rows", "1 row", "2 rows".
+std::string Counted(std::size_t count, const std::string& one);
+
 /// "a", "a and b", "a, b and c"; beyond `most` items "a, b and 7 more".
 std::string Listed(const std::vector<std::string>& items, std::size_t most = 12);
 

@@ -169,13 +169,28 @@ class Trial {
         Report(SeverityError, FindingEvaluationRefused, offset, name,
                name +
                    " is read, but in the middle of the bounds its evaluation is refused with "
-                   "status 1");
+                   "status 1" +
+                   (isNamed ? CauseOf(*candidate.GetRSPtr(static_cast<int>(culprit))) : ""));
       } else {
         Report(SeverityWarning, FindingValueNotFinite, offset, name,
                "the value of " + name + " in the middle of the bounds is not finite");
       }
     }
     return status == 0;
+  }
+
+  // What is left to refuse where every shape fits.
+  static std::string CauseOf(const CRSData& surface) {
+    switch (surface.DataType()) {
+      case DT_QRSData:
+        return static_cast<const CQRSData&>(surface).OutputTransformType == TransformNone
+                   ? ""
+                   : ": its output transformation has no way back from the sum of its terms";
+      case DT_MLSData:
+        return ": its equations have no solution there";
+      default:
+        return "";
+    }
   }
 
   // The first surface that refuses, or whose value is not finite; their number when there is none.
@@ -290,8 +305,7 @@ class Trial {
     CDiscreteCombinations model;
     const int status = StatusOf([&] { return reader_.ResumeDiscreteCombinations(model); });
     if (status != 0) {
-      Report(SeverityError, FindingReadingRefused, 0, "",
-             "no group is damaged, but the text as a whole can't be read: " + Answer(status));
+      ReportUnreadable(status);
       return;
     }
     if (!isAllTried_) return;
@@ -311,6 +325,24 @@ class Trial {
              "combination " + std::to_string(position + 1) +
                  " is read, but in the middle of the bounds its evaluation is refused");
     }
+  }
+
+  // Each group could be read once, so that reading them again and again must be what is refused.
+  void ReportUnreadable(int status) {
+    std::size_t uses = 0;
+    for (const CCombinationOverview& line : context_.overview.combinations) {
+      uses += line.outputs.size();
+    }
+    const Group* const sets = context_.outline.FindPlain(Word::DiscreteSets);
+    const std::size_t groups = context_.used.size();
+    const bool isShared = sets != nullptr && uses > groups;
+    Report(SeverityError, FindingReadingRefused, isShared ? sets->tag : 0,
+           isShared ? TextOf(Word::DiscreteSets) : "",
+           "no group is damaged, but the text as a whole can't be read: " + Answer(status) +
+               (isShared
+                    ? "; its lines use " + Counted(groups, "group") + ' ' + Counted(uses, "time") +
+                          ", which is more work than a text of this length may ask for"
+                    : ""));
   }
 
   struct WithoutDerivative {

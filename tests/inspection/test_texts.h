@@ -42,7 +42,14 @@ struct Damage {
   std::string text;
   std::string code;
   std::size_t line = 0;
+  /// What a person is to be told: an error before all others, or anywhere a warning or a note.
+  E_FindingSeverity severity = SeverityError;
 };
+
+inline E_FindingSeverity SeverityOf(const std::string& word) {
+  if (word == "note") return SeverityNote;
+  return word == "warning" ? SeverityWarning : SeverityError;
+}
 
 inline std::size_t StartOfLine(const std::string& text, std::size_t line) {
   std::size_t at = 0;
@@ -56,7 +63,8 @@ inline std::vector<Damage> Damages() {
   for (const auto& entry : document["damages"]) {
     const std::string model = document["models"][entry["model"].get<std::string>()];
     Damage damage{entry["name"], ContentOf(PXROM_TEST_DATA "/../../" + model), entry["code"],
-                  entry.value("line", entry["at"].get<std::size_t>())};
+                  entry.value("line", entry["at"].get<std::size_t>()),
+                  SeverityOf(entry.value("severity", "error"))};
     const std::size_t at = StartOfLine(damage.text, entry["at"]);
     if (entry.contains("delete")) {
       const std::size_t end = StartOfLine(

@@ -52,11 +52,12 @@ inline std::string Written(const std::string& name, const std::string& content) 
 }
 
 /// `arguments` as a person types them in the root of the repository.
-inline Result Pxrom(const std::string& arguments, const std::string& standard_output = "") {
+inline Result Pxrom(const std::string& arguments, const std::string& standard_output = "",
+                    const std::string& standard_input = "/dev/null") {
   const std::string out = standard_output.empty() ? Written("stdout", "") : standard_output;
   const std::string err = Written("stderr", "");
   const std::string line = "cd '" PXROM_SOURCE "' && '" PXROM_COMMAND "' " + arguments + " >'" +
-                           out + "' 2>'" + err + "' </dev/null";
+                           out + "' 2>'" + err + "' <'" + standard_input + "'";
   const int ended = std::system(line.c_str());
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, standard_output.empty() ? Contents(out) : "",
           Contents(err)};

@@ -122,7 +122,7 @@ std::string ExampleOf(const std::string& command_name) {
 }
 
 TEST(Command, TheExamplesOfItsHelpWork) {
-  for (const char* name : {"eval", "fmu"}) {
+  for (const char* name : {"eval", "info", "check", "fmu", "format"}) {
     const Result result = Pxrom(ExampleOf(name));
     EXPECT_EQ(result.status, 0) << name;
     EXPECT_EQ(result.err, "") << name;

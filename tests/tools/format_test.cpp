@@ -84,13 +84,4 @@ TEST(Format, RefusesInOneSentence) {
   EXPECT_EQ(Pxrom("format examples/constant.pxdb", "/dev/full").status, 1);
 }
 
-TEST(Format, HelpShowsAnExampleThatWorks) {
-  const std::string help = Pxrom("format --help").out;
-  const std::string begin = "  pxrom format ";
-  const std::size_t at = help.find(begin);
-  ASSERT_NE(at, std::string::npos) << help;
-  const std::string line = help.substr(at + 2, help.find('\n', at) - at - 2);
-  EXPECT_EQ(Pxrom(line.substr(std::string("pxrom ").size())).status, 0) << line;
-}
-
 }  // namespace

@@ -1,0 +1,146 @@
+#include "csv_reader.h"
+
+#include <ios>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "refusal.h"
+
+namespace pxrom_command {
+
+namespace {
+
+using Traits = std::char_traits<char>;
+
+// A quotation mark that is never closed swallows what follows: no further than this.
+constexpr std::size_t kLongestRow = std::size_t{1} << 20U;
+
+// Some programs begin a text with it.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+const char* const kUnclosed = "a quotation mark is never closed";
+const char* const kMisplaced =
+    "a quotation mark stands inside a value (a value with one is quoted, and the mark doubled)";
+
+}  // namespace
+
+CsvReader::CsvReader(std::istream& input, std::string name)
+    : input_(input.rdbuf()), name_(std::move(name)) {
+  csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI);
+}
+
+CsvReader::~CsvReader() { csv_free(&parser_); }
+
+void CsvReader::Restart() {
+  csv_free(&parser_);
+  csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI);
+  fields_.clear();
+  row_ended_ = false;
+}
+
+bool CsvReader::NextInputLine(Line& line) {
+  line.text.clear();
+  line.end.clear();
+  try {
+    for (auto c = input_->sbumpc(); !Traits::eq_int_type(c, Traits::eof()); c = input_->sbumpc()) {
+      const char byte = Traits::to_char_type(c);
+      if (byte == '\n' || byte == '\r') {
+        line.end = byte;
+        const bool both =
+            byte == '\r' && Traits::eq_int_type(input_->sgetc(), Traits::to_int_type('\n'));
+        if (both) line.end += Traits::to_char_type(input_->sbumpc());
+        return true;
+      }
+      line.text += byte;
+      if (line.text.size() > kLongestRow) {
+        throw Refusal(name_ + ":" + std::to_string(line_ + 1) +
+                      ": the line is longer than a mebibyte: this is no table of points");
+      }
+    }
+  } catch (const std::ios_base::failure&) {
+    throw Refusal("can't read " + name_ + ": reading failed");
+  }
+  return !line.text.empty();
+}
+
+bool CsvReader::NextLine(Line& line) {
+  if (again_.empty()) {
+    if (!NextInputLine(line)) return false;
+  } else {
+    line = std::move(again_.back());
+    again_.pop_back();
+  }
+  ++line_;
+  return true;
+}
+
+/// What is wrong with the quotation marks up to the end of `line`, or null.
+const char* CsvReader::Feed(const Line& line) {
+  const auto on_field = [](void* value, std::size_t size, void* self) {
+    static_cast<CsvReader*>(self)->fields_.emplace_back(static_cast<const char*>(value), size);
+  };
+  const auto on_row = [](int, void* self) { static_cast<CsvReader*>(self)->row_ended_ = true; };
+  std::string bytes = line.text + line.end;
+  if (line_ == 1 && bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
+    bytes.erase(0, kByteOrderMark.size());
+  }
+  const char* fault = nullptr;
+  if (csv_parse(&parser_, bytes.data(), bytes.size(), on_field, on_row, this) != bytes.size()) {
+    fault = kMisplaced;
+  } else if (line.end.empty() && csv_fini(&parser_, on_field, on_row, this) != 0) {
+    fault = kUnclosed;
+  }
+  if (fault != nullptr && csv_error(&parser_) != CSV_EPARSE) throw std::bad_alloc();
+  return fault;
+}
+
+/// The first line is the row; those behind it are read again.
+void CsvReader::EndAsFault(CsvRow& row, const std::vector<Line>& lines, const char* fault) {
+  row.text = lines.front().text;
+  row.line_end = lines.front().end;
+  row.fault = fault;
+  again_.insert(again_.end(), lines.rbegin(), lines.rend() - 1);
+  line_ = row.line;
+  Restart();
+}
+
+bool CsvReader::Next(CsvRow& row) {
+  row = CsvRow();
+  std::vector<Line> lines;
+  std::size_t size = 0;
+  Line line;
+  while (NextLine(line)) {
+    const bool blank = line.text.find_first_not_of(" \t") == std::string::npos;
+    if (blank && lines.empty()) continue;
+    if (lines.empty()) row.line = line_;
+    lines.push_back(line);
+    size += line.text.size();
+    if (const char* const fault = Feed(line)) {
+      EndAsFault(row, lines, fault);
+      return true;
+    }
+    if (row_ended_) {
+      row.line_end = std::move(lines.back().end);
+      lines.back().end.clear();
+      for (const Line& part : lines) row.text += part.text + part.end;
+      row.fields = std::move(fields_);
+      fields_.clear();
+      row_ended_ = false;
+      return true;
+    }
+    if (size > kLongestRow) break;
+  }
+  if (lines.empty()) return false;
+  EndAsFault(row, lines, kUnclosed);
+  return true;
+}
+
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted(csv_write(nullptr, 0, text.data(), text.size()), '\0');
+  csv_write(quoted.data(), quoted.size(), text.data(), text.size());
+  return quoted;
+}
+
+}  // namespace pxrom_command

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <csv.h>
+
+#include <cstddef>
+#include <istream>
+#include <string>
+#include <vector>
+
+namespace pxrom_command {
+
+/// One row of a table of comma-separated values.
+struct CsvRow {
+  /// Where it begins, from 1.
+  std::size_t line = 0;
+  /// As it stands there, without its line end, which is empty at the end of some files.
+  std::string text;
+  std::string line_end;
+  /// The values alone: without quotation marks, and without the blanks around a bare value.
+  std::vector<std::string> fields;
+  /// What is wrong with its quotation marks, or empty. `fields` then says nothing.
+  std::string fault;
+};
+
+/// Reads rows one by one, however many there are. Lines end with "\n", "\r\n" or "\r"; blank ones
+/// are skipped. A quoted value may hold commas, line ends and doubled quotation marks. A row whose
+/// quotation marks don't fit is one line with a fault, and the next line begins anew.
+class CsvReader {
+ public:
+  /// `input` has to outlive the reader; `name` is what refusals call it.
+  CsvReader(std::istream& input, std::string name);
+  CsvReader(const CsvReader&) = delete;
+  CsvReader& operator=(const CsvReader&) = delete;
+  ~CsvReader();
+
+  /// False at the end. Refusal when reading fails and at a line that is too long for a table.
+  bool Next(CsvRow& row);
+
+ private:
+  struct Line {
+    std::string text;
+    std::string end;
+  };
+
+  bool NextLine(Line& line);
+  bool NextInputLine(Line& line);
+  const char* Feed(const Line& line);
+  void EndAsFault(CsvRow& row, const std::vector<Line>& lines, const char* fault);
+  void Restart();
+
+  std::streambuf* input_;
+  std::string name_;
+  csv_parser parser_{};
+  std::vector<std::string> fields_;
+  bool row_ended_ = false;
+  std::size_t line_ = 0;
+  /// Lines to be read again, the next one last.
+  std::vector<Line> again_;
+};
+
+/// `text` as one value of a table: in quotation marks where it needs them.
+std::string CsvField(const std::string& text);
+
+}  // namespace pxrom_command

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "csv_reader.h"
+#include "model_file.h"
+#include "point_columns.h"
+#include "pxrom/batch.h"
+
+namespace pxrom_command {
+
+/// A part of a table with its results.
+struct EvaluatedRows {
+  struct Fault {
+    std::size_t line;
+    std::string sentence;
+  };
+
+  /// Every row as it stood, with one cell more per heading; those of a bad row are empty.
+  std::string text;
+  std::size_t rows = 0;
+  std::size_t bad = 0;
+  /// What is wrong with the first of the bad rows.
+  std::vector<Fault> faults;
+  std::size_t outside_bounds = 0;
+};
+
+/// Evaluates rows of points, each with the combination of discrete values that it names. What it
+/// prepares for a combination is kept. Any number of threads may use one; the results don't depend
+/// on them.
+class PointEvaluator {
+ public:
+  /// At most so many faults are put in words.
+  static constexpr std::size_t kMostFaults = 20;
+
+  /// Both have to outlive the evaluator.
+  PointEvaluator(const Model& model, const PointColumns& columns,
+                 Tarvane::Plexura::PXROM::E_PrecisionMode mode);
+
+  EvaluatedRows Evaluate(const std::vector<CsvRow>& rows);
+
+ private:
+  /// What is prepared for one combination, and to which heading each number goes.
+  struct Combination {
+    Tarvane::Plexura::PXROM::CPreparedModel model;
+    std::vector<std::size_t> value_headings;
+    std::vector<std::size_t> error_headings;
+  };
+  /// The rows of one combination and their points, row by row.
+  struct Group {
+    const Combination* combination = nullptr;
+    std::vector<std::size_t> rows;
+    std::vector<double> points;
+  };
+  /// For each row a cell per heading, and what is wrong with it.
+  struct Results {
+    std::vector<std::optional<double>> cells;
+    std::vector<std::string> faults;
+  };
+
+  const Combination& Prepared(const Point& point);
+  void EvaluateGroup(const Group& group, Results& results) const;
+  void Append(const CsvRow& row, const std::optional<double>* cells, std::string& text) const;
+
+  const Model& model_;
+  const PointColumns& columns_;
+  Tarvane::Plexura::PXROM::E_PrecisionMode mode_;
+  std::vector<OutputColumns> outputs_;
+  std::size_t headings_ = 0;
+  std::mutex mutex_;
+  std::map<std::vector<int>, Combination> prepared_;
+};
+
+}  // namespace pxrom_command

@@ -1,0 +1,32 @@
+#include "progress.h"
+
+#include <unistd.h>
+
+#include <iostream>
+
+namespace pxrom_command {
+
+Progress::Progress(bool prints_rows)
+    : terminal_(isatty(STDERR_FILENO) != 0 && !(prints_rows && isatty(STDOUT_FILENO) != 0)),
+      start_(Clock::now()),
+      last_(start_) {}
+
+void Progress::Show(std::size_t rows) {
+  constexpr std::chrono::milliseconds kBetween{200};
+  const Clock::time_point now = Clock::now();
+  if (!terminal_ || now - last_ < kBetween) return;
+  last_ = now;
+  const double seconds = std::chrono::duration<double>(now - start_).count();
+  const double rate = static_cast<double>(rows) / seconds;
+  Clear();
+  std::cerr << rows << " rows, " << static_cast<std::size_t>(rate) << " rows/s" << std::flush;
+  shown_ = true;
+}
+
+void Progress::Clear() {
+  // To the start of the line, and what is behind that goes.
+  if (shown_) std::cerr << "\r\x1B[K" << std::flush;
+  shown_ = false;
+}
+
+}  // namespace pxrom_command
