@@ -1,0 +1,237 @@
+// What a prepared model refuses, and the rare ways through it that random models hardly take.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "batch/batch_cases.h"
+#include "pxrom/constant.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/linear_basis.h"
+#include "pxrom/regression.h"
+#include "pxrom/regression_terms.h"
+#include "pxrom/writer.h"
+
+namespace Tarvane::Plexura::PXROM::tests {
+namespace {
+
+const CDiscreteCombinations::OutputsByID& Outputs(const CDiscreteCombinations& model) {
+  return model.GetOutputsWrtDiscCombPtr()->front();
+}
+
+TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
+  CConstantData surface;
+  surface.NumberOfInputVariables = 1;
+  surface.InputSamples = {{0.5}};
+  surface.SetConstantValue(7.0);
+  surface.NumberOfSamples = 1;
+  surface.ReadyForEvaluation = true;
+  CDiscreteCombinations plain;
+  FillModel(surface, plain);
+  CPreparedModel prepared = Prepared(plain);
+
+  CDiscreteCombinations discrete;
+  discrete.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
+  discrete.RegisterParameter("x", CausalityInput, ContinuousNotManufacturable, true);
+  discrete.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
+  auto list = std::make_unique<CFittingCandidates>();
+  list->GenerateCandidateFromCRSData(&surface);
+  ASSERT_EQ(discrete.RegisterDiscreteCombination({{"k", 3}}, {{"y", list.release()}}), 0);
+  const struct {
+    std::vector<std::pair<std::string, int>> values;
+    const char* reason;
+  } cases[] = {
+      {{}, "The model has 1 enabled discrete inputs, but 0 discrete values are given."},
+      {{{"q", 3}}, "The model has no parameter 'q'."},
+      {{{"k", 4}}, "The model has no combination of the discrete values 4."},
+  };
+  for (const auto& refused : cases) {
+    std::string reason;
+    EXPECT_EQ(CPreparedModel::Prepare(discrete, refused.values, prepared, &reason), 1);
+    EXPECT_EQ(reason, refused.reason);
+    EXPECT_EQ(CPreparedModel::Prepare(discrete, refused.values, prepared), 1);
+  }
+  std::string reason;
+  EXPECT_EQ(CPreparedModel::Prepare(CDiscreteCombinations(), {}, prepared, &reason), 1);
+  EXPECT_EQ(reason, "The model has no combination without discrete values.");
+
+  // It still answers as before, and so do copies of it after it has gone.
+  CPreparedModel copy;
+  copy = prepared;
+  const CPreparedModel moved = std::move(prepared);
+  const double point = 0.25;
+  double value = 0.0;
+  EXPECT_EQ(copy.Evaluate(&point, 1, PrecisionExact, &value, nullptr, nullptr), 0);
+  EXPECT_EQ(value, 7.0);
+
+  value = -1.0;
+  const auto noMode = static_cast<E_PrecisionMode>(2);
+  EXPECT_EQ(moved.Evaluate(&point, 1, noMode, &value, nullptr, nullptr), 1);
+  EXPECT_EQ(moved.Evaluate(nullptr, 1, PrecisionFast, &value, nullptr, nullptr), 1);
+  EXPECT_EQ(moved.Evaluate(&point, 1, PrecisionExact, nullptr, nullptr, nullptr), 1);
+  EXPECT_EQ(moved.EvaluateGradients(&point, 1, nullptr, nullptr), 1);
+  EXPECT_EQ(CPreparedModel().Evaluate(&point, 1, PrecisionExact, &value, nullptr, nullptr), 1);
+  EXPECT_EQ(CPreparedModel().EvaluateGradients(&point, 1, &value, nullptr), 1);
+  EXPECT_TRUE(CPreparedModel().InputIDs().empty() && CPreparedModel().OutputIDs().empty());
+  EXPECT_EQ(value, -1.0);
+}
+
+// A record in memory may have products of three and more variables, between other terms.
+TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
+  for (std::uint32_t seed = 1; seed <= 30; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Draw draw(seed);
+    const int inputs = draw.Int(3, 5);
+    CQRSData record;
+    static_cast<CRSData&>(record) = *RandomSurface(draw, DT_QRSData, 3, 40, false);
+    record.NumberOfInputVariables = inputs;
+    record.InputSamples.assign(40, std::vector<double>(static_cast<std::size_t>(inputs), 0.5));
+    record.InputScaleSlopes = draw.Reals(inputs, 0.5, 2);
+    record.InputScaleIntercepts = draw.Reals(inputs, -1, 1);
+    std::vector<std::unique_ptr<RegTerm>> terms;
+    for (int k = 0; k < 9; ++k) {
+      const int count = draw.Int(1, 5);
+      std::vector<int> indices;
+      for (int v = 0; v < count; ++v) indices.push_back(draw.Int(0, inputs - 1));
+      if (count == 1) terms.push_back(std::make_unique<LinearTerm>());
+      if (count == 2) terms.push_back(std::make_unique<CrossQuadTerm>());
+      if (count > 2) terms.push_back(std::make_unique<CrossPolyTerm>());
+      const double coefficient = draw.Real(-3, 3);
+      terms.back()->SetParamVal(1, &coefficient);
+      terms.back()->SetUsedInpVarIdx(count, indices.data());
+    }
+    std::vector<RegTerm*> pointers;
+    for (const auto& term : terms) pointers.push_back(term.get());
+    record.SetRegTerm(pointers.data(), 9);
+    record.NumberOfSelectedRegTerms = 9;
+    record.SavePredictorError = true;
+    record.Sigma2 = 0.5;
+    for (int i = 0; i < 9; ++i) record.InvXtX.push_back(draw.Reals(9, -0.1, 0.1));
+    for (std::size_t i = 0; i < 9; ++i) record.InvXtX[i][i] = 2.0;
+    CDiscreteCombinations model;
+    FillModel(record, model);
+    const std::size_t rows = 37;
+    const std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, -1, 1);
+    const CPreparedModel prepared = Prepared(model);
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(prepared, Outputs(model), points, rows));
+
+    // The derivative by central differences, which are exact enough for polynomials this small.
+    std::vector<double> gradient(static_cast<std::size_t>(inputs));
+    ASSERT_EQ(prepared.EvaluateGradients(points.data(), 1, gradient.data(), nullptr), 0);
+    for (std::size_t i = 0; i < gradient.size(); ++i) {
+      const auto d = static_cast<std::ptrdiff_t>(inputs);
+      std::vector<double> pair(points.begin(), points.begin() + d);
+      pair.insert(pair.end(), points.begin(), points.begin() + d);
+      pair[i] -= 1e-4;
+      pair[i + gradient.size()] += 1e-4;
+      double ends[2] = {};
+      ASSERT_EQ(prepared.Evaluate(pair.data(), 2, PrecisionExact, ends, nullptr, nullptr), 0);
+      EXPECT_NEAR(gradient[i], (ends[1] - ends[0]) / 2e-4, 1e-3 * (1 + std::fabs(gradient[i])));
+    }
+  }
+}
+
+// Inputs of one rank are ordered by their values, as Evaluate sorts them.
+TEST(PreparedModel, InputsOfEqualRankChangePlaces) {
+  Draw draw(3);
+  CDiscreteCombinations model;
+  FillModel(*RandomSurface(draw, DT_KrigingData, 3, 20, false), model);
+  std::string text;
+  ASSERT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text), 0);
+  const std::size_t rank = text.find("{x02;2}");
+  ASSERT_NE(rank, std::string::npos);
+  text.replace(rank, 7, "{x02;0}");
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  CDiscreteCombinations tied;
+  ASSERT_EQ(reader.ResumeDiscreteCombinations(tied), 0);
+  const CPreparedModel prepared = Prepared(tied);
+  for (const std::vector<double>& x :
+       {std::vector<double>{0.2, 0.5, 0.8}, {0.8, 0.5, 0.2}, {0.3, 0.3, 0.3}}) {
+    std::vector<std::pair<std::string, double>> named;
+    std::vector<double> point;
+    for (std::size_t i = 0; i < 3; ++i) {
+      named.emplace_back("x0" + std::to_string(i), x[i]);
+    }
+    for (const std::string& id : prepared.InputIDs()) {
+      point.push_back(x[static_cast<std::size_t>(id.back() - '0')]);
+    }
+    std::vector<std::pair<std::string, double>> outputs;
+    ASSERT_EQ(tied.Evaluate({}, named, outputs), 0);
+    double value = 0.0;
+    ASSERT_EQ(prepared.Evaluate(point.data(), 1, PrecisionExact, &value, nullptr, nullptr), 0);
+    EXPECT_EQ(value, outputs[0].second);
+
+    // Each derivative goes to the input that stood at its place.
+    double gradient[3] = {};
+    ASSERT_EQ(prepared.EvaluateGradients(point.data(), 1, gradient, nullptr), 0);
+    if (x[0] == x[2]) continue;
+    for (std::size_t i = 0; i < 3; ++i) {
+      std::vector<double> pair = point;
+      pair.insert(pair.end(), point.begin(), point.end());
+      pair[i] -= 1e-6;
+      pair[3 + i] += 1e-6;
+      double ends[2] = {};
+      prepared.Evaluate(pair.data(), 2, PrecisionExact, ends, nullptr, nullptr);
+      EXPECT_NEAR(gradient[i], (ends[1] - ends[0]) / 2e-6, 1e-5 * (1 + std::fabs(gradient[i])));
+    }
+  }
+}
+
+// Distances of a fold that differ by less than the tolerance of its sort, in all orders, and one
+// that is no number: what stands first then is not the least one.
+TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
+  std::vector<std::unique_ptr<CRSData>> owned;
+  std::vector<CRSData*> surfaces;
+  for (const double value : {4.0, 3.0, 6.0}) {
+    auto surface = std::make_unique<CConstantData>();
+    surface->NumberOfInputVariables = 1;
+    surface->NumberOfSamples = 1;
+    surface->InputSamples = {{0.5}};
+    surface->SetConstantValue(value);
+    surface->ReadyForEvaluation = true;
+    owned.push_back(std::move(surface));
+    surfaces.push_back(owned.back().get());
+  }
+  std::vector<double> offsets = {0.0, 0.7e-12, 1.5e-12, 2.2e-12};
+  do {
+    for (const double odd : {1.0, kNaN}) {
+      CFittingCandidate candidate;
+      candidate.SetNumberOfInputVariables(1);
+      candidate.SetInputScaleSlopes({1.0});
+      candidate.SetInputScaleIntercepts({0.0});
+      candidate.SetOutputScaleSlope(2.0);
+      ASSERT_EQ(candidate.SetRSAndWeights(surfaces, {1.0}, true), 0);
+      std::vector<std::vector<double>> rows;
+      for (const double offset : offsets) rows.push_back({0.25 + offset});
+      rows.push_back({odd});
+      rows.push_back({0.75});
+      std::vector<int> counts = {5, 1};
+      candidate.SetCrossValidationData(rows, counts);
+      double scale = 0.1;
+      candidate.SetDPMinDist(scale);
+      CDiscreteCombinations model;
+      FillModel(candidate, 1, model);
+      std::vector<double> points;
+      for (int i = 0; i < 40; ++i) points.push_back(0.25 + 0.02 * i);
+      ASSERT_NO_FATAL_FAILURE(
+          ExpectAsEvaluated(Prepared(model), Outputs(model), points, points.size()));
+    }
+  } while (std::next_permutation(offsets.begin(), offsets.end()));
+}
+
+TEST(PreparedModel, OneSampleOfALinearBasisIsItsValue) {
+  CLBFData record;
+  record.NumberOfInputVariables = 1;
+  record.NumberOfSamples = 1;
+  record.InputSamples = {{0.5}};
+  record.OutputSamples = {3.0};
+  record.OutputScaleSlope = 2.0;
+  record.ReadyForEvaluation = true;
+  CDiscreteCombinations model;
+  FillModel(record, model);
+  ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(Prepared(model), Outputs(model), {0.1, 0.5, 0.9}, 3));
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::tests
