@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "literal/kernel_local_literal.h"
+#include "peers/peer.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/support_vector.h"
@@ -85,6 +86,15 @@ void RegisterSupportVector() {
     Register<CSVRData, CSVREvaluator>("support_vector", names[type], record, x,
                                       &literal::EvaluateSupportVector);
   }
+  record.SVRKernType = SVRKernGaussian;
+  const std::shared_ptr<peers::Peer> peer = peers::LibsvmRegression(record);
+  if (!peer) return;
+  double y = 0.0;
+  CSVREvaluator().EvaluateResponseSurface(&record, x, y);
+  peers::Check(*peer, record, {x}, {y});
+  benchmark::RegisterBenchmark("support_vector/libsvm/gaussian", [peer](benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(peer->EvaluateAt(0));
+  });
 }
 
 void RegisterMovingLeastSquares() {
@@ -99,15 +109,15 @@ void RegisterMovingLeastSquares() {
     int count;
   } bases[] = {{"constant", PolyConstant, 1},
                {"linear", PolyLinear, kInputs + 1},
-               {"pure_quadratic", PolyPureQuadratic, 2 * kInputs + 1},
-               {"full_quadratic", PolyFullQuadratic, (kInputs + 1) * (kInputs + 2) / 2}};
+               {"pure quadratic", PolyPureQuadratic, 2 * kInputs + 1},
+               {"full quadratic", PolyFullQuadratic, (kInputs + 1) * (kInputs + 2) / 2}};
   for (const auto& basis : bases) {
     for (const E_WeightFunction weight : {WeightGaussian, WeightCompact, WeightInverse}) {
       record.PolynomialType = basis.type;
       record.NumberOfBasisFunctions = basis.count;
       record.WeightFunction = weight;
       Register<CMLSData, CMLSEvaluator>("moving_least_squares",
-                                        std::string(basis.name) + "_" + weights[weight], record, x,
+                                        std::string(basis.name) + ", " + weights[weight], record, x,
                                         &literal::EvaluateMovingLeastSquares);
     }
   }
@@ -139,8 +149,8 @@ int main(int argc, char** argv) {
   RegisterLinearBasis();
   RatioReport report;
   benchmark::RunSpecifiedBenchmarks(&report);
-  for (const char* kind : {"support_vector", "moving_least_squares", "linear_basis"}) {
-    report.Print(kind);
-  }
+  report.Print("support_vector", "Support vectors", {4.0});
+  report.Print("moving_least_squares", "Moving least squares", {3.0});
+  report.Print("linear_basis", "Linear basis functions", {3.0});
   return 0;
 }

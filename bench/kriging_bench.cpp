@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "literal/kriging_literal.h"
+#include "peers/peer.h"
 #include "pxrom/kriging.h"
 #include "ratio_report.h"
 
@@ -51,6 +52,15 @@ void LibraryError(benchmark::State& state, CKrigingData& record, const std::vect
   }
 }
 
+/// At its points of one scaling, as a host of it keeps them.
+void PeerValue(benchmark::State& state, CKrigingData& record, const std::vector<double>& x) {
+  double y = 0.0;
+  CKrigingEvaluator().EvaluateResponseSurface(&record, x, y);
+  const auto peer = peers::OpenTurnsKriging(record);
+  peers::Check(*peer, record, {x}, {y});
+  for (auto _ : state) benchmark::DoNotOptimize(peer->EvaluateAt(0));
+}
+
 using Body = void (*)(benchmark::State&, CKrigingData&, const std::vector<double>&);
 
 void Register(const std::string& name, Body body, int n, int d) {
@@ -67,16 +77,18 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   for (const int n : {50, 200, 1000}) {
     for (const int d : {2, 6, 10}) {
-      const std::string size = "/n" + std::to_string(n) + "/d" + std::to_string(d);
+      const std::string size = "/n" + std::to_string(n) + " d" + std::to_string(d);
       Register("value/literal" + size, &LiteralValue, n, d);
       Register("value/library" + size, &LibraryValue, n, d);
+      if (peers::HasOpenTurns()) Register("value/OpenTURNS" + size, &PeerValue, n, d);
       Register("error/literal" + size, &LiteralError, n, d);
       Register("error/library" + size, &LibraryError, n, d);
     }
   }
   RatioReport report;
   benchmark::RunSpecifiedBenchmarks(&report);
-  report.Print("value");
-  report.Print("error");
+  report.Print("value", "Kriging value", {2.5});
+  report.Print("error", "Kriging value and error",
+               {8.0, 0.0, {"n200 d2", "n200 d6", "n200 d10", "n1000 d2", "n1000 d6", "n1000 d10"}});
   return 0;
 }

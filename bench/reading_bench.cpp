@@ -1,16 +1,57 @@
-// Reading of a database text against a plain std::from_chars pass over the same numbers, in one
-// run: the ratio, how it grows with the text, how many groups cost, and the memory it takes.
+// Reading of numbers and of whole database texts against a plain std::from_chars pass over the same
+// numbers, in one run: the ratio, how it grows with the text, how many groups cost, and the memory.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <new>
 #include <random>
 #include <string>
 
+#include "literal/reading_literal.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
 #include "ratio_report.h"
+#include "reading/tokens.h"
+
+namespace {
+
+/// What is allocated at the moment, and the most of it, while `isCounting`.
+struct Heap {
+  bool isCounting = false;
+  long long live = 0;
+  long long peak = 0;
+};
+Heap heap;
+
+void Count(void* memory, long long sign) {
+  if (!heap.isCounting || memory == nullptr) return;
+  heap.live += sign * static_cast<long long>(malloc_usable_size(memory));
+  heap.peak = std::max(heap.peak, heap.live);
+}
+
+}  // namespace
+
+// Not inlined, so that the compiler doesn't take malloc and free for a mismatched pair.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  void* const memory = std::malloc(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  Count(memory, 1);
+  return memory;
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+  Count(memory, -1);
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+  Count(memory, -1);
+  std::free(memory);
+}
 
 namespace {
 
@@ -106,19 +147,53 @@ void FromChars(benchmark::State& state, const std::string& text) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-/// The text handed over and read into objects, which are destroyed again.
-void Library(benchmark::State& state, std::string text) {
-  std::size_t objects = 0;
+/// The text handed over and read.
+int Read(const std::string& text, CDiscreteCombinations& model) {
+  CReaderPXROMDatabase reader;
+  auto copy = std::make_unique<std::string>(text);
+  reader.ReadDataStream(*copy);
+  copy.reset();
+  heap.peak = heap.live;  // what the caller held meanwhile is not the library's
+  return reader.ResumeDiscreteCombinations(model);
+}
+
+/// A text that was handed over is read into objects, which are destroyed again.
+void Library(benchmark::State& state, const std::string& text) {
+  CReaderPXROMDatabase reader;
+  {
+    std::string copy = text;
+    reader.ReadDataStream(copy);
+  }
   for (auto _ : state) {
-    CReaderPXROMDatabase reader;
-    reader.ReadDataStream(text);
     CDiscreteCombinations model;
-    const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
     if (reader.ResumeDiscreteCombinations(model) != 0) state.SkipWithError("refused");
-    objects = mallinfo2().uordblks + mallinfo2().hblkhd - before;
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
-  state.counters["objects/text"] = static_cast<double>(objects) / static_cast<double>(text.size());
+}
+
+/// What handing it over costs besides: the reader keeps a copy.
+void HandOver(benchmark::State& state, const std::string& text) {
+  std::string copy = text;
+  for (auto _ : state) {
+    CReaderPXROMDatabase reader;
+    reader.ReadDataStream(copy);
+    benchmark::DoNotOptimize(&reader);
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+void LibraryNumbers(benchmark::State& state, const std::string& text) {
+  for (auto _ : state) {
+    std::vector<double> values;
+    reading::Tokenize(text, ',', values);
+    benchmark::DoNotOptimize(values.data());
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+void Streams(benchmark::State& state, const std::string& text) {
+  for (auto _ : state) benchmark::DoNotOptimize(literal::TokenizeDouble(text, ',').data());
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
 struct Size {
@@ -127,28 +202,87 @@ struct Size {
   int outputs;
 };
 
+/// The most memory that reading takes at a time, the reader's copy of the text among it, and what
+/// the objects keep of it, per byte of the text.
+void PrintMemory(const std::string& name, const std::string& text) {
+  const double size = static_cast<double>(text.size());
+  CDiscreteCombinations model;
+  heap = {true, 0, 0};
+  const int status = Read(text, model);
+  const double objects = static_cast<double>(heap.live) / size;
+  const double peak = static_cast<double>(heap.peak) / size;
+  heap.isCounting = false;
+  const double allowed = 1.5 + objects;
+  RatioReport::Row("Memory while reading, " + name + ", bytes per byte of text",
+                   status == 0 ? RatioReport::Number(peak) : "refused", "", "",
+                   "objects " + RatioReport::Number(objects),
+                   RatioReport::Reached("<= " + RatioReport::Number(allowed), peak <= allowed));
+}
+
+std::string NameOf(const Size& size) {
+  return std::to_string(size.megabytes) + " MB, " + std::to_string(size.combinations) +
+         (size.combinations == 1 ? " combination of " : " combinations of ") +
+         std::to_string(size.outputs);
+}
+
+/// Texts that are made when they are first needed.
+class Texts {
+ public:
+  const std::string& Of(const Size& size) {
+    std::string& text = texts_[NameOf(size)];
+    if (text.empty()) text = Database(size.megabytes << 20, size.combinations, size.outputs);
+    return text;
+  }
+
+ private:
+  std::map<std::string, std::string> texts_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   // How the time grows with the text, and with the number of groups in it.
-  const Size sizes[] = {{1, 1, 1},   {10, 1, 1},   {25, 1, 1},    {50, 1, 1},
-                        {100, 1, 1}, {20, 10, 10}, {20, 1000, 10}};
+  const Size sizes[] = {{1, 1, 1}, {10, 1, 1}, {100, 1, 1}, {20, 10, 10}, {20, 1000, 10}};
+  Texts texts;
+  std::mt19937 random(1);
+  const std::string list = RandomList(random, 100000);
+  const std::pair<const char*, void (*)(benchmark::State&, const std::string&)> readers[] = {
+      {"numbers/from_chars/", &FromChars},
+      {"numbers/library/", &LibraryNumbers},
+      {"numbers/streams/", &Streams}};
+  for (const auto& [name, read] : readers) {
+    benchmark::RegisterBenchmark(
+        (std::string(name) + "a list of 100,000").c_str(),
+        [&list, read = read](benchmark::State& state) { read(state, list); });
+  }
   for (const Size& size : sizes) {
-    const std::string name = std::to_string(size.megabytes) + "MB_" +
-                             std::to_string(size.combinations) + "x" + std::to_string(size.outputs);
-    const auto text = [size] {
-      return Database(size.megabytes << 20, size.combinations, size.outputs);
-    };
-    benchmark::RegisterBenchmark(("reading/from_chars/" + name).c_str(),
-                                 [text](benchmark::State& state) { FromChars(state, text()); })
+    const std::string name = NameOf(size);
+    benchmark::RegisterBenchmark(
+        ("reading/from_chars/" + name).c_str(),
+        [&texts, size](benchmark::State& state) { FromChars(state, texts.Of(size)); })
         ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("reading/library/" + name).c_str(), [text](
+    benchmark::RegisterBenchmark(("reading/library/" + name).c_str(), [&texts, size](
                                                                           benchmark::State& state) {
-      Library(state, text());
+      Library(state, texts.Of(size));
     })->Unit(benchmark::kMillisecond);
   }
+  const Size usual = sizes[1];
+  benchmark::RegisterBenchmark(
+      ("reading/handing over/" + NameOf(usual)).c_str(),
+      [&texts, usual](benchmark::State& state) { HandOver(state, texts.Of(usual)); });
   RatioReport report;
   benchmark::RunSpecifiedBenchmarks(&report);
-  report.Print("reading", "from_chars");
+  report.Print("numbers", "Reading numbers, per MB", {0.8}, "from_chars");
+  report.Print("reading", "Reading databases, per MB", {0.8}, "from_chars");
+  // The last two sizes: the same length in a hundred and in ten thousand groups.
+  const double many = report.Best("reading", "library", NameOf(sizes[4]));
+  const double few = report.Best("reading", "library", NameOf(sizes[3]));
+  if (many > 0.0) {
+    RatioReport::Row("Reading databases, many groups against few", "", "",
+                     RatioReport::Number(few / many), "",
+                     RatioReport::Reached(">= 0.50", few / many >= 0.5));
+  }
+  for (const Size& size : sizes) PrintMemory(NameOf(size), texts.Of(size));
+  return 0;
 }

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "literal/kernel_local_literal.h"
+#include "literal/kriging_literal.h"
 #include "pxrom/constant.h"
-#include "pxrom/kriging.h"
-#include "pxrom/linear_basis.h"
-#include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
-#include "pxrom/support_vector.h"
 
 namespace literal {
 
@@ -16,15 +14,34 @@ namespace {
 
 using namespace Tarvane::Plexura::PXROM;
 
+/// An evaluator whose values come from the literal program of its family; the rest is the
+/// library's.
+template <class Evaluator, class Record>
+class LiteralValues : public Evaluator {
+ public:
+  using Value = int (*)(const Record&, const std::vector<double>&, double&);
+  using Evaluator::EvaluateResponseSurface;
+
+  explicit LiteralValues(Value value) : value_(value) {}
+  LiteralValues* Clone() const override { return new LiteralValues(*this); }
+  int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
+                              double& y) const override {
+    return value_(static_cast<const Record&>(*data), x, y);
+  }
+
+ private:
+  Value value_;
+};
+
 class EvaluatorTable {
  public:
   EvaluatorTable() {
     table_[DT_RSData] = new CRSEvaluator;
     table_[DT_QRSData] = new CQRSEvaluator;
-    table_[DT_KrigingData] = new CKrigingEvaluator;
-    table_[DT_SVRData] = new CSVREvaluator;
-    table_[DT_MLSData] = new CMLSEvaluator;
-    table_[DT_LBFData] = new CLBFEvaluator;
+    table_[DT_KrigingData] = new LiteralValues<CKrigingEvaluator, CKrigingData>(&EvaluateKriging);
+    table_[DT_SVRData] = new LiteralValues<CSVREvaluator, CSVRData>(&EvaluateSupportVector);
+    table_[DT_MLSData] = new LiteralValues<CMLSEvaluator, CMLSData>(&EvaluateMovingLeastSquares);
+    table_[DT_LBFData] = new LiteralValues<CLBFEvaluator, CLBFData>(&EvaluateLinearBasis);
     table_[DT_ConstantData] = new CConstantEvaluator;
   }
   ~EvaluatorTable() {

@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "batch/kernel_surface.h"
-#include "kriging/correlation.h"
+#include "numerics/bessel.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -70,7 +70,7 @@ Factor FactorOf(const KernelModel& model, double a, double k) {
       return z < 1.0 ? Factor{1.0 - z * z, -2.0 * k * z} : Factor{0.0, 0.0};
     case Kernel::BesselJ0:
       if (!(z <= kBesselEnd)) return {0.0, 0.0};
-      return {(kriging::BesselJ0(z) - model.shift) / (1.0 - model.shift),
+      return {(BesselJ0(z) - model.shift) / (1.0 - model.shift),
               -k * BesselJ1(z) / (1.0 - model.shift)};
     default: {
       if (z > kSincEnd) return {0.0, 0.0};

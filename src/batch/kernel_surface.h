@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "batch/lanes.h"
+#include "lanes/lanes.h"
 #include "batch/prepared_surface.h"
 #include "pxrom/types.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "batch/kernel_surface.h"
-#include "kriging/correlation.h"
+#include "numerics/bessel.h"
 #include "kriging/predictor_error.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/kriging.h"
@@ -99,7 +99,7 @@ std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& base, std::
     const std::vector<double>& kernels = record.CorrelationKernels;
     for (std::size_t i = 0; i < inputs; ++i)
       model.kernels[i] = kernels[kernels.size() == 1 ? 0 : i];
-    if (model.kernel == Kernel::BesselJ0) model.shift = kriging::BesselJ0(3.8317);
+    if (model.kernel == Kernel::BesselJ0) model.shift = BesselJ0(3.8317);
     if (model.kernel == Kernel::Sinc) model.shift = std::sin(kSincEnd) / kSincEnd;
   }
   model.hasTrend = record.PolynomialType != PolyNone;

@@ -257,7 +257,7 @@ int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, do
   return 0;
 }
 
-CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, batch::InstructionSet set) {
+CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, lanes::InstructionSet set) {
   CPreparedModel other;
   const Lanes* const lanes = batch::FindLanes(set);
   if (model.parts_ == nullptr || lanes == nullptr) return other;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/lanes.h"
+#include "lanes/lanes.h"
 #include "pxrom/batch.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -8,7 +8,7 @@ namespace Tarvane::Plexura::PXROM {
 /// What our own tests and benchmarks need of a prepared model: to choose its instructions.
 struct PreparedModelAccess {
   /// `model` with the loops of `set`; empty when FindLanes has none.
-  static CPreparedModel With(const CPreparedModel& model, batch::InstructionSet set);
+  static CPreparedModel With(const CPreparedModel& model, lanes::InstructionSet set);
 };
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -4,10 +4,12 @@
 #include <memory>
 #include <vector>
 
-#include "batch/lanes.h"
+#include "lanes/lanes.h"
 #include "pxrom/rs_data.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
+
+using namespace lanes;
 
 /// Hands out parts of a working area, each a whole number of cache lines. Without an area it only
 /// counts, so that one function tells both how much is needed and what stands where.

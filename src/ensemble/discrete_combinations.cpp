@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <type_traits>
 
 #include "ensemble/candidate_evaluation.h"
@@ -33,8 +34,16 @@ bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
   return a.value < b.value;
 }
 
+// Whether two names are equal. The last characters tell most of them apart.
+bool IsSame(const std::string& a, const std::string& b) {
+  const std::size_t size = a.size();
+  return size == b.size() && (size == 0 || a[size - 1] == b[size - 1]) &&
+         std::memcmp(a.data(), b.data(), size) == 0;
+}
+
 // Finds ranks of names that come in some sensible order. A caller mostly lists them by rank or by
-// ID, so that both of these guesses come before a search.
+// ID, so that both of these guesses come before a search: through the list of those that are
+// expected while it is short, else through the map.
 class RankFinder {
  public:
   using Ranks = std::map<std::string, std::int32_t>;
@@ -45,15 +54,23 @@ class RankFinder {
 
   /// The rank of the name at `place` of the caller's list; null when it is not registered.
   const std::int32_t* Find(const std::string& id, std::size_t place) {
-    if (byRank_ != nullptr && place < byRank_->size() && (*byRank_)[place].first == id) {
+    if (byRank_ != nullptr && place < byRank_->size() && IsSame((*byRank_)[place].first, id)) {
       return &(*byRank_)[place].second;
     }
-    if (nextByID_ == ranks_.end() || nextByID_->first != id) nextByID_ = ranks_.find(id);
+    if (nextByID_ != ranks_.end() && IsSame(nextByID_->first, id)) return &(nextByID_++)->second;
+    if (byRank_ != nullptr && byRank_->size() <= kFewNames) {
+      for (const auto& expected : *byRank_) {
+        if (IsSame(expected.first, id)) return &expected.second;
+      }
+    }
+    nextByID_ = ranks_.find(id);
     if (nextByID_ == ranks_.end()) return nullptr;
     return &(nextByID_++)->second;
   }
 
  private:
+  static constexpr std::size_t kFewNames = 24;
+
   const Ranks& ranks_;
   const ByRank* byRank_;
   Ranks::const_iterator nextByID_;

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "kernel_local/samples.h"
+#include "lanes/row_pieces.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/linear_basis.h"
 #include "records/evaluation_frame.h"
@@ -66,10 +68,48 @@ bool HasCentres(const CLBFData& data, const std::vector<double>& x) {
          HaveWidth(samples, static_cast<std::size_t>(data.NumberOfSamples), x.size());
 }
 
+// Which of the vectors' kernels `type` is; one that they don't serve if it is none.
+lanes::Kernel KernelOnLanes(E_LinearBasisFunction type) {
+  switch (type) {
+    case LBFGaussian:
+      return lanes::Kernel::RadialGaussian;
+    case LBFCompact:
+      return lanes::Kernel::RadialCompact;
+    case LBFCubic:
+      return lanes::Kernel::RadialCubic;
+    case LBFRational:
+      return lanes::Kernel::RadialRational;
+    case LBFSinc:
+    case LBFTanh:
+      break;
+  }
+  return lanes::Kernel::RadialSinc;
+}
+
+// EvaluateRadial with the vectors of `lanes`; false when they don't serve the record's function.
+bool EvaluateRadialOnLanes(const lanes::Lanes& lanes, const CLBFData& data,
+                           const std::vector<double>& x, std::vector<double>& out) {
+  lanes::RowKernels call;
+  call.kernel = KernelOnLanes(data.BasisFunctionType);
+  if (!lanes::HasRowKernels(call.kernel)) return false;
+  const double unused = 1.0;
+  call.inputs = x.size();
+  call.x = x.data();
+  call.kernels = &unused;
+  call.isOneKernel = true;
+  lanes::ForRowKernels(lanes, call, data.InputSamples.data(), out.size(), data.KernelValues.data(),
+                       [&](std::size_t first, std::size_t count, const double* values) {
+                         std::copy_n(values, count, out.data() + first);
+                       });
+  return true;
+}
+
 // The radial functions of the first out.size() samples at the scaled point `x`; false for an
 // unknown function, `out` untouched. The samples are used as they are stored: only the point is
 // scaled in this family, and that is how its models are fitted.
 bool EvaluateRadial(const CLBFData& data, const std::vector<double>& x, std::vector<double>& out) {
+  const lanes::Lanes* const lanes = lanes::LanesForRows();
+  if (lanes != nullptr && EvaluateRadialOnLanes(*lanes, data, x, out)) return true;
   return WithRadialFunction(data.BasisFunctionType,
                             static_cast<double>(data.NumberOfInputVariables),
                             [&](const auto& function) {

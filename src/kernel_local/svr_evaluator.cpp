@@ -3,6 +3,7 @@
 
 #include "kernel_local/samples.h"
 #include "kernel_local/svr_kernels.h"
+#include "lanes/row_pieces.h"
 #include "pxrom/support_vector.h"
 #include "records/evaluation_frame.h"
 
@@ -54,6 +55,48 @@ void EvaluateKernels(const Kernel& kernel, const CSVRData& record, const std::ve
   for (; j < kernels.size(); ++j) kernels[j] = 0.0;
 }
 
+// Which of the vectors' kernels `type` is; one that they don't serve if it is none.
+lanes::Kernel KernelOnLanes(E_SVRKernType type) {
+  switch (type) {
+    case SVRKernLinear:
+      return lanes::Kernel::DotLinear;
+    case SVRKernQuadratic:
+      return lanes::Kernel::DotQuadratic;
+    case SVRKernGaussian:
+      return lanes::Kernel::Gaussian;
+    case SVRKernExponential:
+      return lanes::Kernel::Exponential;
+    case SVRKernEpanechnikov:
+      return lanes::Kernel::Epanechnikov;
+    case SVRKernSigmoid:
+      break;
+  }
+  return lanes::Kernel::DotSigmoid;
+}
+
+// EvaluateKernels with the vectors of `lanes`; false when they don't serve the record's kernel.
+bool EvaluateOnLanes(const lanes::Lanes& lanes, const CSVRData& record, std::vector<double>& x,
+                     std::vector<double>& kernels) {
+  lanes::RowKernels call;
+  call.kernel = KernelOnLanes(record.SVRKernType);
+  if (!lanes::HasRowKernels(call.kernel)) return false;
+  // The status of the scaling is ignored here too.
+  if (record.ScaleAndOverwriteInputSample(x) == 0) {
+    call.slopes = record.InputScaleSlopes.data();
+    call.intercepts = record.InputScaleIntercepts.data();
+  }
+  call.inputs = x.size();
+  call.x = x.data();
+  call.kernels = record.KernelArray.data();
+  lanes::ForRowKernels(lanes, call, record.InputSamples.data(), kernels.size(), nullptr,
+                       [&](std::size_t first, std::size_t count, const double* values) {
+                         for (std::size_t k = 0; k < count; ++k) {
+                           kernels[first + k] = IsStoppedNow(record) ? 0.0 : values[k];
+                         }
+                       });
+  return true;
+}
+
 }  // namespace
 
 CSVREvaluator* CSVREvaluator::Clone() const { return new CSVREvaluator(*this); }
@@ -76,11 +119,15 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (!samples.empty()) {
     if (x.empty() || record.KernelArray.size() != x.size()) return 1;
     if (!HaveWidth(samples, samples.size(), x.size())) return 1;
-    const std::vector<Input> inputs = ScaledInputs(record, x);
-    const bool isKnown = WithKernel(record.SVRKernType, x.size(), [&](const auto& kernel) {
-      EvaluateKernels(kernel, record, inputs, kernels);
-    });
-    if (!isKnown) return 1;
+    std::vector<double> point = x;
+    const lanes::Lanes* const lanes = lanes::LanesForRows();
+    if (lanes == nullptr || !EvaluateOnLanes(*lanes, record, point, kernels)) {
+      const std::vector<Input> inputs = ScaledInputs(record, x);
+      const bool isKnown = WithKernel(record.SVRKernType, x.size(), [&](const auto& kernel) {
+        EvaluateKernels(kernel, record, inputs, kernels);
+      });
+      if (!isKnown) return 1;
+    }
   }
 
   double sum = record.ConstantCoefficient;

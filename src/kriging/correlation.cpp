@@ -1,9 +1,10 @@
 #include "kriging/correlation.h"
 
-#include <math.h>  // j0 is POSIX's, and stands in the global namespace
-
 #include <algorithm>
 #include <cmath>
+
+#include "lanes/row_pieces.h"
+#include "numerics/bessel.h"
 
 namespace Tarvane::Plexura::PXROM::kriging {
 
@@ -176,25 +177,51 @@ double OfRows(const Kernels& kernels, const double* x, const ScaledRows& samples
 }
 
 template <class Function>
-constexpr Correlation Row() {
-  return {&OfPair<Function>, &OfRows<Function>};
+constexpr Correlation Row(lanes::Kernel kernel) {
+  return {&OfPair<Function>, &OfRows<Function>, kernel};
 }
 
 // By E_KringingCorrelationFunctionType, from 1.
 constexpr Correlation kCorrelations[] = {
-    Row<Exponential>(), Row<Gaussian>(),      Row<Linear>(),      Row<Spherical>(),
-    Row<Cubic>(),       Row<Multiquadric>(),  Row<Spline>(),      Row<Matern52>(),
-    Row<Parabolic>(),   Row<ShiftedBessel>(), Row<ShiftedSinc>(),
+    Row<Exponential>(lanes::Kernel::Exponential),
+    Row<Gaussian>(lanes::Kernel::Gaussian),
+    Row<Linear>(lanes::Kernel::Linear),
+    Row<Spherical>(lanes::Kernel::Spherical),
+    Row<Cubic>(lanes::Kernel::Cubic),
+    Row<Multiquadric>(lanes::Kernel::Multiquadric),
+    Row<Spline>(lanes::Kernel::Spline),
+    Row<Matern52>(lanes::Kernel::Matern52),
+    Row<Parabolic>(lanes::Kernel::Parabolic),
+    Row<ShiftedBessel>(lanes::Kernel::BesselJ0),
+    Row<ShiftedSinc>(lanes::Kernel::Sinc),
 };
 
 }  // namespace
 
-double BesselJ0(double x) noexcept {
-#if defined(_WIN32)
-  return ::_j0(x);
-#else
-  return ::j0(x);
-#endif
+double CorrelateRows(const Correlation& correlation, const Kernels& kernels, const double* x,
+                     const ScaledRows& samples, std::size_t d, const double* weights, double* r,
+                     const lanes::Lanes* lanes) {
+  if (lanes == nullptr || !lanes::HasRowKernels(correlation.kernel)) {
+    return correlation.ofRows(kernels, x, samples, d, weights, r);
+  }
+  lanes::RowKernels call;
+  call.kernel = correlation.kernel;
+  call.inputs = d;
+  call.x = x;
+  call.slopes = samples.slopes;
+  call.intercepts = samples.intercepts;
+  call.kernels = kernels.values;
+  call.isOneKernel = kernels.count == 1;
+  double sum = 0.0;
+  lanes::ForRowKernels(*lanes, call, samples.rows, samples.count, nullptr,
+                       [&](std::size_t first, std::size_t count, const double* values) {
+                         std::copy_n(values, count, r + first);
+                         if (weights == nullptr) return;
+                         for (std::size_t k = 0; k < count; ++k) {
+                           sum += values[k] * weights[first + k];
+                         }
+                       });
+  return sum;
 }
 
 const Correlation* FindCorrelation(const CKrigingData& record) noexcept {

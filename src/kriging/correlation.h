@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "lanes/lanes.h"
 #include "pxrom/kriging.h"
 
 namespace Tarvane::Plexura::PXROM::kriging {
@@ -30,13 +31,17 @@ struct Correlation {
   /// is null. Each row has at least `d` values; `r` has room for all.
   double (*ofRows)(const Kernels& kernels, const double* x, const ScaledRows& samples,
                    std::size_t d, const double* weights, double* r);
+  /// The same function on vectors.
+  lanes::Kernel kernel;
 };
+
+/// Correlation::ofRows, on the vectors of `lanes` where these serve the function; null is without.
+double CorrelateRows(const Correlation& correlation, const Kernels& kernels, const double* x,
+                     const ScaledRows& samples, std::size_t d, const double* weights, double* r,
+                     const lanes::Lanes* lanes = lanes::LanesForRows());
 
 /// The function of the record, or null when its type is none, its kernels do not serve its inputs
 /// (neither one nor at least d), or it has no input.
 const Correlation* FindCorrelation(const CKrigingData& record) noexcept;
-
-/// The Bessel function of the first kind of order 0.
-double BesselJ0(double x) noexcept;
 
 }  // namespace Tarvane::Plexura::PXROM::kriging

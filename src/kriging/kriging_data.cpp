@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "kriging/correlation.h"
+#include "numerics/bessel.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/kriging.h"
 
@@ -271,6 +272,6 @@ int CKrigingData::EvaluateCorrelationMatrix(const Matrix& rows, Matrix& out) con
   return 0;
 }
 
-double CKrigingData::Bessel_j0(double x) const { return kriging::BesselJ0(x); }
+double CKrigingData::Bessel_j0(double x) const { return BesselJ0(x); }
 
 }  // namespace Tarvane::Plexura::PXROM

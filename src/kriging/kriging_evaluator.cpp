@@ -25,8 +25,9 @@ class Prediction {
     if (correlation == nullptr) return false;
     const auto n = static_cast<std::size_t>(record_.NumberOfSamples);
     correlations_.resize(n);
-    weighted_ = correlation->ofRows(
-        {record_.CorrelationKernels.data(), record_.CorrelationKernels.size()}, point_.data(),
+    weighted_ = kriging::CorrelateRows(
+        *correlation, {record_.CorrelationKernels.data(), record_.CorrelationKernels.size()},
+        point_.data(),
         {record_.InputSamples.data(), n, record_.InputScaleSlopes.data(),
          record_.InputScaleIntercepts.data()},
         point_.size(), record_.CorrelationCoefficients.data(), correlations_.data());

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kriging/correlation.h"
+#include "lanes/lanes.h"
 #include "numerics/polynomial_basis.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -40,7 +41,14 @@ void AddRowProducts(const Vector* rows, const double* x, std::size_t columns, do
 /// out[k] grows by m[k][j] x[j], in ascending j, for each element of `out`. `m` must cover both.
 void AddProduct(const Matrix& m, const double* x, std::size_t columns, Vector& out) {
   constexpr std::size_t kLanes = 8;
+  constexpr std::size_t kWide = 16;
   std::size_t k = 0;
+  const lanes::Lanes* const lanes = lanes::LanesForRows();
+  for (; lanes != nullptr && k + kWide <= out.size(); k += kWide) {
+    const double* rows[kWide];
+    for (std::size_t row = 0; row < kWide; ++row) rows[row] = m[k + row].data();
+    lanes->rowProducts(rows, x, columns, &out[k]);
+  }
   for (; k + kLanes <= out.size(); k += kLanes) {
     AddRowProducts<kLanes>(&m[k], x, columns, &out[k]);
   }
@@ -101,9 +109,9 @@ int CKrigingData::EvalErrorPredictions(Matrix& rows, Vector& out) {
   Vector sample;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (even && rows[i].size() == d) {
-      correlation->ofRows({CorrelationKernels.data(), CorrelationKernels.size()}, rows[i].data(),
-                          {InputSamples.data(), n, slopes.data(), intercepts.data()}, d, nullptr,
-                          R[i].data());
+      kriging::CorrelateRows(
+          *correlation, {CorrelationKernels.data(), CorrelationKernels.size()}, rows[i].data(),
+          {InputSamples.data(), n, slopes.data(), intercepts.data()}, d, nullptr, R[i].data());
       continue;
     }
     for (std::size_t j = 0; j < n; ++j) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
 
 namespace Tarvane::Plexura::PXROM::reading {
@@ -64,23 +65,47 @@ std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
   return rows * (columns * sizeof(double) + kRowOverhead);
 }
 
+namespace {
+
+bool IsMark(char c) { return c == '=' || c == '<' || c == '\n'; }
+
+/// Whether a mark is among `kCount` characters. Without a branch and of a fixed size, so that
+/// compilers make vector code of it.
+template <std::size_t kCount>
+bool HasMark(const char* text) {
+  unsigned char any = 0;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    any = static_cast<unsigned char>(any | (IsMark(text[i]) ? 1 : 0));
+  }
+  return any != 0;
+}
+
+void NoteMarks(std::string_view text, std::size_t first, std::size_t end, Marks& marks) {
+  for (std::size_t at = first; at < end; ++at) {
+    const char c = text[at];
+    if (!IsMark(c)) continue;
+    std::vector<std::size_t>& places = c == '='    ? marks.equalSigns
+                                       : c == '\n' ? marks.lineEnds
+                                                   : marks.brackets;
+    places.push_back(at);
+  }
+}
+
+}  // namespace
+
 Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
+  // The long lists of numbers, which are nearly all of a text, hold none of the three.
   constexpr std::size_t kBlock = 64;
-  const auto isMark = [](char c) { return c == '=' || c == '<' || c == '\n'; };
+  constexpr std::size_t kPart = 16;
   Marks marks;
-  for (std::size_t at = lower; at < end; at += kBlock) {
-    const std::string_view block = text.substr(at, std::min(kBlock, end - at));
-    // Without a branch, so that compilers make vector code of it: the long lists of numbers, which
-    // are nearly all of a text, hold none of the three.
-    unsigned char any = 0;
-    for (const char c : block) any = static_cast<unsigned char>(any | (isMark(c) ? 1 : 0));
-    if (any == 0) continue;
-    for (std::size_t i = 0; i < block.size(); ++i) {
-      if (block[i] == '=') marks.equalSigns.push_back(at + i);
-      if (block[i] == '\n') marks.lineEnds.push_back(at + i);
-      if (block[i] == '<') marks.brackets.push_back(at + i);
+  std::size_t at = lower;
+  for (; at < end && end - at >= kBlock; at += kBlock) {
+    if (!HasMark<kBlock>(&text[at])) continue;
+    for (std::size_t part = at; part < at + kBlock; part += kPart) {
+      if (HasMark<kPart>(&text[part])) NoteMarks(text, part, part + kPart, marks);
     }
   }
+  NoteMarks(text, at, end, marks);
   return marks;
 }
 
@@ -123,6 +148,13 @@ bool DatabaseText::Charge(std::size_t bytes) {
   return !IsExhausted();
 }
 
+AttributeRange::Places AttributeRange::PlacesInside(const std::vector<std::size_t>& places,
+                                                    std::size_t begin, std::size_t end) {
+  const auto first = std::lower_bound(places.begin(), places.end(), begin);
+  const auto last = std::lower_bound(first, places.end(), end);
+  return {places.data() + (first - places.begin()), places.data() + (last - places.begin())};
+}
+
 void AttributeRange::LookThrough() {
   lookedThrough_ = true;
   const std::string_view view = ViewOf(text_.View(), bounds_.lower, bounds_.upper);
@@ -130,25 +162,29 @@ void AttributeRange::LookThrough() {
   end_ = begin_ + view.size();
   marks_ = text_.AllMarks();
   // The bill is that of a look through the range, which each search of a key may come to.
-  if (!text_.Charge(WorkOfGroup(view.size())) || marks_ != nullptr) return;
-  ownMarks_ = FindMarks(text_.View(), begin_, end_);
-  marks_ = &ownMarks_;
+  if (!text_.Charge(WorkOfGroup(view.size()))) return;
+  if (marks_ == nullptr) {
+    ownMarks_ = FindMarks(text_.View(), begin_, end_);
+    marks_ = &ownMarks_;
+  }
+  equalSigns_ = PlacesInside(marks_->equalSigns, begin_, end_);
+  lineEnds_ = PlacesInside(marks_->lineEnds, begin_, end_);
 }
 
 bool AttributeRange::Find(const std::string& key, std::string_view& value) {
   if (!lookedThrough_) LookThrough();
   if (text_.IsExhausted()) return false;
   const std::string_view text = text_.View();
-  const std::vector<std::size_t>& places = marks_->equalSigns;
-  auto place = std::lower_bound(places.begin(), places.end(), begin_);
-  for (; place != places.end() && *place < end_; ++place) {
+  for (const std::size_t* place = equalSigns_.first; place != equalSigns_.last; ++place) {
     const std::size_t behind = *place + 1;
-    if (behind - begin_ < key.size() || text.compare(behind - key.size(), key.size(), key) != 0) {
+    if (behind - begin_ < key.size()) continue;
+    // The first characters tell most keys apart.
+    const char* const front = text.data() + (behind - key.size());
+    if (!key.empty() && (*front != key[0] || std::memcmp(front, key.data(), key.size()) != 0)) {
       continue;
     }
-    const std::vector<std::size_t>& ends = marks_->lineEnds;
-    const auto lineEnd = std::lower_bound(ends.begin(), ends.end(), behind);
-    const std::size_t last = lineEnd == ends.end() ? end_ : std::min(*lineEnd, end_);
+    const std::size_t* const lineEnd = std::lower_bound(lineEnds_.first, lineEnds_.last, behind);
+    const std::size_t last = lineEnd == lineEnds_.last ? end_ : *lineEnd;
     value = text.substr(behind, last - behind);
     return true;
   }
@@ -175,10 +211,7 @@ int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
   std::vector<std::vector<double>> matrix(rowCount);
   for (std::vector<double>& row : matrix) {
     row.resize(columnCount);
-    for (double& value : row) {
-      const std::size_t length = ExtractToken(list, separator, value);
-      list.remove_prefix(std::min(length + 1, list.size()));
-    }
+    ExtractTokens(list, separator, row.data(), columnCount);
   }
   target = std::move(matrix);
   return 0;

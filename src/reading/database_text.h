@@ -155,6 +155,14 @@ class AttributeRange {
   std::string_view ListValue(const std::string& key);
   void LookThrough();
 
+  /// Some of the marks, from the first to the one before the last.
+  struct Places {
+    const std::size_t* first = nullptr;
+    const std::size_t* last = nullptr;
+  };
+  static Places PlacesInside(const std::vector<std::size_t>& places, std::size_t begin,
+                             std::size_t end);
+
   DatabaseText& text_;
   Bounds bounds_;
   bool lookedThrough_ = false;
@@ -163,6 +171,9 @@ class AttributeRange {
   std::size_t end_ = 0;
   const Marks* marks_ = nullptr;
   Marks ownMarks_;
+  // Those of the range.
+  Places equalSigns_;
+  Places lineEnds_;
 };
 
 }  // namespace Tarvane::Plexura::PXROM::reading

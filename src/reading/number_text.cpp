@@ -5,6 +5,8 @@
 #include <limits>
 #include <system_error>
 
+#include "reading/short_decimal.h"
+
 namespace Tarvane::Plexura::PXROM::reading {
 
 namespace {
@@ -153,10 +155,13 @@ void Extract(std::string_view text, bool& target) noexcept {
   target = number.found && number.value != 0;
 }
 
+namespace {
+
+// The double at the front of `text` up to the next `delimiter`, and the number of characters of
+// that token. Nearly every token that ReadShortDecimal doesn't take is digits that end at the
+// delimiter, which std::from_chars takes in one pass exactly as a stream would; everything else
+// goes by the stream's rules. So does a delimiter that could stand inside of a number.
 std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept {
-  // Nearly every token is digits that end at the delimiter, which std::from_chars takes in one
-  // pass exactly as a stream would; everything else goes by the stream's rules. So does a delimiter
-  // that could stand inside of a number.
   if (!text.empty() && !IsInNumbers(delimiter) &&
       (IsDigit(text[0]) || (text[0] == '-' && text.size() > 1 && IsDigit(text[1])))) {
     const char* const end = text.data() + text.size();
@@ -171,6 +176,24 @@ std::size_t ExtractToken(std::string_view text, char delimiter, double& target) 
   target = 0.0;
   Extract(token, target);
   return token.size();
+}
+
+}  // namespace
+
+void ExtractTokens(std::string_view& text, char delimiter, double* values,
+                   std::size_t count) noexcept {
+  const bool isUsual = !IsInNumbers(delimiter);
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const char* behind = isUsual ? ReadShortDecimal(at, end, values[i]) : nullptr;
+    if (behind == nullptr || *behind != delimiter) {
+      const std::string_view rest(at, static_cast<std::size_t>(end - at));
+      behind = at + ExtractToken(rest, delimiter, values[i]);
+    }
+    at = behind < end ? behind + 1 : end;
+  }
+  text.remove_prefix(static_cast<std::size_t>(at - text.data()));
 }
 
 }  // namespace Tarvane::Plexura::PXROM::reading

@@ -16,8 +16,9 @@ void Extract(std::string_view text, double& target) noexcept;
 /// 0 and 1 by number; any other number is true, any word false.
 void Extract(std::string_view text, bool& target) noexcept;
 
-/// Reads the double at the front of `text` up to the next `delimiter` or the end, as Extract does
-/// into 0.0; returns the number of characters of that token.
-std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept;
+/// Reads `count` doubles from the front of `text`, each up to the next `delimiter` or the end, as
+/// Extract does into 0.0, and drops them from it. Behind the end all are 0.0.
+void ExtractTokens(std::string_view& text, char delimiter, double* values,
+                   std::size_t count) noexcept;
 
 }  // namespace Tarvane::Plexura::PXROM::reading

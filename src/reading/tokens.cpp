@@ -46,25 +46,26 @@ void TokenizeNumberPairs(std::string_view text, char pairDelimiter, char innerDe
 
 std::size_t CountTokens(std::string_view text, char delimiter) {
   if (text.empty()) return 0;
-  // Summed in bytes over pieces that can't overflow one, which compilers turn into vector code:
-  // lists are long, and this pass over them should cost next to nothing.
-  constexpr std::size_t kPiece = 255;
+  // Summed in bytes over pieces that can't overflow one and have a fixed size, which compilers turn
+  // into vector code: lists are long, and this pass over them should cost next to nothing.
+  constexpr std::size_t kPiece = 192;
   std::size_t delimiters = 0;
-  for (std::size_t at = 0; at < text.size(); at += kPiece) {
-    const std::string_view piece = text.substr(at, kPiece);
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (; static_cast<std::size_t>(end - at) >= kPiece; at += kPiece) {
     std::uint8_t count = 0;
-    for (const char c : piece) count = static_cast<std::uint8_t>(count + (c == delimiter ? 1 : 0));
+    for (std::size_t i = 0; i < kPiece; ++i) {
+      count = static_cast<std::uint8_t>(count + (at[i] == delimiter ? 1 : 0));
+    }
     delimiters += count;
   }
+  delimiters += static_cast<std::size_t>(std::count(at, end, delimiter));
   return text.back() == delimiter ? delimiters : delimiters + 1;
 }
 
 void Tokenize(std::string_view text, char delimiter, std::vector<double>& out) {
   out.resize(CountTokens(text, delimiter));
-  for (double& value : out) {
-    const std::size_t length = ExtractToken(text, delimiter, value);
-    text.remove_prefix(std::min(length + 1, text.size()));
-  }
+  ExtractTokens(text, delimiter, out.data(), out.size());
 }
 
 void Tokenize(std::string_view text, char delimiter, std::vector<int>& out) {

@@ -30,6 +30,14 @@ int InverseBox(double x, double lambda, Limit limit, double& out) {
 }
 
 int InverseBox(double x, double lambda, double& out) {
+  // 1e99^lambda is above 1 + lambda ln 1e99, and ln 1e99 above 227: below that no power is needed
+  // to know that the base is inside.
+  constexpr double kBelowLimit = 227.0;
+  const double base = lambda * x + 1.0;
+  if (lambda > 0.0 && base >= 0.0 && base < 1.0 + kBelowLimit * lambda) {
+    out = std::pow(base, 1.0 / lambda);
+    return 0;
+  }
   return InverseBox(
       x, lambda, [](double limit) { return limit; }, out);
 }

@@ -35,11 +35,11 @@ inline bool AreSame(double a, double b) {
 }
 
 /// The instruction sets that this machine has.
-inline std::vector<batch::InstructionSet> InstructionSets() {
-  std::vector<batch::InstructionSet> sets;
-  for (const auto set : {batch::InstructionSet::Portable, batch::InstructionSet::Avx2,
-                         batch::InstructionSet::Avx512}) {
-    if (batch::FindLanes(set) != nullptr) sets.push_back(set);
+inline std::vector<lanes::InstructionSet> InstructionSets() {
+  std::vector<lanes::InstructionSet> sets;
+  for (const auto set : {lanes::InstructionSet::Portable, lanes::InstructionSet::Avx2,
+                         lanes::InstructionSet::Avx512}) {
+    if (lanes::FindLanes(set) != nullptr) sets.push_back(set);
   }
   return sets;
 }

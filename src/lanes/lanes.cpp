@@ -1,6 +1,6 @@
-#include "batch/lanes.h"
+#include "lanes/lanes.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 
 namespace {
 
@@ -39,4 +39,18 @@ InstructionSet BestInstructionSet() noexcept {
   return InstructionSet::Portable;
 }
 
-}  // namespace Tarvane::Plexura::PXROM::batch
+bool HasRowKernels(Kernel kernel) noexcept {
+  switch (kernel) {
+    case Kernel::Matern52:
+    case Kernel::BesselJ0:
+    case Kernel::Sinc:
+    case Kernel::DotSigmoid:
+    case Kernel::RadialSinc:
+    case Kernel::RadialTanh:
+      return false;
+    default:
+      return true;
+  }
+}
+
+}  // namespace Tarvane::Plexura::PXROM::lanes

@@ -2,9 +2,10 @@
 
 // The remaining loops over points, and the table of all of them.
 
-#include "batch/lanes_sums.h"
+#include "lanes/rows.h"
+#include "lanes/sums.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 namespace {
 
 template <bool kCoefficientFirst>
@@ -171,8 +172,9 @@ void SquaredDistancesOf(const double* rows, std::size_t rowCount, const double* 
   }
 }
 
-constexpr Lanes kTable = {&SumOf,           &FastSumOf,      &PolynomialOf,      &ProductsOf,
-                          &QuadraticFormOf, &KrigingErrorOf, &SquaredDistancesOf};
+constexpr Lanes kTable = {&SumOf,      &FastSumOf,       &PolynomialOf,
+                          &ProductsOf, &QuadraticFormOf, &KrigingErrorOf,
+                          kRowKernels, kRowProducts,     &SquaredDistancesOf};
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

@@ -1,26 +1,26 @@
 // Compiled with the instruction set switched on where the compiler has it (src/CMakeLists.txt), and
 // empty elsewhere.
 
-#include "batch/lanes.h"
+#include "lanes/lanes.h"
 
 #if defined(__AVX2__) && defined(__FMA__)
 
 #define PXROM_LANES PXROM_LANES_AVX2
 
-#include "batch/lanes_table.h"
+#include "lanes/table.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 
 const Lanes* Avx2Lanes() noexcept { return &kTable; }
 
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes
 
 #else
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 
 const Lanes* Avx2Lanes() noexcept { return nullptr; }
 
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes
 
 #endif

@@ -3,10 +3,10 @@
 // The kernels on vectors: what one input adds to a state, and the kernel from the last state.
 // The exact ones do what the evaluators do, operation by operation.
 
-#include "batch/lanes.h"
-#include "batch/lanes_math.h"
+#include "lanes/functions.h"
+#include "lanes/lanes.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 namespace {
 
 // ------------------------------------------------------------------------------------------ exact
@@ -19,12 +19,12 @@ struct ExactSum {
 struct ExactProduct {
   static constexpr double kStart = 1.0;
   static constexpr bool kAsksPerInput = false;
-  static Exact Finish(const KernelSum&, V product, V) { return {product, 0}; }
+  static Exact Finish(const KernelShape&, V product, V) { return {product, 0}; }
 };
 
 struct Exponential : ExactSum {
   PXROM_INLINE V Step(V sum, V x, V y, V k) { return sum + k * Abs(x - y); }
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) { return ExpOfMinus(sum); }
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) { return ExpOfMinus(sum); }
 };
 
 struct Gaussian : ExactSum {
@@ -33,7 +33,7 @@ struct Gaussian : ExactSum {
     const V a = x - y;
     return sum + k * a * a;
   }
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) { return ExpOfMinus(sum); }
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) { return ExpOfMinus(sum); }
 };
 
 struct Linear : ExactProduct {
@@ -89,8 +89,8 @@ struct Matern52 : ExactSum {
   PXROM_INLINE V Distance(V x, V y, V k) { return Set(0x1.1e3779b97f4a8p+1) * (k * Abs(x - y)); }
   PXROM_INLINE V Argument(V t) { return Set(1.0) + t + Third(t * t); }
   PXROM_INLINE Exact Ask(V argument) { return Log(argument); }
-  PXROM_INLINE V Combine(const KernelSum&, V sum, V t, V log) { return sum + (t - log); }
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) { return ExpOfMinus(sum); }
+  PXROM_INLINE V Combine(const KernelShape&, V sum, V t, V log) { return sum + (t - log); }
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) { return ExpOfMinus(sum); }
 };
 
 struct BesselJ0 : ExactProduct {
@@ -99,7 +99,7 @@ struct BesselJ0 : ExactProduct {
   PXROM_INLINE V Distance(V x, V y, V k) { return k * Abs(x - y); }
   PXROM_INLINE V Argument(V z) { return z; }
   PXROM_INLINE Exact Ask(V z) { return {z, Bits(IsAtMost(z, Set(kEnd)))}; }
-  PXROM_INLINE V Combine(const KernelSum& call, V product, V z, V j0) {
+  PXROM_INLINE V Combine(const KernelShape& call, V product, V z, V j0) {
     const V factor = (j0 - Set(call.shift)) / (Set(1.0) - Set(call.shift));
     return Select(IsAtMost(z, Set(kEnd)), product * factor, Set(0.0));
   }
@@ -116,7 +116,7 @@ struct Sinc : ExactProduct {
   PXROM_INLINE Exact Ask(V z) {
     return {z, Bits(IsLess(Set(kSincTiny), Abs(z))) & Bits(IsAtMost(z, Set(kSincEnd)))};
   }
-  PXROM_INLINE V Combine(const KernelSum& call, V product, V z, V sine) {
+  PXROM_INLINE V Combine(const KernelShape& call, V product, V z, V sine) {
     const V factor = (sine / z - Set(call.shift)) / (Set(1.0) - Set(call.shift));
     const V inside = Select(IsLess(Set(kSincTiny), Abs(z)), product * factor, product);
     return Select(IsLess(Set(kSincEnd), z), Set(0.0), inside);
@@ -128,17 +128,17 @@ struct Dot : ExactSum {
 };
 
 struct DotLinear : Dot {
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) { return {Set(1.0) + sum, 0}; }
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) { return {Set(1.0) + sum, 0}; }
 };
 
 struct DotQuadratic : Dot {
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) {
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) {
     return {(Set(1.0) + sum) * (Set(1.0) + sum), 0};
   }
 };
 
 struct DotSigmoid : Dot {
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) { return {sum, kAllLanes}; }
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) { return {sum, kAllLanes}; }
 };
 
 struct SquaredDistance : ExactSum {
@@ -149,18 +149,18 @@ struct SquaredDistance : ExactSum {
 };
 
 struct Epanechnikov : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V sum, V) {
+  PXROM_INLINE Exact Finish(const KernelShape&, V sum, V) {
     const V inside = Set(0.75) * (Set(1.0) - sum * sum);
     return {Select(IsAtMost(Set(1.0), sum), Set(0.0), inside), 0};
   }
 };
 
 struct RadialGaussian : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V h) { return ExpOfMinus(r2 / (h * h)); }
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V h) { return ExpOfMinus(r2 / (h * h)); }
 };
 
 struct RadialCompact : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V h) {
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V h) {
     const V t = Sqrt(r2) / (Set(2.0) * h);
     const Exact power = Power4(Set(1.0) - t);
     const M inside = IsAtMost(t, Set(1.0));
@@ -170,7 +170,7 @@ struct RadialCompact : SquaredDistance {
 };
 
 struct RadialCubic : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V h) {
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V h) {
     const V t = Sqrt(r2) / (Set(2.0) * h);
     const V inside = Set(1.0) - Set(3.0) * t * t + Set(2.0) * t * t * t;
     return {Select(IsAtMost(Abs(t), Set(1.0)), inside, Set(0.0)), 0};
@@ -178,17 +178,17 @@ struct RadialCubic : SquaredDistance {
 };
 
 struct RadialSinc : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V) { return {r2, kAllLanes}; }
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V) { return {r2, kAllLanes}; }
 };
 
 struct RadialRational : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V h) {
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V h) {
     return {Set(1.0) / (r2 / (h * h) + Set(1.0)), 0};
   }
 };
 
 struct RadialTanh : SquaredDistance {
-  PXROM_INLINE Exact Finish(const KernelSum&, V r2, V) { return {r2, kAllLanes}; }
+  PXROM_INLINE Exact Finish(const KernelShape&, V r2, V) { return {r2, kAllLanes}; }
 };
 
 // ------------------------------------------------------------------------------------------- fast
@@ -203,14 +203,14 @@ struct FastGaussian {
     const V a = x - y;
     return Fma(a, a, q);
   }
-  PXROM_INLINE V Finish(const KernelSum&, V q, V) { return Exp2OfMinus(q); }
+  PXROM_INLINE V Finish(const KernelShape&, V q, V) { return Exp2OfMinus(q); }
 };
 
 struct FastExponential {
   using State = V;
   PXROM_INLINE State Start() { return Set(0.0); }
   PXROM_INLINE V Step(V q, V x, V y) { return q + Abs(x - y); }
-  PXROM_INLINE V Finish(const KernelSum&, V q, V) { return Exp2OfMinus(q); }
+  PXROM_INLINE V Finish(const KernelShape&, V q, V) { return Exp2OfMinus(q); }
 };
 
 struct FastMatern52 {
@@ -225,7 +225,7 @@ struct FastMatern52 {
     const V factor = Fma(t, Fma(t, Set(1.0 / 3.0), Set(1.0)), Set(1.0));
     return {s.sum + t, s.product * factor};
   }
-  PXROM_INLINE V Finish(const KernelSum&, State s, V) {
+  PXROM_INLINE V Finish(const KernelShape&, State s, V) {
     constexpr double kBase2 = 0x1.71547652b82fep+0;
     const V kernel = Exp2OfMinus(s.sum * Set(kBase2)) * s.product;
     return Select(IsLess(s.sum, Set(690.0)), kernel, Set(0.0));
@@ -243,7 +243,7 @@ struct FastBesselJ0 {
     const V factor = (BesselJ0OfSquare(w) - Set(kShift)) * Set(1.0 / (1.0 - kShift));
     return Select(IsAtMost(w, Set(BesselJ0::kEnd * BesselJ0::kEnd)), product * factor, Set(0.0));
   }
-  PXROM_INLINE V Finish(const KernelSum&, V product, V) { return product; }
+  PXROM_INLINE V Finish(const KernelShape&, V product, V) { return product; }
 };
 
 // sin(z) / z - c over 1 - c, with c = -1 / kSincEnd.
@@ -260,7 +260,7 @@ struct FastSinc {
     const V a = x - y;
     return product * ShiftedSincOfSquare(a * a);
   }
-  PXROM_INLINE V Finish(const KernelSum&, V product, V) { return product; }
+  PXROM_INLINE V Finish(const KernelShape&, V product, V) { return product; }
 };
 
 struct FastSquaredDistance : FastGaussian {};
@@ -270,17 +270,17 @@ struct FastDotSigmoid {
   PXROM_INLINE State Start() { return Set(0.0); }
   // As exact: nothing bounds what cancels here.
   PXROM_INLINE V Step(V sum, V x, V y) { return sum + x * y; }
-  PXROM_INLINE V Finish(const KernelSum& call, V sum, V) {
+  PXROM_INLINE V Finish(const KernelShape& call, V sum, V) {
     return HyperbolicTangent(Set(call.perInput) * sum - Set(call.shift));
   }
 };
 
 struct FastRadialGaussian : FastSquaredDistance {
-  PXROM_INLINE V Finish(const KernelSum&, V r2, V g) { return Exp2OfMinus(r2 * g); }
+  PXROM_INLINE V Finish(const KernelShape&, V r2, V g) { return Exp2OfMinus(r2 * g); }
 };
 
 struct FastRadialCompact : FastSquaredDistance {
-  PXROM_INLINE V Finish(const KernelSum&, V r2, V g) {
+  PXROM_INLINE V Finish(const KernelShape&, V r2, V g) {
     const V t = Smaller(Sqrt(r2) * g, Set(1.0));
     const V u = Set(1.0) - t;
     const V square = u * u;
@@ -289,12 +289,12 @@ struct FastRadialCompact : FastSquaredDistance {
 };
 
 struct FastRadialSinc : FastSquaredDistance {
-  PXROM_INLINE V Finish(const KernelSum&, V r2, V g) { return ShiftedSincOfSquare(r2 * g); }
+  PXROM_INLINE V Finish(const KernelShape&, V r2, V g) { return ShiftedSincOfSquare(r2 * g); }
 };
 
 struct FastRadialTanh : FastSquaredDistance {
-  PXROM_INLINE V Finish(const KernelSum&, V r2, V g) { return HyperbolicTangent(Sqrt(r2) * g); }
+  PXROM_INLINE V Finish(const KernelShape&, V r2, V g) { return HyperbolicTangent(Sqrt(r2) * g); }
 };
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

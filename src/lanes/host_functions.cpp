@@ -4,10 +4,10 @@
 #include <cmath>
 #include <vector>
 
-#include "batch/lanes.h"
-#include "kriging/correlation.h"
+#include "lanes/lanes.h"
+#include "numerics/bessel.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 
 namespace {
 
@@ -27,7 +27,7 @@ double RadialSinc(double r2, double h, double shift) {
 // Calls `use(kernel)`, where kernel(sum, width) is the whole kernel; not for kernels without a
 // function of the host.
 template <class Use>
-void WithHostKernel(const KernelSum& call, const Use& use) {
+void WithHostKernel(const KernelShape& call, const Use& use) {
   switch (call.kernel) {
     case Kernel::Exponential:
     case Kernel::Gaussian:
@@ -54,6 +54,12 @@ void WithHostKernel(const KernelSum& call, const Use& use) {
 
 }  // namespace
 
+double AskForKernel(const KernelShape& shape, double sum, double width) {
+  double value = 0.0;
+  WithHostKernel(shape, [&](const auto& kernel) { value = kernel(sum, width); });
+  return value;
+}
+
 void AskForKernels(const KernelSum& call, std::size_t firstCentre, const Question* questions,
                    std::size_t count, double* values) {
   WithHostKernel(call, [&](const auto& kernel) {
@@ -72,7 +78,7 @@ void AskForSteps(Kernel kernel, const Question* questions, std::size_t count, do
     }
   };
   if (kernel == Kernel::Matern52) answer([](double x) { return std::log(x); });
-  if (kernel == Kernel::BesselJ0) answer([](double x) { return kriging::BesselJ0(x); });
+  if (kernel == Kernel::BesselJ0) answer([](double x) { return BesselJ0(x); });
   if (kernel == Kernel::Sinc) answer([](double x) { return std::sin(x); });
 }
 
@@ -142,4 +148,4 @@ bool AreHostFunctionsKnown() noexcept {
   return areKnown;
 }
 
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

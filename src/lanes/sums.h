@@ -3,9 +3,9 @@
 // The loops over centres and points. A group of `kGroup` vectors of points goes through them
 // together, so that the chains of additions of one point hide behind those of the others.
 
-#include "batch/lanes_kernels.h"
+#include "lanes/kernels.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 namespace {
 
 constexpr std::size_t kGroup = 4;
@@ -248,4 +248,4 @@ void FastSumOf(const KernelSum& call) {
 }
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

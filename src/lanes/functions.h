@@ -8,9 +8,9 @@
 // lane where it is not is left open, a few in a hundred, and the host is asked. That rests on a
 // bound of the host's error; AreHostFunctionsKnown checks it, and all lanes are open if it fails.
 
-#include "batch/lanes_vector.h"
+#include "lanes/vector.h"
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 namespace {
 
 /// A value, and the lanes (Bits) that the host has to be asked for.
@@ -320,4 +320,4 @@ PXROM_INLINE V HyperbolicTangent(V z) {
 }
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

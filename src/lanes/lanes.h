@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 
 /// Points are worked on in blocks, side by side: value `v` of all points of a block stands at
 /// [v * kBlock] to [v * kBlock + kBlock - 1]. The last points of a block that is not full are
@@ -44,18 +44,22 @@ struct Question {
   std::size_t place;  ///< where the answer belongs
 };
 
-/// A weighted sum of kernels between each point of a block and all centres.
-struct KernelSum {
+/// Which function a kernel is.
+struct KernelShape {
   Kernel kernel = Kernel::Gaussian;
   std::size_t inputs = 0;
+  double shift = 0.0;     ///< the constant of the functions that are shifted to end at 0
+  double perInput = 0.0;  ///< the factor of the functions that depend on the inputs' number
+};
+
+/// A weighted sum of kernels between each point of a block and all centres.
+struct KernelSum : KernelShape {
   std::size_t centreCount = 0;
   const double* centres = nullptr;  ///< row by row
   const double* kernels = nullptr;  ///< one per input
   const double* widths = nullptr;   ///< one per centre, or null
   const double* weights = nullptr;  ///< one per centre
   double start = 0.0;               ///< what the sum begins with
-  double shift = 0.0;               ///< the constant of the functions that are shifted to end at 0
-  double perInput = 0.0;  ///< the factor of the functions that depend on the inputs' number
 
   const double* x = nullptr;      ///< the points, input by input
   std::size_t points = 0;         ///< how many of them count
@@ -64,6 +68,24 @@ struct KernelSum {
   double* values = nullptr;       ///< room for those of kChunk centres, a block for each
   double* steps = nullptr;        ///< room for two blocks per input
   Question* questions = nullptr;  ///< room for a block for each of kChunk centres and all inputs
+};
+
+/// As many rows are gone through at a time where one point meets rows that lie anywhere.
+constexpr std::size_t kRows = 32;
+
+/// Kernels between one point and up to kRows rows, which are scaled on the way: the arrays of rows,
+/// widths and values have room for kRows, and up to the next multiple of 8 behind `count` they hold
+/// something that may be read and is as good as the rest, or may be written.
+struct RowKernels : KernelShape {
+  const double* x = nullptr;       ///< the scaled point
+  const double* slopes = nullptr;  ///< null for rows that are not scaled
+  const double* intercepts = nullptr;
+  const double* kernels = nullptr;  ///< one per input, or one for all
+  bool isOneKernel = false;
+  const double* const* rows = nullptr;
+  const double* widths = nullptr;  ///< of the rows, or null
+  std::size_t count = 0;
+  double* values = nullptr;
 };
 
 /// A polynomial: products of up to two variables, in order. Variable `inputs` is a 1.
@@ -113,6 +135,10 @@ struct Lanes {
   void (*quadraticForm)(const double* matrix, const double* f, std::size_t order,
                         std::size_t points, double* sums);
   void (*krigingError)(const KrigingErrorSum& call);
+  /// Only for kernels that HasRowKernels names; null in loops that would be no faster than others.
+  void (*rowKernels)(const RowKernels& call);
+  /// out[k] grows by rows[k][j] x[j], in ascending j, for 16 rows. Null as rowKernels is.
+  void (*rowProducts)(const double* const* rows, const double* x, std::size_t columns, double* out);
   /// values[r] = the sum of (x - row)^2 over the inputs.
   void (*squaredDistances)(const double* rows, std::size_t rowCount, const double* x,
                            std::size_t inputs, std::size_t points, double* values);
@@ -124,6 +150,11 @@ enum class InstructionSet : std::uint8_t { Portable, Avx2, Avx512 };
 const Lanes* FindLanes(InstructionSet set) noexcept;
 /// The best that the machine can run.
 InstructionSet BestInstructionSet() noexcept;
+/// The loops for one point at a time: the best that are exact; null when there are none.
+const Lanes* LanesForRows() noexcept;
+/// Whether Lanes::rowKernels serves `kernel`: those whose functions vectors can give.
+bool HasRowKernels(Kernel kernel) noexcept;
+
 /// Whether the host's exp, log and pow are as near to the exact value as the exact loops of the
 /// other sets take for granted; tried out on some thousand arguments, once. Else only the portable
 /// ones are exact.
@@ -134,6 +165,9 @@ const Lanes* PortableLanes() noexcept;
 const Lanes* Avx2Lanes() noexcept;
 const Lanes* Avx512Lanes() noexcept;
 
+/// The whole kernel by the host's library, from the sum of its steps; `width` is that of a radial
+/// function.
+double AskForKernel(const KernelShape& shape, double sum, double width);
 /// Writes what the host's library gives for `count` questions to their places in `values`: the
 /// whole kernel of a centre, counted from `firstCentre`, for the sum of its steps.
 void AskForKernels(const KernelSum& call, std::size_t firstCentre, const Question* questions,
@@ -141,4 +175,4 @@ void AskForKernels(const KernelSum& call, std::size_t firstCentre, const Questio
 /// The same for one step of Matern52, BesselJ0 and Sinc: a logarithm, J0 or a sine.
 void AskForSteps(Kernel kernel, const Question* questions, std::size_t count, double* values);
 
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

@@ -25,7 +25,7 @@
 #define PXROM_INLINE static inline
 #endif
 
-namespace Tarvane::Plexura::PXROM::batch {
+namespace Tarvane::Plexura::PXROM::lanes {
 namespace {
 
 // V is the vector, M the result of a comparison, one truth value per lane. Bits(M) has the first
@@ -52,6 +52,26 @@ PXROM_INLINE M IsOther(V a, V b) { return _mm512_cmp_pd_mask(a, b, _CMP_NEQ_UQ);
 PXROM_INLINE V Select(M m, V yes, V no) { return _mm512_mask_blend_pd(m, no, yes); }
 PXROM_INLINE unsigned Bits(M m) { return m; }
 
+template <int kPair>
+PXROM_INLINE V WithPair(V v, const double* from) {
+  const __m128 pair = _mm_castpd_ps(_mm_loadu_pd(from));
+  return _mm512_castps_pd(_mm512_insertf32x4(_mm512_castpd_ps(v), pair, kPair));
+}
+
+/// Values i and i + 1 of kLanes rows.
+PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, V& first, V& second) {
+  V even = _mm512_castpd128_pd512(_mm_loadu_pd(rows[0] + i));
+  V odd = _mm512_castpd128_pd512(_mm_loadu_pd(rows[1] + i));
+  even = WithPair<1>(even, rows[2] + i);
+  odd = WithPair<1>(odd, rows[3] + i);
+  even = WithPair<2>(even, rows[4] + i);
+  odd = WithPair<2>(odd, rows[5] + i);
+  even = WithPair<3>(even, rows[6] + i);
+  odd = WithPair<3>(odd, rows[7] + i);
+  first = _mm512_maskz_unpacklo_pd(kEveryLane, even, odd);
+  second = _mm512_maskz_unpackhi_pd(kEveryLane, even, odd);
+}
+
 #elif PXROM_LANES == PXROM_LANES_AVX2
 
 using V = __m256d;
@@ -70,6 +90,16 @@ PXROM_INLINE M IsAtMost(V a, V b) { return _mm256_cmp_pd(a, b, _CMP_LE_OQ); }
 PXROM_INLINE M IsOther(V a, V b) { return _mm256_cmp_pd(a, b, _CMP_NEQ_UQ); }
 PXROM_INLINE V Select(M m, V yes, V no) { return _mm256_blendv_pd(no, yes, m); }
 PXROM_INLINE unsigned Bits(M m) { return static_cast<unsigned>(_mm256_movemask_pd(m)); }
+
+/// Values i and i + 1 of kLanes rows.
+PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, V& first, V& second) {
+  V even = _mm256_castpd128_pd256(_mm_loadu_pd(rows[0] + i));
+  V odd = _mm256_castpd128_pd256(_mm_loadu_pd(rows[1] + i));
+  even = _mm256_insertf128_pd(even, _mm_loadu_pd(rows[2] + i), 1);
+  odd = _mm256_insertf128_pd(odd, _mm_loadu_pd(rows[3] + i), 1);
+  first = _mm256_unpacklo_pd(even, odd);
+  second = _mm256_unpackhi_pd(even, odd);
+}
 
 #else
 
@@ -108,4 +138,4 @@ constexpr unsigned kAllLanes = (1U << kLanes) - 1U;
 PXROM_INLINE V Smaller(V a, V b) { return Select(IsLess(a, b), a, b); }
 
 }  // namespace
-}  // namespace Tarvane::Plexura::PXROM::batch
+}  // namespace Tarvane::Plexura::PXROM::lanes

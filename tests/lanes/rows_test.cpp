@@ -1,0 +1,95 @@
+// One point against rows on vectors: the bits of the plain loops, with every instruction set that
+// this machine has.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "kriging/correlation.h"
+#include "lanes/lanes.h"
+#include "literal/kriging_literal.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+bool AreSame(double a, double b) {
+  return std::isnan(a) ? std::isnan(b) : std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+std::vector<const lanes::Lanes*> LanesWithRows() {
+  std::vector<const lanes::Lanes*> all;
+  for (const auto set : {lanes::InstructionSet::Avx2, lanes::InstructionSet::Avx512}) {
+    if (lanes::FindLanes(set) != nullptr) all.push_back(lanes::FindLanes(set));
+  }
+  return all;
+}
+
+TEST(Rows, CorrelationsAreThoseOfPlainLoops) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::mt19937 random(5);
+  for (int round = 0; round < 400; ++round) {
+    const int type = CorrExponential + round % (CorrSinc - CorrExponential + 1);
+    const int n = std::uniform_int_distribution<int>(1, 70)(random);
+    const int d = std::uniform_int_distribution<int>(1, 7)(random);
+    CKrigingData record = literal::RandomKriging(random, type, PolyConstant, n, d, round % 3 == 0);
+    std::vector<double> x(static_cast<std::size_t>(d), 0.3);
+    const double odd[] = {kInfinity, -kInfinity, std::nan(""), -0.0, 1e300, 1e-300};
+    if (round % 4 == 1) x[0] = odd[static_cast<std::size_t>(round) / 4 % std::size(odd)];
+    if (round % 4 == 2) record.InputSamples[0][0] = odd[static_cast<std::size_t>(round) / 4 % 6];
+    if (round % 5 == 4) record.CorrelationKernels[0] = -0.7;
+
+    const kriging::Correlation* const correlation = kriging::FindCorrelation(record);
+    ASSERT_NE(correlation, nullptr);
+    const kriging::Kernels kernels = {record.CorrelationKernels.data(),
+                                      record.CorrelationKernels.size()};
+    const kriging::ScaledRows rows = {record.InputSamples.data(), static_cast<std::size_t>(n),
+                                      record.InputScaleSlopes.data(),
+                                      record.InputScaleIntercepts.data()};
+    std::vector<double> expected(static_cast<std::size_t>(n));
+    const double sum =
+        kriging::CorrelateRows(*correlation, kernels, x.data(), rows, x.size(),
+                               record.CorrelationCoefficients.data(), expected.data(), nullptr);
+    for (const lanes::Lanes* const lanes : LanesWithRows()) {
+      std::vector<double> r(expected.size());
+      const double own =
+          kriging::CorrelateRows(*correlation, kernels, x.data(), rows, x.size(),
+                                 record.CorrelationCoefficients.data(), r.data(), lanes);
+      EXPECT_TRUE(AreSame(own, sum)) << "type " << type << ", round " << round;
+      for (std::size_t j = 0; j < r.size(); ++j) {
+        EXPECT_TRUE(AreSame(r[j], expected[j])) << "type " << type << ", round " << round;
+      }
+    }
+  }
+}
+
+TEST(Rows, ProductsKeepTheOrderOfColumns) {
+  std::mt19937 random(6);
+  std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+  for (const lanes::Lanes* const lanes : LanesWithRows()) {
+    for (std::size_t columns = 0; columns < 12; ++columns) {
+      std::vector<std::vector<double>> matrix(16, std::vector<double>(columns));
+      const double* rows[16];
+      double sums[16];
+      double expected[16];
+      std::vector<double> x(columns);
+      for (double& value : x) value = uniform(random);
+      for (std::size_t k = 0; k < 16; ++k) {
+        rows[k] = matrix[k].data();
+        sums[k] = expected[k] = uniform(random);
+        for (std::size_t j = 0; j < columns; ++j) {
+          matrix[k][j] = uniform(random);
+          expected[k] += matrix[k][j] * x[j];
+        }
+      }
+      lanes->rowProducts(rows, x.data(), columns, sums);
+      for (std::size_t k = 0; k < 16; ++k) EXPECT_EQ(sums[k], expected[k]) << columns;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM
