@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build of the library, builds host.cpp against the installed copy with CMake's package
-# and with pkg-config, and compares what both hosts print.
+# Installs a build of the library, builds host.cpp and host.c against the installed copy with CMake's
+# package and with pkg-config, and compares what the hosts print.
 #
 #   installed.sh SOURCE WORK COMPILER shared BUILD    an existing build
 #   installed.sh SOURCE WORK COMPILER static          built here, without tests and tools
@@ -32,7 +32,7 @@ prefix=$work/moved
 library_folder=$(dirname "$(find "$prefix" -name 'libpxrom.*' | head -n 1)")
 
 # Without the compiler options of whoever runs this test, as an unrelated project would be.
-unset CXXFLAGS LDFLAGS
+unset CFLAGS CXXFLAGS LDFLAGS
 cmake -S "$source/tests/consumer" -B "$work/by_cmake" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
   -DCMAKE_PREFIX_PATH="$prefix" >>"$work/log"
 cmake --build "$work/by_cmake" >>"$work/log"
@@ -43,11 +43,16 @@ static_option=()
 read -ra flags < <(pkg-config "${static_option[@]}" --cflags --libs pxrom)
 mkdir "$work/by_pkg_config"
 "$compiler" -std=c++17 "$source/tests/consumer/host.cpp" "${flags[@]}" -o "$work/by_pkg_config/host"
+# A program in C that links the static library needs the run-time library of C++ beside it.
+c_flags=("${flags[@]}")
+[[ $kind == static ]] && c_flags+=(-lstdc++)
+"${CC:-cc}" -std=c99 -Wall -Wextra -Wpedantic -Werror "$source/tests/consumer/host.c" \
+  "${c_flags[@]}" -o "$work/by_pkg_config/c_host"
 
 expected="$(pkg-config --modversion pxrom) y=7.5"
 [[ $kind == static ]] || export LD_LIBRARY_PATH=$library_folder
-for host in by_cmake by_pkg_config; do
-  printed=$("$work/$host/host" "$source/examples/constant.pxdb") || fail "the host $host fails"
+for host in by_cmake/host by_cmake/c_host by_pkg_config/host by_pkg_config/c_host; do
+  printed=$("$work/$host" "$source/examples/constant.pxdb") || fail "the host $host fails"
   [[ $printed == "$expected" ]] || fail "$host printed '$printed' instead of '$expected'"
 done
 

@@ -14,6 +14,12 @@ if(NOT PXROM_SANITIZE AND NOT PXROM_COVERAGE)
       shared ${PROJECT_BINARY_DIR})
     add_test(NAME consumer.symbols COMMAND
       ${folder}/symbols.sh ${PROJECT_SOURCE_DIR}/include/pxrom $<TARGET_FILE:pxrom>)
+    find_program(PXROM_DPKG_SHLIBDEPS dpkg-shlibdeps)
+    if(PXROM_DPKG_SHLIBDEPS)
+      add_test(NAME consumer.package COMMAND
+        ${folder}/package.sh ${PROJECT_SOURCE_DIR} ${work}/package ${PROJECT_BINARY_DIR}
+        ${CMAKE_CPACK_COMMAND})
+    endif()
   endif()
   add_test(NAME consumer.static COMMAND
     ${folder}/installed.sh ${PROJECT_SOURCE_DIR} ${work}/static ${CMAKE_CXX_COMPILER} static)

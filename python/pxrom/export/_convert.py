@@ -1,0 +1,59 @@
+"""From a fitted object to checked surfaces."""
+
+import importlib
+from typing import Any, List, Optional
+
+import numpy as np
+
+from ._options import Options
+from ._surface import NotExportable, Surface
+from ._verify import check_points, verify
+
+# The exporter by the package that an object's class comes from.
+_EXPORTERS = {
+    "sklearn": "scikit_learn",
+    "openturns": "openturns",
+    "scipy": "scipy_rbf",
+    "statsmodels": "statsmodels",
+}
+
+
+def convert(
+    fitted: Any,
+    options: Options,
+    error: Any,
+    tolerance: float,
+    error_tolerance: float,
+    bounds: Optional[np.ndarray] = None,
+) -> List[Surface]:
+    """One surface per output of ``fitted``, each of which predicts what the tool does.
+
+    ``error``: "auto" exports a predicted error where there is one that maps, True insists on it,
+    False leaves it out. ``bounds`` (2, d): where to check when samples aren't known.
+    """
+    if error not in ("auto", True, False):
+        raise ValueError(f"error has to be 'auto', True or False, not {error!r}")
+    surfaces = _exporter(fitted).surfaces(fitted, options)
+    for surface in surfaces:
+        if error is False:
+            surface.drop_error("it was not asked for")
+        elif error is True and surface.predict_error is None:
+            raise NotExportable(f"there is no predicted error to export: {surface.no_error}")
+        if options.X is not None and options.X.shape[1] != surface.inputs:
+            raise NotExportable(
+                f"X has {options.X.shape[1]} columns, but the fit has {surface.inputs} inputs"
+            )
+        samples = options.X if options.X is not None else surface.physical_samples()
+        verify(surface, check_points(samples, surface.inputs, bounds), tolerance, error_tolerance)
+    return surfaces
+
+
+def _exporter(fitted: Any) -> Any:
+    for kind in type(fitted).__mro__:
+        module = _EXPORTERS.get(kind.__module__.split(".")[0])
+        if module is not None:
+            return importlib.import_module(f".{module}", __package__)
+    raise NotExportable(
+        f"a {type(fitted).__module__}.{type(fitted).__qualname__} is of no tool that is known; "
+        "exported are fitted objects of scikit-learn, OpenTURNS, scipy and statsmodels"
+    )

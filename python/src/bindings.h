@@ -1,0 +1,20 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace Tarvane::Plexura::PXROM {
+class CDiscreteCombinations;
+}
+
+namespace pxrom_python {
+
+// One per file: what it adds to the module.
+void BindModel(pybind11::module_& module);
+void BindInspection(pybind11::module_& module);
+void BindRecords(pybind11::module_& module);
+void BindWriter(pybind11::module_& module);
+
+/// The text of a model; ValueError with the writer's reason where there is none.
+pybind11::str ToText(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model);
+
+}  // namespace pxrom_python

@@ -1,0 +1,209 @@
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bindings.h"
+#include "pxrom/batch.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/discrete_combinations.h"
+#include "pxrom/inspection.h"
+#include "pxrom/writer.h"
+#include "text.h"
+
+namespace py = pybind11;
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace pxrom_python {
+namespace {
+
+using Table = py::array_t<double, py::array::c_style>;
+using Statuses = py::array_t<int, py::array::c_style>;
+
+std::string WhyRefused(const std::string& text) {
+  const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(text);
+  for (const pxrom::CFinding& finding : report.findings) {
+    if (finding.severity != pxrom::SeverityError) continue;
+    return "line " + std::to_string(finding.line) + ": " + finding.sentence;
+  }
+  return "the text is no database of fitted models";
+}
+
+/// The objects of a text, never changed after they were read, so that threads may share them.
+std::shared_ptr<pxrom::CDiscreteCombinations> ReadModel(const py::str& given) {
+  std::string text = ToBytes(given);
+  std::string reason;
+  auto model = std::make_shared<pxrom::CDiscreteCombinations>();
+  {
+    const py::gil_scoped_release unlocked;
+    int status = 1;
+    try {
+      pxrom::CReaderPXROMDatabase reader;
+      reader.ReadDataStream(text);
+      status = reader.ResumeDiscreteCombinations(*model);
+    } catch (const std::out_of_range&) {
+      status = 1;
+    }
+    if (status != 0 || model->GetDiscreteCombinationsIndexingPtr()->empty()) {
+      reason = WhyRefused(text);
+    }
+  }
+  if (!reason.empty()) throw py::value_error(reason);
+  return model;
+}
+
+template <class Value>
+Value Only(const std::vector<std::pair<std::string, Value>>& named) {
+  return named.empty() ? Value() : named.front().second;
+}
+
+/// One dict per parameter, by ID.
+py::list Parameters(const pxrom::CDiscreteCombinations& model) {
+  py::list all;
+  for (const auto& [id, rank] : *model.GetRegistrationRank()) {
+    if (!model.IsRegistered(id)) continue;
+    py::dict parameter;
+    parameter["name"] = ToStr(id);
+    parameter["rank"] = rank;
+    parameter["is_input"] = model.IsInput(id);
+    parameter["type"] = static_cast<int>(model.ListParameterType({id}).front());
+    parameter["enabled"] = model.IsEnabled(id);
+    parameter["unit"] = ToStr(Only(model.ListParameterUnit({id})));
+    parameter["caption"] = ToStr(Only(model.ListParameterCaption({id})));
+    parameter["lower"] = Only(model.ListLowerBound({id}));
+    parameter["upper"] = Only(model.ListUpperBound({id}));
+    py::tuple values(0);
+    if (model.IsDiscrete(id)) {
+      values = py::tuple(py::cast(model.ListRegisteredValuesForDiscreteParameter(id)));
+    }
+    parameter["values"] = values;
+    all.append(parameter);
+  }
+  return all;
+}
+
+/// The keys of the combinations, ascending, with the IDs of the outputs whose error is in a scaled
+/// space.
+py::list Combinations(const pxrom::CDiscreteCombinations& model) {
+  py::list all;
+  const auto& outputs = *model.GetOutputsWrtDiscCombPtr();
+  for (const auto& [key, position] : *model.GetDiscreteCombinationsIndexingPtr()) {
+    py::list scaled;
+    for (const auto& [id, list] : outputs[static_cast<std::size_t>(position)]) {
+      const pxrom::CFittingCandidate* const candidate = list->GetEvaluationCandidatePtr();
+      if (candidate != nullptr && !candidate->GetIsErrPredRequired()) scaled.append(ToStr(id));
+    }
+    all.append(py::make_tuple(py::tuple(py::cast(key)), py::tuple(scaled)));
+  }
+  return all;
+}
+
+pxrom::CPreparedModel Prepare(const pxrom::CDiscreteCombinations& model,
+                              const std::vector<std::pair<py::str, int>>& given) {
+  std::vector<std::pair<std::string, int>> values;
+  values.reserve(given.size());
+  for (const auto& [id, value] : given) values.emplace_back(ToBytes(id), value);
+  pxrom::CPreparedModel prepared;
+  std::string reason;
+  int status = 1;
+  {
+    const py::gil_scoped_release unlocked;
+    status = pxrom::CPreparedModel::Prepare(model, values, prepared, &reason);
+  }
+  if (status != 0) throw py::value_error(reason);
+  return prepared;
+}
+
+py::tuple Names(const std::vector<std::string>& ids) {
+  py::tuple names(ids.size());
+  for (std::size_t i = 0; i < ids.size(); ++i) names[i] = ToStr(ids[i]);
+  return names;
+}
+
+py::ssize_t Columns(const std::vector<std::string>& ids) {
+  return static_cast<py::ssize_t>(ids.size());
+}
+
+/// The number of rows of a table that has one column per input.
+py::ssize_t RowsOf(const pxrom::CPreparedModel& model, const Table& points) {
+  if (points.ndim() != 2 || points.shape(1) != Columns(model.InputIDs())) {
+    throw py::value_error("points must be a table with one column per input");
+  }
+  return points.shape(0);
+}
+
+/// (values, errors or None, statuses), each of the shape (rows, outputs).
+py::tuple Evaluate(const pxrom::CPreparedModel& model, const Table& points, bool fast,
+                   bool withErrors) {
+  const py::ssize_t rows = RowsOf(model, points);
+  const std::vector<py::ssize_t> shape = {rows, Columns(model.OutputIDs())};
+  Table values(shape);
+  Table errors(withErrors ? shape : std::vector<py::ssize_t>{0, 0});
+  Statuses statuses(shape);
+  const double* const x = points.data();
+  double* const v = values.mutable_data();
+  double* const e = withErrors ? errors.mutable_data() : nullptr;
+  int* const s = statuses.mutable_data();
+  {
+    const py::gil_scoped_release unlocked;
+    model.Evaluate(x, static_cast<std::size_t>(rows),
+                   fast ? pxrom::PrecisionFast : pxrom::PrecisionExact, v, e, s);
+  }
+  return py::make_tuple(values, withErrors ? py::object(errors) : py::none(), statuses);
+}
+
+/// (gradients, statuses): (rows, outputs, inputs) and (rows, outputs).
+py::tuple EvaluateGradients(const pxrom::CPreparedModel& model, const Table& points) {
+  const py::ssize_t rows = RowsOf(model, points);
+  const py::ssize_t outputs = Columns(model.OutputIDs());
+  Table gradients(std::vector<py::ssize_t>{rows, outputs, Columns(model.InputIDs())});
+  Statuses statuses(std::vector<py::ssize_t>{rows, outputs});
+  const double* const x = points.data();
+  double* const g = gradients.mutable_data();
+  int* const s = statuses.mutable_data();
+  {
+    const py::gil_scoped_release unlocked;
+    model.EvaluateGradients(x, static_cast<std::size_t>(rows), g, s);
+  }
+  return py::make_tuple(gradients, statuses);
+}
+
+}  // namespace
+
+py::str ToText(const pxrom::CDiscreteCombinations& model) {
+  std::string text;
+  std::string reason;
+  int status = 1;
+  {
+    const py::gil_scoped_release unlocked;
+    status = pxrom::CWriterPXROMDatabase().WriteDiscreteCombinations(model, text, reason);
+  }
+  if (status != 0) throw py::value_error(reason);
+  return ToStr(text);
+}
+
+void BindModel(py::module_& module) {
+  py::class_<pxrom::CDiscreteCombinations, std::shared_ptr<pxrom::CDiscreteCombinations>>(
+      module, "Combinations", "All combinations of a database.")
+      .def("parameters", &Parameters)
+      .def("combinations", &Combinations)
+      .def("prepare", &Prepare, py::arg("values"))
+      .def("to_text", &ToText);
+  module.def("read", &ReadModel, py::arg("text"));
+
+  py::class_<pxrom::CPreparedModel>(module, "Prepared", "One combination, ready for many points.")
+      .def_property_readonly("inputs",
+                             [](const pxrom::CPreparedModel& m) { return Names(m.InputIDs()); })
+      .def_property_readonly("outputs",
+                             [](const pxrom::CPreparedModel& m) { return Names(m.OutputIDs()); })
+      .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("errors"))
+      .def("gradients", &EvaluateGradients, py::arg("points"));
+}
+
+}  // namespace pxrom_python

@@ -1,0 +1,16 @@
+// pxrom._core: the library as the pure package needs it. Checks of arguments that a person passes,
+// and the wording of what is wrong with them, stand there.
+
+#include <pybind11/pybind11.h>
+
+#include "bindings.h"
+#include "pxrom/version.h"
+
+PYBIND11_MODULE(_core, module) {
+  module.doc() = "The library behind the package pxrom; use that.";
+  module.attr("__version__") = PXROM_VERSION_STRING;
+  pxrom_python::BindModel(module);
+  pxrom_python::BindInspection(module);
+  pxrom_python::BindRecords(module);
+  pxrom_python::BindWriter(module);
+}

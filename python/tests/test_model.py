@@ -1,0 +1,274 @@
+"""Reading and predicting: equal to the tools that fitted, to the command, and to itself."""
+
+import concurrent.futures
+import json
+import pickle
+import subprocess
+
+import numpy as np
+import pandas
+import pytest
+from conftest import BEAM, MODELS, cases_of
+
+import pxrom
+
+STEEL = {"Material": 1, "Holes": 2}
+POINT = {"L": 1.5, "b": 45, "h": 90, "F": 3000}
+
+
+@pytest.fixture(scope="module")
+def beam():
+    return pxrom.load(BEAM)
+
+
+def points(model, rows, seed=0):
+    draw = np.random.default_rng(seed)
+    lower, upper = np.array([parameter.bounds for parameter in model.inputs]).T
+    return lower + (upper - lower) * draw.random((rows, len(lower)))
+
+
+@pytest.mark.parametrize("name", MODELS)
+def test_predicts_what_the_tools_predict(name):
+    path, cases = cases_of(name)
+    model = pxrom.load(path)
+    for case in cases:
+        asked = case["errors"] is not None
+        result = model.predict(case["discrete"], case["continuous"], return_error=asked)
+        for output, wanted in case["outputs"].items():
+            allowed = case["tolerance"] * max(1.0, abs(wanted))
+            assert abs(result.values[output][0] - wanted) <= allowed
+        if not asked:
+            continue
+        for output in result.outputs:
+            wanted = case["errors"].get(output)
+            assert result.statuses[output][0] == (-2 if wanted is None else 0)
+            if wanted is None:
+                assert np.isnan(result.errors[output][0])
+            else:
+                allowed = case["error_tolerance"] * max(1.0, abs(wanted))
+                assert abs(result.errors[output][0] - wanted) <= allowed
+
+
+def test_equals_the_command_to_the_last_bit(beam, command):
+    arguments = [f"{name}={value}" for name, value in {**STEEL, **POINT}.items()]
+    run = subprocess.run(
+        [command, "eval", "--json", str(BEAM), *arguments], capture_output=True, check=True
+    )
+    result = beam.predict(STEEL, POINT, return_error=True)
+    outputs = json.loads(run.stdout)["outputs"]
+    outputs = outputs if isinstance(outputs, list) else [{"id": k, **v} for k, v in outputs.items()]
+    assert {entry["id"] for entry in outputs} == set(result.outputs)
+    for entry in outputs:
+        assert entry["value"] == result.values[entry["id"]][0]
+        error = entry["error"]
+        error = error["value"] if isinstance(error, dict) else error
+        assert error == result.errors[entry["id"]][0]
+
+
+def test_takes_arrays_mappings_and_frames(beam):
+    names = [parameter.name for parameter in beam.inputs]
+    assert names == ["h", "F", "L", "b"]
+    X = points(beam, 7)
+    wanted = beam.predict(STEEL, X).values.array
+    frame = pandas.DataFrame(X, columns=names, index=list("abcdefg"))
+    frame.insert(2, "beside", "text")
+    shuffled = frame[["beside", *sorted(names)]]
+    of_frame = beam.predict(STEEL, shuffled, return_error=True, gradient=True)
+    for got in (
+        beam.predict(STEEL, np.asfortranarray(X)).values,
+        beam.predict(STEEL, X.tolist()).values,
+        beam.predict(dict(reversed(STEEL.items())), dict(zip(names, X.T))).values,
+        of_frame.values,
+    ):
+        assert np.array_equal(np.asarray(got), wanted)
+    made = of_frame.frame()
+    assert list(made.index) == list("abcdefg")
+    assert list(made.columns[:5]) == [
+        "deflection",
+        "mass",
+        "stress",
+        "deflection error",
+        "mass error",
+    ]
+    assert np.array_equal(made["dstress/dL"], of_frame.gradients["stress"][:, 2])
+    # A single value stands for all points.
+    one = beam.predict(STEEL, {**dict(zip(names, X.T)), "L": 1.25}).values["mass"]
+    assert np.array_equal(
+        one, beam.predict(STEEL, np.c_[X[:, :2], np.full(7, 1.25), X[:, 3]])["mass"]
+    )
+    assert beam.predict(STEEL, np.empty((0, 4))).values.array.shape == (0, 3)
+
+
+def test_gradients_are_the_slopes_of_the_values(beam):
+    X = points(beam, 5, seed=1)
+    result = beam.predict(STEEL, X, gradient=True)
+    assert result.gradients.array.shape == (5, 3, 4)
+    for place in range(4):
+        step = np.zeros(4)
+        step[place] = 1e-5 * (beam.inputs[place].upper - beam.inputs[place].lower)
+        ahead = beam.predict(STEEL, X + step).values.array
+        behind = beam.predict(STEEL, X - step).values.array
+        slopes = (ahead - behind) / (2 * step[place])
+        assert np.allclose(result.gradients.array[:, :, place], slopes, rtol=1e-5, atol=1e-7)
+
+
+def test_fast_mode_is_near(beam):
+    X = points(beam, 200)
+    exact, fast = (
+        beam.predict(STEEL, X, mode=mode, return_error=True) for mode in ("exact", "fast")
+    )
+    for output in beam.outputs:
+        top = np.abs(exact.values[output.name]).max()
+        assert np.abs(exact.values[output.name] - fast.values[output.name]).max() <= 1e-11 * top
+
+
+def test_values_do_not_depend_on_asking_for_errors():
+    model = pxrom.load(cases_of("svr_sk_eps_rbf")[0])
+    X = points(model, 4)
+    plain, asked = model.predict(None, X), model.predict(None, X, return_error=True)
+    assert np.array_equal(plain.values.array, asked.values.array)
+    assert np.all(asked.statuses.array == -2) and np.all(np.isnan(asked.errors.array))
+    assert plain.errors is None and np.all(plain.statuses.array == 0)
+
+
+def test_tells_errors_in_a_scaled_space(beam):
+    assert beam.predict(STEEL, POINT, return_error=True).scaled_errors == {"mass"}
+
+
+def test_lists_what_the_model_holds(beam):
+    assert [(p.name, p.values) for p in beam.discrete] == [
+        ("Holes", (0, 2, 4)),
+        ("Material", (1, 2)),
+    ]
+    assert len(beam.combinations) == 6
+    assert beam.combinations[0] == {"Holes": 0, "Material": 1}
+    length = next(p for p in beam.inputs if p.name == "L")
+    assert (length.unit, length.bounds, length.caption) == ("m", (1.0, 2.0), "Beam length")
+    assert [p.name for p in beam.outputs] == ["deflection", "mass", "stress"]
+    kinds = {p.name: (p.kind, p.enabled) for p in beam.parameters}
+    assert kinds["Slenderness"] == ("derived", True)
+    assert kinds["Finish"] == ("discrete", False)
+    for combination in beam.combinations:
+        assert np.all(beam.predict(combination, POINT).statuses.array == 0)
+
+
+@pytest.mark.parametrize(
+    "discrete, X, said",
+    [
+        (
+            {"Materiel": 1, "Holes": 2},
+            POINT,
+            "no discrete input 'Materiel'; did you mean 'Material'?",
+        ),
+        ({"Material": 1}, POINT, "'Holes' is missing; it takes 0, 2 or 4"),
+        ({"Material": 3, "Holes": 2}, POINT, "Material=3 was not fitted; it takes 1 or 2"),
+        ({"Material": 1.5, "Holes": 2}, POINT, "Material=1.5 was not fitted"),
+        ([1, 2], POINT, "go by name: {'Holes': ..., 'Material': ...}"),
+        (STEEL, None, "X is missing"),
+        (STEEL, [[1, 2, 3]], "3 columns, but the model has 4 inputs, in this order: 'h', 'F'"),
+        (STEEL, [1, 2, 3, 4], "1 dimension(s); for one point write [[...]]"),
+        (STEEL, [["a", 2, 3, 4]], "can't be read as real numbers"),
+        (STEEL, [[1j, 2, 3, 4]], "can't be read as real numbers"),
+        (STEEL, {**POINT, "l": 1}, "no input 'l'; did you mean 'L'?"),
+        (STEEL, {"L": 1, "b": 2, "h": 3}, "input 'F' is missing"),
+        (
+            STEEL,
+            {**POINT, "L": [1, 2], "F": [1, 2, 3]},
+            "differ in length: 2 values for 'L', 3 for 'F'",
+        ),
+        (STEEL, pandas.DataFrame({"L": [1], "b": [2], "h": [3], "f": [4]}), "did you mean 'f'?"),
+    ],
+)
+def test_refusals_say_what_would_be_right(beam, discrete, X, said):
+    with pytest.raises(ValueError) as refusal:
+        beam.predict(discrete, X)
+    assert said in str(refusal.value)
+
+
+def test_refuses_combinations_that_were_not_fitted(beam):
+    lines = [line for line in beam.text.splitlines(True) if "{Material;2},{Holes;4}" not in line]
+    with pytest.raises(ValueError, match="was not fitted; there are: Holes=0, Material=1; "):
+        pxrom.loads("".join(lines)).predict({"Material": 2, "Holes": 4}, POINT)
+
+
+def test_refuses_other_arguments(beam):
+    with pytest.raises(ValueError, match="'exact' or 'fast', not 'quick'"):
+        beam.predict(STEEL, POINT, mode="quick")
+    with pytest.raises(KeyError, match="did you mean 'mass'"):
+        beam.predict(STEEL, POINT)["Mass"]
+    with pytest.raises(TypeError):
+        pxrom.loads(b"bytes")
+
+
+def test_says_why_a_text_is_refused(tmp_path, beam):
+    for text in ("", "nothing", beam.text.replace("RegistrationRank=", "RegistrationRank=,")):
+        with pytest.raises(ValueError, match=r"^line \d+: "):
+            pxrom.loads(text)
+    broken = tmp_path / "broken.pxdb"
+    broken.write_text("nothing")
+    with pytest.raises(ValueError, match="broken.pxdb: line 1"):
+        pxrom.load(broken)
+    with pytest.raises(OSError):
+        pxrom.load(tmp_path / "absent.pxdb")
+
+
+def test_pickles_by_its_text(beam):
+    X = points(beam, 3)
+    again = pickle.loads(pickle.dumps(beam))
+    assert again == beam and again.text == beam.text
+    assert np.array_equal(again.predict(STEEL, X).values.array, beam.predict(STEEL, X).values.array)
+    assert len(pickle.dumps(beam)) < len(beam.text) + 200
+
+
+def test_serves_many_threads(beam):
+    fresh = pxrom.loads(beam.text)
+    tables = [points(fresh, 300, seed) for seed in range(24)]
+    keys = [fresh.combinations[seed % 6] for seed in range(24)]
+
+    def run(place):
+        return fresh.predict(keys[place], tables[place], return_error=True)
+
+    with concurrent.futures.ThreadPoolExecutor(8) as pool:
+        results = list(pool.map(run, range(24)))
+    for place, result in enumerate(results):
+        alone = beam.predict(keys[place], tables[place], return_error=True)
+        assert np.array_equal(result.values.array, alone.values.array)
+        assert np.array_equal(result.errors.array, alone.errors.array, equal_nan=True)
+
+
+def test_check_and_format(beam):
+    assert not [found for found in pxrom.check(beam.text) if found.severity != "note"]
+    damaged = beam.text.replace("GenomeWeight=", "GenomWeight=", 1)
+    found = next(f for f in pxrom.check(damaged) if f.severity == "error")
+    assert "GenomeWeight=" in found.sentence
+    assert str(found).startswith(f"{found.line}:{found.column}: error: {found.sentence} [")
+    canonical = pxrom.format(beam.text)
+    assert pxrom.format(canonical) == canonical == beam.to_text()
+    X = points(beam, 5)
+    again = pxrom.loads(canonical)
+    for combination in beam.combinations:
+        wanted = beam.predict(combination, X).values
+        assert np.array_equal(again.predict(combination, X).values, wanted)
+
+
+def test_texts_of_any_encoding_survive(tmp_path):
+    path = tmp_path / "latin.pxdb"
+    raw = BEAM.read_bytes().replace(b"Beam length", "Länge".encode("latin-1"))
+    path.write_bytes(raw)
+    model = pxrom.load(path)
+    caption = next(p.caption for p in model.inputs if p.name == "L")
+    assert caption.encode("utf-8", "surrogateescape") == "Länge".encode("latin-1")
+    assert model.to_text().encode("utf-8", "surrogateescape").count(b"L\xe4nge") == 1
+
+
+def test_prints_in_a_notebook(beam):
+    text = beam.text.replace("Beam length", "<b>&")
+    page = pxrom.loads(text)._repr_html_()
+    assert "&lt;b&gt;&amp;" in page and "<b>" not in page
+    assert "1 to 2" in page and "0, 2, 4" in page
+    assert repr(beam) == (
+        "<Model deflection, mass, stress of Holes, Material, h, F, L, b in 6 combinations>"
+    )
+    result = beam.predict(STEEL, points(beam, 20), return_error=True)
+    assert result._repr_html_().count("<tr>") == 13
+    assert repr(result) == "<Prediction of deflection, mass, stress at 20 point(s) with errors>"

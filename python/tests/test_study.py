@@ -1,0 +1,191 @@
+"""A whole study: parameters, combinations, ensembles, errors from cross-validation."""
+
+import numpy as np
+import pytest
+
+import pxrom
+from pxrom.export import NotExportable, Study
+
+sklearn = pytest.importorskip("sklearn")
+
+from sklearn.gaussian_process import GaussianProcessRegressor  # noqa: E402
+from sklearn.gaussian_process.kernels import RBF, WhiteKernel  # noqa: E402
+from sklearn.linear_model import LinearRegression  # noqa: E402
+from sklearn.model_selection import KFold  # noqa: E402
+from sklearn.pipeline import make_pipeline  # noqa: E402
+from sklearn.preprocessing import PolynomialFeatures, StandardScaler  # noqa: E402
+from sklearn.svm import SVR  # noqa: E402
+
+DRAW = np.random.default_rng(3)
+X = DRAW.random((30, 2)) * [1, 50] + [1, 30]
+NEW = DRAW.random((40, 2)) * [1, 50] + [1, 30]
+
+
+def mass(points, material):
+    return material * points[:, 0] * points[:, 1] + 3.0 * np.sin(4 * points[:, 0])
+
+
+def process():
+    kernel = RBF([1.0, 1.0]) + WhiteKernel(0.1)
+    return make_pipeline(
+        StandardScaler(), GaussianProcessRegressor(kernel, optimizer=None, normalize_y=True)
+    )
+
+
+def declared():
+    study = Study()
+    study.input("L", unit="m", caption="Length", bounds=(1, 2)).input("b", unit="mm")
+    study.discrete("Material", caption="1 steel, 2 aluminium".replace(",", " -"))
+    study.output("mass", unit="kg", caption="Mass").output("cost")
+    return study
+
+
+def test_holds_what_was_declared(tmp_path):
+    study = declared()
+    wanted = {}
+    for material in (2, 1):
+        y = mass(X, material)
+        fits = {"mass": SVR(C=100).fit(X, y), "cost": LinearRegression().fit(X, 2 * y)}
+        for name, fitted in fits.items():
+            study.add(name, fitted, {"b": X[:, 1], "L": X[:, 0]}, y, at={"Material": material})
+            wanted[material, name] = fitted.predict(NEW)
+    study.save(tmp_path / "study.pxdb")
+    model = pxrom.load(tmp_path / "study.pxdb")
+    assert [str(f) for f in pxrom.check(model.text) if f.severity != "note"] == []
+    assert [(p.name, p.unit, p.caption, p.bounds) for p in model.inputs] == [
+        ("L", "m", "Length", (1.0, 2.0)),
+        ("b", "mm", "", (X[:, 1].min(), X[:, 1].max())),  # of the samples
+    ]
+    assert [(p.name, p.values) for p in model.discrete] == [("Material", (1, 2))]
+    assert [(p.name, p.unit, p.caption) for p in model.outputs] == [
+        ("cost", "", ""),
+        ("mass", "kg", "Mass"),
+    ]
+    assert model.combinations == ({"Material": 1}, {"Material": 2})
+    for (material, name), values in wanted.items():
+        got = model.predict({"Material": material}, NEW).values[name]
+        assert np.abs(got - values).max() <= 1e-10 * np.ptp(values)
+
+
+def cross_validated_error(members, weights, X, y, parts, points):
+    """The spread of the predictions without one fold each, from the tools' own predictions: the
+    method of the library written out, with all samples and the output scaled to 0 to 1."""
+    lower, width = X.min(axis=0), np.ptp(X, axis=0)
+    spread = np.ptp(y)
+    scaled = (X - lower) / width
+
+    def predicted(fits, P):
+        return sum(w * (f.predict(P) - y.min()) / spread for w, f in zip(weights, fits))
+
+    fits_without = []
+    for part in parts:
+        rest = np.setdiff1d(np.arange(len(X)), part)
+        fits_without.append([sklearn.clone(m).fit(X[rest], y[rest]) for m in members])
+    order = scaled[np.concatenate(parts)]
+    squares = ((order[:, None] - order[None]) ** 2).sum(axis=2)
+    np.fill_diagonal(squares, np.inf)
+    rho = squares.min(axis=1)[1:].max()
+    errors = []
+    for point in points:
+        q = (((point - lower) / width - scaled) ** 2).sum(axis=1)
+        raw = np.array([1 - np.exp(-10 * (q[part].min() / rho) ** 2) for part in parts])
+        share = raw / raw.sum()
+        without = np.array([predicted(fits, point[None])[0] for fits in fits_without])
+        value = predicted(members, point[None])[0]
+        mean = (len(parts) * (share * without).sum() + value) / (len(parts) + 1)
+        deviation = np.sqrt((share * (without - mean) ** 2).sum())
+        damping = min(1.0, np.log(1 + 10 * q.min() / (rho + 0.0001)))
+        errors.append((0.005 * q.min() + deviation) * damping * spread * 3)
+    return np.array(errors)
+
+
+def test_weighted_ensemble_with_cross_validation():
+    y = mass(X, 1)
+    members = [
+        process().fit(X, y),
+        make_pipeline(StandardScaler(), SVR(C=100)).fit(X, y),
+        make_pipeline(PolynomialFeatures(2), LinearRegression()).fit(X, y),
+    ]
+    weights = [0.5, 0.3, 0.2]
+    study = Study().input("L").input("b").output("mass")
+    study.add("mass", list(zip(members, weights)), X, y, folds=5)
+    text = study.to_text()
+    assert [str(f) for f in pxrom.check(text) if f.severity != "note"] == []
+    result = pxrom.loads(text).predict(None, NEW, return_error=True)
+    wanted = sum(w * m.predict(NEW) for w, m in zip(weights, members))
+    assert np.abs(result.values["mass"] - wanted).max() <= 1e-10 * np.ptp(y)
+    parts = [test for _, test in KFold(5, shuffle=True, random_state=0).split(X)]
+    errors = cross_validated_error(members, weights, X, y, parts, NEW)
+    assert np.abs(result.errors["mass"] - errors).max() <= 1e-9 * errors.max()
+    assert result.scaled_errors == frozenset() and np.all(result.statuses.array == 0)
+
+
+def test_folds_of_ones_own_and_constants():
+    from sklearn.dummy import DummyRegressor
+
+    y = mass(X, 2)
+    members = [DummyRegressor().fit(X, y), process().fit(X, y)]
+    asked = []
+
+    def refit(fitted, X, y):
+        asked.append(len(X))
+        return sklearn.clone(fitted).fit(X, y)
+
+    study = Study().input("L").input("b").output("mass")
+    study.add("mass", [(members[0], 0.25), (members[1], 0.75)], X, y, folds=KFold(3), refit=refit)
+    assert asked == [20] * 6
+    result = study.to_model().predict(None, NEW, return_error=True)
+    parts = [test for _, test in KFold(3).split(X)]
+    errors = cross_validated_error(members, [0.25, 0.75], X, y, parts, NEW)
+    assert np.abs(result.errors["mass"] - errors).max() <= 1e-9 * errors.max()
+
+
+def test_inputs_stand_in_the_order_of_the_fit():
+    pandas = pytest.importorskip("pandas")
+    frame = pandas.DataFrame(X, columns=["L", "b"])
+    fitted = SVR().fit(frame, mass(X, 1))
+    Study().input("L").input("b").output("mass").add("mass", fitted)
+    Study().input("length").input("width").output("mass").add("mass", fitted)
+    with pytest.raises(NotExportable, match="in the order 'L' and 'b', the study in"):
+        Study().input("b").input("L").output("mass").add("mass", fitted)
+
+
+def test_an_ensemble_has_no_error_of_its_own():
+    y = mass(X, 1)
+    pair = [(process().fit(X, y), 0.5), (process().fit(X, y), 0.5)]
+    study = Study().input("L").input("b").output("mass")
+    result = study.add("mass", pair).to_model().predict(None, NEW, return_error=True)
+    assert np.all(result.statuses.array == -2)
+    with pytest.raises(NotExportable, match="no error but from cross-validation"):
+        study.add("mass", pair, error=True)
+
+
+@pytest.mark.parametrize(
+    "act, said",
+    [
+        (lambda s, f, y: s.input("L"), "there is a parameter 'L' already"),
+        (lambda s, f, y: s.input("w", bounds=(2, 1)), "have to be (lower, upper)"),
+        (lambda s, f, y: s.to_text(), "has no fitted model"),
+        (lambda s, f, y: s.add("Mass", f, at={"Material": 1}), "did you mean 'mass'?"),
+        (lambda s, f, y: s.add("mass", f), "lacks a value of the discrete input 'Material'"),
+        (lambda s, f, y: s.add("mass", f, at={"Materials": 1}), "did you mean 'Material'?"),
+        (lambda s, f, y: s.add("mass", f, at={"Material": 1.5}), "has to be a whole number"),
+        (lambda s, f, y: s.add(["mass", "cost"], f, at={"Material": 1}), "1 outputs, but 2"),
+        (lambda s, f, y: s.add("mass", [(f, 0.5)], at={"Material": 1}), "add up to 1, not 0.5"),
+        (lambda s, f, y: s.add("mass", [f], at={"Material": 1}), "pairs (fitted, weight)"),
+        (lambda s, f, y: s.add("mass", f, X, y[:9], at={"Material": 1}), "one row per point"),
+        (lambda s, f, y: s.add("mass", f, at={"Material": 1}, folds=5), "pass X and y"),
+        (lambda s, f, y: s.add("mass", f, X, y, at={"Material": 1}, folds=99), "2 to 30"),
+        (
+            lambda s, f, y: s.add("mass", f, at={"Material": 1}).to_text(),
+            "output 'cost' at Material=1",
+        ),
+        (lambda s, f, y: s.add("mass", f, at={"Material": 1}).input("w"), "before the first model"),
+        (lambda s, f, y: s.output("a,b").add("a,b", f, at={"Material": 1}), "a,b"),
+    ],
+)
+def test_refusals_say_what_would_be_right(act, said):
+    y = mass(X, 1)
+    with pytest.raises(ValueError) as refusal:
+        act(declared(), SVR().fit(X, y), y)
+    assert said in str(refusal.value)

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "pxrom/pxrom_c.h"
+
+namespace Tarvane::Plexura::PXROM::c_interface {
+
+/// The message buffer of a caller.
+class Message {
+ public:
+  Message(char* buffer, size_t size) : buffer_(buffer), size_(size) { Write(""); }
+  void Write(std::string_view sentence) const noexcept;
+
+ private:
+  char* buffer_;
+  size_t size_;
+};
+
+/// Ends an operation at any depth; caught at the border.
+struct Refusal {
+  pxrom_status status;
+  std::string sentence;
+};
+
+inline void RequireArgument(const void* argument, const char* name) {
+  if (argument == nullptr) throw Refusal{PXROM_NULL_ARGUMENT, std::string(name) + " is null"};
+}
+
+/// Runs `work` and turns whatever it throws into a status and a message.
+template <class Work>
+pxrom_status AtTheBorder(char* message, size_t message_size, const Work& work) noexcept {
+  const Message out(message, message_size);
+  try {
+    work();
+    return PXROM_OK;
+  } catch (const Refusal& refusal) {
+    out.Write(refusal.sentence);
+    return refusal.status;
+  } catch (const std::bad_alloc&) {
+    out.Write("there is not enough memory");
+    return PXROM_NO_MEMORY;
+  } catch (...) {
+    // The library itself throws nothing else.
+    out.Write("the callback threw an exception");
+    return PXROM_FAILED;
+  }
+}
+
+}  // namespace Tarvane::Plexura::PXROM::c_interface

@@ -1,0 +1,176 @@
+#include "c_interface/model.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "c_interface/border.h"
+#include "pxrom/database_reader.h"
+#include "pxrom/inspection.h"
+
+namespace Tarvane::Plexura::PXROM::c_interface {
+namespace {
+
+/// The first error that an inspection finds, as the reader itself tells nothing.
+std::string WhyRefused(const std::string& text) {
+  const CInspectionReport report = InspectPXROMDatabase(text);
+  for (const CFinding& finding : report.findings) {
+    if (finding.severity != SeverityError) continue;
+    return "line " + std::to_string(finding.line) + ": " + finding.sentence;
+  }
+  return "the text is no database of fitted models";
+}
+
+void Read(std::string text, CDiscreteCombinations& combinations) {
+  int status = 1;
+  try {
+    CReaderPXROMDatabase reader;
+    reader.ReadDataStream(text);
+    status = reader.ResumeDiscreteCombinations(combinations);
+  } catch (const std::out_of_range&) {
+    status = 1;
+  }
+  if (status != 0 || combinations.GetDiscreteCombinationsIndexingPtr()->empty()) {
+    throw Refusal{PXROM_REFUSED, WhyRefused(text)};
+  }
+}
+
+/// The value that a query by ID gave for its one ID.
+template <class Value>
+Value Only(const std::vector<std::pair<std::string, Value>>& named) {
+  return named.empty() ? Value() : named.front().second;
+}
+
+pxrom_model::Parameter Describe(const CDiscreteCombinations& model, const std::string& id,
+                                std::int32_t rank) {
+  pxrom_model::Parameter parameter;
+  parameter.id = id;
+  parameter.unit = Only(model.ListParameterUnit({id}));
+  parameter.caption = Only(model.ListParameterCaption({id}));
+  pxrom_parameter& shown = parameter.shown;
+  shown.causality = model.ListParameterCausality({id}).front();
+  shown.type = model.ListParameterType({id}).front();
+  shown.enabled = model.IsEnabled(id) ? 1 : 0;
+  shown.rank = rank;
+  shown.lower_bound = Only(model.ListLowerBound({id}));
+  shown.upper_bound = Only(model.ListUpperBound({id}));
+  shown.has_bounds = shown.lower_bound < shown.upper_bound ? 1 : 0;
+  if (model.IsInput(id) && model.IsDiscrete(id) && model.IsEnabled(id)) {
+    const std::vector<int> values = model.ListRegisteredValuesForDiscreteParameter(id);
+    parameter.values.assign(values.begin(), values.end());
+  }
+  return parameter;
+}
+
+void Describe(pxrom_model& model) {
+  const CDiscreteCombinations& combinations = model.combinations;
+  for (const auto& [id, rank] : *combinations.GetRegistrationRank()) {
+    if (!combinations.IsRegistered(id)) continue;
+    model.parameters.push_back(Describe(combinations, id, rank));
+  }
+  for (pxrom_model::Parameter& parameter : model.parameters) {
+    parameter.shown.id = parameter.id.c_str();
+    parameter.shown.unit = parameter.unit.c_str();
+    parameter.shown.caption = parameter.caption.c_str();
+    parameter.shown.values = parameter.values.empty() ? nullptr : parameter.values.data();
+    parameter.shown.value_count = parameter.values.size();
+  }
+  for (std::size_t i = 0; i < model.parameters.size(); ++i) {
+    const pxrom_parameter& shown = model.parameters[i].shown;
+    const bool input = shown.causality == CausalityInput;
+    const bool continuous =
+        shown.type == ContinuousNotManufacturable || shown.type == ContinuousManufacturable;
+    model.lists[PXROM_ALL_PARAMETERS].push_back(i);
+    if (shown.enabled == 0) continue;
+    if (input && continuous) model.lists[PXROM_INPUTS].push_back(i);
+    if (input && shown.type == DiscreteParameter) model.lists[PXROM_DISCRETE_INPUTS].push_back(i);
+    if (!input && shown.type == ContinuousNotManufacturable) {
+      model.lists[PXROM_OUTPUTS].push_back(i);
+    }
+  }
+  // Parameters stand by ID, which is the order of outputs, and of inputs that have one rank.
+  for (const pxrom_list list : {PXROM_ALL_PARAMETERS, PXROM_INPUTS, PXROM_DISCRETE_INPUTS}) {
+    std::stable_sort(model.lists[static_cast<std::size_t>(list)].begin(),
+                     model.lists[static_cast<std::size_t>(list)].end(),
+                     [&model](std::size_t a, std::size_t b) {
+                       return model.parameters[a].shown.rank < model.parameters[b].shown.rank;
+                     });
+  }
+  for (const auto& [values, position] : *combinations.GetDiscreteCombinationsIndexingPtr()) {
+    model.keys.emplace_back(values.begin(), values.end());
+  }
+}
+
+const std::vector<std::size_t>& ListOf(const pxrom_model& model, int32_t list) {
+  if (list < PXROM_ALL_PARAMETERS || list > PXROM_OUTPUTS) {
+    throw Refusal{PXROM_REFUSED,
+                  "there is no list " + std::to_string(list) + ": lists are numbered from 0 to 3"};
+  }
+  return model.lists[static_cast<std::size_t>(list)];
+}
+
+void RequireIndex(std::size_t index, std::size_t count, const char* what) {
+  if (index < count) return;
+  throw Refusal{PXROM_REFUSED, std::string("there is no ") + what + ' ' + std::to_string(index) +
+                                   ": they are " + std::to_string(count) + ", numbered from 0"};
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::c_interface
+
+using namespace Tarvane::Plexura::PXROM::c_interface;
+
+pxrom_status pxrom_model_read(const char* text, size_t length, pxrom_model** model, char* message,
+                              size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(text, "text");
+    RequireArgument(model, "model");
+    auto read = std::make_unique<pxrom_model>();
+    Read(std::string(text, length), read->combinations);
+    Describe(*read);
+    *model = read.release();
+  });
+}
+
+void pxrom_model_free(pxrom_model* model) { delete model; }
+
+pxrom_status pxrom_model_count(const pxrom_model* model, int32_t list, size_t* count, char* message,
+                               size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(count, "count");
+    *count = ListOf(*model, list).size();
+  });
+}
+
+pxrom_status pxrom_model_parameter(const pxrom_model* model, int32_t list, size_t index,
+                                   pxrom_parameter* parameter, char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(parameter, "parameter");
+    const std::vector<std::size_t>& places = ListOf(*model, list);
+    RequireIndex(index, places.size(), "parameter");
+    *parameter = model->parameters[places[index]].shown;
+  });
+}
+
+pxrom_status pxrom_model_combination_count(const pxrom_model* model, size_t* count, char* message,
+                                           size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(count, "count");
+    *count = model->keys.size();
+  });
+}
+
+pxrom_status pxrom_model_combination(const pxrom_model* model, size_t index, const int32_t** values,
+                                     char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(values, "values");
+    RequireIndex(index, model->keys.size(), "combination");
+    const std::vector<std::int32_t>& key = model->keys[index];
+    *values = key.empty() ? nullptr : key.data();
+  });
+}

@@ -1,0 +1,139 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "c_interface/border.h"
+#include "c_interface/model.h"
+#include "pxrom/batch.h"
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+using namespace Tarvane::Plexura::PXROM::c_interface;
+
+struct pxrom_prepared {
+  pxrom::CPreparedModel model;
+  /// By output: whether its error is in its unit.
+  std::vector<bool> error_in_unit;
+};
+
+namespace {
+
+using DiscreteValues = std::vector<std::pair<std::string, int>>;
+
+DiscreteValues NamedValues(const pxrom_model& model, const char* const* names,
+                           const std::int32_t* values, std::size_t count) {
+  const std::vector<std::size_t>& inputs = model.lists[PXROM_DISCRETE_INPUTS];
+  if (count != inputs.size()) {
+    throw Refusal{PXROM_REFUSED, "the model has " + std::to_string(inputs.size()) +
+                                     " discrete inputs, but " + std::to_string(count) +
+                                     " values are given"};
+  }
+  if (count > 0) RequireArgument(values, "values");
+  DiscreteValues named;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (names != nullptr) RequireArgument(names[i], "one of names");
+    named.emplace_back(names != nullptr ? names[i] : model.parameters[inputs[i]].id, values[i]);
+  }
+  return named;
+}
+
+/// Any names of the right number pass the library's own test, so that each input is looked for.
+void RequireEachOnce(const pxrom_model& model, const DiscreteValues& named) {
+  for (const std::size_t place : model.lists[PXROM_DISCRETE_INPUTS]) {
+    const std::string& id = model.parameters[place].id;
+    const auto times = std::count_if(named.begin(), named.end(),
+                                     [&id](const auto& entry) { return entry.first == id; });
+    if (times == 1) continue;
+    throw Refusal{PXROM_REFUSED, "the discrete input '" + id + "' needs one value, but " +
+                                     std::to_string(times) + " are given"};
+  }
+}
+
+void NoteErrorUnits(const pxrom_model& model, const DiscreteValues& named,
+                    pxrom_prepared& prepared) {
+  std::vector<int> key;
+  for (const std::size_t place : model.lists[PXROM_DISCRETE_INPUTS]) {
+    for (const auto& [id, value] : named) {
+      if (id == model.parameters[place].id) key.push_back(value);
+    }
+  }
+  const auto& indexing = *model.combinations.GetDiscreteCombinationsIndexingPtr();
+  const auto found = indexing.find(key);
+  if (found == indexing.end()) return;
+  const auto& all = *model.combinations.GetOutputsWrtDiscCombPtr();
+  for (const auto& [id, list] : all[static_cast<std::size_t>(found->second)]) {
+    const pxrom::CFittingCandidate* const candidate = list->GetEvaluationCandidatePtr();
+    prepared.error_in_unit.push_back(candidate != nullptr && candidate->GetIsErrPredRequired());
+  }
+}
+
+void RequirePoints(const pxrom_prepared& prepared, const double* points, std::size_t rows) {
+  if (rows > 0 && !prepared.model.InputIDs().empty()) RequireArgument(points, "points");
+}
+
+}  // namespace
+
+pxrom_status pxrom_model_prepare(const pxrom_model* model, const char* const* names,
+                                 const int32_t* values, size_t count, pxrom_prepared** prepared,
+                                 char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(prepared, "prepared");
+    const DiscreteValues named = NamedValues(*model, names, values, count);
+    if (names != nullptr) RequireEachOnce(*model, named);
+    auto made = std::make_unique<pxrom_prepared>();
+    std::string reason;
+    if (pxrom::CPreparedModel::Prepare(model->combinations, named, made->model, &reason) != 0) {
+      throw Refusal{PXROM_REFUSED, reason};
+    }
+    NoteErrorUnits(*model, named, *made);
+    *prepared = made.release();
+  });
+}
+
+void pxrom_prepared_free(pxrom_prepared* prepared) { delete prepared; }
+
+size_t pxrom_prepared_input_count(const pxrom_prepared* prepared) {
+  return prepared != nullptr ? prepared->model.InputIDs().size() : 0;
+}
+
+size_t pxrom_prepared_output_count(const pxrom_prepared* prepared) {
+  return prepared != nullptr ? prepared->model.OutputIDs().size() : 0;
+}
+
+int32_t pxrom_prepared_error_in_unit(const pxrom_prepared* prepared, size_t output) {
+  if (prepared == nullptr || output >= prepared->error_in_unit.size()) return 0;
+  return prepared->error_in_unit[output] ? 1 : 0;
+}
+
+pxrom_status pxrom_prepared_evaluate(const pxrom_prepared* prepared, const double* points,
+                                     size_t rows, int32_t mode, double* values, double* errors,
+                                     int32_t* statuses, char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(prepared, "prepared");
+    if (mode != PXROM_EXACT && mode != PXROM_FAST) {
+      throw Refusal{PXROM_REFUSED, "there is no mode " + std::to_string(mode) +
+                                       ": it is 0 for exact or 1 for fast"};
+    }
+    RequirePoints(*prepared, points, rows);
+    if (rows > 0 && !prepared->model.OutputIDs().empty()) RequireArgument(values, "values");
+    const auto precision = static_cast<pxrom::E_PrecisionMode>(mode);
+    if (prepared->model.Evaluate(points, rows, precision, values, errors, statuses) != 0) {
+      throw Refusal{PXROM_REFUSED, "the evaluation is refused"};
+    }
+  });
+}
+
+pxrom_status pxrom_prepared_gradients(const pxrom_prepared* prepared, const double* points,
+                                      size_t rows, double* gradients, int32_t* statuses,
+                                      char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(prepared, "prepared");
+    RequirePoints(*prepared, points, rows);
+    if (rows > 0 && !prepared->model.InputIDs().empty()) RequireArgument(gradients, "gradients");
+    if (prepared->model.EvaluateGradients(points, rows, gradients, statuses) != 0) {
+      throw Refusal{PXROM_REFUSED, "the evaluation is refused"};
+    }
+  });
+}

@@ -1,0 +1,277 @@
+// The C interface: the same answers as the classes behind it, refusals with a sentence, and nothing
+// thrown across the border.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "pxrom/batch.h"
+#include "pxrom/inspection.h"
+#include "pxrom/pxrom_c.h"
+#include "support/model_files.h"
+
+namespace Tarvane::Plexura::PXROM::tests {
+namespace {
+
+struct Free {
+  void operator()(pxrom_model* model) const { pxrom_model_free(model); }
+  void operator()(pxrom_prepared* prepared) const { pxrom_prepared_free(prepared); }
+};
+using ModelHandle = std::unique_ptr<pxrom_model, Free>;
+using PreparedHandle = std::unique_ptr<pxrom_prepared, Free>;
+
+const std::string kBeam = PXROM_EXAMPLES "/beam.pxdb";
+
+class CInterface : public testing::Test {
+ protected:
+  ModelHandle Read(const std::string& text) {
+    pxrom_model* model = nullptr;
+    status = pxrom_model_read(text.data(), text.size(), &model, message, sizeof message);
+    return ModelHandle(model);
+  }
+  PreparedHandle Prepare(const ModelHandle& model, const std::vector<const char*>& names,
+                         const std::vector<int32_t>& values) {
+    pxrom_prepared* prepared = nullptr;
+    status = pxrom_model_prepare(model.get(), names.empty() ? nullptr : names.data(), values.data(),
+                                 values.size(), &prepared, message, sizeof message);
+    return PreparedHandle(prepared);
+  }
+  std::vector<std::string> List(const ModelHandle& model, int32_t list) {
+    std::vector<std::string> ids;
+    std::size_t count = 0;
+    EXPECT_EQ(pxrom_model_count(model.get(), list, &count, nullptr, 0), PXROM_OK);
+    for (std::size_t i = 0; i < count; ++i) {
+      pxrom_parameter parameter = {};
+      EXPECT_EQ(pxrom_model_parameter(model.get(), list, i, &parameter, nullptr, 0), PXROM_OK);
+      ids.emplace_back(parameter.id);
+    }
+    return ids;
+  }
+
+  char message[PXROM_MESSAGE_SIZE] = "";
+  pxrom_status status = PXROM_OK;
+};
+
+bool AreSame(const std::vector<double>& a, const std::vector<double>& b) {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
+}
+
+TEST_F(CInterface, ListsWhatTheModelHolds) {
+  const ModelHandle model = Read(ContentOf(kBeam));
+  ASSERT_EQ(status, PXROM_OK) << message;
+  EXPECT_EQ(List(model, PXROM_INPUTS), (std::vector<std::string>{"h", "F", "L", "b"}));
+  EXPECT_EQ(List(model, PXROM_DISCRETE_INPUTS), (std::vector<std::string>{"Holes", "Material"}));
+  EXPECT_EQ(List(model, PXROM_OUTPUTS), (std::vector<std::string>{"deflection", "mass", "stress"}));
+  const std::vector<std::string> all = List(model, PXROM_ALL_PARAMETERS);
+  EXPECT_EQ(all.front(), "Slenderness");
+  EXPECT_EQ(all.size(), 13U);
+
+  pxrom_parameter length = {};
+  ASSERT_EQ(pxrom_model_parameter(model.get(), PXROM_INPUTS, 2, &length, nullptr, 0), PXROM_OK);
+  EXPECT_STREQ(length.unit, "m");
+  EXPECT_EQ(length.has_bounds, 1);
+  EXPECT_EQ(length.lower_bound, 1.0);
+  EXPECT_EQ(length.upper_bound, 2.0);
+  EXPECT_EQ(length.values, nullptr);
+  pxrom_parameter holes = {};
+  ASSERT_EQ(pxrom_model_parameter(model.get(), PXROM_DISCRETE_INPUTS, 0, &holes, nullptr, 0),
+            PXROM_OK);
+  EXPECT_EQ(std::vector<int32_t>(holes.values, holes.values + holes.value_count),
+            (std::vector<int32_t>{0, 2, 4}));
+
+  std::size_t count = 0;
+  ASSERT_EQ(pxrom_model_combination_count(model.get(), &count, nullptr, 0), PXROM_OK);
+  ASSERT_EQ(count, 6U);
+  const int32_t* values = nullptr;
+  ASSERT_EQ(pxrom_model_combination(model.get(), 5, &values, nullptr, 0), PXROM_OK);
+  EXPECT_EQ(values[0], 4);
+  EXPECT_EQ(values[1], 2);
+}
+
+TEST_F(CInterface, AnswersAsThePreparedModel) {
+  CDiscreteCombinations combinations;
+  ASSERT_NO_FATAL_FAILURE(ReadModel(kBeam, combinations));
+  CPreparedModel direct;
+  ASSERT_EQ(CPreparedModel::Prepare(combinations, {{"Material", 1}, {"Holes", 2}}, direct), 0);
+
+  ModelHandle model = Read(ContentOf(kBeam));
+  const PreparedHandle named = Prepare(model, {"Material", "Holes"}, {1, 2});
+  ASSERT_EQ(status, PXROM_OK) << message;
+  const PreparedHandle ranked = Prepare(model, {}, {2, 1});
+  ASSERT_EQ(status, PXROM_OK) << message;
+  model.reset();  // a prepared combination outlives its model
+
+  const std::vector<double> points = {90, 3000, 1.5, 45, 70, 1200, 1.9, 58, 61, 4900, 1.01, 31};
+  const std::size_t rows = 3;
+  for (const pxrom_prepared* prepared : {named.get(), ranked.get()}) {
+    ASSERT_EQ(pxrom_prepared_input_count(prepared), 4U);
+    ASSERT_EQ(pxrom_prepared_output_count(prepared), 3U);
+    for (const int32_t mode : {PXROM_EXACT, PXROM_FAST}) {
+      std::vector<double> values(9), errors(9), wantedValues(9), wantedErrors(9);
+      std::vector<int> statuses(9, 7), wantedStatuses(9, 9);
+      ASSERT_EQ(direct.Evaluate(points.data(), rows, static_cast<E_PrecisionMode>(mode),
+                                wantedValues.data(), wantedErrors.data(), wantedStatuses.data()),
+                0);
+      ASSERT_EQ(pxrom_prepared_evaluate(prepared, points.data(), rows, mode, values.data(),
+                                        errors.data(), statuses.data(), message, sizeof message),
+                PXROM_OK);
+      EXPECT_TRUE(AreSame(values, wantedValues));
+      EXPECT_TRUE(AreSame(errors, wantedErrors));
+      EXPECT_EQ(statuses, wantedStatuses);
+    }
+    std::vector<double> gradients(36), wanted(36);
+    ASSERT_EQ(direct.EvaluateGradients(points.data(), rows, wanted.data(), nullptr), 0);
+    ASSERT_EQ(pxrom_prepared_gradients(prepared, points.data(), rows, gradients.data(), nullptr,
+                                       message, sizeof message),
+              PXROM_OK);
+    EXPECT_TRUE(AreSame(gradients, wanted));
+  }
+  // The mass of this combination is a regression with an error of its own.
+  EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 0), 1);
+  EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 1), 0);
+  EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 3), 0);
+}
+
+TEST_F(CInterface, RefusesWithASentenceAndWritesNothing) {
+  EXPECT_EQ(Read("nothing"), nullptr);
+  EXPECT_EQ(status, PXROM_REFUSED);
+  EXPECT_NE(std::string(message).find("line 1"), std::string::npos) << message;
+  EXPECT_EQ(Read(""), nullptr);
+  EXPECT_EQ(status, PXROM_REFUSED);
+
+  const ModelHandle model = Read(ContentOf(kBeam));
+  ASSERT_EQ(status, PXROM_OK);
+  EXPECT_STREQ(message, "");
+  const struct {
+    std::vector<const char*> names;
+    std::vector<int32_t> values;
+    const char* said;
+  } wrong[] = {
+      {{"Material"}, {1}, "has 2 discrete inputs, but 1"},
+      {{"Material", "Material"}, {1, 2}, "'Holes' needs one value, but 0"},
+      {{"Material", "L"}, {1, 2}, "'Holes' needs one value, but 0"},
+      {{"Material", "Holes"}, {1, 3}, "no combination of the discrete values 3, 1"},
+  };
+  for (const auto& question : wrong) {
+    EXPECT_EQ(Prepare(model, question.names, question.values), nullptr);
+    EXPECT_EQ(status, PXROM_REFUSED);
+    EXPECT_NE(std::string(message).find(question.said), std::string::npos) << message;
+  }
+
+  pxrom_parameter parameter = {};
+  EXPECT_EQ(pxrom_model_parameter(model.get(), PXROM_INPUTS, 4, &parameter, message, 17),
+            PXROM_REFUSED);
+  EXPECT_STREQ(message, "there is no para");  // cut to the buffer
+  EXPECT_EQ(parameter.id, nullptr);
+  std::size_t count = 77;
+  EXPECT_EQ(pxrom_model_count(model.get(), 4, &count, nullptr, 0), PXROM_REFUSED);
+  EXPECT_EQ(count, 77U);
+  const int32_t* values = nullptr;
+  EXPECT_EQ(pxrom_model_combination(model.get(), 6, &values, nullptr, 0), PXROM_REFUSED);
+
+  const PreparedHandle prepared = Prepare(model, {}, {2, 1});
+  const double point[4] = {90, 3000, 1.5, 45};
+  double results[3] = {-7, -7, -7};
+  EXPECT_EQ(pxrom_prepared_evaluate(prepared.get(), point, 1, 2, results, nullptr, nullptr, message,
+                                    sizeof message),
+            PXROM_REFUSED);
+  EXPECT_EQ(results[0], -7);
+}
+
+TEST_F(CInterface, RefusesNullByName) {
+  const ModelHandle model = Read(ContentOf(kBeam));
+  const PreparedHandle prepared = Prepare(model, {}, {2, 1});
+  double number = 0;
+  std::size_t count = 0;
+  const int32_t* key = nullptr;
+  const int32_t values[2] = {2, 1};
+  const char* const names[2] = {"Holes", nullptr};
+  pxrom_model* read = nullptr;
+  pxrom_prepared* made = nullptr;
+  pxrom_parameter parameter = {};
+  const auto expect = [&](pxrom_status got, const char* named) {
+    EXPECT_EQ(got, PXROM_NULL_ARGUMENT);
+    EXPECT_EQ(std::string(message), std::string(named) + " is null");
+  };
+  expect(pxrom_model_read(nullptr, 3, &read, message, sizeof message), "text");
+  expect(pxrom_model_read("x", 1, nullptr, message, sizeof message), "model");
+  expect(pxrom_model_count(nullptr, PXROM_INPUTS, &count, message, sizeof message), "model");
+  expect(pxrom_model_count(model.get(), PXROM_INPUTS, nullptr, message, sizeof message), "count");
+  expect(pxrom_model_parameter(nullptr, PXROM_INPUTS, 0, &parameter, message, sizeof message),
+         "model");
+  expect(pxrom_model_parameter(model.get(), PXROM_INPUTS, 0, nullptr, message, sizeof message),
+         "parameter");
+  expect(pxrom_model_combination_count(nullptr, &count, message, sizeof message), "model");
+  expect(pxrom_model_combination(nullptr, 0, &key, message, sizeof message), "model");
+  expect(pxrom_model_combination(model.get(), 0, nullptr, message, sizeof message), "values");
+  expect(pxrom_model_prepare(nullptr, nullptr, values, 2, &made, message, sizeof message), "model");
+  expect(pxrom_model_prepare(model.get(), nullptr, nullptr, 2, &made, message, sizeof message),
+         "values");
+  expect(pxrom_model_prepare(model.get(), names, values, 2, &made, message, sizeof message),
+         "one of names");
+  expect(pxrom_model_prepare(model.get(), nullptr, values, 2, nullptr, message, sizeof message),
+         "prepared");
+  expect(pxrom_prepared_evaluate(nullptr, &number, 1, PXROM_EXACT, &number, nullptr, nullptr,
+                                 message, sizeof message),
+         "prepared");
+  expect(pxrom_prepared_evaluate(prepared.get(), nullptr, 1, PXROM_EXACT, &number, nullptr, nullptr,
+                                 message, sizeof message),
+         "points");
+  expect(pxrom_prepared_evaluate(prepared.get(), &number, 1, PXROM_EXACT, nullptr, nullptr, nullptr,
+                                 message, sizeof message),
+         "values");
+  expect(pxrom_prepared_gradients(prepared.get(), &number, 1, nullptr, nullptr, message,
+                                  sizeof message),
+         "gradients");
+  expect(pxrom_check(nullptr, 0, nullptr, nullptr, nullptr, message, sizeof message), "text");
+  EXPECT_EQ(pxrom_prepared_evaluate(prepared.get(), nullptr, 0, PXROM_EXACT, nullptr, nullptr,
+                                    nullptr, nullptr, 0),
+            PXROM_OK);
+  EXPECT_EQ(pxrom_prepared_input_count(nullptr), 0U);
+  pxrom_model_free(nullptr);
+  pxrom_prepared_free(nullptr);
+}
+
+TEST_F(CInterface, ChecksAsTheInspection) {
+  std::string text = ContentOf(kBeam);
+  text.replace(text.find("GenomeWeight="), 13, "GenomWeight= ");
+  const CInspectionReport report = InspectPXROMDatabase(text);
+  ASSERT_FALSE(report.findings.empty());
+
+  std::vector<std::string> sentences;
+  pxrom_finding_counts counts = {};
+  const auto collect = [](const pxrom_finding* finding, void* user) {
+    auto& list = *static_cast<std::vector<std::string>*>(user);
+    list.emplace_back(finding->sentence);
+    return list.size() == 2 ? 1 : 0;
+  };
+  ASSERT_EQ(
+      pxrom_check(text.data(), text.size(), collect, &sentences, &counts, message, sizeof message),
+      PXROM_OK);
+  EXPECT_EQ(counts.errors, report.errors);
+  EXPECT_EQ(counts.warnings, report.warnings);
+  EXPECT_EQ(counts.notes, report.notes);
+  ASSERT_EQ(sentences.size(), 2U);  // the callback ended the list
+  EXPECT_EQ(sentences[0], report.findings[0].sentence);
+  EXPECT_EQ(sentences[1], report.findings[1].sentence);
+}
+
+TEST_F(CInterface, ThrowsNothingAcrossTheBorder) {
+  const std::string text = "nothing";
+  const auto fail = [](const pxrom_finding*, void*) -> int { throw std::runtime_error("mine"); };
+  EXPECT_EQ(pxrom_check(text.data(), text.size(), fail, nullptr, nullptr, message, sizeof message),
+            PXROM_FAILED);
+  EXPECT_STREQ(message, "the callback threw an exception");
+  const auto exhaust = [](const pxrom_finding*, void*) -> int { throw std::bad_alloc(); };
+  EXPECT_EQ(pxrom_check(text.data(), text.size(), exhaust, nullptr, nullptr, message, 9),
+            PXROM_NO_MEMORY);
+  EXPECT_STREQ(message, "there is");
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::tests
