@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "lanes/lanes.h"
 #include "batch/prepared_surface.h"
+#include "lanes/lanes.h"
 #include "pxrom/types.h"
 
 namespace Tarvane::Plexura::PXROM::batch {

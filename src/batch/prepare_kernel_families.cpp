@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "batch/kernel_surface.h"
-#include "numerics/bessel.h"
 #include "kriging/predictor_error.h"
+#include "numerics/bessel.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
