@@ -108,12 +108,15 @@ void RunTokens(std::string_view data) {
   CompareNumber(text, 77);
   CompareNumber(text, true);
   CompareNumber(text, false);
-  double token = 0.0;
-  const std::size_t length = reading::ExtractToken(text, outer, token);
+  std::string_view rest = text;
+  double token = 8.25;
+  reading::ExtractTokens(rest, outer, &token, 1);
   double first = 0.0;
   literal::Extract(text.substr(0, text.find(outer)), first);
-  Require(Same(token, first) && length == std::min(text.find(outer), text.size()),
-          "a token is read up to its delimiter");
+  const std::size_t delimiter = text.find(outer);
+  Require(Same(token, first) &&
+              rest == (delimiter < text.size() ? text.substr(delimiter + 1) : std::string()),
+          "a token is read and dropped with its delimiter");
 
   const CReader reader;
   const char* const promise = "a list splits as std::getline splits it";

@@ -1,7 +1,8 @@
 #pragma once
 
-// All of the library's public headers.
+// All of the library's public headers for C++; pxrom_c.h is for C.
 
+#include "pxrom/batch.h"
 #include "pxrom/constant.h"
 #include "pxrom/database_labels.h"
 #include "pxrom/database_reader.h"
@@ -12,6 +13,7 @@
 #include "pxrom/fitting_candidates.h"
 #include "pxrom/fmu_description_reader.h"
 #include "pxrom/goodness_of_fit.h"
+#include "pxrom/inspection.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
