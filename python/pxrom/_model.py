@@ -160,6 +160,22 @@ class Model:
             index=X.index if _points.is_frame(X) else None,
         )
 
+    def samples(
+        self, discrete: Optional[Mapping[str, int]] = None, *, output: str
+    ) -> Tuple[np.ndarray, np.ndarray]:
+        """The samples that the database keeps for one output of a combination: inputs of the shape
+        (n, d), with the columns of :attr:`inputs`, and outputs of the shape (n,). n is 0 where it
+        keeps none."""
+        names = [parameter.name for parameter in self.outputs]
+        if output not in names:
+            raise ValueError(f"there is no output {output!r}{did_you_mean(output, names)}")
+        rows, values = self._model.samples(self._key({} if discrete is None else discrete), output)
+        X = np.array(rows, dtype=float).reshape(len(rows), -1)
+        y = np.array(values, dtype=float)
+        if X.shape != (len(y), len(self.inputs)):
+            return np.empty((0, len(self.inputs))), np.empty(0)
+        return X, y
+
     def to_text(self) -> str:
         """The database in its canonical form, as ``pxrom format`` writes it. :attr:`text` is what
         was read. ValueError where the text would not read back as the same model."""

@@ -104,6 +104,27 @@ py::list Combinations(const pxrom::CDiscreteCombinations& model) {
   return all;
 }
 
+/// (rows of inputs, outputs) that the database keeps for one output of a combination.
+py::tuple Samples(const pxrom::CDiscreteCombinations& model, const std::vector<int>& key,
+                  const py::str& output) {
+  const auto& indexing = *model.GetDiscreteCombinationsIndexingPtr();
+  const auto combination = indexing.find(key);
+  std::vector<std::vector<double>> inputs;
+  std::vector<double> outputs;
+  if (combination != indexing.end()) {
+    const auto& all = *model.GetOutputsWrtDiscCombPtr();
+    const auto& lists = all[static_cast<std::size_t>(combination->second)];
+    const auto found = lists.find(ToBytes(output));
+    const pxrom::CFittingCandidate* const candidate =
+        found != lists.end() ? found->second->GetEvaluationCandidatePtr() : nullptr;
+    if (candidate != nullptr) {
+      candidate->GetInputSamples(inputs);
+      candidate->GetOutputSamples(outputs);
+    }
+  }
+  return py::make_tuple(inputs, outputs);
+}
+
 pxrom::CPreparedModel Prepare(const pxrom::CDiscreteCombinations& model,
                               const std::vector<std::pair<py::str, int>>& given) {
   std::vector<std::pair<std::string, int>> values;
@@ -193,6 +214,7 @@ void BindModel(py::module_& module) {
       module, "Combinations", "All combinations of a database.")
       .def("parameters", &Parameters)
       .def("combinations", &Combinations)
+      .def("samples", &Samples, py::arg("key"), py::arg("output"))
       .def("prepare", &Prepare, py::arg("values"))
       .def("to_text", &ToText);
   module.def("read", &ReadModel, py::arg("text"));
