@@ -99,13 +99,7 @@ def contour(
     if samples > 0:
         points, _ = model.samples(discrete, output=output)
         near = _nearness(points, [i, j], centre, ranges, samples)
-        ax.scatter(
-            points[near > 0, i],
-            points[near > 0, j],
-            s=14,
-            color=_COLOURS["sample"],
-            alpha=near[near > 0],
-        )
+        _dots(ax, points[:, i], points[:, j], near)
     ax.plot(centre[i], centre[j], "+", color=_COLOURS["point"])
     ax.set_xlabel(_label(model.inputs[i]))
     ax.set_ylabel(_label(model.inputs[j]))
@@ -161,10 +155,13 @@ def _show_samples(
 ) -> None:
     points, values = model.samples(discrete, output=output)
     near = _nearness(points, [place], centre, ranges, reach)
+    _dots(ax, points[:, place], values, near)
+
+
+def _dots(ax: Any, x: np.ndarray, y: np.ndarray, near: np.ndarray) -> None:
     shown = near > 0
-    ax.scatter(
-        points[shown, place], values[shown], s=14, color=_COLOURS["sample"], alpha=near[shown]
-    )
+    if shown.any():
+        ax.scatter(x[shown], y[shown], s=14, color=_COLOURS["sample"], alpha=near[shown])
 
 
 def _share_rows(axes: np.ndarray) -> None:

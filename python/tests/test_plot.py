@@ -28,7 +28,8 @@ def test_slices_show_values_errors_and_near_samples(beam, tmp_path):
             }
             result = beam.predict(STEEL, points, return_error=True)
             assert np.array_equal(line.get_ydata(), result.values[output.name])
-            *bands, dots = axes[row, column].collections
+            bands = axes[row, column].collections[:-1]
+            dots = axes[row, column].collections[-1]
             assert bool(bands) == (output.name not in result.scaled_errors)
             if bands:
                 top = bands[0].get_paths()[0].vertices[:, 1].max()
