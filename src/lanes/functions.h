@@ -19,6 +19,14 @@ struct Exact {
   unsigned open;
 };
 
+/// A polynomial by Horner's rule, from the coefficient of the highest power down.
+template <class... Doubles>
+PXROM_INLINE V Horner(V x, double first, Doubles... rest) {
+  V sum = Set(first);
+  ((sum = Fma(sum, x, Set(rest))), ...);
+  return sum;
+}
+
 constexpr double kMagic = 0x1.8p52;  // added, it leaves an integer in the lowest bits
 
 #if PXROM_LANES == PXROM_LANES_PORTABLE
@@ -141,15 +149,8 @@ PXROM_INLINE Exact ExpOfMinus(V s) {
   const V rRest = MinusFma(k, Set(kStepRest), rough - r);
 
   // exp(r) = 1 + r + tail; the Taylor series is long enough.
-  V series = Set(1.0 / 3628800.0);
-  series = Fma(series, r, Set(1.0 / 362880.0));
-  series = Fma(series, r, Set(1.0 / 40320.0));
-  series = Fma(series, r, Set(1.0 / 5040.0));
-  series = Fma(series, r, Set(1.0 / 720.0));
-  series = Fma(series, r, Set(1.0 / 120.0));
-  series = Fma(series, r, Set(1.0 / 24.0));
-  series = Fma(series, r, Set(1.0 / 6.0));
-  series = Fma(series, r, Set(0.5));
+  const V series = Horner(r, 1.0 / 3628800.0, 1.0 / 362880.0, 1.0 / 40320.0, 1.0 / 5040.0,
+                          1.0 / 720.0, 1.0 / 120.0, 1.0 / 24.0, 1.0 / 6.0, 0.5);
   const V tail = Fma(r * r, series, Fma(rRest, r, rRest));
 
   const I bits = AsInts(shifted);
@@ -199,17 +200,8 @@ PXROM_INLINE Exact Log(V x) {
   const V s = above * inverse;
   const V sRest = MinusFma(s, sumRest, MinusFma(s, sum, above)) * inverse;
   const V w = s * s;
-  V series = Set(2.0 / 23.0);
-  series = Fma(series, w, Set(2.0 / 21.0));
-  series = Fma(series, w, Set(2.0 / 19.0));
-  series = Fma(series, w, Set(2.0 / 17.0));
-  series = Fma(series, w, Set(2.0 / 15.0));
-  series = Fma(series, w, Set(2.0 / 13.0));
-  series = Fma(series, w, Set(2.0 / 11.0));
-  series = Fma(series, w, Set(2.0 / 9.0));
-  series = Fma(series, w, Set(2.0 / 7.0));
-  series = Fma(series, w, Set(2.0 / 5.0));
-  series = Fma(series, w, Set(2.0 / 3.0));
+  const V series = Horner(w, 2.0 / 23.0, 2.0 / 21.0, 2.0 / 19.0, 2.0 / 17.0, 2.0 / 15.0, 2.0 / 13.0,
+                          2.0 / 11.0, 2.0 / 9.0, 2.0 / 7.0, 2.0 / 5.0, 2.0 / 3.0);
   const V twiceRest = sRest + sRest;
   const V tail = Fma(s * w, series, Fma(twiceRest, w, twiceRest));
 
@@ -256,59 +248,34 @@ PXROM_INLINE V OverPowerOf2(V v, V shifted) {
 #endif
 
 // The fast ones: within about one unit in the last place of 1. The polynomials are Chebyshev fits
-// of the least degree for that (polynomials.py).
+// of the least degree for that.
 
 /// 2^-q for q from 0 up; below 2^-1000 anything near 0.
 PXROM_INLINE V Exp2OfMinus(V q) {
   const V bounded = Smaller(q, Set(1000.0));
   const V shifted = bounded + Set(kMagic);
   const V g = bounded - (shifted - Set(kMagic));
-  V p = Set(-0x1.e9ec1fcb69a7fp-32);
-  p = Fma(p, g, Set(0x1.e6228acd1c6e5p-28));
-  p = Fma(p, g, Set(-0x1.b524ebd13a55fp-24));
-  p = Fma(p, g, Set(0x1.62bfc2c86d700p-20));
-  p = Fma(p, g, Set(-0x1.ffcbfc6da6ed1p-17));
-  p = Fma(p, g, Set(0x1.430913112c61bp-13));
-  p = Fma(p, g, Set(-0x1.5d87fe78a3f9cp-10));
-  p = Fma(p, g, Set(0x1.3b2ab6fb9f1a5p-7));
-  p = Fma(p, g, Set(-0x1.c6b08d704a0c6p-5));
-  p = Fma(p, g, Set(0x1.ebfbdff82c5aep-3));
-  p = Fma(p, g, Set(-0x1.62e42fefa39efp-1));
-  p = Fma(p, g, Set(1.0));
+  const V p = Horner(g, -0x1.e9ec1fcb69a7fp-32, 0x1.e6228acd1c6e5p-28, -0x1.b524ebd13a55fp-24,
+                     0x1.62bfc2c86d700p-20, -0x1.ffcbfc6da6ed1p-17, 0x1.430913112c61bp-13,
+                     -0x1.5d87fe78a3f9cp-10, 0x1.3b2ab6fb9f1a5p-7, -0x1.c6b08d704a0c6p-5,
+                     0x1.ebfbdff82c5aep-3, -0x1.62e42fefa39efp-1, 1.0);
   return OverPowerOf2(p, shifted);
 }
 
 /// sin(z) / z for w = z z up to (3 pi / 2)^2.
 PXROM_INLINE V SineRatio(V w) {
-  V p = Set(0x1.03b526158ddeap-84);
-  p = Fma(p, w, Set(-0x1.6eed8c5f154dap-75));
-  p = Fma(p, w, Set(0x1.7135b8df47476p-66));
-  p = Fma(p, w, Set(-0x1.2f439f0b9b2c3p-57));
-  p = Fma(p, w, Set(0x1.952c15377c993p-49));
-  p = Fma(p, w, Set(-0x1.ae7f3a3a2e61ap-41));
-  p = Fma(p, w, Set(0x1.6124611a8c058p-33));
-  p = Fma(p, w, Set(-0x1.ae64567e0f903p-26));
-  p = Fma(p, w, Set(0x1.71de3a55642dcp-19));
-  p = Fma(p, w, Set(-0x1.a01a01a019c17p-13));
-  p = Fma(p, w, Set(0x1.1111111111101p-7));
-  p = Fma(p, w, Set(-0x1.5555555555555p-3));
-  return Fma(p, w, Set(1.0));
+  return Horner(w, 0x1.03b526158ddeap-84, -0x1.6eed8c5f154dap-75, 0x1.7135b8df47476p-66,
+                -0x1.2f439f0b9b2c3p-57, 0x1.952c15377c993p-49, -0x1.ae7f3a3a2e61ap-41,
+                0x1.6124611a8c058p-33, -0x1.ae64567e0f903p-26, 0x1.71de3a55642dcp-19,
+                -0x1.a01a01a019c17p-13, 0x1.1111111111101p-7, -0x1.5555555555555p-3, 1.0);
 }
 
 /// J0(z) for w = z z up to 3.8317^2.
 PXROM_INLINE V BesselJ0OfSquare(V w) {
-  V p = Set(-0x1.3654ff6af8e5ep-73);
-  p = Fma(p, w, Set(0x1.523a0849dac01p-64));
-  p = Fma(p, w, Set(-0x1.0b07deaa6e777p-55));
-  p = Fma(p, w, Set(0x1.522803e6401e2p-47));
-  p = Fma(p, w, Set(-0x1.522a2f3172569p-39));
-  p = Fma(p, w, Set(0x1.02e85b888a221p-31));
-  p = Fma(p, w, Set(-0x1.234567859b634p-24));
-  p = Fma(p, w, Set(0x1.c71c71c6f28e7p-18));
-  p = Fma(p, w, Set(-0x1.c71c71c71b72fp-12));
-  p = Fma(p, w, Set(0x1.fffffffffff9cp-7));
-  p = Fma(p, w, Set(-0x1.ffffffffffffep-3));
-  return Fma(p, w, Set(1.0));
+  return Horner(w, -0x1.3654ff6af8e5ep-73, 0x1.523a0849dac01p-64, -0x1.0b07deaa6e777p-55,
+                0x1.522803e6401e2p-47, -0x1.522a2f3172569p-39, 0x1.02e85b888a221p-31,
+                -0x1.234567859b634p-24, 0x1.c71c71c6f28e7p-18, -0x1.c71c71c71b72fp-12,
+                0x1.fffffffffff9cp-7, -0x1.ffffffffffffep-3, 1.0);
 }
 
 /// tanh(z).
