@@ -4,10 +4,9 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
-#include <stdexcept>
 
 #include "pxrom/database_labels.h"
-#include "pxrom/database_reader.h"
+#include "pxrom/inspection.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -52,24 +51,14 @@ std::string ReadTextFile(const std::string& path) {
 }
 
 std::unique_ptr<Model> ReadModel(const std::string& path) {
-  std::string text = ReadTextFile(path);
+  const std::string text = ReadTextFile(path);
   RequireGroup(path, text, pxrom::CPXROMDatabaseLabels::tagParameterRegistry());
   RequireGroup(path, text, pxrom::CPXROMDatabaseLabels::tagDiscreteSets());
 
   auto model = std::make_unique<Model>();
-  int status = 1;
-  try {
-    pxrom::CReaderPXROMDatabase reader;
-    reader.ReadDataStream(text);
-    status = reader.ResumeDiscreteCombinations(*model);
-  } catch (const std::out_of_range&) {
-    status = 1;
-  }
-  if (status != 0) {
-    throw Refusal(Quoted(path) + " is a damaged database: the library refuses its content");
-  }
-  if (model->GetDiscreteCombinationsIndexingPtr()->empty()) {
-    throw Refusal(Quoted(path) + " holds no fitted model: it has no combination to evaluate");
+  std::string reason;
+  if (pxrom::ReadExplainedPXROMDatabase(text, *model, reason) != 0) {
+    throw Refusal(Quoted(path) + " is a damaged database: " + reason);
   }
   return model;
 }

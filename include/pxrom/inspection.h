@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "pxrom/discrete_combinations.h"
 #include "pxrom/export.h"
 #include "pxrom/types.h"
 
@@ -190,5 +191,12 @@ struct CInspectionReport {
 /// is listed a hundred times at most; the last of its findings then tells how many more there are.
 /// Exceptions: std::bad_alloc only. Threads: no shared state.
 PXROM_API CInspectionReport InspectPXROMDatabase(const std::string& text);
+
+/// Reads a database into the empty `out`, and says why where that fails: 1 with the first error of
+/// an inspection and its line in `reason`, also for a text without any combination; `out` then
+/// holds what was read before. 0 with `reason` untouched. Exceptions: std::bad_alloc only. Threads:
+/// needs `out` and `reason` alone.
+PXROM_API int ReadExplainedPXROMDatabase(std::string text, CDiscreteCombinations& out,
+                                         std::string& reason);
 
 }  // namespace Tarvane::Plexura::PXROM

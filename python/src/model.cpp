@@ -4,14 +4,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "bindings.h"
 #include "pxrom/batch.h"
-#include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/inspection.h"
 #include "pxrom/writer.h"
@@ -26,33 +24,14 @@ namespace {
 using Table = py::array_t<double, py::array::c_style>;
 using Statuses = py::array_t<int, py::array::c_style>;
 
-std::string WhyRefused(const std::string& text) {
-  const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(text);
-  for (const pxrom::CFinding& finding : report.findings) {
-    if (finding.severity != pxrom::SeverityError) continue;
-    return "line " + std::to_string(finding.line) + ": " + finding.sentence;
-  }
-  return "the text is no database of fitted models";
-}
-
 /// The objects of a text, never changed after they were read, so that threads may share them.
 std::shared_ptr<pxrom::CDiscreteCombinations> ReadModel(const py::str& given) {
-  std::string text = ToBytes(given);
+  const std::string text = ToBytes(given);
   std::string reason;
   auto model = std::make_shared<pxrom::CDiscreteCombinations>();
   {
     const py::gil_scoped_release unlocked;
-    int status = 1;
-    try {
-      pxrom::CReaderPXROMDatabase reader;
-      reader.ReadDataStream(text);
-      status = reader.ResumeDiscreteCombinations(*model);
-    } catch (const std::out_of_range&) {
-      status = 1;
-    }
-    if (status != 0 || model->GetDiscreteCombinationsIndexingPtr()->empty()) {
-      reason = WhyRefused(text);
-    }
+    pxrom::ReadExplainedPXROMDatabase(text, *model, reason);
   }
   if (!reason.empty()) throw py::value_error(reason);
   return model;

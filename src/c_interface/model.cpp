@@ -2,39 +2,13 @@
 
 #include <algorithm>
 #include <memory>
-#include <stdexcept>
 #include <utility>
 
 #include "c_interface/border.h"
-#include "pxrom/database_reader.h"
 #include "pxrom/inspection.h"
 
 namespace Tarvane::Plexura::PXROM::c_interface {
 namespace {
-
-/// The first error that an inspection finds, as the reader itself tells nothing.
-std::string WhyRefused(const std::string& text) {
-  const CInspectionReport report = InspectPXROMDatabase(text);
-  for (const CFinding& finding : report.findings) {
-    if (finding.severity != SeverityError) continue;
-    return "line " + std::to_string(finding.line) + ": " + finding.sentence;
-  }
-  return "the text is no database of fitted models";
-}
-
-void Read(std::string text, CDiscreteCombinations& combinations) {
-  int status = 1;
-  try {
-    CReaderPXROMDatabase reader;
-    reader.ReadDataStream(text);
-    status = reader.ResumeDiscreteCombinations(combinations);
-  } catch (const std::out_of_range&) {
-    status = 1;
-  }
-  if (status != 0 || combinations.GetDiscreteCombinationsIndexingPtr()->empty()) {
-    throw Refusal{PXROM_REFUSED, WhyRefused(text)};
-  }
-}
 
 /// The value that a query by ID gave for its one ID.
 template <class Value>
@@ -119,6 +93,7 @@ void RequireIndex(std::size_t index, std::size_t count, const char* what) {
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM::c_interface
 
+namespace pxrom = Tarvane::Plexura::PXROM;
 using namespace Tarvane::Plexura::PXROM::c_interface;
 
 pxrom_status pxrom_model_read(const char* text, size_t length, pxrom_model** model, char* message,
@@ -127,7 +102,11 @@ pxrom_status pxrom_model_read(const char* text, size_t length, pxrom_model** mod
     RequireArgument(text, "text");
     RequireArgument(model, "model");
     auto read = std::make_unique<pxrom_model>();
-    Read(std::string(text, length), read->combinations);
+    std::string reason;
+    if (pxrom::ReadExplainedPXROMDatabase(std::string(text, length), read->combinations, reason) !=
+        0) {
+      throw Refusal{PXROM_REFUSED, reason};
+    }
     Describe(*read);
     *model = read.release();
   });

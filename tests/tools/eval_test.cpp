@@ -88,10 +88,16 @@ TEST(Eval, RefusesInOneSentenceThatNamesWhatWasWrong) {
       {headless + " x=0",
        "\"" + headless + "\" is no database of fitted models: it has no <DiscreteSets> group"},
       {damaged + " x=0",
-       "\"" + damaged + "\" is a damaged database: the library refuses its content"},
-      {cut + " x=0", "\"" + cut + "\" is a damaged database: the library refuses its content"},
+       "\"" + damaged +
+           "\" is a damaged database: line 29: \"DataType=\" is 9, which is no family: reading is "
+           "refused"},
+      {cut + " x=0", "\"" + cut +
+                         "\" is a damaged database: line 1: the group ParameterRegistry has no "
+                         "closing tag \"</ParameterRegistry>\""},
       {unfilled + " x=0",
-       "\"" + unfilled + "\" holds no fitted model: it has no combination to evaluate"},
+       "\"" + unfilled +
+           "\" is a damaged database: line 14: there is no combination: DiscreteSets has no line "
+           "\"DiscreteSet=\""},
       {unready + " x=0",
        "the library can't evaluate the output \"y\": one of its surfaces is damaged, stopped or "
        "not "

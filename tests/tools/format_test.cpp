@@ -64,7 +64,9 @@ TEST(Format, RefusesInOneSentence) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {separator, "can't write \"" + separator +
                       "\" anew: the caption of \"x\" holds \";\", which separates values"},
-      {damaged, "\"" + damaged + "\" is a damaged database: the library refuses its content"},
+      {damaged, "\"" + damaged +
+                    "\" is a damaged database: line 29: \"DataType=\" is 9, which is no family: "
+                    "reading is refused"},
       {fmu, "can't write \"" + fmu + "\" anew: its FMU group is damaged"},
       {"examples/constant.pxdb -o /nowhere/x",
        "can't write to \"/nowhere/x\": No such file or directory"},

@@ -1,0 +1,36 @@
+#include <stdexcept>
+
+#include "pxrom/database_reader.h"
+#include "pxrom/inspection.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+// The reader itself tells nothing.
+std::string FirstError(const std::string& text) {
+  const CInspectionReport report = InspectPXROMDatabase(text);
+  for (const CFinding& finding : report.findings) {
+    if (finding.severity != SeverityError) continue;
+    return "line " + std::to_string(finding.line) + ": " + finding.sentence;
+  }
+  return "the text is no database of fitted models";
+}
+
+}  // namespace
+
+int ReadExplainedPXROMDatabase(std::string text, CDiscreteCombinations& out, std::string& reason) {
+  int status = 1;
+  try {
+    CReaderPXROMDatabase reader;
+    reader.ReadDataStream(text);
+    status = reader.ResumeDiscreteCombinations(out);
+  } catch (const std::out_of_range&) {
+    status = 1;
+  }
+  if (status == 0 && !out.GetDiscreteCombinationsIndexingPtr()->empty()) return 0;
+  reason = FirstError(text);
+  return 1;
+}
+
+}  // namespace Tarvane::Plexura::PXROM
