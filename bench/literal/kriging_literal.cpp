@@ -277,6 +277,10 @@ CKrigingData RandomKriging(std::mt19937& random, int type, int trend, int n, int
   record.NumberOfPolyCoeff = static_cast<int>(p);
   record.Sigma2 = 1.7;
   record.InvC = matrix(samples, samples, -1.0, 1.0);
+  for (std::size_t k = 0; k < samples; ++k) {
+    std::fill(record.InvC[k].begin() + static_cast<std::ptrdiff_t>(k) + 1, record.InvC[k].end(),
+              0.0);
+  }
   record.InvG = matrix(p, p, -1.0, 1.0);
   record.Ft = matrix(p, samples, -1.0, 1.0);
   return record;

@@ -38,16 +38,31 @@ void AddRowProducts(const Vector* rows, const double* x, std::size_t columns, do
   for (std::size_t lane = 0; lane < kRows; ++lane) out[lane] = sum[lane];
 }
 
+/// The same for up to lanes::kRowsOfProducts rows on vectors.
+void AddRowProducts(const lanes::Lanes& lanes, const Vector* rows, std::size_t count,
+                    const double* x, std::size_t columns, bool skipsZeros, double* out) {
+  const double* row[lanes::kRowsOfProducts];
+  double sum[lanes::kRowsOfProducts];
+  for (std::size_t k = 0; k < lanes::kRowsOfProducts; ++k) {
+    const std::size_t own = std::min(k, count - 1);
+    row[k] = rows[own].data();
+    sum[k] = out[own];
+  }
+  lanes.rowProducts(row, x, skipsZeros ? lanes.lengthBeforeZeros(row, columns) : columns, sum);
+  std::copy_n(sum, count, out);
+}
+
 /// out[k] grows by m[k][j] x[j], in ascending j, for each element of `out`. `m` must cover both.
-void AddProduct(const Matrix& m, const double* x, std::size_t columns, Vector& out) {
+/// With `skipsZeros`, zeros at the end of the rows may be left out.
+void AddProduct(const Matrix& m, const double* x, std::size_t columns, bool skipsZeros,
+                Vector& out) {
   constexpr std::size_t kLanes = 8;
-  constexpr std::size_t kWide = 16;
   std::size_t k = 0;
   const lanes::Lanes* const lanes = lanes::LanesForRows();
-  for (; lanes != nullptr && k + kWide <= out.size(); k += kWide) {
-    const double* rows[kWide];
-    for (std::size_t row = 0; row < kWide; ++row) rows[row] = m[k + row].data();
-    lanes->rowProducts(rows, x, columns, &out[k]);
+  while (lanes != nullptr && k + 1 < out.size()) {
+    const std::size_t count = std::min(lanes::kRowsOfProducts, out.size() - k);
+    AddRowProducts(*lanes, &m[k], count, x, columns, skipsZeros, &out[k]);
+    k += count;
   }
   for (; k + kLanes <= out.size(); k += kLanes) {
     AddRowProducts<kLanes>(&m[k], x, columns, &out[k]);
@@ -77,13 +92,16 @@ bool PredictorError::IsAvailable() const {
 double PredictorError::At(const double* r, const double* f) {
   const auto n = static_cast<std::size_t>(record_.NumberOfSamples);
   v_.assign(n, 0.0);
-  AddProduct(record_.InvC, r, n, v_);
+  // As fitted, InvC is triangular. Its zeros add nothing to sums that begin at 0, unless they meet
+  // an infinity or a NaN.
+  const bool areFinite = std::all_of(r, r + n, [](double value) { return std::isfinite(value); });
+  AddProduct(record_.InvC, r, n, areFinite, v_);
   const double nc = Norm(v_);
   w_.resize(p_);
   std::transform(f, f + p_, w_.begin(), [](double value) { return -value; });
-  AddProduct(record_.Ft, v_.data(), n, w_);
+  AddProduct(record_.Ft, v_.data(), n, false, w_);
   g_.assign(p_, 0.0);
-  AddProduct(record_.InvG, w_.data(), p_, g_);
+  AddProduct(record_.InvG, w_.data(), p_, false, g_);
   const double ng = Norm(g_);
   // The norms are squared again: the square root's rounding belongs to the result.
   return std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * record_.Sigma2));

@@ -120,6 +120,9 @@ struct KrigingErrorSum {
   double* errors = nullptr;
 };
 
+/// How many rows Lanes::rowProducts takes: enough chains of additions to hide their latency.
+constexpr std::size_t kRowsOfProducts = 16;
+
 /// The loops over points, for one instruction set. All of them keep the order of operations that
 /// the evaluators have, point by point, but the fast sum.
 struct Lanes {
@@ -137,8 +140,11 @@ struct Lanes {
   void (*krigingError)(const KrigingErrorSum& call);
   /// Only for kernels that HasRowKernels names; null in loops that would be no faster than others.
   void (*rowKernels)(const RowKernels& call);
-  /// out[k] grows by rows[k][j] x[j], in ascending j, for 16 rows. Null as rowKernels is.
+  /// out[k] grows by rows[k][j] x[j], in ascending j, for kRowsOfProducts rows. Null as rowKernels
+  /// is.
   void (*rowProducts)(const double* const* rows, const double* x, std::size_t columns, double* out);
+  /// A length behind which kRowsOfProducts rows hold zeros alone. Null as rowKernels is.
+  std::size_t (*lengthBeforeZeros)(const double* const* rows, std::size_t length);
   /// values[r] = the sum of (x - row)^2 over the inputs.
   void (*squaredDistances)(const double* rows, std::size_t rowCount, const double* x,
                            std::size_t inputs, std::size_t points, double* values);

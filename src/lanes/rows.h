@@ -99,22 +99,20 @@ void RowKernelsOf(const RowKernels& call) {
 }
 
 void RowProductsOf(const double* const* rows, const double* x, std::size_t columns, double* out) {
-  constexpr std::size_t kVectors = 16 / kLanes;
+  constexpr std::size_t kVectors = kRowsOfProducts / kLanes;
   V sum[kVectors];
   for (std::size_t u = 0; u < kVectors; ++u) sum[u] = Load(out + u * kLanes);
   std::size_t j = 0;
-  for (; j + 2 <= columns; j += 2) {
-    const V x0 = Set(x[j]);
-    const V x1 = Set(x[j + 1]);
+  for (; j + 4 <= columns; j += 4) {
     for (std::size_t u = 0; u < kVectors; ++u) {
-      V column;
-      V next;
-      LoadTwoColumns(rows + u * kLanes, j, column, next);
-      sum[u] = sum[u] + column * x0;
-      sum[u] = sum[u] + next * x1;
+      V column[4];
+      LoadFourColumns(rows + u * kLanes, j, column);
+      for (std::size_t next = 0; next < 4; ++next) {
+        sum[u] = sum[u] + column[next] * Set(x[j + next]);
+      }
     }
   }
-  if (j < columns) {
+  for (; j < columns; ++j) {
     for (std::size_t u = 0; u < kVectors; ++u) {
       sum[u] = sum[u] + LoadColumn(rows + u * kLanes, j) * Set(x[j]);
     }
@@ -122,14 +120,27 @@ void RowProductsOf(const double* const* rows, const double* x, std::size_t colum
   for (std::size_t u = 0; u < kVectors; ++u) Store(out + u * kLanes, sum[u]);
 }
 
+std::size_t LengthBeforeZerosOf(const double* const* rows, std::size_t length) {
+  for (; length >= kLanes; length -= kLanes) {
+    V bits = Set(0.0);
+    for (std::size_t k = 0; k < kRowsOfProducts; ++k) {
+      bits = Or(bits, Load(rows[k] + length - kLanes));
+    }
+    if (Bits(IsOther(bits, Set(0.0))) != 0) break;
+  }
+  return length;
+}
+
 constexpr auto kRowKernels = &RowKernelsOf;
 constexpr auto kRowProducts = &RowProductsOf;
+constexpr auto kLengthBeforeZeros = &LengthBeforeZerosOf;
 
 #else
 
 // The evaluators' own loops are as good.
 constexpr void (*kRowKernels)(const RowKernels&) = nullptr;
 constexpr void (*kRowProducts)(const double* const*, const double*, std::size_t, double*) = nullptr;
+constexpr std::size_t (*kLengthBeforeZeros)(const double* const*, std::size_t) = nullptr;
 
 #endif
 

@@ -172,9 +172,9 @@ void SquaredDistancesOf(const double* rows, std::size_t rowCount, const double* 
   }
 }
 
-constexpr Lanes kTable = {&SumOf,      &FastSumOf,       &PolynomialOf,
-                          &ProductsOf, &QuadraticFormOf, &KrigingErrorOf,
-                          kRowKernels, kRowProducts,     &SquaredDistancesOf};
+constexpr Lanes kTable = {
+    &SumOf,          &FastSumOf,  &PolynomialOf, &ProductsOf,        &QuadraticFormOf,
+    &KrigingErrorOf, kRowKernels, kRowProducts,  kLengthBeforeZeros, &SquaredDistancesOf};
 
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM::lanes

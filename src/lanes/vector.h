@@ -43,6 +43,9 @@ PXROM_INLINE V Set(double value) { return _mm512_set1_pd(value); }
 PXROM_INLINE V Load(const double* from) { return _mm512_loadu_pd(from); }
 PXROM_INLINE void Store(double* to, V v) { _mm512_storeu_pd(to, v); }
 PXROM_INLINE V Abs(V v) { return _mm512_abs_pd(v); }
+PXROM_INLINE V Or(V a, V b) {
+  return _mm512_castsi512_pd(_mm512_or_si512(_mm512_castpd_si512(a), _mm512_castpd_si512(b)));
+}
 PXROM_INLINE V Sqrt(V v) { return _mm512_maskz_sqrt_pd(kEveryLane, v); }
 PXROM_INLINE V Fma(V a, V b, V c) { return _mm512_fmadd_pd(a, b, c); }
 PXROM_INLINE V MinusFma(V a, V b, V c) { return _mm512_fnmadd_pd(a, b, c); }
@@ -72,6 +75,28 @@ PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, V& fi
   second = _mm512_maskz_unpackhi_pd(kEveryLane, even, odd);
 }
 
+/// Four values of row `a` and four of row `b`.
+PXROM_INLINE V LoadFours(const double* a, const double* b) {
+  return _mm512_maskz_insertf64x4(kEveryLane, _mm512_castpd256_pd512(_mm256_loadu_pd(a)),
+                                  _mm256_loadu_pd(b), 1);
+}
+
+/// Values i to i + 3 of kLanes rows.
+PXROM_INLINE void LoadFourColumns(const double* const* rows, std::size_t i, V* columns) {
+  const V p = LoadFours(rows[0] + i, rows[2] + i);
+  const V q = LoadFours(rows[1] + i, rows[3] + i);
+  const V r = LoadFours(rows[4] + i, rows[6] + i);
+  const V s = LoadFours(rows[5] + i, rows[7] + i);
+  const V evenLow = _mm512_maskz_unpacklo_pd(kEveryLane, p, q);
+  const V evenHigh = _mm512_maskz_unpacklo_pd(kEveryLane, r, s);
+  const V oddLow = _mm512_maskz_unpackhi_pd(kEveryLane, p, q);
+  const V oddHigh = _mm512_maskz_unpackhi_pd(kEveryLane, r, s);
+  columns[0] = _mm512_maskz_shuffle_f64x2(kEveryLane, evenLow, evenHigh, 0x88);
+  columns[1] = _mm512_maskz_shuffle_f64x2(kEveryLane, oddLow, oddHigh, 0x88);
+  columns[2] = _mm512_maskz_shuffle_f64x2(kEveryLane, evenLow, evenHigh, 0xDD);
+  columns[3] = _mm512_maskz_shuffle_f64x2(kEveryLane, oddLow, oddHigh, 0xDD);
+}
+
 #elif PXROM_LANES == PXROM_LANES_AVX2
 
 using V = __m256d;
@@ -82,6 +107,7 @@ PXROM_INLINE V Set(double value) { return _mm256_set1_pd(value); }
 PXROM_INLINE V Load(const double* from) { return _mm256_loadu_pd(from); }
 PXROM_INLINE void Store(double* to, V v) { _mm256_storeu_pd(to, v); }
 PXROM_INLINE V Abs(V v) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), v); }
+PXROM_INLINE V Or(V a, V b) { return _mm256_or_pd(a, b); }
 PXROM_INLINE V Sqrt(V v) { return _mm256_sqrt_pd(v); }
 PXROM_INLINE V Fma(V a, V b, V c) { return _mm256_fmadd_pd(a, b, c); }
 PXROM_INLINE V MinusFma(V a, V b, V c) { return _mm256_fnmadd_pd(a, b, c); }
@@ -99,6 +125,12 @@ PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, V& fi
   odd = _mm256_insertf128_pd(odd, _mm_loadu_pd(rows[3] + i), 1);
   first = _mm256_unpacklo_pd(even, odd);
   second = _mm256_unpackhi_pd(even, odd);
+}
+
+/// Values i to i + 3 of kLanes rows.
+PXROM_INLINE void LoadFourColumns(const double* const* rows, std::size_t i, V* columns) {
+  LoadTwoColumns(rows, i, columns[0], columns[1]);
+  LoadTwoColumns(rows, i + 2, columns[2], columns[3]);
 }
 
 #else

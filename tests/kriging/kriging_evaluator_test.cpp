@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <tuple>
 
 #include "literal/kriging_literal.h"
@@ -23,10 +25,12 @@ CKrigingData SmallRecord() {
 TEST(KrigingEvaluator, EqualsTheLiteralProgramToTheLastBit) {
   std::mt19937 random(2U);
   for (int round = 0; round < 11 * 5 * 2 * 3; ++round) {
-    const int n = std::uniform_int_distribution<int>(0, 27)(random);
+    const int n = std::uniform_int_distribution<int>(0, 40)(random);
     const int d = std::uniform_int_distribution<int>(1, 5)(random);
     CKrigingData record =
         literal::RandomKriging(random, 1 + round % 11, round % 5, n, d, round % 2 == 0);
+    // Factors are triangular; no one checks that.
+    if (round % 3 == 0) std::reverse(record.InvC.begin(), record.InvC.end());
     CKrigingData twin = record;
     const Vector x(static_cast<std::size_t>(d), 0.1 * (round % 7));
     double y[3] = {-9.0, -9.0, -9.0};
@@ -45,6 +49,18 @@ TEST(KrigingEvaluator, EqualsTheLiteralProgramToTheLastBit) {
     EXPECT_EQ(literal::EvalErrorPredictions(twin, points, errors[1]), 0);
     EXPECT_EQ(errors[0], errors[1]);
   }
+}
+
+TEST(KrigingEvaluator, ZerosOfTheFactorMeetWhatIsNotFinite) {
+  CKrigingData record = SmallRecord();
+  record.InvC.assign(2, {0.0, 0.0});
+  double y = 0.0;
+  double error = 0.0;
+  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.1}, y, error), 0);
+  EXPECT_FALSE(std::isnan(error));
+  record.InputSamples[1][0] = std::nan("");
+  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.1}, y, error), 0);
+  EXPECT_TRUE(std::isnan(error));
 }
 
 // Only a complete call leaves the samples. Without an error, or with a trend that does not fit,

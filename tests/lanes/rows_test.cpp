@@ -91,5 +91,21 @@ TEST(Rows, ProductsKeepTheOrderOfColumns) {
   }
 }
 
+TEST(Rows, ZerosAreOnlyWhatAllRowsEndWith) {
+  constexpr std::size_t kColumns = 29;
+  for (const lanes::Lanes* const lanes : LanesWithRows()) {
+    for (std::size_t last = 0; last < kColumns; ++last) {
+      std::vector<std::vector<double>> matrix(16, std::vector<double>(kColumns, -0.0));
+      const double* rows[16];
+      for (std::size_t k = 0; k < 16; ++k) rows[k] = matrix[k].data();
+      EXPECT_LT(lanes->lengthBeforeZeros(rows, kColumns), 8);
+      matrix[last % 16][last] = last % 2 == 0 ? 1e-320 : std::nan("");
+      const std::size_t length = lanes->lengthBeforeZeros(rows, kColumns);
+      EXPECT_GT(length, last);
+      EXPECT_LE(length, last + 8);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM
