@@ -1,0 +1,55 @@
+// The command as a person uses it: the sessions of tests/data/tools, to the letter.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "command.h"
+#include "pxrom/version.h"
+
+namespace {
+
+using command::Result;
+using command::Shell;
+
+/// What a session shows when its lines behind "$ " run again: each line of the standard error
+/// stream behind "! ", and behind "= " a status that is not 0.
+std::string Again(const std::string& session) {
+  std::string again;
+  std::istringstream lines(session);
+  for (std::string line; std::getline(lines, line);) {
+    const std::string mark = line.substr(0, 2);
+    if (mark == "# " || mark == "$ ") again += line + '\n';
+    if (mark != "$ ") continue;
+    const Result result = Shell(line.substr(2));
+    again += result.out;
+    std::istringstream errors(result.err);
+    for (std::string error; std::getline(errors, error);) again += "! " + error + '\n';
+    if (result.status != 0) again += "= " + std::to_string(result.status) + '\n';
+  }
+  return again;
+}
+
+TEST(Sessions, ShowTheSameAgain) {
+  for (const char* const name : {"eval", "points", "format", "inspection", "fmu"}) {
+    SCOPED_TRACE(name);
+    const std::string session =
+        command::Contents(PXROM_SOURCE "/tests/data/tools/" + std::string(name) + ".txt");
+    EXPECT_GT(session.size(), 1000u);
+    EXPECT_EQ(Again(session), session);
+  }
+}
+
+TEST(Command, TellsItsVersionAndItsExamplesWork) {
+  EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");
+  for (const char* const name : {"eval", "info", "check", "fmu", "format"}) {
+    const Result result =
+        Shell("pxrom " + std::string(name) +
+              " --help | sed -n '/^Example:/{n;p}' >example && grep -q '^  pxrom " + name +
+              "' example && bash example");
+    EXPECT_EQ(result.status, 0) << name;
+    EXPECT_EQ(result.err, "") << name;
+  }
+}
+
+}  // namespace
