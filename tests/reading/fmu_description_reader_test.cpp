@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
-#include <random>
-#include <sstream>
 
 #include "pxrom/database_reader.h"
+#include "support/model_files.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -50,9 +48,7 @@ TEST(FMUDescriptionReader, ReadsRealModelDescriptions) {
       {"VanDerPol", "{BD403596-3166-4232-ABC2-132BDF73E644}", 12, 0, 0, 2, "x1"},
   };
   for (const auto& c : cases) {
-    std::stringstream text;
-    text << std::ifstream(PXROM_TEST_DATA "/fmi/" + c.file + ".xml").rdbuf();
-    const auto reader = Parsed(text.str());
+    const auto reader = Parsed(ContentOf(PXROM_TEST_DATA "/fmi/" + c.file + ".xml"));
     EXPECT_EQ(reader.GetGUID(), c.guid);
     EXPECT_EQ(reader.GetNumberOfReals(), c.reals) << c.file;
     EXPECT_EQ(reader.GetNumberOfIntegers(), c.integers) << c.file;
@@ -137,33 +133,6 @@ TEST(FMUDescriptionReader, DamagedTextsGiveWhatIsThere) {
   reader.ParseFMUModelDescription();
   EXPECT_EQ(reader.GetGUID(), "{g}");
   EXPECT_TRUE(reader.GetNumberOfContinuousStates() == 3 && reader.GetNumberOfReals() == 2);
-}
-
-TEST(FMUDescriptionReader, NoSequenceOfItsWordsBreaksIt) {
-  const Names words = {"<fmiModelDescription",
-                       "<ModelVariables",
-                       "<ScalarVariable",
-                       "</ScalarVariable",
-                       "guid=",
-                       "numberOfContinuousStates=",
-                       "name=",
-                       "valueReference=",
-                       "causality=",
-                       "input",
-                       "<Real",
-                       "<Integer",
-                       "\"",
-                       "12"};
-  std::mt19937 random(5U);
-  for (int round = 0; round < 20000; ++round) {
-    std::string text = "<fmiModelDescription<ModelVariables";
-    for (int i = static_cast<int>(random() % 24U); i > 0; --i)
-      text += words[random() % words.size()];
-    const auto reader = Parsed(text.substr(0, text.size() - random() % 4U));
-    for (const std::string& name : reader.ListParameterImmutableID()) {
-      EXPECT_NE(text.find(name), std::string::npos);
-    }
-  }
 }
 
 TEST(FMUDescriptionReader, TextsWithoutWhatTheyPromiseTakeNoQuadraticTimeOrMemory) {

@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <random>
+#include <sstream>
 #include <stdexcept>
-
-#include "literal/reading_literal.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -55,36 +52,6 @@ TEST(Reader, SplitsAsTheFormatSays) {
   EXPECT_THROW(reader.TokenizePairStringInt("{a;1},,{b;2}", ',', ';'), std::out_of_range);
   EXPECT_THROW(reader.TokenizePairStringDouble(",", ',', ';'), std::out_of_range);
   EXPECT_EQ(reader.TokenizePairStringString(",", ',', ';'), (StringPairs{{"", ""}}));
-}
-
-template <class Result, class Call>
-std::pair<bool, Result> ResultOrThrow(Call call) {
-  try {
-    return {true, call()};
-  } catch (const std::out_of_range&) {
-    return {false, Result()};
-  }
-}
-
-TEST(Reader, RandomTextsSplitAsTheSlowTokenizersSplitThem) {
-  const CReader reader;
-  std::mt19937 random(3);
-  const std::string alphabet = "a1 2,,;;{}{}\r\n-.";
-  for (int round = 0; round < 5000; ++round) {
-    std::string text;
-    for (std::size_t length = random() % 30; length > 0; --length) {
-      text += alphabet[random() % alphabet.size()];
-    }
-    EXPECT_EQ(reader.TokenizeInt(text, ','), literal::TokenizeInt(text, ',')) << text;
-    EXPECT_EQ(reader.TokenizeString(text, ','), literal::TokenizeString(text, ',')) << text;
-    EXPECT_EQ(reader.TokenizePairStringString(text, ',', ';'),
-              literal::TokenizePairStringString(text, ',', ';'))
-        << text;
-    EXPECT_EQ(
-        ResultOrThrow<IntPairs>([&] { return reader.TokenizePairStringInt(text, ',', ';'); }),
-        ResultOrThrow<IntPairs>([&] { return literal::TokenizePairStringInt(text, ',', ';'); }))
-        << text;
-  }
 }
 
 }  // namespace
