@@ -2,35 +2,24 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 
-#include "pxrom/database_reader.h"
-#include "pxrom/discrete_combinations.h"
-#include "pxrom/writer.h"
+#include "support/model_files.h"
+#include "writing/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
 using NamedValues = std::vector<std::pair<std::string, double>>;
 
-std::string ContentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();
-  return content.str();
-}
-
 TEST(FormatDocument, ItsExampleReadsEvaluatesAndIsCanonicalWithoutItsNotes) {
   const std::string document = ContentOf(PXROM_DOCS "/database-format.md");
   const std::string fence = "```\n";
   const std::size_t begin = document.find(fence) + fence.size();
-  std::string example = document.substr(begin, document.find(fence, begin) - begin);
+  const std::string example = document.substr(begin, document.find(fence, begin) - begin);
 
-  CReaderPXROMDatabase reader;
-  reader.ReadDataStream(example);
   CDiscreteCombinations model;
-  ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+  ASSERT_EQ(Read(example, model), 0);
   NamedValues outputs;
   EXPECT_EQ(model.Evaluate({{"Material", 1}}, {{"L", 1.5}}, outputs), 0);
   EXPECT_EQ(outputs, (NamedValues{{"mass", 3.5}}));
@@ -42,9 +31,7 @@ TEST(FormatDocument, ItsExampleReadsEvaluatesAndIsCanonicalWithoutItsNotes) {
   for (std::string line; std::getline(lines, line);) {
     if (line[0] != '#') plain += line + '\n';
   }
-  std::string written;
-  EXPECT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, written), 0);
-  EXPECT_EQ(written, plain);
+  EXPECT_EQ(Written(model), plain);
 }
 
 // A key that a writer of texts doesn't find on the page is as good as none.

@@ -4,16 +4,13 @@
 
 #include <functional>
 #include <limits>
-#include <memory>
 
 #include "pxrom/constant.h"
-#include "pxrom/database_reader.h"
-#include "pxrom/discrete_combinations.h"
 #include "pxrom/kriging.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
 #include "pxrom/support_vector.h"
-#include "pxrom/writer.h"
+#include "writing/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -21,28 +18,45 @@ namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-void ExpectRefused(const CDiscreteCombinations& model, const std::string& why) {
+using Model = CDiscreteCombinations;
+using Candidate = CFittingCandidate;
+using Values = std::vector<double>;
+using Rows = std::vector<Values>;
+
+/// A change of a sound object, and what is then said of it.
+template <class Object>
+struct Damage {
+  const char* why;
+  std::function<void(Object&)> apply;
+};
+
+/// Sets one field or, with several changes, one after the other.
+template <class Object, class Value, class Given>
+auto Set(Value Object::*field, Given given) {
+  return [=](Object& object) { object.*field = static_cast<Value>(given); };
+}
+template <class... Changes>
+auto All(Changes... changes) {
+  return [=](auto& object) mutable { (changes(object), ...); };
+}
+
+void ExpectRefused(const Model& model, const std::string& why) {
   std::string text = "kept";
   std::string reason;
   EXPECT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text, reason), 1) << why;
-  EXPECT_EQ(text, "kept");
   EXPECT_EQ(reason, why);
   EXPECT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text), 1);
   EXPECT_EQ(text, "kept");
 }
 
-void ExpectWritten(const CDiscreteCombinations& model) {
-  std::string text;
-  std::string reason;
-  EXPECT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text, reason), 0) << reason;
-  CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
-  CDiscreteCombinations again;
-  EXPECT_EQ(reader.ResumeDiscreteCombinations(again), 0);
+void ExpectWritten(const Model& model) {
+  Model again;
+  EXPECT_EQ(Read(Written(model), again), 0);
 }
 
-CConstantData SoundConstant() {
-  CConstantData record;
+template <class Record>
+Record Sound() {
+  Record record;
   record.NumberOfInputVariables = 1;
   record.NumberOfSamples = 2;
   record.InputSamples = {{0.25}, {0.5}};
@@ -52,43 +66,15 @@ CConstantData SoundConstant() {
   return record;
 }
 
-template <class Record>
-Record Sound() {
-  Record record;
-  static_cast<CRSData&>(record) = SoundConstant();
-  return record;
-}
+Candidate SoundCandidate() { return CandidateOf(Sound<CConstantData>()); }
 
-/// k is discrete, x continuous, y the output; one combination with k = 4.
-void FillWith(const CFittingCandidate& candidate, CDiscreteCombinations& model) {
-  model.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
-  model.RegisterParameter("x", CausalityInput, ContinuousManufacturable, true);
-  model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
-  model.RegisterParameterExtraInfos("x", "", "m", "Length", 1, 0);
-  auto list = std::make_unique<CFittingCandidates>();
-  list->AddFittingCandidate(candidate);
-  model.RegisterDiscreteCombination({{"k", 4}}, {{"y", list.release()}});
-}
-
-CFittingCandidate CandidateOf(const CRSData& record) {
-  CFittingCandidates list;
-  list.GenerateCandidateFromCRSData(&record);
-  return *list.GetCandidatePtr(0);
-}
-
-using Model = CDiscreteCombinations;
-
-TEST(Refusals, Registry) {
+TEST(Refusals, RegistryAndCombinations) {
   ExpectRefused(Model(), "a database needs a parameter");
   for (const char* const blank : {"", " \t"}) {
     Model model;
     model.RegisterParameter(blank, CausalityInput, ContinuousManufacturable, true);
     ExpectRefused(model, "the ID of the only parameter is blank");
   }
-  struct Case {
-    const char* why;
-    std::function<void(Model&)> damage;
-  };
   const auto id = [](const char* name) {
     return [name](Model& m) { m.RegisterParameter(name, CausalityInput, DerivedParameter, true); };
   };
@@ -96,7 +82,7 @@ TEST(Refusals, Registry) {
                         double lower = 0) {
     return [=](Model& m) { m.RegisterParameterExtraInfos(name, "", unit, caption, upper, lower); };
   };
-  const Case cases[] = {
+  const std::vector<Damage<Model>> damages = {
       {"the ID \"a,b\" holds \",\", which separates values", id("a,b")},
       {"the ID \"a;b\" holds \";\", which separates values", id("a;b")},
       {"the ID \"{a\" holds \"{\", which separates values", id("{a")},
@@ -121,22 +107,6 @@ TEST(Refusals, Registry) {
       {"\"k\" is not continuous, but has a unit or bounds", infos("k", "mm", "")},
       {"\"k\" is not continuous, but has a unit or bounds", infos("k", "", "", 2)},
       {"\"k\" is not continuous, but has a unit or bounds", infos("k", "", "", 0, -0.0)},
-  };
-  for (const Case& c : cases) {
-    Model model;
-    FillWith(CandidateOf(SoundConstant()), model);
-    ExpectWritten(model);
-    c.damage(model);
-    ExpectRefused(model, c.why);
-  }
-}
-
-TEST(Refusals, Combinations) {
-  struct Case {
-    const char* why;
-    std::function<void(Model&)> damage;
-  };
-  const Case cases[] = {
       {"a combination has 1 discrete values, but there are 2 enabled discrete inputs",
        [](Model& m) { m.RegisterParameter("n", CausalityInput, DiscreteParameter, true); }},
       {"the combination at k=4 has 1 outputs, but 2 are enabled",
@@ -149,16 +119,16 @@ TEST(Refusals, Combinations) {
        }},
       {"the output \"y}\" holds \"}\", which separates values",
        [](Model& m) {
-         auto* list = new CFittingCandidates;
-         list->AddFittingCandidate(CandidateOf(SoundConstant()));
-         m.RegisterDiscreteCombination({{"k", 5}}, {{"y}", list}});
+         m.RegisterDiscreteCombination({{"k", 5}}, {{"y}", ListOf(SoundCandidate())}});
        }},
   };
-  for (const Case& c : cases) {
-    Model model;
-    FillWith(CandidateOf(SoundConstant()), model);
-    c.damage(model);
-    ExpectRefused(model, c.why);
+  Model sound;
+  FillWith(SoundCandidate(), sound);
+  ExpectWritten(sound);
+  for (const Damage<Model>& damage : damages) {
+    Model model(sound);
+    damage.apply(model);
+    ExpectRefused(model, damage.why);
   }
 
   // Values of equal rank are sorted in a key, so that this one is lost once the ranks are equal.
@@ -174,7 +144,7 @@ TEST(Refusals, Combinations) {
 }
 
 TEST(Refusals, CandidateLists) {
-  const CFittingCandidate sound = CandidateOf(SoundConstant());
+  const Candidate sound = SoundCandidate();
   const auto refused = [](const CFittingCandidates& list, const std::string& why) {
     Model model;
     model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
@@ -191,87 +161,72 @@ TEST(Refusals, CandidateLists) {
 }
 
 TEST(Refusals, Candidates) {
-  struct Case {
-    const char* why;
-    std::function<void(CFittingCandidate&)> damage;
-  };
-  using Candidate = CFittingCandidate;
   const char* const unasked =
       "it holds cross-validation data, but error prediction is not required of it";
-  const auto validation = [](int rows, double distance) {
+  const auto set = [](auto operation, auto value) {
+    return [=](Candidate& c) mutable { (c.*operation)(value); };
+  };
+  const auto surfaces = [](const Values& weights, bool errors) {
     return [=](Candidate& c) {
-      std::vector<std::vector<double>> sorted(static_cast<std::size_t>(rows), {0.5});
-      std::vector<int> folds = {1, 1};
-      c.SetCrossValidationData(sorted, folds);
-      double scale = distance;
-      c.SetDPMinDist(scale);
+      CConstantData surface = Sound<CConstantData>();
+      c.SetRSAndWeights(std::vector<CRSData*>(weights.size(), &surface), weights, errors);
     };
   };
-  const Case cases[] = {
+  const auto validation = [&](std::size_t rows, double distance) {
+    const auto sorted = [rows](Candidate& c) {
+      Rows samples(rows, {0.5});
+      std::vector<int> folds = {1, 1};
+      c.SetCrossValidationData(samples, folds);
+    };
+    return All(sorted, set(&Candidate::SetDPMinDist, distance));
+  };
+  const auto sub = [](double slope) {
+    return [=](Candidate& c) {
+      CConstantData surface = Sound<CConstantData>();
+      surface.OutputScaleSlope = slope;
+      c.AddSubRS(&surface);
+    };
+  };
+  const auto unask = set(&Candidate::SetbIsErrPredRequired, false);
+  const std::vector<Damage<Candidate>> damages = {
       {"CandidateInputSamples is not a matrix of 3 rows and 1 columns, as the counts beside it say",
-       [](Candidate& c) { c.SetNumberOfSamples(3); }},
+       set(&Candidate::SetNumberOfSamples, 3)},
       {"CandidateInputSamples is not a matrix of 2 rows and -1 columns, as the counts beside it "
        "say",
-       [](Candidate& c) { c.SetNumberOfInputVariables(-1); }},
+       set(&Candidate::SetNumberOfInputVariables, -1)},
       {"CandidateOutputSamples holds a number that is not finite",
-       [](Candidate& c) {
-         c.SetOutputSamples({1, kNaN});
-       }},
+       set(&Candidate::SetOutputSamples, Values{1, kNaN})},
       {"CandidateOutputScaleSlope holds a number that is not finite",
-       [](Candidate& c) { c.SetOutputScaleSlope(kInf); }},
+       set(&Candidate::SetOutputScaleSlope, kInf)},
       {"its version is 170, but candidates always read as version 192",
-       [](Candidate& c) {
-         E_FittingCandidateVersion version = FittingCandidateVersion170;
-         c.setDataVersion(version);
-       }},
-      {"it has 3 surfaces, but 2 weights",
-       [](Candidate& c) {
-         const std::unique_ptr<CRSData> a(c.GetRSPtr(0)->Clone());
-         const std::unique_ptr<CRSData> b(c.GetRSPtr(0)->Clone());
-         c.SetRSAndWeights({a.get(), b.get()}, {1, 2}, true);
-         c.SetbIsErrPredRequired(false);
-       }},
-      {unasked, [](Candidate& c) { c.AddSubRS(c.GetRSPtr(0)); }},
-      {unasked,
-       [&](Candidate& c) {
-         validation(2, 0)(c);
-         c.SetbIsErrPredRequired(false);
-       }},
-      {unasked,
-       [](Candidate& c) {
-         double distance = 0.5;
-         c.SetDPMinDist(distance);
-       }},
+       set(&Candidate::setDataVersion, FittingCandidateVersion170)},
+      {"it has 3 surfaces, but 2 weights", All(surfaces({1, 2}, true), unask)},
+      {unasked, sub(1)},
+      {unasked, All(validation(2, 0), unask)},
+      {unasked, set(&Candidate::SetDPMinDist, 0.5)},
       {"attScInputPoints is not a matrix of 2 rows and 1 columns, as the counts beside it say",
        validation(3, 0.5)},
       {"Rho holds a number that is not finite", validation(2, kNaN)},
-      {"Genome 0: GenomeWeight holds a number that is not finite",
-       [](Candidate& c) {
-         const std::unique_ptr<CRSData> surface(c.GetRSPtr(0)->Clone());
-         c.SetRSAndWeights({surface.get()}, {kNaN}, false);
-       }},
+      {"Genome 0: GenomeWeight holds a number that is not finite", surfaces({kNaN}, false)},
       {"Genome 1: OutputScaleSlope holds a number that is not finite",
-       [&](Candidate& c) {
-         validation(2, 0.5)(c);
-         CConstantData sub = SoundConstant();
-         sub.OutputScaleSlope = kNaN;
-         c.AddSubRS(&sub);
-       }},
+       All(validation(2, 0.5), sub(kNaN))},
   };
-  for (const Case& c : cases) {
-    CFittingCandidate candidate = CandidateOf(SoundConstant());
-    c.damage(candidate);
+  for (const Damage<Candidate>& damage : damages) {
+    Candidate candidate = SoundCandidate();
+    damage.apply(candidate);
     Model model;
     FillWith(candidate, model);
-    ExpectRefused(model, std::string("output \"y\" at k=4: ") + c.why);
+    ExpectRefused(model, std::string("output \"y\" at k=4: ") + damage.why);
   }
 }
 
-template <class Record>
-struct Damage {
-  const char* why;
-  void (*apply)(Record&);
-};
+void ExpectRefusedAsSecond(const CRSData& record, const std::string& why) {
+  Candidate candidate = SoundCandidate();
+  candidate.AddRSAndWeight(&record, 1);
+  Model model;
+  FillWith(candidate, model);
+  ExpectRefused(model, "output \"y\" at k=4: Genome 1: " + why);
+}
 
 template <class Record>
 void ExpectEachRefused(const std::vector<Damage<Record>>& damages) {
@@ -281,11 +236,7 @@ void ExpectEachRefused(const std::vector<Damage<Record>>& damages) {
   for (const Damage<Record>& damage : damages) {
     Record record = Sound<Record>();
     damage.apply(record);
-    CFittingCandidate candidate = CandidateOf(SoundConstant());
-    candidate.AddRSAndWeight(&record, 1);
-    Model model;
-    FillWith(candidate, model);
-    ExpectRefused(model, std::string("output \"y\" at k=4: Genome 1: ") + damage.why);
+    ExpectRefusedAsSecond(record, damage.why);
   }
 }
 
@@ -298,81 +249,58 @@ struct OtherData : CRSData {
 TEST(Refusals, BaseRecords) {
   ExpectEachRefused<CConstantData>({
       {"InputSamples is not a matrix of 2 rows and 1 columns, as the counts beside it say",
-       [](CConstantData& r) { r.InputSamples[1].push_back(0); }},
+       Set(&CConstantData::InputSamples, Rows{{0.25}, {0.5, 0}})},
       {"InputSamples is not a matrix of 1 rows and 1 columns, as the counts beside it say",
-       [](CConstantData& r) { r.NumberOfSamples = 1; }},
+       Set(&CConstantData::NumberOfSamples, 1)},
       {"InputSamples is not a matrix of -2 rows and 1 columns, as the counts beside it say",
-       [](CConstantData& r) { r.NumberOfSamples = -2; }},
+       Set(&CConstantData::NumberOfSamples, -2)},
       {"InputSamples holds a number that is not finite",
-       [](CConstantData& r) { r.InputSamples[1][0] = kInf; }},
+       Set(&CConstantData::InputSamples, Rows{{0.25}, {kInf}})},
       {"InputScaleSlopes holds a number that is not finite",
-       [](CConstantData& r) { r.InputScaleSlopes = {kNaN}; }},
+       Set(&CConstantData::InputScaleSlopes, Values{kNaN})},
       {"OutputScaleIntercept holds a number that is not finite",
-       [](CConstantData& r) { r.OutputScaleIntercept = -kInf; }},
+       Set(&CConstantData::OutputScaleIntercept, -kInf)},
       {"ConstantValue holds a number that is not finite",
        [](CConstantData& r) { r.SetConstantValue(kNaN); }},
-      {"its RSDataVersion is none that a reader restores",
-       [](CConstantData& r) { r.RSDataVersion_ = static_cast<E_CRSDataVersion>(170); }},
+      {"its RSDataVersion is none that a reader restores", Set(&CRSData::RSDataVersion_, 170)},
       // Rows without values leave no trace in the text, and readers bound their number by it.
       {"1000 samples without any input are too many",
-       [](CConstantData& r) {
-         r.NumberOfInputVariables = 0;
-         r.NumberOfSamples = 1000;
-         r.InputSamples.assign(1000, {});
-       }},
+       All(Set(&CRSData::NumberOfInputVariables, 0), Set(&CRSData::NumberOfSamples, 1000),
+           Set(&CRSData::InputSamples, Rows(1000)))},
   });
-  CFittingCandidate candidate = CandidateOf(SoundConstant());
-  const OtherData other;
-  candidate.AddRSAndWeight(&other, 1);
-  Model model;
-  FillWith(candidate, model);
-  ExpectRefused(model,
-                "output \"y\" at k=4: Genome 1: it is of no known family: its DataType is 77");
+  ExpectRefusedAsSecond(OtherData(), "it is of no known family: its DataType is 77");
 }
 
+const char* const kUnsaved = "it holds predictor error data, but SavePredictorError is not set";
+
 TEST(Refusals, Families) {
-  const char* const unsaved = "it holds predictor error data, but SavePredictorError is not set";
-  ExpectEachRefused<CKrigingData>({
+  using Kriging = CKrigingData;
+  const auto saved = Set(&Kriging::SavePredictorError, true);
+  ExpectEachRefused<Kriging>({
       {"a KrigingVersion below 192 has no predictor error",
-       [](CKrigingData& r) {
-         r.SavePredictorError = true;
-         r.KrigingDataVersion_ = static_cast<E_CKrigingDataVersion>(191);
-       }},
-      {unsaved, [](CKrigingData& r) { r.Ft = {{1}}; }},
-      {unsaved, [](CKrigingData& r) { r.Sigma2 = -0.0; }},
-      {unsaved, [](CKrigingData& r) { r.NumberOfPolyCoeff = 1; }},
+       All(saved, Set(&Kriging::KrigingDataVersion_, 191))},
+      {kUnsaved, Set(&Kriging::Ft, Rows{{1}})},
+      {kUnsaved, Set(&Kriging::Sigma2, -0.0)},
+      {kUnsaved, Set(&Kriging::NumberOfPolyCoeff, 1)},
       {"KrigingInverseOfC is not a matrix of 2 rows and 2 columns, as the counts beside it say",
-       [](CKrigingData& r) {
-         r.SavePredictorError = true;
-         r.Sigma2 = 1;
-       }},
+       All(saved, Set(&Kriging::Sigma2, 1))},
       {"KrigingFTilde is not a matrix of 1 rows and 2 columns, as the counts beside it say",
-       [](CKrigingData& r) {
-         r.SavePredictorError = true;
-         r.NumberOfPolyCoeff = 1;
-         r.InvC = {{1, 0}, {0, 1}};
-         r.InvG = {{1}};
-         r.Ft = {{1}, {2}};
-       }},
+       All(saved, Set(&Kriging::NumberOfPolyCoeff, 1), Set(&Kriging::InvC, Rows{{1, 0}, {0, 1}}),
+           Set(&Kriging::InvG, Rows{{1}}), Set(&Kriging::Ft, Rows{{1}, {2}}))},
   });
   ExpectEachRefused<CSVRData>({
-      {"an SVRVersion below 171 has no SVRKernelArray",
-       [](CSVRData& r) { r.SVRDataVersion_ = static_cast<E_CSVRDataVersion>(170); }},
-      {"SVREpsilonValue is not between 0 and 1", [](CSVRData& r) { r.EpsilonValue = 1; }},
-      {"SVRNuValue is not between 0 and 1", [](CSVRData& r) { r.NuValue = kNaN; }},
-      {"SVRConstantValue is not above 0", [](CSVRData& r) { r.ConstantValue = 0; }},
-      {"SVRConstantValue holds a number that is not finite",
-       [](CSVRData& r) { r.ConstantValue = kNaN; }},
+      {"an SVRVersion below 171 has no SVRKernelArray", Set(&CSVRData::SVRDataVersion_, 170)},
+      {"SVREpsilonValue is not between 0 and 1", Set(&CSVRData::EpsilonValue, 1)},
+      {"SVRNuValue is not between 0 and 1", Set(&CSVRData::NuValue, kNaN)},
+      {"SVRConstantValue is not above 0", Set(&CSVRData::ConstantValue, 0)},
+      {"SVRConstantValue holds a number that is not finite", Set(&CSVRData::ConstantValue, kNaN)},
   });
   const char* const percent =
       "an MLSExtraPointPercent other than 0 needs option 3 and must not be -1";
   ExpectEachRefused<CMLSData>({
-      {percent, [](CMLSData& r) { r.ExtraPointPercent = 5; }},
-      {percent,
-       [](CMLSData& r) {
-         r.UsedPointOption = UsedPointsExtraPercent;
-         r.ExtraPointPercent = -1;
-       }},
+      {percent, Set(&CMLSData::ExtraPointPercent, 5)},
+      {percent, All(Set(&CMLSData::UsedPointOption, UsedPointsExtraPercent),
+                    Set(&CMLSData::ExtraPointPercent, -1))},
   });
 }
 
@@ -386,52 +314,35 @@ class WideTerm : public ConstTerm {
 };
 
 TEST(Refusals, RegressionRecords) {
-  const char* const unsaved = "it holds predictor error data, but SavePredictorError is not set";
+  const auto saved = Set(&CQRSData::SavePredictorError, true);
+  const auto terms = [](std::vector<RegTerm*> list) {
+    return [=](CQRSData& r) mutable { r.SetRegTerm(list.data(), static_cast<int>(list.size())); };
+  };
+  const auto counted = [](int count) { return [=](CQRSData& r) { r.SetRegTerm(nullptr, count); }; };
+  ConstTerm plain;
+  CrossPolyTerm product;
+  ConstTerm infinite;
+  infinite.SetParamVal(1, &kInf);
   ExpectEachRefused<CQRSData>({
       {"a QRSVersion below 192 has no predictor error",
-       [](CQRSData& r) {
-         r.SavePredictorError = true;
-         r.QRSDataVersion_ = static_cast<E_CQRSDataVersion>(191);
-       }},
-      {unsaved, [](CQRSData& r) { r.InvXtX = {{1}}; }},
-      {unsaved, [](CQRSData& r) { r.Sigma2 = 1; }},
+       All(saved, Set(&CQRSData::QRSDataVersion_, 191))},
+      {kUnsaved, Set(&CQRSData::InvXtX, Rows{{1}})},
+      {kUnsaved, Set(&CQRSData::Sigma2, 1)},
       {"QRSInvXtX is not a matrix of 1 rows and 1 columns, as the counts beside it say",
-       [](CQRSData& r) {
-         r.SavePredictorError = true;
-         r.NumberOfSelectedRegTerms = 1;
-         r.InvXtX = {{1, 0}, {0, 1}};
-       }},
-      {"it counts terms that are not there", [](CQRSData& r) { r.SetRegTerm(nullptr, 2); }},
-      {"it counts terms that are not there", [](CQRSData& r) { r.SetRegTerm(nullptr, -1); }},
-      {"RegTerm 1: the term is missing",
-       [](CQRSData& r) {
-         ConstTerm term;
-         RegTerm* terms[] = {&term, nullptr};
-         r.SetRegTerm(terms, 2);
-       }},
-      {"RegTerm 0: no database holds a term of this kind",
-       [](CQRSData& r) {
-         CrossPolyTerm term;
-         RegTerm* terms[] = {&term};
-         r.SetRegTerm(terms, 1);
-       }},
-      {"RegTerm 0: coefficientValue holds a number that is not finite",
-       [](CQRSData& r) {
-         ConstTerm term;
-         term.SetParamVal(1, &kInf);
-         RegTerm* terms[] = {&term};
-         r.SetRegTerm(terms, 1);
-       }},
+       All(saved, Set(&CQRSData::NumberOfSelectedRegTerms, 1),
+           Set(&CQRSData::InvXtX, Rows{{1, 0}, {0, 1}}))},
+      {"it counts terms that are not there", counted(2)},
+      {"it counts terms that are not there", counted(-1)},
+      {"RegTerm 1: the term is missing", terms({&plain, nullptr})},
+      {"RegTerm 0: no database holds a term of this kind", terms({&product})},
+      {"RegTerm 0: coefficientValue holds a number that is not finite", terms({&infinite})},
   });
 
   CQRSData record = Sound<CQRSData>();
-  ConstTerm term;
-  RegTerm* terms[] = {&term};
-  record.SetRegTerm(terms, 1);
+  terms({&plain})(record);
   Model model;
   FillWith(CandidateOf(record), model);
-  const auto* surface = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
-  RegTerm** const held = static_cast<const CQRSData*>(surface->GetRSPtr(0))->RegTerms;
+  RegTerm** const held = SurfaceOf<CQRSData>(model).RegTerms;
   delete held[0];
   held[0] = new WideTerm;
   ExpectRefused(model,
