@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -98,57 +99,79 @@ inline Table Expected(const CDiscreteCombinations::OutputsByID& outputs,
   return table;
 }
 
-inline void ExpectSame(const Table& got, const Table& want, bool withErrors) {
-  for (std::size_t at = 0; at < want.values.size(); ++at) {
-    ASSERT_EQ(got.statuses[at], want.statuses[at]) << "at " << at;
-    ASSERT_PRED2(AreSame, got.values[at], want.values[at]) << "at " << at;
-    if (withErrors) {
-      ASSERT_PRED2(AreSame, got.errors[at], want.errors[at]) << "at " << at;
-    }
-  }
-}
-
-/// Both modes and forms, and all instruction sets, against the evaluators.
+/// Both modes and forms, and all instruction sets, against the evaluators: the same bits, or in the
+/// fast mode numbers within 1e-11 of the largest one of their output.
 inline void ExpectAsEvaluated(const CPreparedModel& model,
                               const CDiscreteCombinations::OutputsByID& outputs,
                               const std::vector<double>& points, std::size_t rows) {
   for (const bool withErrors : {false, true}) {
     const Table want = Expected(outputs, points, rows, withErrors);
-    std::vector<double> largest(2 * outputs.size(), 0.0);
-    for (std::size_t at = 0; at < want.values.size(); ++at) {
-      double& value = largest[at % outputs.size()];
-      double& error = largest[outputs.size() + at % outputs.size()];
-      if (std::isfinite(want.values[at])) value = std::max(value, std::fabs(want.values[at]));
-      if (std::isfinite(want.errors[at])) error = std::max(error, std::fabs(want.errors[at]));
-    }
-    for (const auto set : InstructionSets()) {
-      SCOPED_TRACE("instruction set " + std::to_string(static_cast<int>(set)) +
-                   (withErrors ? " with errors" : ""));
-      const CPreparedModel prepared = PreparedModelAccess::With(model, set);
-      Table got(want.values.size());
-      double* const errors = withErrors ? got.errors.data() : nullptr;
-      ASSERT_EQ(prepared.Evaluate(points.data(), rows, PrecisionExact, got.values.data(), errors,
-                                  got.statuses.data()),
-                0);
-      ASSERT_NO_FATAL_FAILURE(ExpectSame(got, want, withErrors));
-
-      Table fast(want.values.size());
-      ASSERT_EQ(prepared.Evaluate(points.data(), rows, PrecisionFast, fast.values.data(),
-                                  withErrors ? fast.errors.data() : nullptr, fast.statuses.data()),
-                0);
-      EXPECT_EQ(fast.statuses, want.statuses);
-      for (std::size_t at = 0; at < want.values.size(); ++at) {
-        const std::size_t output = at % outputs.size();
-        const auto isNear = [](double a, double b, double tolerance) {
-          return AreSame(a, b) || std::fabs(a - b) <= tolerance;
-        };
-        ASSERT_PRED3(isNear, fast.values[at], want.values[at], 1e-11 * largest[output])
-            << "at " << at;
-        if (!withErrors) continue;
-        ASSERT_PRED3(isNear, fast.errors[at], want.errors[at],
-                     1e-11 * largest[outputs.size() + output])
-            << "at " << at;
+    const auto expectNumbers = [&](const std::vector<double>& got,
+                                   const std::vector<double>& wanted, double tolerance) {
+      std::vector<double> largest(outputs.size(), 0.0);
+      for (std::size_t at = 0; at < wanted.size(); ++at) {
+        double& top = largest[at % outputs.size()];
+        if (std::isfinite(wanted[at])) top = std::max(top, std::fabs(wanted[at]));
       }
+      for (std::size_t at = 0; at < wanted.size(); ++at) {
+        const double allowed = tolerance * largest[at % outputs.size()];
+        const auto isNear = [=](double a, double b) {
+          return AreSame(a, b) || (tolerance > 0.0 && std::fabs(a - b) <= allowed);
+        };
+        ASSERT_PRED2(isNear, got[at], wanted[at]) << "at " << at;
+      }
+    };
+    for (const auto set : InstructionSets()) {
+      const CPreparedModel prepared = PreparedModelAccess::With(model, set);
+      for (const E_PrecisionMode mode : {PrecisionExact, PrecisionFast}) {
+        SCOPED_TRACE(testing::Message() << "instruction set " << static_cast<int>(set) << ", mode "
+                                        << mode << (withErrors ? ", with errors" : ""));
+        const double tolerance = mode == PrecisionExact ? 0.0 : 1e-11;
+        Table got(want.values.size());
+        ASSERT_EQ(prepared.Evaluate(points.data(), rows, mode, got.values.data(),
+                                    withErrors ? got.errors.data() : nullptr, got.statuses.data()),
+                  0);
+        ASSERT_EQ(got.statuses, want.statuses);
+        ASSERT_NO_FATAL_FAILURE(expectNumbers(got.values, want.values, tolerance));
+        if (!withErrors) continue;
+        ASSERT_NO_FATAL_FAILURE(expectNumbers(got.errors, want.errors, tolerance));
+      }
+    }
+  }
+}
+
+inline std::vector<double> ValuesOf(const CPreparedModel& model,
+                                    const std::vector<double>& points) {
+  const std::size_t rows = points.size() / model.InputIDs().size();
+  std::vector<double> values(rows * model.OutputIDs().size());
+  EXPECT_EQ(model.Evaluate(points.data(), rows, PrecisionExact, values.data(), nullptr, nullptr),
+            0);
+  return values;
+}
+
+/// Each derivative at a point against the difference of the values beside it, over a step that is
+/// so small a part of the input's range that it hardly meets a kink.
+inline void ExpectGradientsAreDifferences(const CPreparedModel& model,
+                                          const std::vector<double>& point,
+                                          const std::vector<double>& ranges) {
+  const std::size_t inputs = point.size();
+  const std::size_t outputs = model.OutputIDs().size();
+  std::vector<double> gradients(outputs * inputs);
+  std::vector<int> statuses(outputs, -7);
+  ASSERT_EQ(model.EvaluateGradients(point.data(), 1, gradients.data(), statuses.data()), 0);
+  EXPECT_EQ(statuses, std::vector<int>(outputs, 0));
+  const std::vector<double> values = ValuesOf(model, point);
+  for (std::size_t i = 0; i < inputs; ++i) {
+    std::vector<double> pair = point;
+    pair.insert(pair.end(), point.begin(), point.end());
+    pair[i] -= 1e-5 * ranges[i];
+    pair[inputs + i] += 1e-5 * ranges[i];
+    const std::vector<double> ends = ValuesOf(model, pair);
+    for (std::size_t o = 0; o < outputs; ++o) {
+      const double want = (ends[outputs + o] - ends[o]) / (pair[inputs + i] - pair[i]);
+      const double scale = std::fabs(want) + std::fabs(values[o]) / ranges[i];
+      EXPECT_NEAR(gradients[o * inputs + i], want, 1e-5 * scale)
+          << model.OutputIDs()[o] << " by " << model.InputIDs()[i];
     }
   }
 }

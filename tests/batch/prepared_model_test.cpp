@@ -19,13 +19,18 @@ const CDiscreteCombinations::OutputsByID& Outputs(const CDiscreteCombinations& m
   return model.GetOutputsWrtDiscCombPtr()->front();
 }
 
-TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
+CConstantData Constant(double value) {
   CConstantData surface;
   surface.NumberOfInputVariables = 1;
-  surface.InputSamples = {{0.5}};
-  surface.SetConstantValue(7.0);
   surface.NumberOfSamples = 1;
+  surface.InputSamples = {{0.5}};
+  surface.SetConstantValue(value);
   surface.ReadyForEvaluation = true;
+  return surface;
+}
+
+TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
+  const CConstantData surface = Constant(7.0);
   CDiscreteCombinations plain;
   FillModel(surface, plain);
   CPreparedModel prepared = Prepared(plain);
@@ -57,8 +62,9 @@ TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
 
   // It still answers as before, and so do copies of it after it has gone.
   CPreparedModel copy;
-  copy = prepared;
+  copy = CPreparedModel(prepared);
   const CPreparedModel moved = std::move(prepared);
+  prepared = copy;
   const double point = 0.25;
   double value = 0.0;
   EXPECT_EQ(copy.Evaluate(&point, 1, PrecisionExact, &value, nullptr, nullptr), 0);
@@ -88,6 +94,10 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
     record.InputSamples.assign(40, std::vector<double>(static_cast<std::size_t>(inputs), 0.5));
     record.InputScaleSlopes = draw.Reals(inputs, 0.5, 2);
     record.InputScaleIntercepts = draw.Reals(inputs, -1, 1);
+    // Of inputs below 0 too, with all forms that the transformation has.
+    record.InputTransformType = seed % 2 == 0 ? TransformYeo : TransformNone;
+    record.InputTransformValues.assign(record.InputScaleSlopes.size(), 1.0);
+    record.InputLambdas.assign(record.InputScaleSlopes.size(), 0.5 * draw.Int(0, 4));
     std::vector<std::unique_ptr<RegTerm>> terms;
     for (int k = 0; k < 9; ++k) {
       const int count = draw.Int(1, 5);
@@ -115,19 +125,9 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
     const CPreparedModel prepared = Prepared(model);
     ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(prepared, Outputs(model), points, rows));
 
-    // The derivative by central differences, which are exact enough for polynomials this small.
-    std::vector<double> gradient(static_cast<std::size_t>(inputs));
-    ASSERT_EQ(prepared.EvaluateGradients(points.data(), 1, gradient.data(), nullptr), 0);
-    for (std::size_t i = 0; i < gradient.size(); ++i) {
-      const auto d = static_cast<std::ptrdiff_t>(inputs);
-      std::vector<double> pair(points.begin(), points.begin() + d);
-      pair.insert(pair.end(), points.begin(), points.begin() + d);
-      pair[i] -= 1e-4;
-      pair[i + gradient.size()] += 1e-4;
-      double ends[2] = {};
-      ASSERT_EQ(prepared.Evaluate(pair.data(), 2, PrecisionExact, ends, nullptr, nullptr), 0);
-      EXPECT_NEAR(gradient[i], (ends[1] - ends[0]) / 2e-4, 1e-3 * (1 + std::fabs(gradient[i])));
-    }
+    const std::vector<double> first(points.begin(), points.begin() + inputs);
+    ASSERT_NO_FATAL_FAILURE(
+        ExpectGradientsAreDifferences(prepared, first, std::vector<double>(first.size(), 1.0)));
   }
 }
 
@@ -158,23 +158,10 @@ TEST(PreparedModel, InputsOfEqualRankChangePlaces) {
     }
     std::vector<std::pair<std::string, double>> outputs;
     ASSERT_EQ(tied.Evaluate({}, named, outputs), 0);
-    double value = 0.0;
-    ASSERT_EQ(prepared.Evaluate(point.data(), 1, PrecisionExact, &value, nullptr, nullptr), 0);
-    EXPECT_EQ(value, outputs[0].second);
-
+    EXPECT_EQ(ValuesOf(prepared, point), std::vector<double>{outputs[0].second});
     // Each derivative goes to the input that stood at its place.
-    double gradient[3] = {};
-    ASSERT_EQ(prepared.EvaluateGradients(point.data(), 1, gradient, nullptr), 0);
     if (x[0] == x[2]) continue;
-    for (std::size_t i = 0; i < 3; ++i) {
-      std::vector<double> pair = point;
-      pair.insert(pair.end(), point.begin(), point.end());
-      pair[i] -= 1e-6;
-      pair[3 + i] += 1e-6;
-      double ends[2] = {};
-      prepared.Evaluate(pair.data(), 2, PrecisionExact, ends, nullptr, nullptr);
-      EXPECT_NEAR(gradient[i], (ends[1] - ends[0]) / 2e-6, 1e-5 * (1 + std::fabs(gradient[i])));
-    }
+    ASSERT_NO_FATAL_FAILURE(ExpectGradientsAreDifferences(prepared, point, {1.0, 1.0, 1.0}));
   }
 }
 
@@ -184,13 +171,7 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   std::vector<std::unique_ptr<CRSData>> owned;
   std::vector<CRSData*> surfaces;
   for (const double value : {4.0, 3.0, 6.0}) {
-    auto surface = std::make_unique<CConstantData>();
-    surface->NumberOfInputVariables = 1;
-    surface->NumberOfSamples = 1;
-    surface->InputSamples = {{0.5}};
-    surface->SetConstantValue(value);
-    surface->ReadyForEvaluation = true;
-    owned.push_back(std::move(surface));
+    owned.push_back(std::make_unique<CConstantData>(Constant(value)));
     surfaces.push_back(owned.back().get());
   }
   std::vector<double> offsets = {0.0, 0.7e-12, 1.5e-12, 2.2e-12};
@@ -220,17 +201,31 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   } while (std::next_permutation(offsets.begin(), offsets.end()));
 }
 
-TEST(PreparedModel, OneSampleOfALinearBasisIsItsValue) {
-  CLBFData record;
-  record.NumberOfInputVariables = 1;
-  record.NumberOfSamples = 1;
-  record.InputSamples = {{0.5}};
-  record.OutputSamples = {3.0};
-  record.OutputScaleSlope = 2.0;
-  record.ReadyForEvaluation = true;
-  CDiscreteCombinations model;
-  FillModel(record, model);
-  ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(Prepared(model), Outputs(model), {0.1, 0.5, 0.9}, 3));
+// One sample of a linear basis is its value; a sum that is the mark of a hole has the answer of the
+// evaluator.
+TEST(PreparedModel, RecordsOfOneSampleOrTerm) {
+  CLBFData basis;
+  CQRSData regression;
+  for (CRSData* const record : std::initializer_list<CRSData*>{&basis, &regression}) {
+    record->NumberOfInputVariables = 1;
+    record->NumberOfSamples = 1;
+    record->InputSamples = {{0.5}};
+    record->OutputSamples = {3.0};
+    record->InputScaleSlopes = {1.0};
+    record->InputScaleIntercepts = {0.0};
+    record->OutputScaleSlope = 2.0;
+    record->ReadyForEvaluation = true;
+  }
+  ConstTerm hole;
+  const double mark = -9e99;
+  hole.SetParamVal(1, &mark);
+  RegTerm* terms[] = {&hole};
+  regression.SetRegTerm(terms, 1);
+  for (const CRSData* const record : std::initializer_list<const CRSData*>{&basis, &regression}) {
+    CDiscreteCombinations model;
+    FillModel(*record, model);
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(Prepared(model), Outputs(model), {0.1, 0.5, 0.9}, 3));
+  }
 }
 
 }  // namespace
