@@ -56,13 +56,10 @@ def test_equals_the_command_to_the_last_bit(beam, command):
     )
     result = beam.predict(STEEL, POINT, return_error=True)
     outputs = json.loads(run.stdout)["outputs"]
-    outputs = outputs if isinstance(outputs, list) else [{"id": k, **v} for k, v in outputs.items()]
     assert {entry["id"] for entry in outputs} == set(result.outputs)
     for entry in outputs:
         assert entry["value"] == result.values[entry["id"]][0]
-        error = entry["error"]
-        error = error["value"] if isinstance(error, dict) else error
-        assert error == result.errors[entry["id"]][0]
+        assert entry["error"] == result.errors[entry["id"]][0]
 
 
 def test_takes_arrays_mappings_and_frames(beam):
@@ -83,19 +80,12 @@ def test_takes_arrays_mappings_and_frames(beam):
         assert np.array_equal(np.asarray(got), wanted)
     made = of_frame.frame()
     assert list(made.index) == list("abcdefg")
-    assert list(made.columns[:5]) == [
-        "deflection",
-        "mass",
-        "stress",
-        "deflection error",
-        "mass error",
-    ]
+    assert ",".join(made.columns[:5]) == "deflection,mass,stress,deflection error,mass error"
     assert np.array_equal(made["dstress/dL"], of_frame.gradients["stress"][:, 2])
     # A single value stands for all points.
     one = beam.predict(STEEL, {**dict(zip(names, X.T)), "L": 1.25}).values["mass"]
-    assert np.array_equal(
-        one, beam.predict(STEEL, np.c_[X[:, :2], np.full(7, 1.25), X[:, 3]])["mass"]
-    )
+    X[:, 2] = 1.25
+    assert np.array_equal(one, beam.predict(STEEL, X)["mass"])
     assert beam.predict(STEEL, np.empty((0, 4))).values.array.shape == (0, 3)
 
 
@@ -136,10 +126,7 @@ def test_tells_errors_in_a_scaled_space(beam):
 
 
 def test_lists_what_the_model_holds(beam):
-    assert [(p.name, p.values) for p in beam.discrete] == [
-        ("Holes", (0, 2, 4)),
-        ("Material", (1, 2)),
-    ]
+    assert {p.name: p.values for p in beam.discrete} == {"Holes": (0, 2, 4), "Material": (1, 2)}
     assert len(beam.combinations) == 6
     assert beam.combinations[0] == {"Holes": 0, "Material": 1}
     length = next(p for p in beam.inputs if p.name == "L")
@@ -155,11 +142,7 @@ def test_lists_what_the_model_holds(beam):
 @pytest.mark.parametrize(
     "discrete, X, said",
     [
-        (
-            {"Materiel": 1, "Holes": 2},
-            POINT,
-            "no discrete input 'Materiel'; did you mean 'Material'?",
-        ),
+        ({"Materiel": 1}, POINT, "no discrete input 'Materiel'; did you mean 'Material'?"),
         ({"Material": 1}, POINT, "'Holes' is missing; it takes 0, 2 or 4"),
         ({"Material": 3, "Holes": 2}, POINT, "Material=3 was not fitted; it takes 1 or 2"),
         ({"Material": 1.5, "Holes": 2}, POINT, "Material=1.5 was not fitted"),
@@ -171,11 +154,7 @@ def test_lists_what_the_model_holds(beam):
         (STEEL, [[1j, 2, 3, 4]], "can't be read as real numbers"),
         (STEEL, {**POINT, "l": 1}, "no input 'l'; did you mean 'L'?"),
         (STEEL, {"L": 1, "b": 2, "h": 3}, "input 'F' is missing"),
-        (
-            STEEL,
-            {**POINT, "L": [1, 2], "F": [1, 2, 3]},
-            "differ in length: 2 values for 'L', 3 for 'F'",
-        ),
+        (STEEL, {**POINT, "L": [1, 2], "F": [1, 2, 3]}, "length: 2 values for 'L', 3 for 'F'"),
         (STEEL, pandas.DataFrame({"L": [1], "b": [2], "h": [3], "f": [4]}), "did you mean 'f'?"),
     ],
 )

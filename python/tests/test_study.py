@@ -1,20 +1,20 @@
 """A whole study: parameters, combinations, ensembles, errors from cross-validation."""
 
 import numpy as np
+import pandas
 import pytest
+import sklearn
+from sklearn.dummy import DummyRegressor
+from sklearn.gaussian_process import GaussianProcessRegressor
+from sklearn.gaussian_process.kernels import RBF, WhiteKernel
+from sklearn.linear_model import LinearRegression
+from sklearn.model_selection import KFold
+from sklearn.pipeline import make_pipeline
+from sklearn.preprocessing import PolynomialFeatures, StandardScaler
+from sklearn.svm import SVR
 
 import pxrom
 from pxrom.export import NotExportable, Study
-
-sklearn = pytest.importorskip("sklearn")
-
-from sklearn.gaussian_process import GaussianProcessRegressor  # noqa: E402
-from sklearn.gaussian_process.kernels import RBF, WhiteKernel  # noqa: E402
-from sklearn.linear_model import LinearRegression  # noqa: E402
-from sklearn.model_selection import KFold  # noqa: E402
-from sklearn.pipeline import make_pipeline  # noqa: E402
-from sklearn.preprocessing import PolynomialFeatures, StandardScaler  # noqa: E402
-from sklearn.svm import SVR  # noqa: E402
 
 DRAW = np.random.default_rng(3)
 X = DRAW.random((30, 2)) * [1, 50] + [1, 30]
@@ -32,10 +32,14 @@ def process():
     )
 
 
+def two_inputs():
+    return Study().input("L").input("b").output("mass")
+
+
 def declared():
     study = Study()
     study.input("L", unit="m", caption="Length", bounds=(1, 2)).input("b", unit="mm")
-    study.discrete("Material", caption="1 steel, 2 aluminium".replace(",", " -"))
+    study.discrete("Material", caption="1 steel - 2 aluminium")
     study.output("mass", unit="kg", caption="Mass").output("cost")
     return study
 
@@ -107,7 +111,7 @@ def test_weighted_ensemble_with_cross_validation():
         make_pipeline(PolynomialFeatures(2), LinearRegression()).fit(X, y),
     ]
     weights = [0.5, 0.3, 0.2]
-    study = Study().input("L").input("b").output("mass")
+    study = two_inputs()
     study.add("mass", list(zip(members, weights)), X, y, folds=5)
     text = study.to_text()
     assert [str(f) for f in pxrom.check(text) if f.severity != "note"] == []
@@ -121,8 +125,6 @@ def test_weighted_ensemble_with_cross_validation():
 
 
 def test_folds_of_ones_own_and_constants():
-    from sklearn.dummy import DummyRegressor
-
     y = mass(X, 2)
     members = [DummyRegressor().fit(X, y), process().fit(X, y)]
     asked = []
@@ -131,7 +133,7 @@ def test_folds_of_ones_own_and_constants():
         asked.append(len(X))
         return sklearn.clone(fitted).fit(X, y)
 
-    study = Study().input("L").input("b").output("mass")
+    study = two_inputs()
     study.add("mass", [(members[0], 0.25), (members[1], 0.75)], X, y, folds=KFold(3), refit=refit)
     assert asked == [20] * 6
     result = study.to_model().predict(None, NEW, return_error=True)
@@ -141,10 +143,9 @@ def test_folds_of_ones_own_and_constants():
 
 
 def test_inputs_stand_in_the_order_of_the_fit():
-    pandas = pytest.importorskip("pandas")
     frame = pandas.DataFrame(X, columns=["L", "b"])
     fitted = SVR().fit(frame, mass(X, 1))
-    Study().input("L").input("b").output("mass").add("mass", fitted)
+    two_inputs().add("mass", fitted)
     Study().input("length").input("width").output("mass").add("mass", fitted)
     with pytest.raises(NotExportable, match="in the order 'L' and 'b', the study in"):
         Study().input("b").input("L").output("mass").add("mass", fitted)
@@ -153,7 +154,7 @@ def test_inputs_stand_in_the_order_of_the_fit():
 def test_an_ensemble_has_no_error_of_its_own():
     y = mass(X, 1)
     pair = [(process().fit(X, y), 0.5), (process().fit(X, y), 0.5)]
-    study = Study().input("L").input("b").output("mass")
+    study = two_inputs()
     result = study.add("mass", pair).to_model().predict(None, NEW, return_error=True)
     assert np.all(result.statuses.array == -2)
     with pytest.raises(NotExportable, match="no error but from cross-validation"):
