@@ -34,7 +34,6 @@ class GroupText {
             std::vector<KeyTable> tables, Findings& findings);
 
   const std::string& Path() const { return path_; }
-  std::size_t TagOffset() const { return group_.tag; }
 
   bool Has(const std::string& label) const { return Find(label) != nullptr; }
   /// Where the key's value begins, or the group's tag when the key is missing.

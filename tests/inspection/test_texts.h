@@ -20,11 +20,6 @@ inline const CFinding* FirstError(const CInspectionReport& report) {
   return error == report.findings.end() ? nullptr : &*error;
 }
 
-inline bool Has(const CInspectionReport& report, E_FindingCode code) {
-  return std::any_of(report.findings.begin(), report.findings.end(),
-                     [code](const CFinding& f) { return f.code == code; });
-}
-
 /// All findings as a person would read them, for the message of a test.
 inline std::string Shown(const CInspectionReport& report) {
   std::string text;
