@@ -94,13 +94,16 @@ INSTANTIATE_TEST_SUITE_P(Families, Family,
                                          DT_LBFData, DT_ConstantData));
 
 TEST(PreparedModel, AnswersAsEvaluateForFittedModels) {
+  int models = 0;
   for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
     if (!entry.is_directory()) continue;
     SCOPED_TRACE(entry.path().filename().string());
+    ++models;
     CDiscreteCombinations model;
     ASSERT_NO_FATAL_FAILURE(ReadModel((entry.path() / "model.pxdb").string(), model));
     ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, 5, 50));
   }
+  EXPECT_GE(models, 11);
 }
 
 }  // namespace

@@ -95,9 +95,14 @@ std::string BeamTable(int rows) {
   };
   std::string text = "h,row,Material,F,Holes,L\n";
   for (int row = 0; row < rows; ++row) {
-    text += between(60, 120) + ',' + std::to_string(row) + ',' + std::to_string(1 + random() % 2) +
-            ',' + between(1000, 5000) + ',' + std::to_string(2 * (random() % 3)) + ',' +
-            between(1, 2) + '\n';
+    const std::string cells[] = {between(60, 120),
+                                 std::to_string(row),
+                                 std::to_string(1 + random() % 2),
+                                 between(1000, 5000),
+                                 std::to_string(2 * (random() % 3)),
+                                 between(1, 2)};
+    for (const std::string& cell : cells) text += cell + ',';
+    text.back() = '\n';
   }
   return text;
 }
