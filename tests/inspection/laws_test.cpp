@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -35,37 +36,22 @@ void DamageAtRandom(std::string& text, std::mt19937& random) {
   const std::size_t lineEnd = std::min(text.find('\n', at), text.size() - 1) + 1;
   const std::string line = text.substr(lineStart, lineEnd - lineStart);
   static const std::string kLetters = "0123456789-.,;{}<>/= \n\rEeIDaZ";
-  switch (upTo(9)) {
-    case 0:
-      text.resize(at);
-      break;
-    case 1:
-      text.erase(lineStart, line.size());
-      break;
-    case 2:
-      text.insert(lineStart, line);
-      break;
-    case 3:
-      text.erase(at, 1 + upTo(3));
-      break;
-    case 4:
-      text.insert(at, 1, kLetters[upTo(kLetters.size())]);
-      break;
-    case 5:
-      text[at] = kLetters[upTo(kLetters.size())];
-      break;
-    case 6: {
-      const std::size_t equals = text.find('=', lineStart);
-      if (equals < lineEnd) text.replace(equals + 1, lineEnd - equals - 2, std::to_string(upTo(4)));
-      break;
-    }
-    case 7:
-      text.insert(StartOfLine(text, 1 + upTo(60)), line);
-      break;
-    default:
-      text.erase(lineStart, upTo(text.size() - lineStart));
-      break;
-  }
+  const std::function<void()> damages[] = {
+      [&] { text.resize(at); },
+      [&] { text.erase(lineStart, line.size()); },
+      [&] { text.insert(lineStart, line); },
+      [&] { text.erase(at, 1 + upTo(3)); },
+      [&] { text.insert(at, 1, kLetters[upTo(kLetters.size())]); },
+      [&] { text[at] = kLetters[upTo(kLetters.size())]; },
+      [&] {
+        const std::size_t equals = text.find('=', lineStart);
+        if (equals >= lineEnd) return;
+        text.replace(equals + 1, lineEnd - equals - 2, std::to_string(upTo(4)));
+      },
+      [&] { text.insert(StartOfLine(text, 1 + upTo(60)), line); },
+      [&] { text.erase(lineStart, upTo(text.size() - lineStart)); },
+  };
+  damages[upTo(std::size(damages))]();
 }
 
 TEST(Laws, HoldForSoundModels) {
