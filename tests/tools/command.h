@@ -29,6 +29,7 @@ inline std::string Contents(const fs::path& path) {
 class Folder {
  public:
   Folder() : path_(fs::temp_directory_path() / ("pxrom_tools_test_" + std::to_string(getpid()))) {
+    fs::remove_all(path_);
     fs::create_directories(path_);
     for (const char* const name : {"examples", "tests", "README.md"}) {
       fs::create_symlink(fs::path(PXROM_SOURCE) / name, path_ / name);
