@@ -288,6 +288,9 @@ TYPED_TEST(DenseVector, KeepsItsFixedDimension) {
   EXPECT_EQ(vector.SetLength(2), 0);
   EXPECT_EQ(vector.ResizeLength(1), 1);
   EXPECT_EQ(After(vector.SetLength(3), vector), content(3, {1, 2, 3}));
+  int length = 0;
+  EXPECT_EQ(vector.GetLength(length), 0);
+  EXPECT_EQ(length, 3);
   // Its own storage limits a vector, until it is cleared.
   EXPECT_EQ(vector.SetLength(4) + vector.AllocateLength(4), 2);
   EXPECT_EQ(kColumn ? vector.Allocate(4, 1) : vector.Allocate(1, 4), 1);
@@ -331,6 +334,9 @@ TEST(DColVec, Values) {
 TEST(DRowVec, KeepsItsOddities) {
   const double block[] = {10, 20, 30};
   DRowVec row = Vec<DRowVec>({1, 2, 3});
+  double* data = nullptr;
+  EXPECT_EQ(row.GetDataUnchecked(data), 0);
+  EXPECT_EQ(data + 1, row.ElementPtrAt(1));
   EXPECT_EQ(row.SetAt(2, block), 0);  // to element 0
   EXPECT_EQ(ContentOf(row), (Content{1, 3, {30, 2, 3}}));
   EXPECT_EQ(row.SetAt(3, block) + row.SetAt(-1, block), 2);

@@ -172,7 +172,18 @@ TEST(StudTDist, RefusesWithoutTouchingTheResult) {
 
 TEST(StudTDist, RefusesEverythingOnceReset) {
   StudTDist dist(10.0);
+  const auto facts = [&dist] {
+    std::vector<int> all(5, -1);
+    dist.GetNumParam(all[0]);
+    dist.GetNumKind(all[1]);
+    dist.GetDistKind(all[2]);
+    dist.GetDistStatus(all[3]);
+    dist.GetParamStatus(0, all[4]);
+    return all;
+  };
+  EXPECT_EQ(facts(), (std::vector<int>{1, 1, 10, 3, 1}));
   EXPECT_EQ(dist.ResetParams(), 0);
+  EXPECT_EQ(facts(), (std::vector<int>{1, 1, 10, 0, 0}));
   double out = 7.0;
   double xs[3];
   EXPECT_EQ(dist.EvalMean(out) + dist.EvalStdDev(out) + dist.EvalSkewness(out) +
