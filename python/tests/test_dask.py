@@ -4,10 +4,7 @@ import os
 import subprocess
 import sys
 
-import pytest
 from conftest import BEAM
-
-pytest.importorskip("distributed", reason="Dask is not installed")
 
 
 def test_the_example_answers_as_one_process_does(tmp_path):
