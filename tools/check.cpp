@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "model_file.h"
+#include "overview.h"
 #include "pxrom/inspection.h"
 #include "wording.h"
 
@@ -19,18 +20,6 @@ struct CheckOptions {
   bool json = false;
   bool quiet = false;
 };
-
-const char* WordOf(pxrom::E_FindingSeverity severity) {
-  switch (severity) {
-    case pxrom::SeverityError:
-      return "error";
-    case pxrom::SeverityWarning:
-      return "warning";
-    case pxrom::SeverityNote:
-      break;
-  }
-  return "note";
-}
 
 bool IsShown(const CheckOptions& options, const pxrom::CFinding& finding) {
   return !options.quiet || finding.severity != pxrom::SeverityNote;

@@ -1,6 +1,3 @@
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -54,17 +51,6 @@ std::string FmuGroup(const std::string& path, std::string text) {
   return group;
 }
 
-void WriteFile(const std::string& path, const std::string& text) {
-  errno = 0;
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) {
-    throw Refusal("can't write to " + Quoted(path) + ": " +
-                  (errno != 0 ? std::strerror(errno) : "writing failed"));
-  }
-}
-
 void Format(const FormatOptions& options) {
   const std::unique_ptr<Model> model = ReadModel(options.model);
   std::string text;
@@ -76,7 +62,7 @@ void Format(const FormatOptions& options) {
   if (options.out.empty()) {
     std::cout << text;
   } else {
-    WriteFile(options.out, text);
+    WriteTextFile(options.out, text);
   }
 }
 

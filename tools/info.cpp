@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <cstddef>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -9,7 +7,7 @@
 
 #include "command.h"
 #include "model_file.h"
-#include "numbers.h"
+#include "overview.h"
 #include "pxrom/inspection.h"
 #include "refusal.h"
 #include "table.h"
@@ -21,107 +19,12 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
-using Parameters = std::vector<pxrom::CParameterOverview>;
-using Ensembles = std::map<int, const pxrom::CEnsembleOverview*>;
-
 struct InfoOptions {
   std::string model;
   bool json = false;
 };
 
-std::string FamilyOf(pxrom::E_DataType type) {
-  switch (type) {
-    case pxrom::DT_QRSData:
-      return "regression";
-    case pxrom::DT_KrigingData:
-      return "Kriging";
-    case pxrom::DT_SVRData:
-      return "support vector";
-    case pxrom::DT_MLSData:
-      return "moving least squares";
-    case pxrom::DT_LBFData:
-      return "linear basis";
-    case pxrom::DT_ConstantData:
-      return "constant";
-    default:
-      return "type " + std::to_string(type);
-  }
-}
-
-std::string TypeOf(pxrom::E_ParameterType type) {
-  static const char* const kWords[] = {"continuous", "continuous, manufacturable", "discrete",
-                                       "derived"};
-  const auto index = static_cast<std::size_t>(type);
-  return index < std::size(kWords) ? kWords[index] : "type " + std::to_string(type);
-}
-
-std::string RoleOf(const pxrom::CParameterOverview& parameter) {
-  return parameter.causality == pxrom::CausalityOutput ? "output" : "input";
-}
-
-const char* ErrorKindOf(const pxrom::CEnsembleOverview& ensemble) {
-  switch (ensemble.errorKind) {
-    case pxrom::PredictedErrorCrossValidation:
-      return "cross-validation";
-    case pxrom::PredictedErrorSurface:
-      return "surface";
-    case pxrom::PredictedErrorNone:
-      break;
-  }
-  return "none";
-}
-
-/// Discrete inputs have values; bounds of 0 and 0 are those of a parameter that has none.
-std::string RangeOf(const pxrom::CParameterOverview& parameter) {
-  if (!parameter.values.empty()) {
-    std::string range;
-    for (const int value : parameter.values) {
-      range += (range.empty() ? "" : ", ") + std::to_string(value);
-    }
-    return range;
-  }
-  const bool is_continuous = parameter.type <= pxrom::ContinuousManufacturable;
-  const bool is_empty = parameter.lowerBound == 0.0 && parameter.upperBound == 0.0;
-  if (!parameter.hasBounds || !is_continuous || is_empty) return "";
-  return Shown(parameter.lowerBound) + " to " + Shown(parameter.upperBound);
-}
-
-Parameters ByRank(const pxrom::CDatabaseOverview& overview) {
-  Parameters parameters = overview.parameters;
-  std::stable_sort(parameters.begin(), parameters.end(),
-                   [](const auto& a, const auto& b) { return a.rank < b.rank; });
-  return parameters;
-}
-
-Ensembles ById(const pxrom::CDatabaseOverview& overview) {
-  Ensembles ensembles;
-  for (const auto& ensemble : overview.ensembles) ensembles[ensemble.id] = &ensemble;
-  return ensembles;
-}
-
-/// "Holes=2, Material=1", by rank.
-std::string TextOf(const pxrom::CCombinationOverview& combination, const Parameters& by_rank) {
-  const std::map<std::string, int> values(combination.discreteValues.begin(),
-                                          combination.discreteValues.end());
-  std::string text;
-  for (const auto& parameter : by_rank) {
-    const auto value = values.find(parameter.id);
-    if (value == values.end()) continue;
-    text += (text.empty() ? "" : ", ") + parameter.id + '=' + std::to_string(value->second);
-  }
-  return text;
-}
-
-/// "0.4 Kriging, 0.6 regression".
-std::string SurfacesOf(const pxrom::CEnsembleOverview& ensemble) {
-  std::string text;
-  for (const auto& surface : ensemble.surfaces) {
-    text += (text.empty() ? "" : ", ") + Shown(surface.weight) + ' ' + FamilyOf(surface.type);
-  }
-  return text;
-}
-
-void PrintParameters(const Parameters& parameters) {
+void PrintParameters(const ParametersByRank& parameters) {
   Table table({{"Parameter"}, {"Caption"}, {"Role"}, {"Type"}, {"State"}, {"Range"}, {"Unit"}});
   for (const auto& parameter : parameters) {
     table.Add({parameter.id, parameter.caption, RoleOf(parameter), TypeOf(parameter.type),
@@ -130,8 +33,8 @@ void PrintParameters(const Parameters& parameters) {
   table.Print(std::cout);
 }
 
-void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameters& by_rank) {
-  const Ensembles ensembles = ById(overview);
+void PrintCombinations(const pxrom::CDatabaseOverview& overview, const ParametersByRank& by_rank) {
+  const EnsemblesById ensembles = ById(overview);
   Table table({{"Combination"},
                {"Output"},
                {"Group", Align::Right},
@@ -161,7 +64,7 @@ void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameter
 }
 
 void PrintText(const InfoOptions& options, const pxrom::CDatabaseOverview& overview) {
-  const Parameters parameters = ByRank(overview);
+  const ParametersByRank parameters = ByRank(overview);
   std::cout << options.model << ": " << Counted(overview.characters, "character") << " in "
             << Counted(overview.lines, "line") << ", "
             << Counted(overview.parameters.size(), "parameter") << ", "

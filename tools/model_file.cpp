@@ -50,6 +50,17 @@ std::string ReadTextFile(const std::string& path) {
   return text;
 }
 
+void WriteTextFile(const std::string& path, const std::string& text) {
+  errno = 0;
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) {
+    throw Refusal("can't write to " + Quoted(path) + ": " +
+                  (errno != 0 ? std::strerror(errno) : "writing failed"));
+  }
+}
+
 std::unique_ptr<Model> ReadModel(const std::string& path) {
   const std::string text = ReadTextFile(path);
   RequireGroup(path, text, pxrom::CPXROMDatabaseLabels::tagParameterRegistry());

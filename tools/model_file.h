@@ -14,6 +14,8 @@ using Model = Tarvane::Plexura::PXROM::CDiscreteCombinations;
 std::ifstream OpenFile(const std::string& path);
 /// The bytes of a file. Refusal when it can't be read.
 std::string ReadTextFile(const std::string& path);
+/// Writes a file anew. Refusal when it can't be.
+void WriteTextFile(const std::string& path, const std::string& text);
 
 /// The model of a database file. Refusal when the file can't be read or holds no model.
 std::unique_ptr<Model> ReadModel(const std::string& path);
