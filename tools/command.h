@@ -12,5 +12,6 @@ void AddEval(CLI::App& app);
 void AddFmu(CLI::App& app);
 void AddInfo(CLI::App& app);
 void AddFormat(CLI::App& app);
+void AddReport(CLI::App& app);
 
 }  // namespace pxrom_command

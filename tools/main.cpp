@@ -43,6 +43,7 @@ int Run(int argc, char** argv) {
   pxrom_command::AddCheck(app);
   pxrom_command::AddFmu(app);
   pxrom_command::AddFormat(app);
+  pxrom_command::AddReport(app);
 
   try {
     RequireKnownCommand(app, argc, argv);

@@ -1,0 +1,389 @@
+// The live part of the page: a point, its outputs, and slices through it.
+
+const SLIDER_STEPS = 200;
+const FRAME_BUDGET = 12; // milliseconds of slices between two frames
+const SPEAK_AFTER = 600; // milliseconds without a change
+const MOST_NAMED = 20;
+
+const byId = (id) => document.getElementById(id);
+
+/// The bytes of an element that holds them as a JSON string, one character each.
+function embeddedBytes(id) {
+  const text = JSON.parse(byId(id).textContent);
+  const bytes = new Uint8Array(text.length);
+  for (let i = 0; i < text.length; ++i) bytes[i] = text.charCodeAt(i);
+  return bytes;
+}
+
+function make(name, properties = {}, ...children) {
+  const element = Object.assign(document.createElement(name), properties);
+  element.append(...children);
+  return element;
+}
+
+function boundsOf(input) {
+  return `${shown(input.lower, VALUE_DIGITS)} to ${shown(input.upper, VALUE_DIGITS)}${input.unit && ` ${input.unit}`}`;
+}
+
+/// A word that a shell takes as it stands.
+function shellWord(text) {
+  return /^[\w.,:@%+=/-]+$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`;
+}
+
+/// What the controls have chosen.
+class Choice {
+  constructor(model) {
+    this.inputs = model.parameters(LIST.inputs);
+    this.discrete = model.parameters(LIST.discrete);
+    this.outputs = model.parameters(LIST.outputs);
+    this.combinations = model.combinations(this.discrete.length);
+    this.combination = [...this.combinations[0]];
+    this.point = [];
+    this.toMiddle();
+  }
+
+  toMiddle() {
+    this.point = this.inputs.map(({hasBounds, lower, upper}) => (hasBounds ? 0.5 * lower + 0.5 * upper : 0));
+  }
+
+  combinationText(values = this.combination) {
+    return values.map((value, k) => `${this.discrete[k].id}=${value}`).join(", ");
+  }
+
+  isFitted() {
+    return this.combinations.some((values) => values.every((value, k) => value === this.combination[k]));
+  }
+
+  /// Why there is no answer for this combination, as the command says it.
+  refusal() {
+    const known = this.combinations.slice(0, MOST_NAMED).map((values) => this.combinationText(values));
+    const more = this.combinations.length - known.length;
+    if (more > 0) known.push(`and ${more} more`);
+    return `there is no model for the combination ${this.combinationText()}; those that exist are: ${known.join("; ")}`;
+  }
+
+  outsideBounds() {
+    return this.inputs.filter((input, k) => (
+      input.hasBounds && (this.point[k] < input.lower || this.point[k] > input.upper)));
+  }
+
+  commandLine(file) {
+    const named = [
+      ...this.discrete.map(({id}, k) => `${id}=${this.combination[k]}`),
+      ...this.inputs.map(({id}, k) => `${id}=${this.point[k]}`),
+    ];
+    const path = file.startsWith("-") ? `./${file}` : file;
+    return ["pxrom", "eval", path, ...named].map(shellWord).join(" ");
+  }
+}
+
+/// A slider and a field for one input.
+class Control {
+  constructor(input, index, onChange) {
+    this.input = input;
+    const id = `input-${index}`;
+    this.slider = make("input", {type: "range", min: 0, max: SLIDER_STEPS, step: 1});
+    this.slider.setAttribute("aria-label", labelOf(input));
+    this.field = make("input", {id, type: "text", inputMode: "decimal", className: "number-field"});
+    const label = make("label", {htmlFor: id}, make("span", {className: "id", textContent: input.id}),
+      make("span", {className: "caption", textContent: input.caption && ` ${input.caption}`}));
+    this.element = make("div", {className: "control"}, label, make("span", {className: "field"}, this.field,
+      make("span", {className: "unit note", textContent: input.unit})));
+    if (input.hasBounds) this.element.append(this.slider, this.#ends());
+    this.slider.addEventListener("input", () => onChange(index, this.#sliderValue(), false));
+    this.slider.addEventListener("change", () => onChange(index, this.#sliderValue(), true));
+    this.field.addEventListener("input", () => this.#read((value) => onChange(index, value, false)));
+    this.field.addEventListener("change", () => this.#read((value) => onChange(index, value, true)));
+  }
+
+  #ends() {
+    const end = (value) => make("span", {textContent: shown(value, VALUE_DIGITS), title: allDigits(value)});
+    return make("div", {className: "ends"}, end(this.input.lower), end(this.input.upper));
+  }
+
+  /// A round number within the bounds, and at the ends the bounds themselves.
+  rounded(value) {
+    const {hasBounds, lower, upper} = this.input;
+    if (!hasBounds) return Number(value.toPrecision(4));
+    if (value <= lower || value >= upper) return value <= lower ? lower : upper;
+    return Math.min(upper, Math.max(lower, roundedTo(value, roundStep(upper - lower, 1000))));
+  }
+
+  #sliderValue() {
+    const {lower, upper} = this.input;
+    const step = Number(this.slider.value);
+    if (step === SLIDER_STEPS) return upper;
+    return this.rounded(lower + ((upper - lower) * step) / SLIDER_STEPS);
+  }
+
+  #read(use) {
+    const text = this.field.value.trim();
+    const value = text === "" ? NaN : Number(text);
+    const good = Number.isFinite(value);
+    this.field.setAttribute("aria-invalid", String(!good));
+    this.field.title = good ? "" : "this is no finite number";
+    if (good) use(value);
+  }
+
+  show(value) {
+    const {lower, upper, unit} = this.input;
+    this.slider.value = Math.round(((value - lower) / (upper - lower)) * SLIDER_STEPS);
+    this.slider.setAttribute("aria-valuetext", `${value} ${unit}`.trim());
+    if (document.activeElement === this.field && Number(this.field.value) === value) return;
+    this.field.value = String(value);
+    this.field.setAttribute("aria-invalid", "false");
+    this.field.title = "";
+  }
+}
+
+/// The table of outputs.
+class Answers {
+  constructor(outputs) {
+    this.outputs = outputs;
+    this.rows = outputs.map((output) => this.#row(output));
+    byId("answers").tBodies[0].append(...this.rows.map((row) => row.element));
+  }
+
+  #row(output) {
+    const value = make("td", {className: "number value"});
+    const error = make("td", {className: "number error"});
+    const head = make("th", {scope: "row"}, make("span", {className: "id", textContent: output.id}),
+      make("span", {className: "caption", textContent: output.caption}));
+    const element = make("tr", {}, head, value, error, make("td", {textContent: output.unit}));
+    return {element, value, error};
+  }
+
+  show(answers, errorInUnit) {
+    const all = byId("all-digits").checked;
+    byId("answers").classList.toggle("all-digits", all);
+    let scaled = false;
+    this.rows.forEach((row, k) => {
+      const answer = answers?.[k];
+      this.#showNumber(row.value, answer && answer.status !== POINT.failed ? answer.value : null, all, VALUE_DIGITS);
+      row.value.classList.toggle("failed", answer?.status === POINT.failed);
+      if (answer?.status === POINT.failed) row.value.textContent = "could not be evaluated";
+      this.#showNumber(row.error, answer?.status === POINT.ok ? answer.error : null, all, ERROR_DIGITS);
+      if (answer?.status === POINT.ok && !errorInUnit[k]) {
+        scaled = true;
+        row.error.textContent += "*";
+      }
+      if (answer?.status === POINT.withoutError) {
+        row.error.textContent = "none";
+        row.error.title = "no predicted error";
+      }
+    });
+    byId("scaled-note").hidden = !scaled;
+  }
+
+  #showNumber(cell, value, all, digits) {
+    cell.textContent = value === null ? "" : all ? allDigits(value) : shown(value, digits);
+    cell.title = value === null ? "" : allDigits(value);
+  }
+
+  spoken(answers) {
+    return (answers ?? []).map((answer, k) => {
+      const {id, unit} = this.outputs[k];
+      if (answer.status === POINT.failed) return `${id} could not be evaluated`;
+      return `${id} ${shown(answer.value, VALUE_DIGITS)} ${unit}`.trim();
+    }).join(", ");
+  }
+}
+
+/// Holds the parts together: a change of the choice shows everywhere.
+class Page {
+  #prepared = null;
+  #slices = [];
+  #answers = null;
+  #begun = false; // whether the ranges of the pictures are to be chosen anew
+  #frame = 0;
+  #speaking = 0;
+
+  constructor(model, file) {
+    this.model = model;
+    this.file = file;
+    this.choice = new Choice(model);
+    const {inputs, discrete, outputs} = this.choice;
+    this.answers = new Answers(outputs);
+    this.controls = inputs.map((input, k) => new Control(input, k, (...change) => this.move(...change)));
+    this.profiles = new Profiles(byId("profiles"), inputs, outputs,
+      (k, value, settled) => this.move(k, this.controls[k].rounded(value), settled));
+    this.selects = discrete.map((input, k) => this.#select(input, k));
+    byId("inputs").append(...this.controls.map((control) => control.element));
+    byId("combination").append(...this.selects.map((select) => select.parentElement));
+    byId("inputs").hidden = inputs.length === 0;
+    byId("combination").hidden = discrete.length === 0;
+    byId("profiler").hidden = inputs.length === 0;
+    this.#listen();
+    this.prepare();
+  }
+
+  #select(input, index) {
+    const options = input.values.map((value) => make("option", {value, textContent: value}));
+    const select = make("select", {}, ...options);
+    make("label", {title: input.caption}, make("span", {className: "id", textContent: input.id}), select);
+    select.addEventListener("change", () => {
+      this.choice.combination[index] = Number(select.value);
+      this.prepare();
+    });
+    return select;
+  }
+
+  #listen() {
+    byId("controls").addEventListener("submit", (event) => event.preventDefault());
+    byId("all-digits").addEventListener("change", () => this.#showAnswers());
+    byId("reset").addEventListener("click", () => {
+      this.choice.toMiddle();
+      this.#restart();
+    });
+    byId("copy").addEventListener("click", copyCommand);
+    let width = 0;
+    new ResizeObserver(() => {
+      const room = byId("profiles").clientWidth;
+      if (room === 0 || room === width) return;
+      width = room;
+      this.profiles.layOut();
+      this.#draw();
+    }).observe(byId("profiles"));
+  }
+
+  /// The chosen combination, made ready; or why there is none.
+  prepare() {
+    this.#prepared?.free();
+    this.#prepared = this.choice.isFitted() ? this.model.prepare(this.choice.combination) : null;
+    this.selects.forEach((select, k) => {
+      select.value = this.choice.combination[k];
+    });
+    this.#restart();
+  }
+
+  move(index, value, settled) {
+    if (value !== this.choice.point[index]) {
+      this.choice.point[index] = value;
+      // The slice along an input doesn't depend on it, but for how far it reaches.
+      this.#slices = this.#slices.map((slice, k) => (k === index && slice && this.#covers(slice, k) ? slice : null));
+      this.#show();
+    }
+    if (settled) {
+      this.#begun = true;
+      this.#show();
+    }
+  }
+
+  #covers(slice, index) {
+    const [low, high] = rangeOf(this.choice.inputs[index], this.choice.point[index]);
+    return slice[0].at === low && slice[slice.length - 1].at === high;
+  }
+
+  #restart() {
+    this.#slices = this.choice.inputs.map(() => null);
+    this.#begun = true;
+    this.#show();
+  }
+
+  #show() {
+    const {choice} = this;
+    this.#answers = this.#prepared?.predict(choice.point, 1)[0] ?? null;
+    this.controls.forEach((control, k) => control.show(choice.point[k]));
+    this.#showAnswers();
+    byId("command").textContent = choice.commandLine(this.file);
+    cancelAnimationFrame(this.#frame);
+    this.#frame = requestAnimationFrame(() => this.#continueSlices());
+    clearTimeout(this.#speaking);
+    this.#speaking = setTimeout(() => {
+      byId("spoken").textContent = this.answers.spoken(this.#answers);
+    }, SPEAK_AFTER);
+  }
+
+  #showAnswers() {
+    this.answers.show(this.#answers, this.#prepared?.errorInUnit ?? []);
+    byId("notes").replaceChildren(...this.#notes().map((text) => make("li", {textContent: text})));
+  }
+
+  /// In the words of the command.
+  #notes() {
+    const {choice} = this;
+    if (this.#prepared === null) return [choice.refusal()];
+    const combination = choice.combinationText();
+    const failed = choice.outputs.filter((_, k) => this.#answers[k].status === POINT.failed).map(({id}) => (
+      `the library can't evaluate the output "${id}"${combination && ` of ${combination}`}: `
+      + "one of its surfaces is damaged, stopped or not ready"));
+    const outside = choice.outsideBounds().map((input) => (
+      `${input.id} lies outside its bounds, ${boundsOf(input)}: the surfaces extrapolate`));
+    return [...failed, ...outside];
+  }
+
+  /// Computes slices for as long as a frame has time, and goes on in the next.
+  #continueSlices() {
+    byId("profiles").hidden = this.#prepared === null;
+    if (this.#prepared === null) return;
+    const end = performance.now() + FRAME_BUDGET;
+    let missing = this.#slices.indexOf(null);
+    while (missing >= 0 && performance.now() < end) {
+      this.#slices[missing] = this.#slice(missing);
+      missing = this.#slices.indexOf(null);
+    }
+    this.#draw();
+    if (missing >= 0) this.#frame = requestAnimationFrame(() => this.#continueSlices());
+  }
+
+  #slice(index) {
+    const {inputs, point} = this.choice;
+    const [low, high] = rangeOf(inputs[index], point[index]);
+    const last = POINTS_PER_SLICE - 1;
+    const ats = Array.from({length: POINTS_PER_SLICE},
+      (_, k) => (k === last ? high : low + ((high - low) * k) / last));
+    const points = ats.flatMap((at) => point.map((value, k) => (k === index ? at : value)));
+    const {errorInUnit} = this.#prepared;
+    return this.#prepared.predict(points, POINTS_PER_SLICE).map((row, k) => ({
+      at: ats[k],
+      answers: row.map(({value, error}, output) => ({value, error: errorInUnit[output] ? error : NaN})),
+    }));
+  }
+
+  #draw() {
+    if (this.#prepared === null) return;
+    const complete = !this.#slices.includes(null);
+    this.profiles.draw(this.#slices, this.choice.point, this.#answers, this.#begun && complete);
+    if (complete) this.#begun = false;
+  }
+}
+
+async function copyCommand() {
+  const command = byId("command");
+  try {
+    await navigator.clipboard.writeText(command.textContent);
+    byId("copy").textContent = "Copied";
+  } catch {
+    getSelection().selectAllChildren(command);
+    byId("copy").textContent = "Selected: copy it";
+  }
+  setTimeout(() => {
+    byId("copy").textContent = "Copy";
+  }, 2000);
+}
+
+async function start() {
+  const state = byId("live-state");
+  state.textContent = "Loading the model\u2026";
+  try {
+    const library = await Library.load(byId("module").textContent);
+    const file = new TextDecoder().decode(embeddedBytes("file"));
+    const model = new Model(library, embeddedBytes("database"));
+    byId("live-body").hidden = false;
+    new Page(model, file);
+    state.textContent = `Every number here is computed in this page by pxrom ${library.version()} itself.`;
+  } catch (error) {
+    byId("live-body").hidden = true;
+    state.textContent = `This page can't evaluate the model: ${error.message}`;
+    throw error;
+  }
+}
+
+// A page on paper shows what is folded away on the screen.
+addEventListener("beforeprint", () => {
+  document.querySelectorAll("details").forEach((details) => {
+    details.open = true;
+  });
+});
+
+start();

@@ -1,0 +1,251 @@
+// Small pictures of one output over one input, as SVG.
+
+const SVG = "http://www.w3.org/2000/svg";
+const CELL = {height: 118, top: 6, left: 50, gap: 18, ticks: 16, name: 17, narrowest: 128};
+const POINTS_PER_SLICE = 61;
+
+function svg(name, attributes = {}, text = "") {
+  const element = document.createElementNS(SVG, name);
+  for (const [key, value] of Object.entries(attributes)) element.setAttribute(key, value);
+  element.textContent = text;
+  return element;
+}
+
+/// What the slice along an input spans: its bounds, widened to the point.
+function rangeOf(input, value) {
+  if (!input.hasBounds) {
+    const reach = Math.abs(value) || 1;
+    return [value - reach / 2, value + reach / 2];
+  }
+  return [Math.min(input.lower, value), Math.max(input.upper, value)];
+}
+
+/// Pieces of consecutive finite points, as the command of an SVG path.
+function pathOf(points) {
+  let path = "";
+  let open = false;
+  for (const [x, y] of points) {
+    const good = Number.isFinite(x) && Number.isFinite(y);
+    if (good) path += `${open ? "L" : "M"}${x.toFixed(2)} ${y.toFixed(2)}`;
+    open = good;
+  }
+  return path;
+}
+
+/// A closed band around the points that have an error.
+function bandOf(slice, x, y) {
+  const pieces = [];
+  let piece = [];
+  for (const point of [...slice, {error: NaN}]) {
+    if (Number.isFinite(point.error) && Number.isFinite(point.value)) {
+      piece.push(point);
+    } else if (piece.length > 0) {
+      pieces.push(piece);
+      piece = [];
+    }
+  }
+  return pieces.map((part) => {
+    const upper = part.map((p) => [x(p.at), y(p.value + Math.abs(p.error))]);
+    const lower = part.map((p) => [x(p.at), y(p.value - Math.abs(p.error))]).reverse();
+    return `${pathOf([...upper, ...lower])}Z`;
+  }).join("");
+}
+
+class Cell {
+  constructor(input, {width, labelled, named}) {
+    this.input = input;
+    this.left = labelled ? CELL.left : CELL.gap;
+    this.width = width;
+    this.named = named;
+    this.labelled = labelled;
+    const height = CELL.top + CELL.height + (named ? CELL.ticks + CELL.name : CELL.gap / 2);
+    this.element = svg("svg", {width: this.left + width, height, role: "img"});
+    this.frame = svg("rect", {class: "frame", x: this.left, y: CELL.top, width, height: CELL.height});
+    this.back = svg("g");
+    this.band = svg("path", {class: "band"});
+    this.curve = svg("path", {class: "curve"});
+    this.here = svg("path", {class: "here"});
+    this.dot = svg("circle", {class: "dot", r: 4, visibility: "hidden"});
+    this.element.append(this.frame, this.back, this.band, this.curve, this.here, this.dot);
+  }
+
+  /// The input's value under a pointer, by the part of the width.
+  valueAt(clientX) {
+    const box = this.frame.getBoundingClientRect();
+    const part = Math.min(1, Math.max(0, (clientX - box.left) / box.width));
+    return this.range[0] + part * (this.range[1] - this.range[0]);
+  }
+
+  draw({slice, range, values, here, title}) {
+    this.range = range;
+    const x = (at) => this.left + ((at - range[0]) / (range[1] - range[0])) * this.width;
+    const y = (value) => CELL.top + ((values[1] - value) / (values[1] - values[0])) * CELL.height;
+    this.element.setAttribute("aria-label", title);
+    this.#drawBack(x, y, range, values);
+    this.band.setAttribute("d", bandOf(slice, x, y));
+    this.curve.setAttribute("d", pathOf(slice.map((point) => [x(point.at), y(point.value)])));
+    this.here.setAttribute("d", `M${x(here.at)} ${CELL.top}v${CELL.height}`);
+    const known = Number.isFinite(here.value);
+    this.dot.setAttribute("visibility", known ? "visible" : "hidden");
+    this.dot.setAttribute("cx", x(here.at));
+    if (known) this.dot.setAttribute("cy", y(here.value));
+  }
+
+  #drawBack(x, y, range, values) {
+    const bottom = CELL.top + CELL.height;
+    const right = this.left + this.width;
+    const drawn = [...this.#beyond(x, range)];
+    for (const tick of ticksOf(values[0], values[1], 4)) {
+      drawn.push(svg("path", {class: "grid", d: `M${this.left} ${y(tick)}H${right}`}));
+      if (this.labelled) {
+        drawn.push(svg("text", {x: this.left - 6, y: y(tick) + 4, "text-anchor": "end"}, tickLabel(tick)));
+      }
+    }
+    for (const tick of ticksOf(range[0], range[1], Math.max(2, Math.floor(this.width / 50)))) {
+      drawn.push(svg("path", {class: "grid", d: `M${x(tick)} ${CELL.top}V${bottom}`}));
+      if (this.named) drawn.push(this.#tickBelow(x(tick), bottom + 13, tickLabel(tick)));
+    }
+    if (this.named) drawn.push(this.#name((this.left + right) / 2, bottom + 29));
+    this.back.replaceChildren(...drawn);
+  }
+
+  /// A label that keeps within the width, so that it doesn't meet that of the next picture.
+  #tickBelow(x, y, label) {
+    const half = label.length * 3;
+    const anchor = x - half < this.left ? "start" : x + half > this.left + this.width ? "end" : "middle";
+    return svg("text", {x, y, "text-anchor": anchor}, label);
+  }
+
+  /// What of the range lies outside the bounds.
+  #beyond(x, range) {
+    const {hasBounds, lower, upper} = this.input;
+    if (!hasBounds) return [];
+    return [[range[0], lower], [upper, range[1]]].filter(([from, to]) => to > from).map(([from, to]) => svg(
+      "rect", {class: "beyond", x: x(from), y: CELL.top, width: x(to) - x(from), height: CELL.height}));
+  }
+
+  #name(x, y) {
+    const name = svg("text", {class: "name", x, y, "text-anchor": "middle"}, shortened(labelOf(this.input), this.width));
+    name.append(svg("title", {}, labelOf(this.input)));
+    return name;
+  }
+}
+
+function labelOf(parameter) {
+  return parameter.unit === "" ? parameter.id : `${parameter.id} [${parameter.unit}]`;
+}
+
+/// As much of a text as a width of pixels has room for.
+function shortened(text, width) {
+  const most = Math.max(4, Math.floor(width / 6.5));
+  const letters = Array.from(text);
+  return letters.length <= most ? text : `${letters.slice(0, most - 1).join("")}\u2026`;
+}
+
+/// The pictures of all outputs over all inputs, a block for each output.
+class Profiles {
+  #blocks = [];
+  #columns = 0;
+
+  constructor(place, inputs, outputs, onMove) {
+    this.place = place;
+    this.inputs = inputs;
+    this.outputs = outputs;
+    this.onMove = onMove;
+    this.values = outputs.map(() => null);
+  }
+
+  /// Lays the pictures out anew for the width that there is.
+  layOut() {
+    const room = this.place.clientWidth;
+    const most = Math.floor((room - CELL.left + CELL.gap) / (CELL.narrowest + CELL.gap));
+    this.#columns = Math.max(1, Math.min(this.inputs.length, most));
+    this.#columns = Math.ceil(this.inputs.length / Math.ceil(this.inputs.length / this.#columns));
+    const width = Math.floor((room - CELL.left - 8 - (this.#columns - 1) * CELL.gap) / this.#columns);
+    this.#blocks = this.outputs.map((output, index) => this.#block(output, index, Math.min(width, 360)));
+    this.place.replaceChildren(...this.#blocks.map((block) => block.element));
+  }
+
+  #block(output, index, width) {
+    const element = document.createElement("section");
+    element.className = "profile";
+    const head = document.createElement("h4");
+    head.textContent = output.id;
+    const rest = document.createElement("span");
+    rest.textContent = [output.caption && ` ${output.caption}`, output.unit && ` [${output.unit}]`].join("");
+    head.append(rest);
+    const cells = document.createElement("div");
+    cells.className = "cells";
+    const wrapped = this.#columns < this.inputs.length;
+    const named = wrapped || index === this.outputs.length - 1;
+    const drawn = this.inputs.map((input, column) => {
+      const cell = new Cell(input, {width, labelled: column % this.#columns === 0, named});
+      this.#follow(cell, column);
+      return cell;
+    });
+    cells.append(...drawn.map((cell) => cell.element));
+    element.append(head, cells);
+    return {element, cells: drawn};
+  }
+
+  #follow(cell, column) {
+    const move = (event) => {
+      if (cell.element.hasPointerCapture(event.pointerId)) this.onMove(column, cell.valueAt(event.clientX), false);
+    };
+    cell.element.addEventListener("pointerdown", (event) => {
+      cell.element.setPointerCapture(event.pointerId);
+      move(event);
+    });
+    cell.element.addEventListener("pointermove", move);
+    cell.element.addEventListener("pointerup", (event) => this.onMove(column, cell.valueAt(event.clientX), true));
+  }
+
+  /// Widens the range of each output to what is shown, or begins it anew.
+  #spread(slices, here, anew) {
+    this.outputs.forEach((_, output) => {
+      const range = anew || this.values[output] === null ? [Infinity, -Infinity] : this.values[output].slice();
+      const take = (value) => {
+        if (!Number.isFinite(value)) return;
+        range[0] = Math.min(range[0], value);
+        range[1] = Math.max(range[1], value);
+      };
+      for (const slice of slices) {
+        for (const {answers} of slice ?? []) {
+          const {value, error} = answers[output];
+          take(value);
+          if (!Number.isFinite(error)) continue;
+          take(value - Math.abs(error));
+          take(value + Math.abs(error));
+        }
+      }
+      take(here[output]?.value);
+      this.values[output] = range[0] > range[1] ? null : range;
+    });
+  }
+
+  /// slices[input] is a list of {at, answers}, or null where it isn't computed yet.
+  draw(slices, point, here, anew) {
+    this.#spread(slices, here, anew);
+    this.#blocks.forEach((block, output) => {
+      const values = padded(this.values[output] ?? [0, 1]);
+      block.cells.forEach((cell, column) => {
+        const slice = slices[column];
+        if (slice === null) return;
+        const at = point[column];
+        cell.draw({
+          slice: slice.map((step) => ({at: step.at, ...step.answers[output]})),
+          range: [slice[0].at, slice[slice.length - 1].at],
+          values,
+          here: {at, value: here[output]?.value},
+          title: `${labelOf(this.outputs[output])} over ${labelOf(this.inputs[column])}`,
+        });
+      });
+    });
+  }
+}
+
+/// A little room above and below; a flat curve lies in the middle.
+function padded([low, high]) {
+  const room = (high - low) * 0.06 || Math.abs(high) * 0.1 || 1;
+  return [low - room, high + room];
+}

@@ -1,0 +1,265 @@
+#include "report_page.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "html.h"
+#include "overview.h"
+#include "pxrom/version.h"
+#include "report/assets.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace pxrom = Tarvane::Plexura::PXROM;
+
+namespace {
+
+constexpr std::size_t kLongTable = 40;
+
+/// A cell's text is escaped where it is written.
+struct Cell {
+  std::string text;
+  std::string classes;
+};
+using Row = std::vector<Cell>;
+
+struct HtmlTable {
+  std::string title;
+  Row heads;
+  std::vector<Row> rows;
+};
+
+std::string ClassOf(const Cell& cell) {
+  return cell.classes.empty() ? "" : " class=\"" + cell.classes + '"';
+}
+
+std::string Html(const HtmlTable& table) {
+  std::string html = "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"" +
+                     Escaped(table.title) + "\"><table>\n<thead><tr>";
+  for (const Cell& head : table.heads) {
+    html += "<th scope=\"col\"" + ClassOf(head) + '>' + Escaped(head.text) + "</th>";
+  }
+  html += "</tr></thead>\n<tbody>\n";
+  for (const Row& row : table.rows) {
+    html += "<tr>";
+    for (const Cell& cell : row) html += "<td" + ClassOf(cell) + '>' + Escaped(cell.text) + "</td>";
+    html += "</tr>\n";
+  }
+  html += "</tbody></table></div>\n";
+  if (table.rows.size() <= kLongTable) return html;
+  return "<details><summary>" + Counted(table.rows.size(), "row") + "</summary>\n" + html +
+         "</details>\n";
+}
+
+std::string Section(const std::string& id, const std::string& title, const std::string& content) {
+  return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id +
+         "-title\">" + title + "</h2>\n" + content + "</section>\n";
+}
+
+std::string KindOf(const pxrom::CParameterOverview& parameter) {
+  return TypeOf(parameter.type) + (parameter.enabled ? "" : ", disabled");
+}
+
+std::string ParametersSection(const ParametersByRank& parameters,
+                              pxrom::E_ParameterCausality causality) {
+  const bool inputs = causality == pxrom::CausalityInput;
+  const std::string title = inputs ? "Inputs" : "Outputs";
+  HtmlTable table{title, {{"ID", ""}, {"Caption", ""}, {"Kind", ""}}, {}};
+  if (inputs) table.heads.push_back({"Range", ""});
+  table.heads.push_back({"Unit", ""});
+  for (const auto& parameter : parameters) {
+    if (parameter.causality != causality) continue;
+    Row row = {{parameter.id, "id"}, {parameter.caption, ""}, {KindOf(parameter), ""}};
+    if (inputs) row.push_back({RangeOf(parameter), ""});
+    row.push_back({parameter.unit, ""});
+    table.rows.push_back(std::move(row));
+  }
+  return Section(inputs ? "input-list" : "output-list", title, Html(table));
+}
+
+std::string EnsemblesSection(const pxrom::CDatabaseOverview& overview,
+                             const ParametersByRank& parameters) {
+  const EnsemblesById ensembles = ById(overview);
+  HtmlTable table{"Surfaces",
+                  {{"Combination", ""},
+                   {"Output", ""},
+                   {"Weights and surfaces", ""},
+                   {"Samples", "number"},
+                   {"Folds", "number"},
+                   {"Error from", ""}},
+                  {}};
+  for (const auto& combination : overview.combinations) {
+    std::string text = TextOf(combination, parameters);
+    for (const auto& [output, id] : combination.outputs) {
+      Row row = {{text, ""}, {output, "id"}};
+      const auto found = ensembles.find(id);
+      if (found == ensembles.end()) {
+        row.insert(row.end(), {{"damaged or missing", ""}, {}, {}, {}});
+      } else {
+        const pxrom::CEnsembleOverview& ensemble = *found->second;
+        row.insert(row.end(),
+                   {{SurfacesOf(ensemble), ""},
+                    {std::to_string(ensemble.samples), "number"},
+                    {ensemble.folds == 0 ? "" : std::to_string(ensemble.folds), "number"},
+                    {ErrorKindOf(ensemble), ""}});
+      }
+      table.rows.push_back(std::move(row));
+      text.clear();
+    }
+  }
+  return Section("surface-list", "Surfaces",
+                 "<p class=\"note\">Each output of a combination is a weighted sum of surfaces. "
+                 "Errors from cross-validation are in the unit of the output, those from a surface "
+                 "in a scaled space.</p>\n" +
+                     Html(table));
+}
+
+std::string SeverityCell(pxrom::E_FindingSeverity severity) {
+  static const std::map<pxrom::E_FindingSeverity, std::string> kClasses = {
+      {pxrom::SeverityError, "bad"},
+      {pxrom::SeverityWarning, "warn"},
+      {pxrom::SeverityNote, "note"}};
+  return "<span class=\"severity " + kClasses.at(severity) + "\">" + WordOf(severity) + "</span>";
+}
+
+std::string FindingHtml(const pxrom::CFinding& finding) {
+  std::string html = "<tr><td>" + SeverityCell(finding.severity) + "</td><td class=\"number\">" +
+                     std::to_string(finding.line) + "</td><td>" + Escaped(finding.group) +
+                     "</td><td>" + Escaped(finding.sentence) + "</td><td>" +
+                     Escaped(finding.expected) + "</td><td><code>" +
+                     pxrom::FindingCodeName(finding.code) + "</code></td></tr>\n";
+  return html;
+}
+
+std::string FindingsTable(const std::vector<pxrom::CFinding>& findings, bool notes) {
+  std::string rows;
+  for (const pxrom::CFinding& finding : findings) {
+    if ((finding.severity == pxrom::SeverityNote) == notes) rows += FindingHtml(finding);
+  }
+  if (rows.empty()) return "";
+  return "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Findings\"><table "
+         "class=\"findings\">\n<thead><tr><th scope=\"col\">Severity</th><th scope=\"col\" "
+         "class=\"number\">Line</th><th scope=\"col\">Where</th><th scope=\"col\">What</th><th "
+         "scope=\"col\">Right would be</th><th scope=\"col\">Code</th></tr></thead>\n<tbody>\n" +
+         rows + "</tbody></table></div>\n";
+}
+
+/// Notes tell of nothing wrong: they are folded away.
+std::string FindingsSection(const pxrom::CInspectionReport& inspection) {
+  std::string content;
+  if (inspection.errors + inspection.warnings == 0) {
+    content += "<p>Nothing is wrong with the database.</p>\n";
+  }
+  content += FindingsTable(inspection.findings, false);
+  if (inspection.notes > 0) {
+    content += "<details><summary>" + Counted(inspection.notes, "note") + "</summary>\n" +
+               FindingsTable(inspection.findings, true) + "</details>\n";
+  }
+  return Section("findings", "Findings", content);
+}
+
+std::string CountsOf(const pxrom::CInspectionReport& inspection) {
+  return Listed({Counted(inspection.errors, "error"), Counted(inspection.warnings, "warning"),
+                 Counted(inspection.notes, "note")});
+}
+
+const char* VerdictKind(const pxrom::CInspectionReport& inspection) {
+  if (inspection.errors > 0) return "bad";
+  return inspection.warnings > 0 ? "warn" : "good";
+}
+
+std::string SummaryOf(const pxrom::CDatabaseOverview& overview) {
+  const auto count = [&overview](pxrom::E_ParameterCausality causality, bool discrete) {
+    return static_cast<std::size_t>(
+        std::count_if(overview.parameters.begin(), overview.parameters.end(), [&](const auto& p) {
+          const bool kind = discrete ? p.type == pxrom::DiscreteParameter
+                                     : p.type <= pxrom::ContinuousManufacturable;
+          return p.enabled && p.causality == causality && kind;
+        }));
+  };
+  return Counted(count(pxrom::CausalityInput, false), "continuous input") + ", " +
+         Counted(count(pxrom::CausalityInput, true), "discrete input") + ", " +
+         Counted(overview.combinations.size(), "combination") + ", " +
+         Counted(count(pxrom::CausalityOutput, false), "output");
+}
+
+std::string LiveSection(const ReportedStudy& study) {
+  if (study.inspection.errors > 0) {
+    return Section("live", "Try it",
+                   "<p>The database is damaged, so that this page doesn't evaluate it: the "
+                   "findings tell where.</p>\n");
+  }
+  if (!CanReportLive()) {
+    return Section("live", "Try it",
+                   "<p>This page doesn't evaluate: the <code>pxrom</code> that wrote it was built "
+                   "without the live part. <code>script/bootstrap --report</code> and another "
+                   "build add it.</p>\n");
+  }
+  return std::string(report_assets::kLive);
+}
+
+std::string Element(const std::string& attributes, std::string_view content) {
+  return "<script " + attributes + '>' + std::string(content) + "</script>\n";
+}
+
+std::string DataOf(const ReportedStudy& study) {
+  return Element(R"(type="application/json" id="file")", JsonOfBytes(study.file)) +
+         Element(R"(type="application/json" id="database")", JsonOfBytes(study.text)) +
+         Element(R"(type="text/plain" id="module")", Base64(report_assets::kModule)) +
+         Element(R"(type="module")", report_assets::kScript);
+}
+
+/// Replaces each "@NAME@" of a known name, once: what is put in is not looked at again.
+std::string Filled(std::string_view text, const std::map<std::string_view, std::string>& parts) {
+  std::string filled;
+  while (true) {
+    const std::size_t begin = text.find('@');
+    if (begin == std::string_view::npos) break;
+    const std::size_t end = text.find('@', begin + 1);
+    const auto part = end == std::string_view::npos
+                          ? parts.end()
+                          : parts.find(text.substr(begin + 1, end - begin - 1));
+    const bool known = part != parts.end();
+    filled += text.substr(0, known ? begin : begin + 1);
+    if (known) filled += part->second;
+    text.remove_prefix(known ? end + 1 : begin + 1);
+  }
+  return filled.append(text);
+}
+
+}  // namespace
+
+bool CanReportLive() { return !report_assets::kModule.empty(); }
+
+std::string ReportPage(const ReportedStudy& study) {
+  const pxrom::CInspectionReport& inspection = study.inspection;
+  const pxrom::CDatabaseOverview& overview = inspection.overview;
+  const ParametersByRank parameters = ByRank(overview);
+  const bool live = inspection.errors == 0 && CanReportLive();
+  return Filled(
+      report_assets::kPage,
+      {{"SCRIPT_HASH", "sha256-" + Base64(report_assets::kScriptHash)},
+       {"VERSION", PXROM_VERSION_STRING},
+       {"TITLE", Escaped(std::filesystem::path(study.file).stem().string())},
+       {"STYLE", std::string(report_assets::kStyle)},
+       {"SUMMARY", SummaryOf(overview)},
+       {"VERDICT_KIND", VerdictKind(inspection)},
+       {"VERDICT", "Checked: " + CountsOf(inspection)},
+       {"LIVE", LiveSection(study)},
+       {"FINDINGS", FindingsSection(inspection)},
+       {"STUDY", ParametersSection(parameters, pxrom::CausalityInput) +
+                     ParametersSection(parameters, pxrom::CausalityOutput) +
+                     EnsemblesSection(overview, parameters)},
+       {"FOOTER", "<p>" + Escaped(study.file) + ": " + Counted(overview.characters, "character") +
+                      " in " + Counted(overview.lines, "line") +
+                      ". Written by pxrom " PXROM_VERSION_STRING ".</p>"},
+       {"DATA", live ? DataOf(study) : ""}});
+}
+
+}  // namespace pxrom_command
