@@ -4,7 +4,10 @@ const VALUE_DIGITS = 6;
 const ERROR_DIGITS = 3;
 
 function shown(value, digits) {
-  return Number.isFinite(value) ? String(Number(value.toPrecision(digits))) : allDigits(value);
+  if (!Number.isFinite(value)) return allDigits(value);
+  const rounded = Number(value.toPrecision(digits));
+  // Zeros behind the digits would pass for digits.
+  return Math.abs(rounded) < 10 ** digits ? String(rounded) : rounded.toExponential();
 }
 
 function allDigits(value) {
@@ -12,11 +15,11 @@ function allDigits(value) {
   return Number.isFinite(value) ? String(value) : value > 0 ? "infinite" : "minus infinite";
 }
 
-/// A step of 1, 2 or 5 times a power of ten, with which `count` steps cover `span`.
+/// A step of 1, 2 or 5 times a power of ten, with which about `count` steps cover `span`.
 function roundStep(span, count) {
   const power = 10 ** Math.floor(Math.log10(span / count));
-  const factor = [1, 2, 5, 10].find((candidate) => candidate * power * count >= span * (1 - 1e-9));
-  return (factor ?? 10) * power;
+  const distance = (factor) => Math.abs(Math.log(span / (count * factor * power)));
+  return [1, 2, 5, 10].reduce((best, factor) => (distance(factor) < distance(best) ? factor : best)) * power;
 }
 
 /// `value` at the nearest of the decimals that a step of this size needs.

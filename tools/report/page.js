@@ -4,6 +4,7 @@ const SLIDER_STEPS = 200;
 const FRAME_BUDGET = 12; // milliseconds of slices between two frames
 const SPEAK_AFTER = 600; // milliseconds without a change
 const MOST_NAMED = 20;
+const DECIMAL = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i;
 
 const byId = (id) => document.getElementById(id);
 
@@ -30,6 +31,13 @@ function shellWord(text) {
   return /^[\w.,:@%+=/-]+$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`;
 }
 
+/// A round number within the bounds of an input, and at their ends the bounds themselves.
+function roundedWithin({hasBounds, lower, upper}, value) {
+  if (!hasBounds) return Number(value.toPrecision(4));
+  if (value <= lower || value >= upper) return value <= lower ? lower : upper;
+  return Math.min(upper, Math.max(lower, roundedTo(value, roundStep(upper - lower, 1000))));
+}
+
 /// What the controls have chosen.
 class Choice {
   constructor(model) {
@@ -38,12 +46,12 @@ class Choice {
     this.outputs = model.parameters(LIST.outputs);
     this.combinations = model.combinations(this.discrete.length);
     this.combination = [...this.combinations[0]];
-    this.point = [];
     this.toMiddle();
   }
 
   toMiddle() {
-    this.point = this.inputs.map(({hasBounds, lower, upper}) => (hasBounds ? 0.5 * lower + 0.5 * upper : 0));
+    this.point = this.inputs.map((input) => (
+      input.hasBounds ? roundedWithin(input, 0.5 * input.lower + 0.5 * input.upper) : 0));
   }
 
   combinationText(values = this.combination) {
@@ -92,8 +100,11 @@ class Control {
     if (input.hasBounds) this.element.append(this.slider, this.#ends());
     this.slider.addEventListener("input", () => onChange(index, this.#sliderValue(), false));
     this.slider.addEventListener("change", () => onChange(index, this.#sliderValue(), true));
-    this.field.addEventListener("input", () => this.#read((value) => onChange(index, value, false)));
-    this.field.addEventListener("change", () => this.#read((value) => onChange(index, value, true)));
+    this.field.addEventListener("input", () => this.#read());
+    this.field.addEventListener("change", () => {
+      const value = this.#read();
+      if (value !== null) onChange(index, value, true);
+    });
   }
 
   #ends() {
@@ -101,35 +112,27 @@ class Control {
     return make("div", {className: "ends"}, end(this.input.lower), end(this.input.upper));
   }
 
-  /// A round number within the bounds, and at the ends the bounds themselves.
-  rounded(value) {
-    const {hasBounds, lower, upper} = this.input;
-    if (!hasBounds) return Number(value.toPrecision(4));
-    if (value <= lower || value >= upper) return value <= lower ? lower : upper;
-    return Math.min(upper, Math.max(lower, roundedTo(value, roundStep(upper - lower, 1000))));
-  }
-
   #sliderValue() {
     const {lower, upper} = this.input;
     const step = Number(this.slider.value);
     if (step === SLIDER_STEPS) return upper;
-    return this.rounded(lower + ((upper - lower) * step) / SLIDER_STEPS);
+    return roundedWithin(this.input, lower + ((upper - lower) * step) / SLIDER_STEPS);
   }
 
-  #read(use) {
+  /// The number in the field; null, and marked, where it is none.
+  #read() {
     const text = this.field.value.trim();
-    const value = text === "" ? NaN : Number(text);
+    const value = DECIMAL.test(text) ? Number(text) : NaN;
     const good = Number.isFinite(value);
     this.field.setAttribute("aria-invalid", String(!good));
-    this.field.title = good ? "" : "this is no finite number";
-    if (good) use(value);
+    this.field.title = good ? "" : "this is no finite number (decimals take a point)";
+    return good ? value : null;
   }
 
   show(value) {
     const {lower, upper, unit} = this.input;
     this.slider.value = Math.round(((value - lower) / (upper - lower)) * SLIDER_STEPS);
     this.slider.setAttribute("aria-valuetext", `${value} ${unit}`.trim());
-    if (document.activeElement === this.field && Number(this.field.value) === value) return;
     this.field.value = String(value);
     this.field.setAttribute("aria-invalid", "false");
     this.field.title = "";
@@ -206,7 +209,7 @@ class Page {
     this.answers = new Answers(outputs);
     this.controls = inputs.map((input, k) => new Control(input, k, (...change) => this.move(...change)));
     this.profiles = new Profiles(byId("profiles"), inputs, outputs,
-      (k, value, settled) => this.move(k, this.controls[k].rounded(value), settled));
+      (k, value, settled) => this.move(k, roundedWithin(inputs[k], value), settled));
     this.selects = discrete.map((input, k) => this.#select(input, k));
     byId("inputs").append(...this.controls.map((control) => control.element));
     byId("combination").append(...this.selects.map((select) => select.parentElement));

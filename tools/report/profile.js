@@ -2,6 +2,7 @@
 
 const SVG = "http://www.w3.org/2000/svg";
 const CELL = {height: 118, top: 6, left: 50, gap: 18, ticks: 16, name: 17, narrowest: 128};
+const LETTER = 6.5; // about the width of one, in pixels
 const POINTS_PER_SLICE = 61;
 
 function svg(name, attributes = {}, text = "") {
@@ -101,19 +102,25 @@ class Cell {
         drawn.push(svg("text", {x: this.left - 6, y: y(tick) + 4, "text-anchor": "end"}, tickLabel(tick)));
       }
     }
-    for (const tick of ticksOf(range[0], range[1], Math.max(2, Math.floor(this.width / 50)))) {
-      drawn.push(svg("path", {class: "grid", d: `M${x(tick)} ${CELL.top}V${bottom}`}));
-      if (this.named) drawn.push(this.#tickBelow(x(tick), bottom + 13, tickLabel(tick)));
-    }
+    const below = ticksOf(range[0], range[1], Math.max(2, this.width / 45));
+    drawn.push(...below.map((tick) => svg("path", {class: "grid", d: `M${x(tick)} ${CELL.top}V${bottom}`})));
+    if (this.named) drawn.push(...this.#labelsBelow(below.map((tick) => [x(tick), tickLabel(tick)]), bottom + 13));
     if (this.named) drawn.push(this.#name((this.left + right) / 2, bottom + 29));
     this.back.replaceChildren(...drawn);
   }
 
-  /// A label that keeps within the width, so that it doesn't meet that of the next picture.
-  #tickBelow(x, y, label) {
-    const half = label.length * 3;
-    const anchor = x - half < this.left ? "start" : x + half > this.left + this.width ? "end" : "middle";
-    return svg("text", {x, y, "text-anchor": anchor}, label);
+  /// Labels that keep within the width, and those left out that would meet the one before.
+  #labelsBelow(labels, y) {
+    const drawn = [];
+    let free = -Infinity;
+    for (const [x, label] of labels) {
+      const half = label.length * LETTER / 2;
+      const middle = Math.max(this.left + half, Math.min(this.left + this.width - half, x));
+      if (middle - half < free) continue;
+      free = middle + half + LETTER;
+      drawn.push(svg("text", {x: middle, y, "text-anchor": "middle"}, label));
+    }
+    return drawn;
   }
 
   /// What of the range lies outside the bounds.
@@ -137,7 +144,7 @@ function labelOf(parameter) {
 
 /// As much of a text as a width of pixels has room for.
 function shortened(text, width) {
-  const most = Math.max(4, Math.floor(width / 6.5));
+  const most = Math.max(4, Math.floor(width / LETTER));
   const letters = Array.from(text);
   return letters.length <= most ? text : `${letters.slice(0, most - 1).join("")}\u2026`;
 }

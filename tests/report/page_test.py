@@ -1,0 +1,258 @@
+"""The page of `pxrom report` in headless Chromium: its numbers are those of `pxrom eval`.
+
+The command is compiled with one mathematical library and the page with another, so that functions
+such as exp may differ in the last digits: numbers are compared to 1e-12. script/test-report runs
+this; PXROM_COMMAND names the command and PXROM_PICTURES a folder for pictures.
+"""
+
+import json
+import math
+import os
+import pathlib
+import shlex
+import subprocess
+import tempfile
+import unittest
+
+from browser import chromium
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+COMMAND = os.environ["PXROM_COMMAND"]
+PICTURES = pathlib.Path(os.environ["PXROM_PICTURES"])
+BEAM = ROOT / "examples/beam.pxdb"
+CONSTANT = ROOT / "examples/constant.pxdb"
+TOLERANCE = 1e-12
+
+HOSTILE = '</script><script>hostile=1</script><img src=x onerror="hostile=1">\u2028&lt;<!--'
+
+
+def pxrom(*arguments) -> subprocess.CompletedProcess:
+    return subprocess.run([COMMAND, *map(str, arguments)], capture_output=True, text=True)
+
+
+class PageTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
+        cls.browser = cls.enterClassContext(chromium())
+        cls.browser.shape(1200, 1320)
+
+    def tearDown(self):
+        self.assertEqual(self.browser.complaints(), [])
+        self.assertEqual(self.browser.requests(), [])
+
+    # ---- What a person does ----
+
+    def open(self, model: pathlib.Path) -> None:
+        self.model = model
+        page = self.folder / (model.stem + ".html")
+        written = pxrom("report", model, "-o", page)
+        self.assertEqual((written.returncode, written.stdout, written.stderr), (0, "", ""))
+        self.browser.open(page)
+        self.browser.wait("document.querySelector('#live-body:not([hidden])') !== null")
+
+    def open_text(self, name: str, text: str) -> None:
+        path = self.folder / name
+        path.write_text(text, encoding="utf-8", newline="")
+        self.open(path)
+
+    def element(self, selector: str):
+        return self.browser.driver.find_element(By.CSS_SELECTOR, selector)
+
+    def type_input(self, index: int, text: str) -> None:
+        self.element(f"#input-{index}").send_keys(Keys.CONTROL, "a", Keys.NULL, text, Keys.TAB)
+
+    def press(self, index: int, *keys: str) -> None:
+        self.element(f".control:nth-of-type({index + 1}) input[type=range]").send_keys(*keys)
+
+    def choose(self, index: int, value: int) -> None:
+        self.browser.run(
+            "const s = document.querySelectorAll('#combination select')[arguments[0]];"
+            "s.value = arguments[1]; s.dispatchEvent(new Event('change'))", index, value)
+
+    # ---- What the page then says ----
+
+    def rows(self) -> list:
+        """ID, shown value, all digits of it, shown error, all digits of it, unit."""
+        return self.browser.run(
+            "return [...document.querySelectorAll('#answers tbody tr')].map((row) => {"
+            "const [value, error, unit] = row.querySelectorAll('td');"
+            "return [row.querySelector('.id').textContent, value.textContent, value.title,"
+            " error.textContent, error.title, unit.textContent]})")
+
+    def notes(self) -> list:
+        return self.browser.run(
+            "return [...document.querySelectorAll('#notes li')].map((note) => note.textContent)")
+
+    def command_line(self) -> list:
+        """The words behind `pxrom eval FILE` that the page offers to copy."""
+        words = shlex.split(self.element("#command").get_attribute("textContent"))
+        self.assertEqual(words[:3], ["pxrom", "eval", self.model.name])
+        return words[3:]
+
+    def point(self) -> dict:
+        return dict(word.rsplit("=", 1) for word in self.command_line())
+
+    def assert_near(self, text: str, expected: float) -> None:
+        self.assertTrue(math.isclose(float(text), expected, rel_tol=TOLERANCE), (text, expected))
+
+    def check_numbers(self) -> None:
+        """Everything in the table is what the command says at the point."""
+        said = pxrom("eval", self.model, *self.command_line(), "--json")
+        self.assertEqual(said.returncode, 0, said.stderr)
+        outputs = json.loads(said.stdout)["outputs"]
+        rows = self.rows()
+        self.assertEqual([row[0] for row in rows], [output["id"] for output in outputs])
+        for (_, value, all_value, error, all_error, unit), output in zip(rows, outputs):
+            self.assert_near(all_value, output["value"])
+            self.assertEqual(float(value), float(f"{float(all_value):.6g}"))
+            self.assertEqual(unit, output["unit"])
+            if output["error"] is None:
+                self.assertEqual((error, all_error), ("none", "no predicted error"))
+                continue
+            self.assert_near(all_error, output["error"])
+            self.assertEqual(error.endswith("*"), output["error_space"] == "scaled")
+            self.assertEqual(float(error.rstrip("*")), float(f"{float(all_error):.3g}"))
+
+    # ---- Tests ----
+
+    def test_numbers_of_a_study(self):
+        self.open(BEAM)
+        self.check_numbers()
+        self.press(2, Keys.ARROW_RIGHT * 7)
+        self.assertEqual(self.point()["L"], "1.535")
+        self.press(0, Keys.HOME)
+        self.assertEqual(self.point()["h"], "60")
+        self.check_numbers()
+        for holes, material in ((0, 2), (2, 1), (4, 2)):
+            self.choose(0, holes)
+            self.choose(1, material)
+            for index, value in enumerate(("91.2345678901234", "1.5e3", "1.0625", "33.3")):
+                self.type_input(index, value)
+            point = self.point()
+            self.assertEqual((point["Holes"], point["Material"]), (str(holes), str(material)))
+            self.assertEqual((point["h"], point["F"]), ("91.2345678901234", "1500"))
+            self.check_numbers()
+
+    def test_numbers_of_each_family(self):
+        for model in sorted((ROOT / "tests/data/models").glob("*/model.pxdb")):
+            with self.subTest(model.parent.name):
+                self.open(model)
+                self.check_numbers()
+                sliders = len(self.browser.driver.find_elements(By.CSS_SELECTOR, "input[type=range]"))
+                for index in range(sliders):
+                    self.press(index, Keys.ARROW_LEFT * (3 + 5 * index))
+                self.check_numbers()
+
+    def test_all_digits(self):
+        self.open(BEAM)
+        self.element("#all-digits").click()
+        for _, value, all_value, error, all_error, _ in self.rows():
+            self.assertEqual((value, error.rstrip("*")), (all_value, all_error))
+
+    def test_slices_move_the_point(self):
+        self.open(BEAM)
+        self.browser.wait("document.querySelectorAll('.curve[d]').length === 12")
+        # Of the outputs at this combination, mass alone has a scaled error: no band.
+        bands = self.browser.run(
+            "return [...document.querySelectorAll('.profile')].map((block) =>"
+            "[...block.querySelectorAll('.band')].every((band) => band.getAttribute('d') !== ''))")
+        self.assertEqual(bands, [True, False, True])
+        picture = self.element(".profile:nth-of-type(1) svg:nth-of-type(2) .frame")
+        half = picture.rect["width"] / 2
+        ActionChains(self.browser.driver).move_to_element(picture).click_and_hold().move_by_offset(
+            int(half / 2), 3).release().perform()
+        self.assertAlmostEqual(float(self.point()["F"]), 4000, delta=50)
+        self.assertEqual(self.point()["h"], "90")
+        slider = self.element(".control:nth-of-type(2) input[type=range]")
+        self.assertAlmostEqual(int(slider.get_attribute("value")), 150, delta=3)
+        self.check_numbers()
+        # The dot lies on the curve.
+        self.browser.wait("""[...document.querySelectorAll('.cells svg')].every((cell) => {
+          const curve = cell.querySelector('.curve'), dot = cell.querySelector('.dot');
+          const x = Number(dot.getAttribute('cx')), y = Number(dot.getAttribute('cy'));
+          const points = curve.getAttribute('d').slice(1).split('L').map((p) => p.split(' ').map(Number));
+          const k = points.findIndex((p) => p[0] >= x - 0.01);
+          return Math.min(...points.slice(Math.max(0, k - 1), k + 1).map((p) => Math.abs(p[1] - y))) < 4;
+        })""")
+
+    def test_statuses_in_words(self):
+        self.open(BEAM)
+        self.type_input(2, "2.5")
+        self.assertEqual(
+            self.notes(), ["L lies outside its bounds, 1 to 2 m: the surfaces extrapolate"])
+        self.check_numbers()
+        said = pxrom("eval", self.model, *self.command_line()).stderr
+        self.assertEqual(said, f"pxrom eval: note: {self.notes()[0]}\n")
+
+        self.type_input(2, "1,5")
+        field = self.element("#input-2")
+        self.assertEqual(field.get_attribute("aria-invalid"), "true")
+        self.assertEqual(self.point()["L"], "2.5")
+        self.element("#reset").click()
+        self.assertEqual((field.get_attribute("value"), self.notes()), ("1.5", []))
+
+    def test_a_combination_that_was_not_fitted(self):
+        text = BEAM.read_text(encoding="utf-8")
+        lines = [line for line in text.split("\n") if "{Material;2},{Holes;4}" not in line]
+        self.open_text("five.pxdb", "\n".join(lines))
+        self.choose(0, 4)
+        self.choose(1, 2)
+        said = pxrom("eval", self.model, *self.command_line())
+        self.assertEqual((said.returncode, said.stderr), (1, f"pxrom eval: {self.notes()[0]}\n"))
+        self.assertEqual([row[1] for row in self.rows()], ["", "", ""])
+        self.assertFalse(self.element("#profiles").is_displayed())
+        self.choose(1, 1)
+        self.check_numbers()
+
+    def test_hostile_names(self):
+        text = CONSTANT.read_text(encoding="utf-8")
+        for place in ("{x;Length}", "{y;Force}", "{x;m}", "{y;N}"):
+            self.assertIn(place, text)
+            text = text.replace(place, f"{place[:3]}{HOSTILE}}}")
+        name = "it's <b>&$(x).pxdb"
+        self.open_text(name, text)
+        self.check_numbers()
+        self.assertTrue(self.browser.run("return typeof hostile === 'undefined'"))
+        self.assertEqual(self.browser.run("return document.querySelectorAll('img, b').length"), 0)
+        for selector in ("#input-list td:nth-child(2)", "#output-list td:nth-child(4)"):
+            self.assertEqual(self.element(selector).get_attribute("textContent"), HOSTILE)
+        self.assertEqual(self.element(".control .caption").get_attribute("textContent"), f" {HOSTILE}")
+        self.assertEqual(self.element("h1").text, name[:-5])
+
+    def test_nothing_runs_or_loads_but_the_page(self):
+        """What slipped in all the same would meet the policy of the page."""
+        self.open(CONSTANT)
+        self.browser.run(
+            "const s = document.createElement('script'); s.textContent = 'hostile = 1';"
+            "document.body.append(s);"
+            "document.body.append(Object.assign(new Image(), {src: 'http://localhost:9/x.png'}))")
+        self.browser.wait("document.images[0]?.complete")
+        self.assertTrue(self.browser.run("return typeof hostile === 'undefined'"))
+        blocked = self.browser.complaints()
+        self.assertEqual(len(blocked), 2, blocked)
+        self.assertTrue(all("Content Security Policy" in line for line in blocked), blocked)
+        self.assertEqual(self.browser.requests(), ["http://localhost:9/x.png"])  # was refused
+
+    def test_pictures(self):
+        """For people to look at; docs/pictures has one of them."""
+        for name, width, dark in (("light", 1200, False), ("dark", 1200, True), ("phone", 390, False)):
+            self.browser.shape(width, 1000, dark)
+            self.open(BEAM)
+            self.choose(0, 2)
+            self.press(2, Keys.ARROW_RIGHT * 30)
+            self.browser.run("document.activeElement.blur(); scrollTo(0, 0)")
+            self.browser.wait("document.querySelectorAll('.curve[d]').length === 12")
+            self.assertEqual(self.browser.run("return document.documentElement.scrollWidth"), width)
+            end = self.browser.run(
+                "return document.getElementById('profiler').getBoundingClientRect().bottom")
+            self.browser.shape(width, math.ceil(end) + 24, dark)
+            self.browser.picture(PICTURES / f"{name}.png")
+        self.browser.shape(1200, 1320)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "command.h"
+
+// The page as a text. tests/report has it in a browser, where it is evaluated.
+
+namespace {
+
+using command::BeamModel;
+using command::ConstantModel;
+using command::Contents;
+using command::Pxrom;
+using command::Replaced;
+using command::Result;
+using command::Written;
+
+constexpr bool kLive = PXROM_REPORT_LIVE != 0;
+
+const std::string kWithoutLivePart =
+    "pxrom report: note: this build has no live part, so that the page doesn't evaluate; "
+    "script/bootstrap --report and another build add it\n";
+
+bool Holds(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
+    ++count;
+  }
+  return count;
+}
+
+/// Behind the style, and without what the browser takes as data or as the script.
+std::string Visible(const std::string& page) {
+  const std::size_t begin = page.find("</style>");
+  const std::size_t end = page.find("<script type=");
+  return page.substr(begin, end == std::string::npos ? end : end - begin);
+}
+
+/// What of a page can make a browser ask for something.
+std::vector<std::string> Addresses(const std::string& page) {
+  static const std::regex kAddress(
+      R"re((?:href|src|srcset|action|data|poster)="([^"]*)"|url\(|@import|https?://)re");
+  std::vector<std::string> found;
+  for (std::sregex_iterator at(page.begin(), page.end(), kAddress), end; at != end; ++at) {
+    found.push_back(at->str());
+  }
+  return found;
+}
+
+TEST(Report, ShowsTheStudy) {
+  const Result result = Pxrom("report examples/beam.pxdb");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, kLive ? "" : kWithoutLivePart);
+  const std::string page = Visible(result.out);
+  for (const char* part :
+       {"4 continuous inputs, 2 discrete inputs, 6 combinations, 3 outputs",
+        "no errors, no warnings and 8 notes", "Nothing is wrong with the database.",
+        "<td class=\"id\">L</td><td>Beam length</td><td>continuous, manufacturable</td>"
+        "<td>1 to 2</td><td>m</td>",
+        "<td class=\"id\">Notch</td><td>Notch radius - not in the study</td>"
+        "<td>continuous, disabled</td>",
+        "<td class=\"id\">Holes</td><td>Number of holes</td><td>discrete</td><td>0, 2, 4</td>",
+        "<td>Holes=4, Material=2</td><td class=\"id\">mass</td>"
+        "<td>0.5 regression, 0.3 Kriging, 0.2 Kriging</td><td class=\"number\">42</td>"
+        "<td class=\"number\"></td><td>surface</td>",
+        "<td class=\"number\">5</td><td>cross-validation</td>", "<code>error-none</code>",
+        "beam.pxdb: 1170587 characters in 7021 lines."}) {
+    EXPECT_TRUE(Holds(page, part)) << part;
+  }
+  EXPECT_EQ(Holds(page, "id=\"inputs\""), kLive);
+  EXPECT_NE(Holds(page, "was built without the live part"), kLive);
+}
+
+TEST(Report, WritesWhereItIsTold) {
+  const std::string out = Written("beam.html", "");
+  const Result result = Pxrom("report examples/beam.pxdb -o " + out);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(Contents(out), Pxrom("report examples/beam.pxdb").out);
+}
+
+TEST(Report, AsksForNothing) {
+  const std::string page = Pxrom("report examples/constant.pxdb").out;
+  EXPECT_EQ(Addresses(page), (std::vector<std::string>{"href=\"data:,\"", "href=\"#findings\""}));
+  EXPECT_TRUE(Holds(page, "content=\"default-src 'none'; "));
+  EXPECT_EQ(CountOf(page, "<script"), kLive ? 4U : 0U);
+  EXPECT_EQ(CountOf(page, "</script>"), kLive ? 4U : 0U);
+}
+
+TEST(Report, HostileNamesStayText) {
+  const std::string hostile =
+      "</script><script>x()</script><img src=\"//x\" "
+      "onerror='x()'>&lt;\xE2\x80\xA8<!--@DATA@\x01\xFF";
+  const std::string escaped =
+      "&lt;/script&gt;&lt;script&gt;x()&lt;/script&gt;&lt;img src=&quot;//x&quot; "
+      "onerror=&#39;x()&#39;&gt;&amp;lt;\xE2\x80\xA8&lt;!--@DATA@\xEF\xBF\xBD\xEF\xBF\xBD";
+  std::string text = Replaced(ConstantModel(), "{x;Length}", "{x;" + hostile + "}");
+  text = Replaced(text, "{y;N}", "{y;" + hostile + "}");
+  const Result result = Pxrom("report '" + Written("\"<b>&.pxdb", text) + "'");
+  ASSERT_EQ(result.status, 0) << result.err;
+  const std::string page = Visible(result.out);
+  EXPECT_EQ(CountOf(page, "<td>" + escaped + "</td>"), 2U);
+  EXPECT_TRUE(Holds(page, "<p>&quot;&lt;b&gt;&amp;.pxdb: "));
+  EXPECT_FALSE(Holds(page, "<img"));
+  EXPECT_FALSE(Holds(page, "<b>"));
+  // Nothing that the model says opens or closes an element, in the data neither.
+  const std::string plain = Pxrom("report examples/constant.pxdb").out;
+  for (const char* part : {"<script", "</script", "<!--", "<"}) {
+    EXPECT_EQ(CountOf(result.out, part), CountOf(plain, part)) << part;
+  }
+  if (kLive) {
+    EXPECT_TRUE(Holds(result.out, "&lt;\\u00e2\\u0080\\u00a8\\u003c!--@DATA@\\u0001\\u00ff}"));
+  }
+}
+
+TEST(Report, DamagedDatabasesAreReportedWithoutLivePart) {
+  const std::string out = Written("damaged.html", "");
+  const std::string model =
+      Written("damaged.pxdb", Replaced(ConstantModel(), "DataType=8", "DataType=9"));
+  const Result result = Pxrom("report " + model + " -o " + out);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "pxrom report: the database is damaged (1 error): the page has the findings and "
+            "doesn't evaluate\n");
+  const std::string page = Contents(out);
+  EXPECT_TRUE(Holds(page, "<span class=\"severity bad\">error</span></td><td class=\"number\">29"));
+  EXPECT_TRUE(Holds(page, "&quot;DataType=&quot; is 9, which is no family: reading is refused"));
+  EXPECT_TRUE(Holds(page, "The database is damaged"));
+  EXPECT_FALSE(Holds(page, "<script"));
+}
+
+TEST(Report, RefusesInOneSentence) {
+  const std::string other = Written("other.txt", "no database\n");
+  const struct {
+    std::string arguments;
+    std::string sentence;
+  } cases[] = {
+      {"/nowhere/x.pxdb", "can't read \"/nowhere/x.pxdb\": No such file or directory"},
+      {"examples", "can't read \"examples\": it is a folder"},
+      {other, "\"" + other + "\" is no database of fitted models"},
+      {"examples/constant.pxdb -o /nowhere/x",
+       "can't write to \"/nowhere/x\": No such file or directory"},
+  };
+  for (const auto& one : cases) {
+    const Result result = Pxrom("report " + one.arguments);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "pxrom report: " + one.sentence + "\n");
+  }
+}
+
+}  // namespace
