@@ -223,6 +223,19 @@ class PageTest(unittest.TestCase):
         self.assertEqual(self.element(".control .caption").get_attribute("textContent"), f" {HOSTILE}")
         self.assertEqual(self.element("h1").text, name[:-5])
 
+    def test_exceptions_of_the_library_become_sentences(self):
+        page = self.folder / "damaged.html"
+        page.write_text(pxrom("report", CONSTANT).stdout.replace("DataType=8", "DataType=9"))
+        self.browser.open(page)
+        state = "document.getElementById('live-state').textContent"
+        self.browser.wait(f"{state}.includes('can\\'t evaluate')")
+        damaged = self.folder / "damaged.pxdb"
+        damaged.write_text(CONSTANT.read_text().replace("DataType=8", "DataType=9"))
+        reason = pxrom("eval", damaged, "x=0").stderr.split("is a damaged database: ")[1]
+        self.assertEqual(
+            self.browser.run(f"return {state}"),
+            "This page can't evaluate the model: " + reason.rstrip())
+
     def test_nothing_runs_or_loads_but_the_page(self):
         """What slipped in all the same would meet the policy of the page."""
         self.open(CONSTANT)

@@ -41,6 +41,6 @@ function ticksOf(low, high, count) {
 
 function tickLabel(value) {
   const size = Math.abs(value);
-  if (size !== 0 && (size >= 1e5 || size < 1e-3)) return value.toExponential().replace("e+", "e").replace("-", "\u2212");
-  return String(value).replace("-", "\u2212");
+  const short = size !== 0 && (size >= 1e5 || size < 1e-3);
+  return (short ? value.toExponential().replace("e+", "e") : String(value)).replaceAll("-", "\u2212");
 }

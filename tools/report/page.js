@@ -23,7 +23,8 @@ function make(name, properties = {}, ...children) {
 }
 
 function boundsOf(input) {
-  return `${shown(input.lower, VALUE_DIGITS)} to ${shown(input.upper, VALUE_DIGITS)}${input.unit && ` ${input.unit}`}`;
+  const [lower, upper] = [input.lower, input.upper].map((bound) => shown(bound, VALUE_DIGITS));
+  return `${lower} to ${upper}${input.unit && ` ${input.unit}`}`;
 }
 
 /// A word that a shell takes as it stands.
@@ -67,7 +68,8 @@ class Choice {
     const known = this.combinations.slice(0, MOST_NAMED).map((values) => this.combinationText(values));
     const more = this.combinations.length - known.length;
     if (more > 0) known.push(`and ${more} more`);
-    return `there is no model for the combination ${this.combinationText()}; those that exist are: ${known.join("; ")}`;
+    return `there is no model for the combination ${this.combinationText()}; `
+      + `those that exist are: ${known.join("; ")}`;
   }
 
   outsideBounds() {
@@ -162,9 +164,10 @@ class Answers {
     let scaled = false;
     this.rows.forEach((row, k) => {
       const answer = answers?.[k];
-      this.#showNumber(row.value, answer && answer.status !== POINT.failed ? answer.value : null, all, VALUE_DIGITS);
-      row.value.classList.toggle("failed", answer?.status === POINT.failed);
-      if (answer?.status === POINT.failed) row.value.textContent = "could not be evaluated";
+      const failed = answer?.status === POINT.failed;
+      this.#showNumber(row.value, answer && !failed ? answer.value : null, all, VALUE_DIGITS);
+      row.value.classList.toggle("failed", failed);
+      if (failed) row.value.textContent = "could not be evaluated";
       this.#showNumber(row.error, answer?.status === POINT.ok ? answer.error : null, all, ERROR_DIGITS);
       if (answer?.status === POINT.ok && !errorInUnit[k]) {
         scaled = true;
@@ -263,7 +266,8 @@ class Page {
     if (value !== this.choice.point[index]) {
       this.choice.point[index] = value;
       // The slice along an input doesn't depend on it, but for how far it reaches.
-      this.#slices = this.#slices.map((slice, k) => (k === index && slice && this.#covers(slice, k) ? slice : null));
+      this.#slices = this.#slices.map((slice, k) => (
+        k === index && slice !== null && this.#covers(slice, k) ? slice : null));
       this.#show();
     }
     if (settled) {
@@ -378,7 +382,6 @@ async function start() {
   } catch (error) {
     byId("live-body").hidden = true;
     state.textContent = `This page can't evaluate the model: ${error.message}`;
-    throw error;
   }
 }
 

@@ -102,25 +102,31 @@ class Cell {
         drawn.push(svg("text", {x: this.left - 6, y: y(tick) + 4, "text-anchor": "end"}, tickLabel(tick)));
       }
     }
-    const below = ticksOf(range[0], range[1], Math.max(2, this.width / 45));
-    drawn.push(...below.map((tick) => svg("path", {class: "grid", d: `M${x(tick)} ${CELL.top}V${bottom}`})));
-    if (this.named) drawn.push(...this.#labelsBelow(below.map((tick) => [x(tick), tickLabel(tick)]), bottom + 13));
+    const labels = this.#labelsBelow(x, range);
+    for (const {tick, text, middle} of labels) {
+      drawn.push(svg("path", {class: "grid", d: `M${x(tick)} ${CELL.top}V${bottom}`}));
+      if (!this.named) continue;
+      drawn.push(svg("text", {x: middle, y: bottom + 13, "text-anchor": "middle"}, text));
+    }
     if (this.named) drawn.push(this.#name((this.left + right) / 2, bottom + 29));
     this.back.replaceChildren(...drawn);
   }
 
-  /// Labels that keep within the width, and those left out that would meet the one before.
-  #labelsBelow(labels, y) {
-    const drawn = [];
-    let free = -Infinity;
-    for (const [x, label] of labels) {
-      const half = label.length * LETTER / 2;
-      const middle = Math.max(this.left + half, Math.min(this.left + this.width - half, x));
-      if (middle - half < free) continue;
-      free = middle + half + LETTER;
-      drawn.push(svg("text", {x: middle, y, "text-anchor": "middle"}, label));
+  /// As many round numbers as have room for a label within the width: {tick, text, middle}.
+  #labelsBelow(x, range) {
+    let labels = [];
+    for (let count = Math.floor(this.width / 45); count > 0; --count) {
+      labels = ticksOf(range[0], range[1], count).map((tick) => {
+        const text = tickLabel(tick);
+        const half = text.length * LETTER / 2;
+        const middle = Math.max(this.left + half, Math.min(this.left + this.width - half, x(tick)));
+        return {tick, text, middle, half};
+      });
+      const apart = labels.every(({middle, half}, k) => (
+        k === 0 || middle - half > labels[k - 1].middle + labels[k - 1].half + LETTER));
+      if (apart) break;
     }
-    return drawn;
+    return labels;
   }
 
   /// What of the range lies outside the bounds.
@@ -132,8 +138,9 @@ class Cell {
   }
 
   #name(x, y) {
-    const name = svg("text", {class: "name", x, y, "text-anchor": "middle"}, shortened(labelOf(this.input), this.width));
-    name.append(svg("title", {}, labelOf(this.input)));
+    const label = labelOf(this.input);
+    const name = svg("text", {class: "name", x, y, "text-anchor": "middle"}, shortened(label, this.width));
+    name.append(svg("title", {}, label));
     return name;
   }
 }
@@ -197,14 +204,17 @@ class Profiles {
 
   #follow(cell, column) {
     const move = (event) => {
-      if (cell.element.hasPointerCapture(event.pointerId)) this.onMove(column, cell.valueAt(event.clientX), false);
+      if (!cell.element.hasPointerCapture(event.pointerId)) return;
+      this.onMove(column, cell.valueAt(event.clientX), false);
     };
     cell.element.addEventListener("pointerdown", (event) => {
       cell.element.setPointerCapture(event.pointerId);
       move(event);
     });
     cell.element.addEventListener("pointermove", move);
-    cell.element.addEventListener("pointerup", (event) => this.onMove(column, cell.valueAt(event.clientX), true));
+    cell.element.addEventListener("pointerup", (event) => {
+      this.onMove(column, cell.valueAt(event.clientX), true);
+    });
   }
 
   /// Widens the range of each output to what is shown, or begins it anew.
