@@ -195,6 +195,15 @@ class PageTest(unittest.TestCase):
         self.element("#reset").click()
         self.assertEqual((field.get_attribute("value"), self.notes()), ("1.5", []))
 
+    def test_an_output_that_fails(self):
+        self.open(ROOT / "tests/data/models/mls_np_franke_linear_gauss/model.pxdb")
+        self.type_input(0, "1e300")
+        said = pxrom("eval", self.model, *self.command_line())
+        self.assertEqual((said.returncode, said.stderr), (1, f"pxrom eval: {self.notes()[0]}\n"))
+        self.assertEqual([row[1:5] for row in self.rows()], [["could not be evaluated", "", "", ""]])
+        self.element("#reset").click()
+        self.check_numbers()
+
     def test_a_combination_that_was_not_fitted(self):
         text = BEAM.read_text(encoding="utf-8")
         lines = [line for line in text.split("\n") if "{Material;2},{Holes;4}" not in line]

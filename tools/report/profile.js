@@ -1,6 +1,7 @@
 // Small pictures of one output over one input, as SVG.
 
-const SVG = "http://www.w3.org/2000/svg";
+// Without an address in the page: who searches it for one shall find none.
+const SVG = document.querySelector("#profiles svg").namespaceURI;
 const CELL = {height: 118, top: 6, left: 50, gap: 18, ticks: 16, name: 17, narrowest: 128};
 const LETTER = 6.5; // about the width of one, in pixels
 const POINTS_PER_SLICE = 61;
@@ -77,19 +78,33 @@ class Cell {
     return this.range[0] + part * (this.range[1] - this.range[0]);
   }
 
-  draw({slice, range, values, here, title}) {
-    this.range = range;
+  /// `slice` is a list of {at, answers}; `here` the chosen point. What didn't change stays.
+  draw({slice, output, values, here, title}) {
+    const range = [slice[0].at, slice[slice.length - 1].at];
     const x = (at) => this.left + ((at - range[0]) / (range[1] - range[0])) * this.width;
     const y = (value) => CELL.top + ((values[1] - value) / (values[1] - values[0])) * CELL.height;
-    this.element.setAttribute("aria-label", title);
-    this.#drawBack(x, y, range, values);
-    this.band.setAttribute("d", bandOf(slice, x, y));
-    this.curve.setAttribute("d", pathOf(slice.map((point) => [x(point.at), y(point.value)])));
-    this.here.setAttribute("d", `M${x(here.at)} ${CELL.top}v${CELL.height}`);
-    const known = Number.isFinite(here.value);
+    const frame = [...range, ...values].join();
+    if (frame !== this.drawnFrame) {
+      this.range = range;
+      this.element.setAttribute("aria-label", title);
+      this.#drawBack(x, y, range, values);
+    }
+    if (frame !== this.drawnFrame || slice !== this.drawnSlice) {
+      const points = slice.map((step) => ({at: step.at, ...step.answers[output]}));
+      this.band.setAttribute("d", bandOf(points, x, y));
+      this.curve.setAttribute("d", pathOf(points.map((point) => [x(point.at), y(point.value)])));
+    }
+    this.drawnFrame = frame;
+    this.drawnSlice = slice;
+    this.#drawHere(x(here.at), y(here.value));
+  }
+
+  #drawHere(x, y) {
+    this.here.setAttribute("d", `M${x} ${CELL.top}v${CELL.height}`);
+    const known = Number.isFinite(y);
     this.dot.setAttribute("visibility", known ? "visible" : "hidden");
-    this.dot.setAttribute("cx", x(here.at));
-    if (known) this.dot.setAttribute("cy", y(here.value));
+    this.dot.setAttribute("cx", x);
+    if (known) this.dot.setAttribute("cy", y);
   }
 
   #drawBack(x, y, range, values) {
@@ -246,14 +261,12 @@ class Profiles {
     this.#blocks.forEach((block, output) => {
       const values = padded(this.values[output] ?? [0, 1]);
       block.cells.forEach((cell, column) => {
-        const slice = slices[column];
-        if (slice === null) return;
-        const at = point[column];
+        if (slices[column] === null) return;
         cell.draw({
-          slice: slice.map((step) => ({at: step.at, ...step.answers[output]})),
-          range: [slice[0].at, slice[slice.length - 1].at],
+          slice: slices[column],
+          output,
           values,
-          here: {at, value: here[output]?.value},
+          here: {at: point[column], value: here[output]?.value},
           title: `${labelOf(this.outputs[output])} over ${labelOf(this.inputs[column])}`,
         });
       });
