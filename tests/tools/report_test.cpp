@@ -10,13 +10,25 @@
 
 namespace {
 
-using command::BeamModel;
-using command::ConstantModel;
 using command::Contents;
-using command::Pxrom;
-using command::Replaced;
 using command::Result;
-using command::Written;
+
+Result Pxrom(const std::string& arguments) { return command::Shell("pxrom " + arguments); }
+
+/// A file beside the examples, by its path.
+std::string Written(const std::string& name, const std::string& content) {
+  command::Write(name, content);
+  return command::Here() / name;
+}
+
+std::string ConstantModel() { return Contents(PXROM_SOURCE "/examples/constant.pxdb"); }
+
+/// `text` with its first `from` replaced by `to`, which has to be there.
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
 
 constexpr bool kLive = PXROM_REPORT_LIVE != 0;
 
