@@ -17,7 +17,9 @@ import pytest
 from conftest import BEAM, ROOT
 
 BLOCK = re.compile(r"^```(\w*) ?([\w.]*)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
-PAGES = ["README.md", "docs/cpp.md", "docs/python.md", "docs/scikit-learn-to-cpp.md"]
+PAGES = ["README.md"] + [
+    f"docs/{name}.md" for name in ("command", "cpp", "python", "report", "scikit-learn-to-cpp")
+]
 
 
 @pytest.fixture(scope="session")
@@ -50,8 +52,9 @@ def commands(block):
 def test_blocks_of(page, installed, tmp_path, monkeypatch):
     (tmp_path / "examples").mkdir()
     for folder in (tmp_path, tmp_path / "examples"):
-        shutil.copy(BEAM, folder)
-        shutil.copy(BEAM.with_name("points.csv"), folder)
+        for data in BEAM.parent.iterdir():
+            if data.suffix in (".pxdb", ".csv", ".xml"):
+                shutil.copy(data, folder)
     monkeypatch.chdir(tmp_path)
     blocks = BLOCK.findall((ROOT / page).read_text())
     assert blocks

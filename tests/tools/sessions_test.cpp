@@ -42,7 +42,7 @@ TEST(Sessions, ShowTheSameAgain) {
 
 TEST(Command, TellsItsVersionAndItsExamplesWork) {
   EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");
-  for (const char* const name : {"eval", "info", "check", "fmu", "format"}) {
+  for (const char* const name : {"eval", "info", "check", "fmu", "format", "report"}) {
     const Result result =
         Shell("pxrom " + std::string(name) +
               " --help | sed -n '/^Example:/{n;p}' >example && grep -q '^  pxrom " + name +
