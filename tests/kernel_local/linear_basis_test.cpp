@@ -1,7 +1,5 @@
 #include "pxrom/linear_basis.h"
 
-#include <limits>
-
 #include "kernel_local/test_records.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -19,14 +17,8 @@ const Evaluator kEvaluator;
 // for the point, which is doubled.
 CLBFData SmallRecord() {
   CLBFData record;
-  record.NumberOfInputVariables = 1;
-  record.NumberOfSamples = 2;
-  record.InputSamples = {{0}, {2}};
-  record.OutputSamples = {7, 8};
+  MakeReady(record, 1, {{0}, {2}}, {7, 8});
   record.InputScaleSlopes = {2};
-  record.InputScaleIntercepts = {0};
-  record.OutputScaleSlope = 1;
-  record.ReadyForEvaluation = true;
   record.BasisFunctionType = LBFRational;
   record.PolynomialType = PolyLinear;
   record.KernelValues = {1, 1};
@@ -70,7 +62,7 @@ TEST(LinearBasis, PredictionsMatchTheFormulas) {
 }
 
 TEST(LinearBasis, RecordsThatCannotBeHonouredAreRefused) {
-  ExpectEachRefused<CLBFData>(
+  ExpectValuesOnly<CLBFData>(
       kEvaluator, SmallRecord(), {1},
       {{"unknown function", [](CLBFData& r) { Take(6, r.BasisFunctionType); }},
        {"no trend", [](CLBFData& r) { Take(0, r.PolynomialType), r.PolynomialCoefficients = {}; }},

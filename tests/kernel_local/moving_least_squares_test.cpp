@@ -23,11 +23,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 // A line through the first three of four samples, at 1, 2, 3 and 5; from 0 these are the distances.
 CMLSData SmallRecord() {
   CMLSData record;
-  record.NumberOfInputVariables = 1;
-  record.NumberOfSamples = 4;
-  record.InputSamples = {{1}, {2}, {3}, {5}};
-  record.OutputSamples = {1, 4, 9, 25};
-  record.ReadyForEvaluation = true;
+  MakeReady(record, 1, {{1}, {2}, {3}, {5}}, {1, 4, 9, 25});
   record.WeightFunction = WeightRational;
   record.PolynomialType = PolyLinear;
   record.NumberOfBasisFunctions = 2;
@@ -73,7 +69,7 @@ TEST(MovingLeastSquares, PredictionsMatchTheFormulas) {
 }
 
 TEST(MovingLeastSquares, RecordsThatCannotBeHonouredAreRefused) {
-  ExpectEachRefused<CMLSData>(
+  ExpectValuesOnly<CMLSData>(
       kEvaluator, SmallRecord(), {1.5},
       {{"constant weights on a line", [](CMLSData& r) { r.WeightFunction = WeightConstant; }},
        {"unknown version", [](CMLSData& r) { Take(169, r.MLSDataVersion_); }},

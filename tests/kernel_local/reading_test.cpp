@@ -1,7 +1,6 @@
 // Reading of the three families' attributes.
 
 #include "kernel_local/test_records.h"
-#include "pxrom/database_reader.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/support_vector.h"
@@ -9,33 +8,22 @@
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-class Reader : public CReaderPXROMDatabase {
- public:
-  explicit Reader(std::string text) { ReadDataStream(text); }
-  using CReaderPXROMDatabase::ResumeLBFData;
-  using CReaderPXROMDatabase::ResumeMLSData;
-  using CReaderPXROMDatabase::ResumeSVRData;
-
-  int Resume(CRSData& record) const {
-    const auto resume = record.DataType() == DT_SVRData   ? &Reader::ResumeSVRData
-                        : record.DataType() == DT_MLSData ? &Reader::ResumeMLSData
-                                                          : &Reader::ResumeLBFData;
-    std::size_t lower = 0;
-    std::size_t upper = 0;
-    SearchBoundsOfTaggedGroup(DataStream, "Genome", 0, lower, upper);
-    return (this->*resume)(&record, lower, upper);
-  }
-};
-
 const std::string kBase =
-    "<Genome ID=0>\nNumberOfInputVariables=1\nNumberOfSamples=2\nInputSamples=1,2\n"
+    "NumberOfInputVariables=1\nNumberOfSamples=2\nInputSamples=1,2\n"
     "OutputSamples=3,4\nInputScaleSlopes=2\nInputScaleIntercepts=0\nOutputScaleSlope=1\n"
     "OutputScaleIntercept=0\nIsReadyForSolve=1\nIsReadyForEvaluation=1\nIsStopped=0\n";
+
+int Read(const std::string& text, CRSData* record) {
+  const auto resume = record->DataType() == DT_SVRData   ? &OpenReader::ResumeSVRData
+                      : record->DataType() == DT_MLSData ? &OpenReader::ResumeMLSData
+                                                         : &OpenReader::ResumeLBFData;
+  return (OpenReader(text).*resume)(record, 0, std::string::npos);
+}
 
 template <class Record>
 Record Resumed(const std::string& attributes, const std::string& base = kBase) {
   Record record;
-  EXPECT_EQ(Reader(base + attributes + "</Genome>\n").Resume(record), 0);
+  EXPECT_EQ(Read(base + attributes, &record), 0);
   return record;
 }
 
@@ -90,7 +78,7 @@ TEST(KernelLocalReading, MovingLeastSquaresTakesThePercentageWithItsOptionAlone)
 }
 
 TEST(KernelLocalReading, RefusedRecordsAreToldAndOtherFamiliesLeftAlone) {
-  const Reader reader(kBase + "</Genome>\n");
+  const OpenReader reader(kBase);
   CSVRData svr;
   CMLSData mls;
   EXPECT_EQ(reader.ResumeSVRData(&mls, 0, std::string::npos), 1);
@@ -101,7 +89,7 @@ TEST(KernelLocalReading, RefusedRecordsAreToldAndOtherFamiliesLeftAlone) {
   CLBFData lbf;
   std::string tooMany = kBase;
   tooMany.replace(tooMany.find("Samples=2"), 9, "Samples=3");
-  EXPECT_EQ(Reader(tooMany).Resume(lbf), 1);
+  EXPECT_EQ(Read(tooMany, &lbf), 1);
 }
 
 }  // namespace

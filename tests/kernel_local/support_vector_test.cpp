@@ -1,6 +1,5 @@
 #include "pxrom/support_vector.h"
 
-#include <algorithm>
 #include <limits>
 
 #include "kernel_local/test_records.h"
@@ -10,29 +9,10 @@ namespace {
 
 const CSVREvaluator kEvaluator;
 
-CSVRData RecordOfPrediction(const nlohmann::json& item) {
-  auto record = RecordFrom<CSVRData>(item);
-  Take(item["kernel"], record.SVRKernType);
-  Take(item["loss"], record.SVRLossFuncType);
-  record.Alphas = item["alphas"].get<Vector>();
-  record.AlphasStar = item["alphas_star"].get<Vector>();
-  record.Betas = item["betas"].get<Vector>();
-  record.ConstantCoefficient = item["bias"];
-  record.KernelArray = item["widths"].get<Vector>();
-  return record;
-}
-
 // Samples at 0, 1 and 2 with the linear kernel 1 + x y, without any scaling.
 CSVRData SmallRecord() {
   CSVRData record;
-  record.NumberOfInputVariables = 1;
-  record.NumberOfSamples = 3;
-  record.InputSamples = {{0}, {1}, {2}};
-  record.OutputSamples = {0, 0, 0};
-  record.InputScaleSlopes = {1};
-  record.InputScaleIntercepts = {0};
-  record.OutputScaleSlope = 1;
-  record.ReadyForEvaluation = true;
+  MakeReady(record, 1, {{0}, {1}, {2}}, {0, 0, 0});
   record.SVRKernType = SVRKernLinear;
   record.KernelArray = {1};
   record.Alphas = {0, 1, 0};
@@ -58,14 +38,22 @@ TEST(SupportVector, KernelsMatchTheFormulasAtAndAroundTheirCutOffs) {
 
 TEST(SupportVector, PredictionsMatchTheFormulas) {
   for (const auto& item : Reference("svr_predictions")) {
-    EXPECT_NEAR(Value(kEvaluator, RecordOfPrediction(item), item["x"].get<Vector>()),
-                item["value"].get<double>(), 1e-12)
+    auto record = RecordFrom<CSVRData>(item);
+    Take(item["kernel"], record.SVRKernType);
+    Take(item["loss"], record.SVRLossFuncType);
+    record.Alphas = item["alphas"].get<Vector>();
+    record.AlphasStar = item["alphas_star"].get<Vector>();
+    record.Betas = item["betas"].get<Vector>();
+    record.ConstantCoefficient = item["bias"];
+    record.KernelArray = item["widths"].get<Vector>();
+    EXPECT_NEAR(Value(kEvaluator, record, item["x"].get<Vector>()), item["value"].get<double>(),
+                1e-12)
         << item["kernel"] << " " << item["loss"];
   }
 }
 
 TEST(SupportVector, RecordsThatCannotBeHonouredAreRefused) {
-  ExpectEachRefused<CSVRData>(
+  ExpectValuesOnly<CSVRData>(
       kEvaluator, SmallRecord(), {1},
       {{"unknown kernel", [](CSVRData& r) { Take(4, r.SVRKernType); }},
        {"no widths", [](CSVRData& r) { r.KernelArray.clear(); }},
@@ -135,7 +123,7 @@ TEST(SupportVector, WidthsAreHalfTheInverseMeanVariance) {
   for (const auto& c : cases) {
     Vector out = {kUntouched};
     EXPECT_EQ(CSVRData().EvaluateKernelArray(c.rows, out), c.status);
-    EXPECT_TRUE(std::equal(out.begin(), out.end(), c.widths.begin(), c.widths.end(), SameBits));
+    EXPECT_TRUE(SameBits(out, c.widths));
   }
 }
 

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <cmath>
 
 #include "literal/regression_literal.h"
@@ -11,11 +8,6 @@ namespace {
 
 const double kHole = -9e99;
 const CQRSEvaluator kEvaluator;
-
-/// Samples at all corners of the box from `lower` to `upper`.
-void SetBox(CQRSData& record, const Vector& lower, const Vector& upper) {
-  SetSamples(record, {lower, upper}, {0.0, 0.0});
-}
 
 void ExpectAsLiteral(const CQRSData& record, const Vector& x) {
   double y[2] = {-7.0, -7.0};
@@ -29,16 +21,15 @@ TEST(Interpolation, BlendsTheCornersRoundAHole) {
   for (int n = 1; n <= 4; ++n) {
     std::vector<TermSpec> specs = {{FuncTypeConst, {}, kHole}};
     for (int j = 0; j < n; ++j) specs.push_back({FuncTypePureQuad, {j, j}, 1e95 * (j + 1)});
-    CQRSData record = PlainRecord(n, specs);
     const auto size = static_cast<std::size_t>(n);
-    SetBox(record, Vector(size, -40.0), Vector(size, 110.0));
+    CQRSData record = PlainRecord(n, specs, {Vector(size, -40.0), Vector(size, 110.0)});
     record.OutputScaleSlope = 3.0;
     record.OutputScaleIntercept = 1e90;
     ExpectAsLiteral(record, Vector(size, 0.0));
   }
   // By hand: x = 0 in -1 to 3 lies a quarter of the way, and so it does in the box -0.01 to 0.03.
-  CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}});
-  SetBox(record, {-1.0}, {3.0});
+  CQRSData record =
+      PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}}, {{-1.0}, {3.0}});
   double y = 0.0;
   EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y), 0);
   EXPECT_NEAR(y, 0.75 * (kHole - 1e99) + 0.25 * (kHole + 3e99), 1e86);
@@ -55,54 +46,46 @@ TEST(Interpolation, MovesTheBoxInwardUntilAllCornersSucceed) {
   for (int n = 1; n <= 3; ++n) {
     std::vector<TermSpec> specs = {{FuncTypeConst, {}, s}};
     for (int j = 0; j < n; ++j) specs.push_back({FuncTypeLinear, {j}, j == 1 ? -0.5 : 0.5});
-    CQRSData record = PlainRecord(n, specs);
-    record.OutputTransformType = TransformLogA;
-    record.OutputTransformValue = base;
     Vector lower(static_cast<std::size_t>(n), -10.0);
     Vector upper(static_cast<std::size_t>(n), 2.0);
     if (n > 1) {
       lower[1] = -2.0;  // here it is the smaller values that fail
       upper[1] = 10.0;
     }
-    SetBox(record, lower, upper);
+    CQRSData record = PlainRecord(n, specs, {lower, upper});
+    SetOutputTransform(record, TransformLogA, base, 0.0);
     ExpectAsLiteral(record, Vector(static_cast<std::size_t>(n), 0.0));
   }
 }
 
 TEST(Interpolation, ACornerMayBeAHoleItself) {
   // Holes at 0 and at 2, which is a corner of the box round 0.
-  CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, kHole},
-                                    {FuncTypeLinear, {0}, kHole / 2.0},
-                                    {FuncTypePureQuad, {0, 0}, kHole / -4.0}});
-  SetBox(record, {-200.0}, {200.0});
+  CQRSData record = PlainRecord(1,
+                                {{FuncTypeConst, {}, kHole},
+                                 {FuncTypeLinear, {0}, kHole / 2.0},
+                                 {FuncTypePureQuad, {0, 0}, kHole / -4.0}},
+                                {{-200.0}, {200.0}});
   ExpectAsLiteral(record, {0.0});
 }
 
 TEST(Interpolation, GivesUpWithStatus1) {
   const std::vector<TermSpec> everywhere = {{FuncTypeConst, {}, kHole}};
-  double y = -7.0;
-  const auto gives1 = [&](const CQRSData& record, double at, double left) {
-    y = -7.0;
-    const Vector x(static_cast<std::size_t>(record.NumberOfInputVariables), at);
-    return kEvaluator.EvaluateResponseSurface(&record, x, y) == 1 && y == left;
+  // With the corners of too few or too many inputs, or no samples, it does not even begin.
+  const auto expectRefused = [&](int n, const Matrix& samples, double at, double left) {
+    const CQRSData record = PlainRecord(n, everywhere, samples);
+    double y = -7.0;
+    const Vector x(static_cast<std::size_t>(n), at);
+    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, x, y), 1) << n;
+    EXPECT_EQ(y, left) << n;
   };
-  for (const int n : {1, 2, 7, 13}) {  // a hole wherever one looks
-    CQRSData record = PlainRecord(n, everywhere);
+  for (const int n : {0, 1, 2, 7, 13, 14}) {
     const auto size = static_cast<std::size_t>(n);
-    SetBox(record, Vector(size, 0.0), Vector(size, 3.0));
-    EXPECT_TRUE(gives1(record, 1.0, 0.0)) << n;
-    EXPECT_TRUE(gives1(record, 1.5, 0.0)) << n;
+    const double left = n == 0 || n == 14 ? -7.0 : 0.0;
+    expectRefused(n, {Vector(size, 0.0), Vector(size, 3.0)}, 1.0, left);
+    expectRefused(n, {Vector(size, 0.0), Vector(size, 3.0)}, 1.5, left);
   }
-  for (const int n : {0, 14}) {
-    CQRSData record = PlainRecord(n, everywhere);
-    const auto size = static_cast<std::size_t>(n);
-    SetBox(record, Vector(size, 0.0), Vector(size, 3.0));
-    EXPECT_TRUE(gives1(record, 1.0, -7.0)) << n;
-  }
-  CQRSData record = PlainRecord(2, everywhere);
-  EXPECT_TRUE(gives1(record, 1.0, -7.0));  // no samples
-  SetSamples(record, {{0.0, 1.0}, {1.0}}, {0.0, 0.0});
-  EXPECT_TRUE(gives1(record, 1.0, -7.0));
+  expectRefused(2, {}, 1.0, -7.0);
+  expectRefused(2, {{0.0, 1.0}, {1.0}}, 1.0, -7.0);
 }
 
 TEST(Interpolation, AsksTheVirtualOperationForItsCorners) {
@@ -115,8 +98,8 @@ TEST(Interpolation, AsksTheVirtualOperationForItsCorners) {
     }
     mutable Matrix points;
   };
-  CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}});
-  SetBox(record, {-1.0}, {3.0});
+  CQRSData record =
+      PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}}, {{-1.0}, {3.0}});
   const Counting evaluator;
   double y = 0.0;
   EXPECT_EQ(evaluator.EvaluateResponseSurface(&record, {0.0}, y), 0);

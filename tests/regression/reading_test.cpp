@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
-
 #include "regression/test_records.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -26,14 +21,26 @@ std::string Counted(int count, const std::string& groups) {
   return kBase + "MaxRegTerm=" + std::to_string(count) + "\n" + groups;
 }
 
+/// Reads what stands from `lower` to `upper`, far enough from the text's start for a missing group
+/// not to be found in it.
+int Read(const std::string& body, CRSData* record, std::size_t lower = 0,
+         std::size_t upper = std::string::npos) {
+  const std::string before(64, '\n');
+  upper = std::min(upper, body.size());
+  return OpenReader(before + body)
+      .ResumeQRSData(record, before.size() + lower, before.size() + upper);
+}
+
+int ReadError(const std::string& text, CRSData* record) {
+  return OpenReader(text).ResumeQRSDataPredictorError(record, 0, std::string::npos);
+}
+
 const std::string kFour = Group(1, 2, "1", "20") + Group(0, 1, "", "10") +
                           Group(2, 3, "0,0", "30") + Group(3, 4, "0,1", "40");
 
 TEST(QRSReading, FillsTheRecord) {
   CQRSData record;
-  EXPECT_EQ(
-      QRSReader().Read(Counted(4, kFour) + "QRSVersion=191\nQRSSavePredictorError=1\n", &record),
-      0);
+  EXPECT_EQ(Read(Counted(4, kFour) + "QRSVersion=191\nQRSSavePredictorError=1\n", &record), 0);
   EXPECT_TRUE(record.InputTransformType == TransformBox &&
               record.OutputTransformType == TransformYeo);
   EXPECT_TRUE(record.InputTransformValues == (Vector{4, 5}) &&
@@ -48,9 +55,7 @@ TEST(QRSReading, FillsTheRecord) {
   double y = 0.0;
   EXPECT_EQ(record.EvaluateRegTerm(x, y), 0);
   EXPECT_EQ(y, 10.0 + 60.0 + 120.0 + 240.0);
-  EXPECT_EQ(
-      QRSReader().Read(Counted(4, kFour) + "QRSVersion=192\nQRSSavePredictorError=1\n", &record),
-      0);
+  EXPECT_EQ(Read(Counted(4, kFour) + "QRSVersion=192\nQRSSavePredictorError=1\n", &record), 0);
   EXPECT_TRUE(record.SavePredictorError && record.Sigma2 == 9.0);
   EXPECT_EQ(record.InvXtX, (Matrix{{1, 2}, {3, 4}}));
 }
@@ -61,7 +66,7 @@ TEST(QRSReading, WhatDoesNotFitATermIsLeftOutAndShowsInItsEvaluation) {
       Group(0, 2, "0", "5,6"), Group(0, 2, "2", "5"), Group(0, 2, "-1", "5")};
   for (const std::string& group : bad) {
     CQRSData read;
-    EXPECT_EQ(QRSReader().Read(Counted(1, group), &read), 0) << group;
+    EXPECT_EQ(Read(Counted(1, group), &read), 0) << group;
     const CQRSData copy = read;
     for (const CQRSData* record : {&static_cast<const CQRSData&>(read), &copy}) {
       double y = -7.0;
@@ -73,8 +78,7 @@ TEST(QRSReading, WhatDoesNotFitATermIsLeftOutAndShowsInItsEvaluation) {
   for (const char* flag : {"isActive=0\n", "isActive=2\n", "isActive=\n"}) {
     CQRSData record;
     EXPECT_EQ(
-        QRSReader().Read(Counted(1, "<RegTerm ID=0>\n" + std::string(flag) + Group(7, 1, "", "5")),
-                         &record),
+        Read(Counted(1, "<RegTerm ID=0>\n" + std::string(flag) + Group(7, 1, "", "5")), &record),
         0);
     EXPECT_EQ(record.QryRegTermIsActive(0), 0) << flag;
   }
@@ -94,25 +98,24 @@ TEST(QRSReading, RefusesBadTermListsAndKeepsTheTermsThatWere) {
                              "InputSamples=1\n" + Counted(1, one)};
   for (const std::string& text : bad) {
     CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, 2.0}});
-    EXPECT_EQ(QRSReader().Read(text, &record), 1) << text.substr(kBase.size());
+    EXPECT_EQ(Read(text, &record), 1) << text.substr(kBase.size());
     EXPECT_EQ(record.NumberOfRegTerms, 1);
     double c = 0.0;
     EXPECT_EQ(record.GetRegTermParamVal(0, &c), 0);
     EXPECT_EQ(c, 2.0);
   }
   CRSData other;
-  EXPECT_EQ(QRSReader().Read(Counted(4, kFour), &other), 1);
-  EXPECT_EQ(QRSReader().Read(Counted(4, kFour), nullptr), 1);
-  EXPECT_EQ(QRSReader().ReadError(kBase, &other), 1);
+  EXPECT_EQ(Read(Counted(4, kFour), &other), 1);
+  EXPECT_EQ(Read(Counted(4, kFour), nullptr), 1);
+  EXPECT_EQ(ReadError(kBase, &other), 1);
 
   // A group that begins or ends outside of the record's range is none of its own.
   const std::string text = Counted(1, "") + one;
-  QRSReader reader;
   CQRSData record;
-  EXPECT_EQ(reader.Read(text, &record), 0);
-  EXPECT_EQ(reader.Read(text, &record, 0, text.find("<RegTerm")), 1);
-  EXPECT_EQ(reader.Read(text, &record, 0, text.find("coefficientValue")), 1);
-  EXPECT_EQ(reader.Read(one + text, &record, one.size(), one.size() + text.find("<RegTerm")), 1);
+  EXPECT_EQ(Read(text, &record), 0);
+  EXPECT_EQ(Read(text, &record, 0, text.find("<RegTerm")), 1);
+  EXPECT_EQ(Read(text, &record, 0, text.find("coefficientValue")), 1);
+  EXPECT_EQ(Read(one + text, &record, one.size(), one.size() + text.find("<RegTerm")), 1);
 }
 
 TEST(QRSReading, ErrorDataThatDoNotFitLeaveTheMatrix) {
@@ -120,13 +123,12 @@ TEST(QRSReading, ErrorDataThatDoNotFitLeaveTheMatrix) {
        {"NumSelRegTerm=-1\n", "NumSelRegTerm=3\n", "NumSelRegTerm=2147483647\n"}) {
     CQRSData record;
     record.InvXtX = {{5.0}};
-    EXPECT_EQ(QRSReader().ReadError(order + kBase, &record), 1) << order;
+    EXPECT_EQ(ReadError(order + kBase, &record), 1) << order;
     EXPECT_EQ(record.InvXtX, Matrix{{5.0}});
     EXPECT_EQ(record.Sigma2, 9.0);
     // The record is read all the same, and its error can't be told.
-    EXPECT_EQ(QRSReader().Read(
-                  order + Counted(4, kFour) + "QRSVersion=192\nQRSSavePredictorError=1\n", &record),
-              0);
+    EXPECT_EQ(
+        Read(order + Counted(4, kFour) + "QRSVersion=192\nQRSSavePredictorError=1\n", &record), 0);
     EXPECT_TRUE(record.SavePredictorError && record.InvXtX == Matrix{{5.0}});
   }
 }

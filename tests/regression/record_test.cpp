@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -133,20 +131,12 @@ TEST(QRSData, SumStopsAtTheFirstTermThatRefusesWithThePartialSum) {
   EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables(x, g), 1);
 }
 
-TEST(QRSData, GradientIsWithRespectToUnscaledInputs) {
-  CQRSData record = PlainRecord(2, {{FuncTypeConst, {}, 1.0},
-                                    {FuncTypeLinear, {1}, 3.0},
-                                    {FuncTypePureQuad, {0, 0}, 2.0},
-                                    {FuncTypeCrossQuad, {0, 1}, 0.5},
-                                    {FuncTypeLinear, {0}, 5.0, false}});
-  record.InputScaleSlopes = {2.0, -4.0};
+TEST(QRSData, EveryEntryOfAGradientCounts) {
+  CQRSData record = PlainRecord(2, {{FuncTypeLinear, {1}, 3.0}});
+  record.InputScaleSlopes = {std::numeric_limits<double>::infinity(), -4.0};
   Vector g;
   EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables({3.0, 7.0}, g), 0);
-  EXPECT_EQ(g, (Vector{2.0 * 12.0 + 2.0 * 3.5, -12.0 - 4.0 * 1.5}));
-  // Every entry of a gradient counts: with an infinite slope the zeros give NaN.
-  record.InputScaleSlopes[0] = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables({3.0, 7.0}, g), 0);
-  EXPECT_TRUE(std::isnan(g[0]));
+  EXPECT_TRUE(std::isnan(g[0]) && g[1] == -12.0);
 }
 
 TEST(QRSData, DesignMatrixInBothForms) {
@@ -160,12 +150,8 @@ TEST(QRSData, DesignMatrixInBothForms) {
   for (int r = 0; r < 2; ++r) blockPoints.SetRow(r, points[static_cast<std::size_t>(r)].data());
   DRecMtx block(2, 3);
   EXPECT_EQ(record.BuildDesignMtx(blockPoints, 3, record.RegTerms, block), 0);
-  for (int r = 0; r < 2; ++r) {
-    for (int c = 0; c < 3; ++c) {
-      EXPECT_EQ(*block.ElementPtr(r, c),
-                design[static_cast<std::size_t>(r)][static_cast<std::size_t>(c)]);
-    }
-  }
+  EXPECT_EQ(Vector(block.ElementPtr(0, 0), block.ElementPtr(0, 0) + 6),
+            (Vector{1, 0, 6, 1, 0, 35}));
   // Whatever does not fit is refused and nothing is written.
   const Matrix bad[] = {{}, {{1, 2}}, {{1, 2}, {3}}, {{1, 2}, {}}};
   for (const Matrix& each : bad) {
@@ -212,8 +198,7 @@ TEST(QRSData, TransformsInputsAndOutputs) {
 }
 
 TEST(QRSData, AFailedTransformCheckStopsTheRecordForGood) {
-  CQRSData record = PlainRecord(1, kThreeTerms);
-  SetSamples(record, {{1.0}}, {2.0});
+  CQRSData record = PlainRecord(1, kThreeTerms, {{1.0}}, {2.0});
   record.InputTransformValues = {0.0};
   record.InputTransformType = TransformBox;
   EXPECT_FALSE(record.IsAllRight());

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <climits>
 
 #include "regression/test_records.h"

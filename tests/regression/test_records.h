@@ -1,16 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
+// Regression records as the tests need them.
 
-#include "pxrom/database_reader.h"
 #include "pxrom/regression.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
-
-using Vector = std::vector<double>;
-using Matrix = std::vector<std::vector<double>>;
 
 /// What a term is made from.
 struct TermSpec {
@@ -47,45 +42,30 @@ inline void SetTerms(CQRSData& record, const std::vector<TermSpec>& specs) {
 }
 
 /// A ready record of `inputs` inputs without scaling or transformation.
-inline CQRSData PlainRecord(int inputs, const std::vector<TermSpec>& specs) {
+inline CQRSData PlainRecord(int inputs, const std::vector<TermSpec>& specs,
+                            const Matrix& samples = {}, const Vector& outputs = {}) {
   CQRSData record;
-  record.NumberOfInputVariables = inputs;
-  record.InputScaleSlopes.assign(static_cast<std::size_t>(inputs), 1.0);
-  record.InputScaleIntercepts.assign(static_cast<std::size_t>(inputs), 0.0);
-  record.OutputScaleSlope = 1.0;
-  record.ReadyForEvaluation = true;
+  MakeReady(record, inputs, samples, outputs);
   SetTerms(record, specs);
   return record;
 }
 
-inline void SetSamples(CQRSData& record, const Matrix& inputs, const Vector& outputs) {
-  record.InputSamples = inputs;
-  record.OutputSamples = outputs;
-  record.NumberOfSamples = static_cast<int>(inputs.size());
+/// One active constant, 11 samples: the error is sqrt(1.25 * 4) times the quantile.
+inline CQRSData ConstantRecord(double constant) {
+  CQRSData record =
+      PlainRecord(1, {{FuncTypeLinear, {0}, 1.0, false}, {FuncTypeConst, {}, constant}});
+  record.NumberOfSamples = 11;
+  record.InvXtX = {{0.25}};
+  record.Sigma2 = 4.0;
+  return record;
 }
+constexpr double kConstantsError = 4.0528;  // to 1e-4
 
-/// Gives a test the protected operations, on the body of a group far enough from the text's start
-/// for a missing group not to be found in it.
-class QRSReader : public CReaderPXROMDatabase {
- public:
-  int Read(const std::string& body, CRSData* record) { return Read(body, record, 0, body.size()); }
-  /// On the part of `body` from `lower` to `upper`.
-  int Read(const std::string& body, CRSData* record, std::size_t lower, std::size_t upper) {
-    Put(body);
-    return ResumeQRSData(record, kBefore.size() + lower, kBefore.size() + upper);
-  }
-  int ReadError(const std::string& body, CRSData* record) {
-    Put(body);
-    return ResumeQRSDataPredictorError(record, kBefore.size(), std::string::npos);
-  }
-
- private:
-  void Put(const std::string& body) {
-    std::string text = kBefore + body;
-    ReadDataStream(text);
-  }
-
-  const std::string kBefore = std::string(64, '\n');
-};
+/// Gives an output transformation its parameters.
+inline void SetOutputTransform(CQRSData& record, int type, double value, double lambda) {
+  Take(type, record.OutputTransformType);
+  record.OutputTransformValue = value;
+  record.OutputLambda = lambda;
+}
 
 }  // namespace Tarvane::Plexura::PXROM

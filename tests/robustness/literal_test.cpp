@@ -1,46 +1,31 @@
-// Random databases, read and evaluated by the library and by the literal programs: the same to the
-// last bit, for every family, with errors and without.
+// The library and the literal programs, which take no shortcut: the same to the last bit, for whole
+// databases from their text, and for surfaces of each family where guards and refusals are.
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
 #include "literal/evaluate_literal.h"
+#include "literal/kernel_local_literal.h"
 #include "literal/kriging_literal.h"
 #include "literal/reading_literal.h"
 #include "literal/regression_literal.h"
-#include "pxrom/database_reader.h"
-#include "pxrom/kriging.h"
-#include "pxrom/regression.h"
 #include "pxrom/writer.h"
 #include "support/random_models.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
+using PXROM::SameBits;
 using NamedValues = std::vector<std::pair<std::string, double>>;
 
-bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
-bool SameBits(const std::vector<double>& a, const std::vector<double>& b) {
-  return a.size() == b.size() &&
-         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
-}
-
 bool SameBits(const NamedValues& a, const NamedValues& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (a[i].first != b[i].first || !SameBits(a[i].second, b[i].second)) return false;
-  }
-  return true;
-}
-
-std::string TextOf(const CDiscreteCombinations& model) {
-  std::string text;
-  EXPECT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text), 0);
-  return text;
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& p, const auto& q) {
+    return p.first == q.first && SameBits(p.second, q.second);
+  });
 }
 
 // Every line with a key: what is found for it in its whole text, and its values as numbers.
@@ -81,60 +66,165 @@ void ExpectLiteralValues(const CDiscreteCombinations& model) {
   }
 }
 
-// What the literal programs of a family know beyond the values of all: regression, and own errors
-// of records that hold their data.
-void ExpectLiteralSurface(const CRSData& surface, const std::vector<double>& x) {
-  double got[2] = {};
-  double want[2] = {};
-  const std::unique_ptr<CRSData> copy(surface.Clone());
-  if (const auto* const regression = dynamic_cast<const CQRSData*>(&surface)) {
-    const literal::Surface slow(*regression);
-    const CQRSEvaluator evaluator;
-    if (regression->SavePredictorError) {
-      ASSERT_EQ(evaluator.EvaluateResponseSurface(copy.get(), x, got[0], got[1]),
-                literal::EvaluateRegression(slow, x, want[0], want[1]));
-    } else {
-      ASSERT_EQ(evaluator.EvaluateResponseSurface(copy.get(), x, got[0]),
-                literal::EvaluateRegression(slow, x, want[0]));
-    }
-    std::vector<double> gradient;
-    std::vector<double> wanted;
-    ASSERT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(copy.get(), x, gradient),
-              literal::EvaluateRegressionDerivative(slow, x, wanted));
-    ASSERT_TRUE(SameBits(gradient, wanted));
-  } else if (const auto* const kriging = dynamic_cast<const CKrigingData*>(&surface)) {
-    if (!kriging->SavePredictorError) return;
-    CKrigingData slow(*kriging);
-    ASSERT_EQ(CKrigingEvaluator().EvaluateResponseSurface(copy.get(), x, got[0], got[1]),
-              literal::EvaluateKriging(slow, x, want[0], want[1]));
-  }
-  ASSERT_TRUE(SameBits(got[0], want[0]) && SameBits(got[1], want[1]));
-}
-
 TEST(Literal, RandomDatabasesReadAndEvaluateTheSame) {
   for (std::uint32_t seed = 1000; seed < 1200; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     CDiscreteCombinations made;
     FillRandomModel(seed, {}, made);
-    std::string text = TextOf(made);
+    std::string text;
+    ASSERT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(made, text), 0);
     ASSERT_NO_FATAL_FAILURE(ExpectLiteralReading(text));
     CReaderPXROMDatabase reader;
     reader.ReadDataStream(text);
     CDiscreteCombinations model;
     ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
     ASSERT_NO_FATAL_FAILURE(ExpectLiteralValues(model));
-    Draw draw(seed);
-    for (const auto& outputs : *model.GetOutputsWrtDiscCombPtr()) {
-      for (const auto& output : outputs) {
-        const CFittingCandidate& candidate = *output.second->GetEvaluationCandidatePtr();
-        for (int i = 0; i < static_cast<int>(candidate.GetRSCount()); ++i) {
-          const CRSData& surface = *candidate.GetRSPtr(i);
-          const std::vector<double> x = draw.Reals(surface.NumberOfInputVariables, -0.2, 1.2);
-          ASSERT_NO_FATAL_FAILURE(ExpectLiteralSurface(surface, x));
-        }
-      }
-    }
   }
+}
+
+// ------------------------------------------------------------------------------ single surfaces
+
+// Takes a sound surface to where its types, shapes and guards may refuse it.
+void Distort(Draw&, CKrigingData&) {}
+
+void Distort(Draw& draw, CQRSData& record) {
+  const Vector lambdas = {-1.5, -1e-7, 0.0, 1e-6, 0.5, 1.0, 2.0, 2.0 - 1e-7};
+  for (double& lambda : record.InputLambdas) lambda = draw.OneOf(lambdas);
+  for (double& value : record.InputTransformValues) value = draw.Real(0.4, 2);
+  record.OutputLambda = draw.OneOf(lambdas);
+  record.OutputTransformValue = draw.Real(0.4, 2);
+  for (double& slope : record.InputScaleSlopes) slope = draw.Real(-1, 2);
+  for (int k = 0; k < record.NumberOfRegTerms; ++k) {
+    const double coefficient = draw.Real(-0.6, 1);
+    record.RegTerms[k]->SetParamVal(1, &coefficient);
+  }
+  // The literal program has no answer without degrees of freedom.
+  record.NumberOfSamples = record.NumberOfRegTerms + 100;
+}
+
+void Distort(Draw& draw, CSVRData& record) {
+  record.SVRKernType = static_cast<E_SVRKernType>(draw.Int(0, 10));
+  record.SVRLossFuncType = static_cast<E_SVRLossFuncType>(draw.Int(1, 5));
+  // Lists that are too short end the sum.
+  record.AlphasStar = draw.Reals(draw.Int(0, record.NumberOfSamples), 0, 3);
+  record.Betas = draw.Reals(draw.Int(0, record.NumberOfSamples), -3, 3);
+}
+
+void Distort(Draw& draw, CMLSData& record) {
+  record.WeightFunction = static_cast<E_WeightFunction>(draw.Int(0, 5));
+  if (draw.Chance(5)) ++record.NumberOfBasisFunctions;
+  const int fewest = std::max(1, record.NumberOfBasisFunctions - 1);
+  record.NumberOfUsedPoints =
+      draw.Int(std::min(record.NumberOfSamples, fewest), record.NumberOfSamples);
+}
+
+void Distort(Draw& draw, CLBFData& record) {
+  record.BasisFunctionType = static_cast<E_LinearBasisFunction>(draw.Int(0, 6));
+  record.PolynomialType = static_cast<E_PolynomialType>(draw.Int(0, 5));
+  const int most = record.PolynomialType < PolyLinear ? 1 : record.NumberOfInputVariables + 1;
+  record.PolynomialCoefficients = draw.Reals(draw.Int(0, most), -3, 3);
+  record.KernelCoefficients = draw.Reals(draw.Int(0, record.NumberOfSamples), -3, 3);
+}
+
+void ExpectSame(const Vector& got, const Vector& want) {
+  EXPECT_TRUE(SameBits(got, want))
+      << testing::PrintToString(got) << " " << testing::PrintToString(want);
+}
+
+// All that the literal program of a family knows; returns the value's status.
+template <class Record>
+int ExpectSame(const CRSEvaluator& evaluator, const Record& record, const Vector& x,
+               int (*literal)(const Record&, const Vector&, double&)) {
+  double got = -7.0;
+  double want = -7.0;
+  const int status = evaluator.EvaluateResponseSurface(&record, x, got);
+  EXPECT_EQ(status, literal(record, x, want));
+  EXPECT_TRUE(SameBits(got, want)) << got << " " << want;
+  return status;
+}
+
+int ExpectLiteral(const CSVRData& record, const Vector& x) {
+  return ExpectSame(CSVREvaluator(), record, x, &literal::EvaluateSupportVector);
+}
+
+int ExpectLiteral(const CMLSData& record, const Vector& x) {
+  return ExpectSame(CMLSEvaluator(), record, x, &literal::EvaluateMovingLeastSquares);
+}
+
+int ExpectLiteral(const CLBFData& record, const Vector& x) {
+  return ExpectSame(CLBFEvaluator(), record, x, &literal::EvaluateLinearBasis);
+}
+
+int ExpectLiteral(const CQRSData& record, const Vector& x) {
+  const CQRSEvaluator evaluator;
+  const literal::Surface slow(record);
+  Vector got(3, -7.0);
+  Vector want(3, -7.0);
+  const int status = evaluator.EvaluateResponseSurface(&record, x, got[0]);
+  EXPECT_EQ(status, literal::EvaluateRegression(slow, x, want[0]));
+  if (record.SavePredictorError) {
+    EXPECT_EQ(evaluator.EvaluateResponseSurface(&record, x, got[1], got[2]),
+              literal::EvaluateRegression(slow, x, want[1], want[2]));
+  }
+  ExpectSame(got, want);
+  EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&record, x, got),
+            literal::EvaluateRegressionDerivative(slow, x, want));
+  ExpectSame(got, want);
+  return status;
+}
+
+int ExpectLiteral(const CKrigingData& record, const Vector& x) {
+  CKrigingData fast(record);
+  CKrigingData slow(record);
+  Vector got(3, -7.0);
+  Vector want(3, -7.0);
+  const int status = CKrigingEvaluator().EvaluateResponseSurface(&record, x, got[0]);
+  EXPECT_EQ(status, literal::EvaluateKriging(record, x, want[0]));
+  EXPECT_EQ(CKrigingEvaluator().EvaluateResponseSurface(&fast, x, got[1], got[2]),
+            literal::EvaluateKriging(slow, x, want[1], want[2]));
+  ExpectSame(got, want);
+  EXPECT_EQ(fast.InputSamples.size(), slow.InputSamples.size());
+  for (std::size_t s = 0; s < slow.InputSamples.size(); ++s) {
+    EXPECT_TRUE(SameBits(fast.InputSamples[s], slow.InputSamples[s]));
+  }
+  if (status != 0 || record.InvG.empty() || record.NumberOfSamples == 0) return status;
+  std::vector<Vector> points = {record.InputSamples[0], x};
+  EXPECT_EQ(fast.EvalErrorPredictions(points, got),
+            literal::EvalErrorPredictions(slow, points, want));
+  ExpectSame(got, want);
+  return status;
+}
+
+template <class Record>
+void ExpectLiteralSurfaces(E_DataType family, int rounds) {
+  Draw draw(99);
+  int refused = 0;
+  for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
+    SCOPED_TRACE("family " + std::to_string(family) + ", round " + std::to_string(round));
+    // Every rest in groups of samples, and more inputs than a working point holds in place.
+    const int inputs = round % 97 == 96 && family == DT_QRSData ? 33 : draw.Int(1, 5);
+    const int samples = draw.Int(family == DT_KrigingData ? 0 : 1, 30);
+    const auto surface = RandomSurface(draw, family, inputs, samples, true);
+    auto& record = dynamic_cast<Record&>(*surface);
+    Distort(draw, record);
+    for (Vector& sample : record.InputSamples) {
+      for (double& value : sample) value = 4 * value - 2;
+    }
+    if (draw.Chance(8)) record.InputScaleSlopes.push_back(1.0);
+    if (samples > 0 && draw.Chance(5)) record.InputSamples.back().back() = std::nan("");
+    const bool onSample = samples > 0 && draw.Chance(20);
+    refused +=
+        ExpectLiteral(record, onSample ? record.InputSamples[0] : draw.Reals(inputs, -2, 2)) != 0;
+  }
+  EXPECT_TRUE(refused > rounds / 20 && refused < rounds * 2 / 3) << refused << " of " << rounds;
+}
+
+TEST(Literal, SurfacesOfEachFamilyAreTheSame) {
+  ExpectLiteralSurfaces<CKrigingData>(DT_KrigingData, 400);
+  ExpectLiteralSurfaces<CQRSData>(DT_QRSData, 600);
+  ExpectLiteralSurfaces<CSVRData>(DT_SVRData, 1000);
+  ExpectLiteralSurfaces<CMLSData>(DT_MLSData, 1500);
+  ExpectLiteralSurfaces<CLBFData>(DT_LBFData, 1000);
 }
 
 }  // namespace
