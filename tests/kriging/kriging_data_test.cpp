@@ -1,17 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <fstream>
-#include <memory>
-#include <nlohmann/json.hpp>
-
 #include "literal/kriging_literal.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
-
-using Vector = std::vector<double>;
-using Matrix = std::vector<std::vector<double>>;
 
 TEST(KrigingData, ResetKeepsTheErrorDataAndCloneCopiesThem) {
   std::mt19937 random(1U);
@@ -94,8 +85,7 @@ double Correlate(int type, const Vector& kernels, const Vector& x, const Vector&
 }
 
 TEST(KrigingCorrelation, AgreesWithFiftyDigits) {
-  const auto cases =
-      nlohmann::json::parse(std::ifstream(PXROM_TEST_DATA "/kriging/correlations.json"));
+  const auto cases = ReferenceData("kriging/correlations.json");
   ASSERT_EQ(cases.size(), 11U * 44U);
   for (const auto& each : cases) {
     const double got = Correlate(each[0], each[3], each[1], each[2], int(each[1].size()));

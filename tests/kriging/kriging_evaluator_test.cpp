@@ -1,16 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <tuple>
 
 #include "literal/kriging_literal.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-using Vector = std::vector<double>;
-using Matrix = std::vector<std::vector<double>>;
 using Change = void (*)(CKrigingData&);
 
 const CKrigingEvaluator kEvaluator;
@@ -19,36 +14,6 @@ const CKrigingEvaluator kEvaluator;
 CKrigingData SmallRecord() {
   std::mt19937 random(4U);
   return literal::RandomKriging(random, CorrExponential, PolyConstant, 2, 1, true);
-}
-
-// All functions, kernel forms and trends; sizes on both sides of whole groups of rows.
-TEST(KrigingEvaluator, EqualsTheLiteralProgramToTheLastBit) {
-  std::mt19937 random(2U);
-  for (int round = 0; round < 11 * 5 * 2 * 3; ++round) {
-    const int n = std::uniform_int_distribution<int>(0, 40)(random);
-    const int d = std::uniform_int_distribution<int>(1, 5)(random);
-    CKrigingData record =
-        literal::RandomKriging(random, 1 + round % 11, round % 5, n, d, round % 2 == 0);
-    // Factors are triangular; no one checks that.
-    if (round % 3 == 0) std::reverse(record.InvC.begin(), record.InvC.end());
-    CKrigingData twin = record;
-    const Vector x(static_cast<std::size_t>(d), 0.1 * (round % 7));
-    double y[3] = {-9.0, -9.0, -9.0};
-    double error[2] = {-9.0, -9.0};
-    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, x, y[0]), 0);
-    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, x, y[1], error[0]),
-              literal::EvaluateKriging(twin, x, y[2], error[1]));
-    EXPECT_EQ(y[0], y[2]) << "round " << round << ", n " << n << ", d " << d;
-    EXPECT_EQ(y[1], y[2]);
-    EXPECT_EQ(error[0], error[1]) << "round " << round << ", n " << n << ", d " << d;
-    EXPECT_EQ(record.InputSamples, twin.InputSamples);
-    if (record.InvG.empty() || n == 0) continue;
-    Matrix points = {record.InputSamples[0], x};
-    Vector errors[2];
-    EXPECT_EQ(record.EvalErrorPredictions(points, errors[0]), 0);
-    EXPECT_EQ(literal::EvalErrorPredictions(twin, points, errors[1]), 0);
-    EXPECT_EQ(errors[0], errors[1]);
-  }
 }
 
 TEST(KrigingEvaluator, ZerosOfTheFactorMeetWhatIsNotFinite) {

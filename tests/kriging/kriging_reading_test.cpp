@@ -1,36 +1,24 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <nlohmann/json.hpp>
-#include <string>
-
-#include "pxrom/database_reader.h"
 #include "pxrom/kriging.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-// Gives a test the protected operations.
-class Reader : public CReaderPXROMDatabase {
- public:
-  int Read(std::string text, CRSData* record) {
-    ReadDataStream(text);
-    return ResumeKrigingData(record, 0, std::string::npos);
-  }
-  int ReadError(CRSData* record) const {
-    return ResumeKrigingDataPredictorError(record, 0, std::string::npos);
-  }
-};
+int Read(const std::string& text, CRSData* record) {
+  return OpenReader(text).ResumeKrigingData(record, 0, std::string::npos);
+}
+
+int ReadError(const std::string& text, CRSData* record) {
+  return OpenReader(text).ResumeKrigingDataPredictorError(record, 0, std::string::npos);
+}
 
 // Texts of surfaces, with values and errors from elsewhere. What is put in front of a text wins.
-nlohmann::json Surfaces() {
-  return nlohmann::json::parse(std::ifstream(PXROM_TEST_DATA "/kriging/predictions.json"));
-}
+nlohmann::json Surfaces() { return ReferenceData("kriging/predictions.json"); }
 
 TEST(KrigingReading, SurfacesFromTextAgreeWithADenseSolve) {
   for (const auto& each : Surfaces()) {
     CKrigingData record;
-    ASSERT_EQ(Reader().Read(each["text"], &record), 0);
+    ASSERT_EQ(Read(each["text"], &record), 0);
     EXPECT_EQ(record.NumberOfPolyCoeff, int(record.PolynomialCoefficients.size()));
     for (std::size_t i = 0; i < each["x"].size(); ++i) {
       double y = 0.0;
@@ -49,25 +37,23 @@ TEST(KrigingReading, ShortErrorDataLeaveTheErrorUnavailableNotHalfFilled) {
         "KrigingNumberOfPolynomialCoefficients=-1",
         "KrigingNumberOfPolynomialCoefficients=2147483647", "KrigingVersion=191"}) {
     CKrigingData record;
-    Reader reader;
-    EXPECT_EQ(reader.Read(first + "\n" + text, &record), 0) << first;
+    EXPECT_EQ(Read(first + "\n" + text, &record), 0) << first;
     const bool old = record.KrigingDataVersion() == 191;
     EXPECT_EQ(record.SavePredictorError, !old) << first;
     EXPECT_TRUE(record.InvC.empty() && record.InvG.empty() && record.Ft.empty()) << first;
     EXPECT_EQ(record.Sigma2 + record.NumberOfPolyCoeff, 0.0) << first;
-    EXPECT_EQ(reader.ReadError(&record), old ? 0 : 1) << first;
+    EXPECT_EQ(ReadError(first + "\n" + text, &record), old ? 0 : 1) << first;
   }
 }
 
 TEST(KrigingReading, RefusesOtherRecordsAndBadSamples) {
   const std::string text = Surfaces()[0]["text"];
-  Reader reader;
   CRSData other;
   CKrigingData record;
-  EXPECT_EQ(reader.Read("InputSamples=1\n" + text, &record), 1);
-  EXPECT_EQ(reader.Read(text, nullptr), 1);
-  EXPECT_EQ(reader.Read(text, &other), 1);
-  EXPECT_EQ(reader.ReadError(&other), 1);
+  EXPECT_EQ(Read("InputSamples=1\n" + text, &record), 1);
+  EXPECT_EQ(Read(text, nullptr), 1);
+  EXPECT_EQ(Read(text, &other), 1);
+  EXPECT_EQ(ReadError(text, &other), 1);
   EXPECT_EQ(other.NumberOfSamples, 0);
 }
 

@@ -1,17 +1,12 @@
 // Every fitted model answers as the tool that fitted it: the whole road from text to numbers.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
-#include "pxrom/database_reader.h"
-#include "pxrom/discrete_combinations.h"
+#include "support/model_files.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -27,19 +22,6 @@ std::vector<std::string> Models() {
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string ContentOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();
-  return content.str();
-}
-
-void Read(std::string text, CDiscreteCombinations& model) {
-  CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
-  ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
 }
 
 template <class Value>
@@ -61,8 +43,8 @@ class FittedModel : public testing::TestWithParam<std::string> {};
 TEST_P(FittedModel, AnswersAsItsToolDoes) {
   const fs::path folder = fs::path(PXROM_TEST_DATA "/models") / GetParam();
   CDiscreteCombinations model;
-  Read(ContentOf(folder / "model.pxdb"), model);
-  const Json cases = Json::parse(ContentOf(folder / "cases.json"));
+  ASSERT_NO_FATAL_FAILURE(ReadModel((folder / "model.pxdb").string(), model));
+  const Json cases = Json::parse(ContentOf((folder / "cases.json").string()));
   ASSERT_FALSE(cases.empty());
   for (const Json& c : cases) {
     const auto discrete = Named<int>(c["discrete"]);

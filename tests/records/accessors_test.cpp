@@ -1,21 +1,17 @@
 // What is set is what is got, in the record and in its copies, and setting touches nothing else.
 
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <memory>
 
+#include "pxrom/constant.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
 #include "pxrom/support_vector.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
-
-using Vector = std::vector<double>;
-using Matrix = std::vector<std::vector<double>>;
 
 /// One field by its two operations, and a value that is not its default.
 template <class Record>
@@ -83,6 +79,11 @@ TEST(Accessors, OfTheBase) {
       Returned<R>(&R::SetStatusReadyForEvaluation, &R::IsReadyForEvaluation, true),
       Returned<R>(&R::SetStatusStopped, &R::IsStopped, true),
   });
+}
+
+TEST(Accessors, OfConstants) {
+  using R = CConstantData;
+  ExpectIndependent<R>({With<R>(&R::SetConstantValue, &R::GetConstantValue, 2.5)});
 }
 
 TEST(Accessors, OfKriging) {

@@ -1,16 +1,13 @@
 #include "pxrom/constant.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
 CConstantData Ready(int inputs) {
   CConstantData data;
-  data.NumberOfInputVariables = inputs;
-  data.ReadyForEvaluation = true;
+  MakeReady(data, inputs);
   data.SetConstantValue(7.5);
   return data;
 }
@@ -33,30 +30,13 @@ TEST(Constant, ClaimsAnErrorOnlyWithoutInputs) {
 
 TEST(Constant, RefusalsLeaveBothOutputsAlone) {
   const CConstantEvaluator evaluator;
-  CConstantData stopped = Ready(1);
-  stopped.Stopped = true;
-  CConstantData unready = Ready(1);
-  unready.ReadyForEvaluation = false;
-  CConstantData negative = Ready(-1);
-  CRSData other;
-  other.NumberOfInputVariables = 1;
-  other.ReadyForEvaluation = true;
-  const CConstantData longer = Ready(2);
-  const std::vector<double> x = {0.0};
-  std::vector<double> gradient = {4.0};
-  for (const CRSData* data :
-       {static_cast<const CRSData*>(nullptr), static_cast<const CRSData*>(&other),
-        static_cast<const CRSData*>(&unready), static_cast<const CRSData*>(&stopped),
-        static_cast<const CRSData*>(&longer), static_cast<const CRSData*>(&negative)}) {
-    double y = 1.0;
-    double error = 9.0;
-    EXPECT_EQ(evaluator.EvaluateResponseSurface(data, x, y), 1);
-    EXPECT_EQ(evaluator.EvaluateResponseSurface(data, x, y, error), 1);
-    EXPECT_EQ(y, 1.0);
-    EXPECT_EQ(error, 9.0);
-    EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(data, x, gradient), 1);
+  ExpectEachRefused<CConstantData>(evaluator, Ready(1), {0.0}, {}, true);
+  Vector gradient = {4.0};
+  for (const CRSData& data : {static_cast<const CRSData&>(Ready(2)), CRSData()}) {
+    EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {0.0}, gradient),
+              1);
   }
-  EXPECT_EQ(gradient, (std::vector<double>{4.0}));
+  EXPECT_EQ(gradient, Vector{4.0});
 }
 
 TEST(Constant, ErrorFormHonoursAnOverriddenValueForm) {

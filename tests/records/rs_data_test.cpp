@@ -1,14 +1,11 @@
 #include "pxrom/rs_data.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <limits>
+
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
-
-using Matrix = std::vector<std::vector<double>>;
 
 CRSData FilledRecord() {
   CRSData data;
@@ -71,21 +68,21 @@ TEST(RSData, ScalingComparesSlopesWithZeroExactly) {
 
 TEST(RSData, ScalingGoesForwardForInputsAndBothWaysForOutputs) {
   const CRSData data = FilledRecord();
-  std::vector<double> x = {3, 4};
+  Vector x = {3, 4};
   EXPECT_EQ(data.ScaleAndOverwriteInputSample(x), 0);
-  EXPECT_EQ(x, (std::vector<double>{7, 1}));
+  EXPECT_EQ(x, (Vector{7, 1}));
 
   Matrix rows = {{3, 4}, {3}, {3, 4}};
   EXPECT_EQ(data.ScaleAndOverwriteInputSamples(rows), 1);
   EXPECT_EQ(rows, (Matrix{{7, 1}, {3}, {3, 4}}));
 
-  std::vector<double> ys = {1, 2};
+  Vector ys = {1, 2};
   EXPECT_EQ(data.ScaleAndOverwriteOutputSamples(ys), 0);
-  EXPECT_EQ(ys, (std::vector<double>{7, 11}));
+  EXPECT_EQ(ys, (Vector{7, 11}));
   EXPECT_EQ(data.BackscaleAndOverwriteOutputSamples(ys), 0);
-  EXPECT_EQ(ys, (std::vector<double>{1, 2}));
+  EXPECT_EQ(ys, (Vector{1, 2}));
 
-  std::vector<double> none;
+  Vector none;
   EXPECT_EQ(CRSData().ScaleAndOverwriteInputSample(none), 0);
 }
 
@@ -129,20 +126,29 @@ TEST(RSData, Statistics) {
   EXPECT_EQ(data.ComputeNorm2({}), 0.0);
   EXPECT_TRUE(std::isnan(data.ComputeMean({})));
   EXPECT_TRUE(std::isnan(data.ComputeStandardDeviation({3})));
+  EXPECT_EQ(data.ComputeOutputSamplesStandardDeviation(),
+            data.ComputeStandardDeviation({5, -7, 6}));
+  EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableNorm2(0), std::sqrt(21.0));
+  EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableNormInf(1), 30);
   EXPECT_EQ(data.ComputeEuclideanDistance({0, 0}, {3, 4}), 5);
   EXPECT_EQ(data.ComputeEuclideanDistance({1}, {3, 4}), 0);
   // Five rows, three outputs: the sum takes three rows, mean and divisor take all five.
   const Matrix five = {{0}, {1}, {2}, {3}, {9}};
   EXPECT_EQ(data.ComputeColumnStandardDeviation(five, 0), std::sqrt((9.0 + 4.0 + 1.0) / 4.0));
-  std::vector<double> column;
+  Vector column;
   data.GetInputSampleWrtInputIndex(1, column);
   EXPECT_EQ(column, data.GetColumn(data.InputSamples, 1));
+  EXPECT_EQ(data.GetInputSampleWrtSampleIndex(1, column), 0);
+  EXPECT_EQ(column, (Vector{2, 30}));
+  double y = 0.0;
+  EXPECT_EQ(data.GetOutputSampleWrtSampleIndex(1, y), 0);
+  EXPECT_EQ(y, -7);
 }
 
 TEST(RSData, Covariance) {
   const CRSData data;
   EXPECT_EQ(data.GetVarianceCovarianceMatrix({{1, 2}, {3, 6}}), (Matrix{{2, 4}, {4, 8}}));
-  EXPECT_EQ(data.GetDiagVarianceCovarianceMatrix({{1, 2}, {3, 6}}), (std::vector<double>{2, 8}));
+  EXPECT_EQ(data.GetDiagVarianceCovarianceMatrix({{1, 2}, {3, 6}}), (Vector{2, 8}));
   EXPECT_TRUE(data.GetVarianceCovarianceMatrix({{1, 2}, {3}}).empty());
   EXPECT_TRUE(data.GetDiagVarianceCovarianceMatrix({}).empty());
   EXPECT_TRUE(std::isnan(data.GetVarianceCovarianceMatrix({{1}})[0][0]));
