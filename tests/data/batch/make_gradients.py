@@ -6,38 +6,18 @@ doubles)."""
 
 import json
 import pathlib
-import random
+import sys
 
-from mpmath import (besselj, cos, diff, exp, fabs, log, lu_solve, matrix, mp, mpf, sin, sqrt, tanh)
+from mpmath import diff, exp, log, mp, mpf, sqrt
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+from formulas import (basis, correlation, dot, drawer, exact, lbf_function, mls_value,
+                      squared_distance, svr_kernel)
 
 mp.dps = 40
-rng = random.Random(7)
+doubles = drawer(7)
 D = 2
 N = 9
-SINC_CUT = mpf(4.71238898038469)
-BESSEL_CUT = mpf(3.8317)
-
-
-def doubles(count, low, high):
-    return [rng.randint(int(low * 4096), int(high * 4096)) / 4096 for _ in range(count)]
-
-
-def exact(values):
-    return [mpf(v) for v in values]
-
-
-def basis(kind, x):
-    f = [mpf(1)] if kind >= 1 else []
-    f += list(x) if kind >= 2 else []
-    if kind == 3:
-        f += [v * v for v in x]
-    if kind == 4:
-        f += [x[i] * x[j] for i in range(len(x)) for j in range(i, len(x))]
-    return f
-
-
-def dot(a, b):
-    return sum((p * q for p, q in zip(a, b)), mpf(0))
 
 
 def scaled(record, x):
@@ -62,41 +42,6 @@ def rows(record):
     return [flat[D * j:D * j + D] for j in range(N)]
 
 
-def shifted(value, c):
-    return (value - c) / (1 - c)
-
-
-def correlation(kind, z, k, a):
-    """What one input contributes as a factor; z = k a."""
-    s = min(z, mpf(1))
-    if kind == 1:
-        return exp(-z)
-    if kind == 2:
-        return exp(-k * a * a)
-    if kind == 3:
-        return max(1 - z, mpf(0))
-    if kind == 4:
-        return 1 - 3 * s / 2 + s**3 / 2
-    if kind == 5:
-        return 1 - 3 * s**2 + 2 * s**3
-    if kind == 6:
-        return sqrt(k * k + a)
-    if kind == 7:
-        if z <= mpf(0.2):
-            return 1 - 15 * z**2 + 30 * z**3
-        return mpf(5) / 4 * (1 - s)**3
-    if kind == 8:
-        t = sqrt(mpf(5)) * z
-        return exp(-t) * (1 + t + t * t / 3)
-    if kind == 9:
-        return 1 - z * z if z < 1 else mpf(0)
-    if kind == 10:
-        c = besselj(0, BESSEL_CUT)
-        return shifted(besselj(0, z), c) if z <= BESSEL_CUT else mpf(0)
-    c = sin(SINC_CUT) / SINC_CUT
-    return shifted(sin(z) / z, c) if z <= SINC_CUT else mpf(0)
-
-
 def kriging(kind, trend):
     r = base(4)
     far = kind in (3, 4, 5, 7, 9)
@@ -111,23 +56,10 @@ def kriging(kind, trend):
         y = dot(basis(trend, u), exact(r["KrigingPolynomialCoefficients"]))
         for row, c in zip(rows(r), exact(r["KrigingCorrelationCoefficients"])):
             for p, q, k in zip(u, scaled(r, row), exact(r["KrigingCorrelationKernels"])):
-                c *= correlation(kind, k * fabs(p - q), k, fabs(p - q))
+                c *= correlation(kind, k, abs(p - q))
             y += c
         return backscaled(r, y)
     return r, value
-
-
-def svr_kernel(kind, x, y, w):
-    if kind in (0, 1):
-        return (1 + dot(x, y))**(kind + 1)
-    if kind == 2:
-        return exp(-sum(k * (p - q)**2 for k, p, q in zip(w, x, y)))
-    if kind == 3:
-        return tanh(exp(mpf(1)) / D * dot(x, y) - exp(mpf(1)))
-    if kind == 5:
-        return exp(-sum(k * fabs(p - q) for k, p, q in zip(w, x, y)))
-    s = sum((p - q)**2 for p, q in zip(x, y))
-    return mpf(0) if s >= 1 else mpf(3) / 4 * (1 - s * s)
 
 
 def support_vector(kind):
@@ -146,22 +78,6 @@ def support_vector(kind):
     return r, value
 
 
-def radial(kind, r, h):
-    if kind == 0:
-        return exp(-(r / h)**2)
-    if kind in (1, 2):
-        t = r / (2 * h)
-        if t > 1:
-            return mpf(0)
-        return (1 - t)**4 * (4 * t + 1) if kind == 1 else 1 - 3 * t**2 + 2 * t**3
-    if kind == 3:
-        z = 2 * r / h
-        return shifted(sin(z) / z, sin(SINC_CUT) / SINC_CUT) if z <= SINC_CUT else mpf(0)
-    if kind == 4:
-        return 1 / ((r / h)**2 + 1)
-    return tanh(r / D / h)
-
-
 def linear_basis(kind, trend):
     r = base(7)
     r.update({"LBFFunction": kind, "LBFPolynomialType": trend, "LBFVersion": 170,
@@ -173,23 +89,9 @@ def linear_basis(kind, trend):
         y = dot(basis(trend, u), exact(r["LBFPolynomialCoefficients"]))
         for row, h, c in zip(rows(r), exact(r["LBFKernelValues"]),
                              exact(r["LBFKernelCoefficients"])):
-            y += c * radial(kind, sqrt(sum((p - q)**2 for p, q in zip(u, row))), h)
+            y += c * lbf_function(kind, D, sqrt(squared_distance(u, row)), h)
         return backscaled(r, y)
     return r, value
-
-
-def weight(version, kind, r, rho):
-    z = r / rho
-    if kind == 0:
-        return mpf(1)
-    if kind == 1:
-        return exp(-20 * z * z) if version == 162 else exp(-z * z)
-    if kind == 2:
-        t = min(mpf(1), r / (2 * sqrt(mpf(D)) * rho))
-        return (1 - t)**4 * (4 * t + 1)
-    if kind == 3:
-        return 1 / ((r / 2)**2 + 1) if version == 162 else 1 / (z * z + 1)
-    return 1 / fabs(z + mpf(0.01))
 
 
 def moving_least_squares(version, kind, trend):
@@ -200,20 +102,7 @@ def moving_least_squares(version, kind, trend):
               "MLSUsedPointsOption": 0, "MLSExtraPointPercent": 0})
 
     def value(x):
-        distances = [sqrt(sum((a - b)**2 for a, b in zip(x, row))) for row in rows(r)]
-        rho = sorted(distances)[min(p, N - 1)]
-        w = [weight(version, kind, q, rho) for q in distances[:N - 1]]
-        w = [v / sum(w) for v in w]
-        b = [basis(trend, row) for row in rows(r)[:N - 1]]
-        A = matrix(p, p)
-        right = matrix(p, 1)
-        for i in range(p):
-            A[i, i] = sqrt(mpf(p)) * mpf(1e-08) + (p + 10) * mpf(1e-14)
-            for wj, bj, y in zip(w, b, exact(r["OutputSamples"])):
-                right[i] += wj * bj[i] * y
-                for k in range(p):
-                    A[i, k] += wj * bj[i] * bj[k]
-        return dot(basis(trend, x), list(lu_solve(A, right)))
+        return mls_value(version, kind, trend, x, rows(r), exact(r["OutputSamples"]), N - 1)
     return r, value
 
 

@@ -5,87 +5,16 @@ formulas alone (python3-mpmath; numbers are chosen by a fixed seed and are exact
 
 import json
 import pathlib
-import random
+import sys
 
-from mpmath import mp, mpf, exp, fabs, lu_solve, matrix, pi, sin, sqrt, tanh
+from mpmath import mp, mpf, sqrt
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+from formulas import (SINC_CUT, basis, dot, drawer, exact, lbf_function, mls_value, mls_weight,
+                      squared_distance, svr_kernel)
 
 mp.dps = 50
-rng = random.Random(20)
-SINC_CUT = mpf(4.71238898038469)
-
-
-def doubles(count, low, high):
-    return [rng.randint(int(low * 4096), int(high * 4096)) / 4096 for _ in range(count)]
-
-
-def exact(values):
-    return [mpf(v) for v in values]
-
-
-def dot(a, b):
-    return sum((p * q for p, q in zip(a, b)), mpf(0))
-
-
-def squared_distance(a, b):
-    return sum(((p - q) ** 2 for p, q in zip(a, b)), mpf(0))
-
-
-def svr_kernel(kind, x, y, w):
-    s = dot(x, y)
-    if kind == 0:
-        return 1 + s
-    if kind == 1:
-        return (1 + s) ** 2
-    if kind == 2:
-        return exp(-sum(k * (p - q) ** 2 for k, p, q in zip(w, x, y)))
-    if kind == 3:
-        return tanh(exp(mpf(1)) / len(x) * s - exp(mpf(1)))
-    if kind == 5:
-        return exp(-sum(k * fabs(p - q) for k, p, q in zip(w, x, y)))
-    s = squared_distance(x, y)
-    return mpf(0) if s >= 1 else mpf(3) / 4 * (1 - s * s)
-
-
-def mls_weight(version, kind, d, r, rho):
-    z = r / rho
-    if kind == 0:
-        return mpf(1)
-    if kind == 1:
-        return exp(-20 * z * z) if version == 162 else exp(-z * z)
-    if kind == 2:
-        t = min(mpf(1), r / (2 * sqrt(mpf(d)) * rho))
-        return (1 - t) ** 4 * (4 * t + 1)
-    if kind == 3:
-        return 1 / ((r / 2) ** 2 + 1) if version == 162 else 1 / (z * z + 1)
-    return 1 / fabs(z + mpf(0.01))
-
-
-def lbf_function(kind, d, r, h):
-    if kind == 0:
-        return exp(-((r / h) ** 2))
-    if kind in (1, 2):
-        t = r / (2 * h)
-        if t > 1:
-            return mpf(0)
-        return (1 - t) ** 4 * (4 * t + 1) if kind == 1 else 1 - 3 * t**2 + 2 * t**3
-    if kind == 3:
-        z = 2 * r / h
-        if z > SINC_CUT:
-            return mpf(0)
-        c = sin(SINC_CUT) / SINC_CUT
-        return (sin(z) / z - c) / (1 - c) if z > mpf(1e-06) else mpf(1)
-    if kind == 4:
-        return 1 / ((r / h) ** 2 + 1)
-    return tanh(r / d / h)
-
-
-def basis(kind, x):
-    f = [mpf(1)] + (list(x) if kind >= 2 else [])
-    if kind == 3:
-        f += [v * v for v in x]
-    if kind == 4:
-        f += [x[i] * x[j] for i in range(len(x)) for j in range(i, len(x))]
-    return f
+doubles = drawer(20)
 
 
 def functions():
@@ -146,26 +75,11 @@ def svr_prediction(kind, loss):
 
 
 def mls_prediction(version, weight, kind):
-    n, d, u = 12, 2, 9
-    r = base_record(n, d)
+    r = base_record(12, 2)
     x = exact(r["x"])
-    f = basis(kind, x)
-    p = len(f)
-    r.update(version=version, function=weight, basis=kind, p=p, used=u)
-    distances = [sqrt(squared_distance(exact(row), x)) for row in r["samples"]]
-    rho = sorted(distances)[min(p, n - 1)]
-    w = [mls_weight(version, weight, d, distances[j], rho) for j in range(u)]
-    w = [v / sum(w) for v in w]
-    rows = [basis(kind, exact(row)) for row in r["samples"][:u]]
-    A = matrix(p, p)
-    b = matrix(p, 1)
-    for i in range(p):
-        b[i] = sum(rows[j][i] * w[j] * mpf(r["outputs"][j]) for j in range(u))
-        for k in range(p):
-            A[i, k] = sum(w[j] * rows[j][i] * rows[j][k] for j in range(u))
-        A[i, i] += sqrt(mpf(p)) * mpf(1e-08) + (p + 10) * mpf(1e-14)
-    c = lu_solve(A, b)
-    r["value"] = float(sum(f[k] * c[k] for k in range(p)))
+    r.update(version=version, function=weight, basis=kind, p=len(basis(kind, x)), used=9)
+    r["value"] = float(mls_value(version, weight, kind, x, list(map(exact, r["samples"])),
+                                 exact(r["outputs"]), 9))
     return r
 
 
