@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <random>
 
 #include "ensemble/cross_validation.h"
@@ -11,32 +6,25 @@
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-using Matrix = std::vector<std::vector<double>>;
-
-CFittingCandidates ListOf(const CFittingCandidate& candidate) {
-  CFittingCandidates list;
-  list.AddFittingCandidate(candidate);
-  return list;
-}
-
 struct Answer {
   int status;
   double value;
   double error;
 };
 
-Answer Evaluate(const CFittingCandidate& candidate, const std::vector<double>& x) {
-  Answer answer{0, -1, -2};
-  answer.status = CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(
-      ListOf(candidate), x, answer.value, answer.error);
-  return answer;
+/// In the form without errors, or in that with them.
+Answer Evaluate(const CFittingCandidate& candidate, const Vector& x, bool withError = true) {
+  CFittingCandidates list;
+  list.AddFittingCandidate(candidate);
+  const CFittingCandidatesEvaluator evaluator;
+  Answer a{0, -1, -2};
+  a.status = withError ? evaluator.EvaluateResponseSurfaceCandidate(list, x, a.value, a.error)
+                       : evaluator.EvaluateResponseSurfaceCandidate(list, x, a.value);
+  return a;
 }
 
-Answer EvaluateValue(const CFittingCandidate& candidate, const std::vector<double>& x) {
-  Answer answer{0, -1, -2};
-  answer.status = CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(ListOf(candidate),
-                                                                                 x, answer.value);
-  return answer;
+Answer EvaluateValue(const CFittingCandidate& candidate, const Vector& x) {
+  return Evaluate(candidate, x, false);
 }
 
 void ExpectAnswer(const Answer& answer, int status, double value, double error) {
@@ -52,8 +40,8 @@ CFittingCandidate Ensemble(int inputs = 1) {
     const CConstantData constant = Constant(value, inputs);
     candidate.AddRSAndWeight(&constant, value == 7.0 ? 0.5 : 0.25);
   }
-  candidate.SetInputScaleSlopes(std::vector<double>(static_cast<std::size_t>(inputs), 1));
-  candidate.SetInputScaleIntercepts(std::vector<double>(static_cast<std::size_t>(inputs), 0));
+  candidate.SetInputScaleSlopes(Vector(static_cast<std::size_t>(inputs), 1));
+  candidate.SetInputScaleIntercepts(Vector(static_cast<std::size_t>(inputs), 0));
   candidate.SetOutputScaleSlope(2);
   candidate.SetOutputScaleIntercept(1);
   return candidate;
@@ -118,12 +106,11 @@ CFittingCandidate CrossValidated() {
 }
 
 TEST(CandidateEvaluator, CrossValidatedErrorsAgreeWithAnIndependentCalculation) {
-  std::ifstream file(PXROM_TEST_DATA "/ensemble/cross_validation.json");
-  const auto cases = nlohmann::json::parse(file);
+  const auto cases = ReferenceData("ensemble/cross_validation.json");
   ASSERT_EQ(cases.size(), 12u);
   for (const auto& c : cases) {
     CFittingCandidate candidate;
-    const auto x = c["x"].get<std::vector<double>>();
+    const auto x = c["x"].get<Vector>();
     const auto inputs = static_cast<int>(x.size());
     for (std::size_t i = 0; i < c["values"].size(); ++i) {
       const CConstantData constant = Constant(c["values"][i], inputs);
@@ -181,35 +168,31 @@ TEST(CandidateEvaluator, CrossValidationShapesThatDoNotFitAreRefused) {
     EXPECT_EQ(EvaluateValue(candidate, {0.5}).status, 0);
     return answer.status == 1;
   };
-  const auto withFolds = [](std::vector<int> folds) {
-    return [folds](CFittingCandidate& c) mutable {
-      Matrix rows = c.GetvvdScSortedInput();
-      c.SetCrossValidationData(rows, folds);
-    };
+  struct Shape {
+    Matrix rows;
+    std::vector<int> folds;
   };
-  EXPECT_TRUE(refused(withFolds({2, 2})));
-  EXPECT_TRUE(refused(withFolds({3, 0})));
-  EXPECT_TRUE(refused(withFolds({4, -1})));
-  EXPECT_TRUE(refused(withFolds({3})));
-  EXPECT_TRUE(refused([](CFittingCandidate& c) {
-    Matrix rows = {{0}, {}, {1}};
-    std::vector<int> folds = {2, 1};
-    c.SetCrossValidationData(rows, folds);
-  }));
+  const Matrix rows = CrossValidated().GetvvdScSortedInput();
+  for (const Shape& shape : {Shape{rows, {2, 2}}, Shape{rows, {3, 0}}, Shape{rows, {4, -1}},
+                             Shape{rows, {3}}, Shape{{{0}, {}, {1}}, {2, 1}}}) {
+    EXPECT_TRUE(refused([&](CFittingCandidate& c) {
+      Shape own = shape;
+      c.SetCrossValidationData(own.rows, own.folds);
+    })) << testing::PrintToString(shape.folds);
+  }
   EXPECT_TRUE(refused([](CFittingCandidate& c) {
     const CConstantData constant = Constant(1, 1);
     c.AddSubRS(&constant);
   }));
-  CFittingCandidate none = CrossValidated();
   CFittingCandidate empty;
-  Matrix rows = none.GetvvdScSortedInput();
-  std::vector<int> folds = none.GetviNumPtsPerFold();
-  empty.SetCrossValidationData(rows, folds);
+  Matrix own = rows;
+  std::vector<int> folds = {2, 1};
+  empty.SetCrossValidationData(own, folds);
   EXPECT_EQ(Evaluate(empty, {}).status, 1);
 }
 
 // The sort as it is told, and what stands in front after it.
-double FirstOfBubbleSort(std::vector<double> values, double threshold) {
+double FirstOfBubbleSort(Vector values, double threshold) {
   for (std::size_t pass = values.size() - 1; pass > 0; --pass) {
     for (std::size_t i = 0; i < pass; ++i) {
       if (values[i] - values[i + 1] > threshold) std::swap(values[i], values[i + 1]);
@@ -223,7 +206,7 @@ TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
   for (int round = 0; round < 20000; ++round) {
     // Steps of a quarter of the threshold, so that nearly every neighbour is a close call.
     const double spread = round % 2 == 0 ? 40 : 4000;
-    std::vector<double> values(1 + random() % 12);
+    Vector values(1 + random() % 12);
     for (double& value : values) {
       value = 0.25 * std::floor(static_cast<double>(random() % 1000) * spread / 1000);
       if (random() % 50 == 0) value = std::nan("");
@@ -236,7 +219,7 @@ TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
 }
 
 TEST(TolerantSort, GivesUpRatherThanSortForMinutes) {
-  std::vector<double> values(200000);
+  Vector values(200000);
   for (std::size_t i = 0; i < values.size(); ++i) {
     values[i] = 10.0 * static_cast<double>(values.size() - i);
   }

@@ -1,26 +1,14 @@
 // Reading of whole databases: what a text means, and what a damaged one does.
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <random>
-#include <sstream>
 #include <stdexcept>
 
 #include "ensemble/test_candidates.h"
-#include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
 using NamedValues = std::vector<std::pair<std::string, double>>;
-
-class OpenReader : public CReaderPXROMDatabase {
- public:
-  using CReaderPXROMDatabase::ResumeFittingCandidates;
-  using CReaderPXROMDatabase::ResumeParameterRegistry;
-};
 
 std::string Genome(int id, const std::string& value, const std::string& more = "") {
   return "<Genome ID=" + std::to_string(id) + ">\n" + more + "DataType=8\nGenomeWeight=0.5\n" +
@@ -194,9 +182,7 @@ TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
 }
 
 TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {
-  OpenReader reader;
-  std::string text = Replaced(Database(), "DataType=8", "DataType=9");
-  reader.ReadDataStream(text);
+  OpenReader reader(Replaced(Database(), "DataType=8", "DataType=9"));
   CFittingCandidates list = OneConstant(1, 1);
   EXPECT_EQ(reader.ResumeFittingCandidates(list, 3), 1);
   EXPECT_EQ(list.GetCandidateCount(), 0u);
@@ -241,45 +227,6 @@ TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
   EXPECT_EQ(Status(kRegistry + ("<DiscreteSets>\n" + lines + "</DiscreteSets>\n") + many +
                    "</PlexuraData>\n"),
             1);
-}
-
-// Whatever is cut, doubled or overwritten: a status or one of the two exceptions, and never more.
-TEST(Database, DamagedTextsGetAStatus) {
-  std::mt19937 random(23);
-  const std::string whole = Database();
-  int refused = 0;
-  for (int round = 0; round < 3000; ++round) {
-    std::string text = whole;
-    for (std::size_t change = 1 + random() % 3; change > 0; --change) {
-      const std::size_t at = random() % text.size();
-      const std::size_t length = random() % 40;
-      switch (random() % 4) {
-        case 0:
-          text.erase(at, length);
-          break;
-        case 1:
-          text.insert(at, text.substr(random() % text.size(), length));
-          break;
-        case 2:
-          text[at] = "0123456789-,;{}<>=\n\r e"[random() % 22];
-          break;
-        default:
-          text.resize(at + 1);
-      }
-    }
-    CDiscreteCombinations model;
-    try {
-      const int status = Read(text, model);
-      EXPECT_TRUE(status == 0 || status == 1);
-      refused += status;
-    } catch (const std::out_of_range&) {
-      ++refused;
-    }
-    NamedValues outputs;
-    NamedValues errors;
-    model.Evaluate({}, {{"x", 0.6}}, outputs, errors);
-  }
-  EXPECT_GT(refused, 500);
 }
 
 }  // namespace

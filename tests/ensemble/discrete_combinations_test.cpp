@@ -1,10 +1,6 @@
 #include "pxrom/discrete_combinations.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <limits>
-#include <memory>
 
 #include "ensemble/test_candidates.h"
 
@@ -52,8 +48,12 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_EQ(study.EnabledParameterCount(), 8u);
   EXPECT_EQ(study.InputParameterCount(), 6u);
   EXPECT_EQ(study.InputParameterCount(false), 1u);
+  EXPECT_EQ(study.OutputParameterCount(), 3u);
   EXPECT_EQ(study.OutputParameterCount(true), 3u);
   EXPECT_EQ(study.ContinuousCount(), 5u);
+  EXPECT_EQ(study.ContinuousCount(true), 5u);
+  EXPECT_EQ(study.ContinuousCount(false), 0u);
+  EXPECT_EQ(study.DiscreteCount(), 3u);
   EXPECT_EQ(study.DiscreteCount(true), 2u);
   EXPECT_EQ(study.DiscreteCount(false), 1u);
   EXPECT_EQ(study.DerivedCount(), 1u);
@@ -65,6 +65,9 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_EQ(study.ListParameterImmutableID(CausalityOutput, true), (Ids{"u", "v", "w"}));
   EXPECT_EQ(study.ListParameterImmutableID(false), (Ids{"off"}));
   EXPECT_EQ(study.ListEnabledDiscreteParameterWrtRegistrationRank(), (Ids{"Q", "P"}));
+  EXPECT_EQ(study.ListParameterAvailability({"a", "off", "nobody", "u"}),
+            (std::vector<bool>{true, false, true}));
+  EXPECT_EQ(study.DataVersion(), CDiscreteCombinations().DataVersion());
   // Unknown IDs are skipped, and every predicate denies them.
   EXPECT_EQ(study.ListParameterCausality({"u", "?", "a"}),
             (std::vector<E_ParameterCausality>{CausalityOutput, CausalityInput}));
@@ -228,8 +231,10 @@ TEST(Combinations, CopiesCloneAndAssignmentsShare) {
   };
   EXPECT_NE(list(copy), list(*study));
   EXPECT_EQ(list(assigned), list(*study));
+  study->RegisterParameterExtraInfos("x", "", "m", "c", 2, 1);
   EXPECT_EQ(study->ResetData(), 0);
-  EXPECT_EQ(study->ParameterCount(), 0u);
+  EXPECT_EQ(study->ParameterCount() + study->GetRegistrationRank()->size(), 0u);
+  EXPECT_TRUE(study->ListUpperBound({"x"}).empty());
   // Emptied maps stay, and new combinations go behind them.
   ASSERT_EQ(study->GetOutputsWrtDiscCombPtr()->size(), 2u);
   EXPECT_TRUE(study->GetOutputsWrtDiscCombPtr()->at(0).empty());

@@ -1,31 +1,25 @@
 #include "pxrom/fitting_candidate.h"
 
-#include <gtest/gtest.h>
-
 #include "ensemble/test_candidates.h"
 #include "pxrom/fitting_candidates.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-using Matrix = std::vector<std::vector<double>>;
-
 class OpenCandidate : public CFittingCandidate {
  public:
   using CFittingCandidate::computeMinDist;
 };
 
-std::vector<double> Values(const CFittingCandidate& candidate) {
-  std::vector<double> values;
-  for (int i = 0; i < static_cast<int>(candidate.GetRSCount()); ++i) {
-    values.push_back(ValueOf(candidate.GetRSPtr(i)));
-  }
+Vector Values(const CFittingCandidate& candidate) {
+  Vector values;
+  for (int i = 0; candidate.GetRSPtr(i); ++i) values.push_back(ValueOf(candidate.GetRSPtr(i)));
   return values;
 }
 
-std::vector<double> SubValues(const CFittingCandidate& candidate) {
-  std::vector<double> values;
-  for (int i = 0; i < static_cast<int>(candidate.GetSubRSCounts()); ++i) {
+Vector SubValues(const CFittingCandidate& candidate) {
+  Vector values;
+  for (int i = 0; candidate.GetSubRSPtr(i); ++i) {
     values.push_back(ValueOf(candidate.GetSubRSPtr(i)));
   }
   return values;
@@ -54,34 +48,28 @@ CFittingCandidate Filled() {
   return candidate;
 }
 
-void ExpectEmptyButForScaleAndDistance(const CFittingCandidate& candidate, double slope,
-                                       double distance) {
-  int count = -1;
-  Matrix rows = {{1}};
-  std::vector<double> list = {1};
-  double number = -1;
-  EXPECT_EQ(candidate.DataVersion(), FittingCandidateVersion192);
-  EXPECT_EQ(candidate.GetRSCount() + candidate.GetSubRSCounts(), 0u);
-  candidate.GetNumberOfInputVariables(count);
-  EXPECT_EQ(count, 0);
-  candidate.GetNumberOfSamples(count);
-  EXPECT_EQ(count, 0);
-  candidate.GetInputSamples(rows);
-  EXPECT_TRUE(rows.empty());
-  candidate.GetOutputSamples(list);
-  EXPECT_TRUE(list.empty());
-  candidate.GetInputScaleSlopes(list);
-  EXPECT_TRUE(list.empty());
-  candidate.GetInputScaleIntercepts(list);
-  EXPECT_TRUE(list.empty());
-  candidate.GetOutputScaleSlope(number);
-  EXPECT_EQ(number, slope);
-  candidate.GetOutputScaleIntercept(number);
-  EXPECT_EQ(number, 0.0);
-  EXPECT_FALSE(candidate.GetIsErrPredRequired());
-  EXPECT_TRUE(candidate.GetviNumPtsPerFold().empty());
-  EXPECT_TRUE(candidate.GetvvdScSortedInput().empty());
-  EXPECT_EQ(candidate.GetDPMinDist(), distance);
+template <class Out, class Get>
+Out Got(const CFittingCandidate& candidate, Get get, Out out) {
+  EXPECT_EQ((candidate.*get)(out), 0);
+  return out;
+}
+
+void ExpectEmptyButForScaleAndDistance(const CFittingCandidate& c, double slope, double distance) {
+  using C = CFittingCandidate;
+  EXPECT_EQ(c.DataVersion(), FittingCandidateVersion192);
+  EXPECT_EQ(c.GetRSCount() + c.GetSubRSCounts(), 0u);
+  EXPECT_EQ(Got(c, &C::GetNumberOfInputVariables, -1), 0);
+  EXPECT_EQ(Got(c, &C::GetNumberOfSamples, -1), 0);
+  EXPECT_EQ(Got(c, &C::GetInputSamples, Matrix{{1}}), Matrix());
+  for (const auto get :
+       {&C::GetOutputSamples, &C::GetInputScaleSlopes, &C::GetInputScaleIntercepts}) {
+    EXPECT_EQ(Got(c, get, Vector{1}), Vector());
+  }
+  EXPECT_EQ(Got(c, &C::GetOutputScaleSlope, -1.0), slope);
+  EXPECT_EQ(Got(c, &C::GetOutputScaleIntercept, -1.0), 0.0);
+  EXPECT_FALSE(c.GetIsErrPredRequired());
+  EXPECT_TRUE(c.GetviNumPtsPerFold().empty() && c.GetvvdScSortedInput().empty());
+  EXPECT_EQ(c.GetDPMinDist(), distance);
 }
 
 TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
@@ -94,11 +82,11 @@ TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
   ExpectEmptyButForScaleAndDistance(candidate, 0.0, 9.0);
   EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSample(y), 1);
   EXPECT_EQ(y, 3.0);
-  std::vector<double> none;
+  Vector none;
   EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(none), 0);
-  std::vector<double> some = {2.0};
+  Vector some = {2.0};
   EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(some), 1);
-  EXPECT_EQ(some, (std::vector<double>{2.0}));
+  EXPECT_EQ(some, (Vector{2.0}));
 }
 
 TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
@@ -114,14 +102,14 @@ TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
   EXPECT_EQ(first.DataVersion(), FittingCandidateVersion170);
   // Whoever goes first, the others keep what they share.
   source->ResetData();
-  EXPECT_EQ(Values(first), (std::vector<double>{4}));
+  EXPECT_EQ(Values(first), (Vector{4}));
   source.reset();
   const CFittingCandidate& same = first;
   first = same;
-  EXPECT_EQ(Values(first), (std::vector<double>{4}));
+  EXPECT_EQ(Values(first), (Vector{4}));
   first.ResetData();
-  EXPECT_EQ(Values(second), (std::vector<double>{4}));
-  EXPECT_EQ(SubValues(copy), (std::vector<double>{4}));
+  EXPECT_EQ(Values(second), (Vector{4}));
+  EXPECT_EQ(SubValues(copy), (Vector{4}));
   // What is shared is stopped for all.
   CFittingCandidate third;
   third = second;
@@ -154,8 +142,8 @@ TEST(FittingCandidate, SettingSurfacesWithErrorPredictionSplitsAndAppends) {
   CFittingCandidate candidate = Filled();
   Surfaces six(6);
   EXPECT_EQ(candidate.SetRSAndWeights(six.pointers, {0.1, 0.2}, true), 0);
-  EXPECT_EQ(Values(candidate), (std::vector<double>{4, 0, 3}));
-  EXPECT_EQ(SubValues(candidate), (std::vector<double>{4, 1, 2, 4, 5}));
+  EXPECT_EQ(Values(candidate), (Vector{4, 0, 3}));
+  EXPECT_EQ(SubValues(candidate), (Vector{4, 1, 2, 4, 5}));
   EXPECT_EQ(candidate.GetRSWeight(1), 0.2);
   double slope = 0;
   candidate.GetOutputScaleSlope(slope);
@@ -166,7 +154,7 @@ TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
   CFittingCandidate candidate = Filled();
   Surfaces two(2);
   EXPECT_EQ(candidate.SetRSAndWeights(two.pointers, {1, 2}, false), 0);
-  EXPECT_EQ(Values(candidate), (std::vector<double>{0, 1}));
+  EXPECT_EQ(Values(candidate), (Vector{0, 1}));
   EXPECT_EQ(candidate.GetSubRSCounts(), 0u);
   double slope = 1;
   candidate.GetOutputScaleSlope(slope);
@@ -174,14 +162,14 @@ TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
   // Its own surfaces are cloned before they are released.
   const std::vector<CRSData*> own = {const_cast<CRSData*>(candidate.GetRSPtr(1))};
   EXPECT_EQ(candidate.SetRSAndWeights(own, {3}, false), 0);
-  EXPECT_EQ(Values(candidate), (std::vector<double>{1}));
+  EXPECT_EQ(Values(candidate), (Vector{1}));
 }
 
 TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
   Surfaces five(5);
   struct Case {
     std::vector<CRSData*> surfaces;
-    std::vector<double> weights;
+    Vector weights;
     bool errorPrediction;
   };
   const Case cases[] = {{five.pointers, {1, 2}, true},
@@ -196,7 +184,7 @@ TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
     candidate.SetbIsErrPredRequired(!c.errorPrediction);
     EXPECT_EQ(candidate.SetRSAndWeights(c.surfaces, c.weights, c.errorPrediction), 1);
     EXPECT_EQ(candidate.GetIsErrPredRequired(), c.errorPrediction);
-    EXPECT_EQ(Values(candidate), (std::vector<double>{4}));
+    EXPECT_EQ(Values(candidate), (Vector{4}));
     EXPECT_EQ(candidate.GetRSWeight(0), 0.5);
   }
   EXPECT_EQ(CFittingCandidate().AddRSAndWeight(nullptr, 1), 1);
@@ -241,6 +229,10 @@ TEST(FittingCandidates, AssigningOverElementsSharesAndGrowingClones) {
   EXPECT_EQ(target.GetCandidatePtr(-1), nullptr);
   target.SetCandidateIdxForEvaluation(1);
   EXPECT_EQ(target.GetEvaluationCandidatePtr(), nullptr);
+  // After a reset the first one counts again.
+  target.ResetData();
+  target.AddFittingCandidate(*empty.GetCandidatePtr(0));
+  EXPECT_NE(target.GetEvaluationCandidatePtr(), nullptr);
   CRSData negative;
   negative.NumberOfInputVariables = -2;
   EXPECT_EQ(target.GenerateCandidateFromCRSData(&negative), 1);

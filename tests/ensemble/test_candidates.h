@@ -2,18 +2,15 @@
 
 // Small candidates of constant surfaces, as the ensemble tests need them.
 
-#include <memory>
-#include <vector>
-
 #include "pxrom/constant.h"
 #include "pxrom/fitting_candidates.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 
 inline CConstantData Constant(double value, int inputs) {
   CConstantData data;
-  data.NumberOfInputVariables = inputs;
-  data.ReadyForEvaluation = true;
+  MakeReady(data, inputs);
   data.SetConstantValue(value);
   return data;
 }

@@ -31,6 +31,7 @@ TEST(KrigingData, IsAllRightLooksAtEachPart) {
       [](CKrigingData& r) { r.CorrelationKernels.pop_back(); },
   };
   std::mt19937 random(1U);
+  EXPECT_TRUE(literal::RandomKriging(random, 1, PolyNone, 5, 2, false).IsAllRight());
   for (const auto change : changes) {
     CKrigingData record = literal::RandomKriging(random, 1, PolyFullQuadratic, 5, 2, false);
     record.InvC.clear();  // not looked at
@@ -67,6 +68,10 @@ TEST(KrigingData, ScalingFactorsKeepTheirUnevenRules) {
   const double deviation = std::sqrt(8.0);
   record.ComputeScalingFactorsForInputs();
   EXPECT_EQ(record.InputScaleIntercepts[0], -(1 / deviation) * 3.0);
+  // What was there before is gone.
+  EXPECT_EQ(record.InputScaleSlopes.size() + record.InputScaleIntercepts.size(), 8U);
+  record.ComputeScalingFactorsForInputsUsingInfNorm();
+  EXPECT_EQ(record.InputScaleSlopes.size() + record.InputScaleIntercepts.size(), 8U);
   record.ComputeScalingFactorForOutput();
   EXPECT_EQ(record.OutputScaleIntercept, -(deviation * 4.0));
   record.NumberOfInputVariables = 5;  // more than the samples have

@@ -89,6 +89,7 @@ TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
       EXPECT_EQ(record.InputSamples, samples) << "case " << &change - &cases[0].second;
     }
   }
+  ExpectEachRefused<CKrigingData>(kEvaluator, SmallRecord(), {1.5}, {}, true);
   Vector gradient = {4.0};
   EXPECT_EQ(kEvaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(nullptr, {}, gradient),
             0);
@@ -121,6 +122,8 @@ TEST(KrigingPredictorError, SumsTheStatusesOfItsSteps) {
          r.InputSamples = {{}, {3.0, 4.0}};
        }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples.pop_back(); }},
+      {1, {{3.0}}, [](CKrigingData& r) { r.NumberOfSamples = -1; }},
+      {1, {{3.0}}, [](CKrigingData& r) { r.NumberOfInputVariables = -1; }},
       {4, {{3.0}, {4.0}}, [](CKrigingData& r) { r.CorrelationKernels.clear(); }},
       // Two pairs of unlike lengths, a ragged matrix, and no trend rows for the error.
       {4, {{3.0}, {4.0, 5.0}}, [](CKrigingData&) {}},

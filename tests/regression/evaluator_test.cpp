@@ -48,44 +48,6 @@ TEST(QRSEvaluator, TheErrorIsWrittenBeforeTheValueIsKnownToBeGood) {
   EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y, error), 1);
 }
 
-// The sum is s everywhere and the gradient of the sum is 1: what comes out is the factor.
-TEST(QRSEvaluator, GradientFactorByTypeOfTheOutput) {
-  const double e = 2.718281828459045;
-  const struct {
-    int type;
-    double s, value, lambda;
-    int status;
-    double factor;
-  } cases[] = {
-      {1, 2.0, 3.0, 0, 0, std::exp(2.0) * 2.0},
-      {2, 2.0, 3.0, 0, 0, (std::log10(e) * 2.0) / (std::log10(3.0) * 2.0)},
-      {3, 2.0, 3.0, 0, 0, 1.0},
-      {4, 2.0, 3.0, 0, 0, (std::log10(e) * 2.0) / 2.0},
-      {5, 4.0, 3.0, 0, 0, 0.5},
-      {5, -4.0, 3.0, 0, 1, 0.0},
-      {6, 2.0, 3.0, 0, 0, 24.0},
-      {6, -2.0, 3.0, 0, 1, 0.0},
-      {7, 4.0, 0.0, 2.0, 0, std::pow(9.0, -0.5) * 2.0},
-      {7, -1.0, 0.0, 2.0, 1, 0.0},
-      {8, 4.0, 0.0, 2.0, 0, std::exp(3.0) * 2.0 * std::pow(9.0, -0.5)},
-      {8, 5.5, 0.0, 0.0, 1, 0.0},
-      {8, -1.0, 0.0, 2.0, 1, 0.0},
-      {9, 2.0, 3.0, 1.0, 0, 0.0},
-      {10, 2.0, 3.0, 1.0, 0, 0.0},
-  };
-  for (const auto& each : cases) {
-    CQRSData record = PlainRecord(1, {{FuncTypeConst, {}, each.s}, {FuncTypeLinear, {0}, 1.0}});
-    record.OutputScaleSlope = 0.5;
-    SetOutputTransform(record, each.type, each.value, each.lambda);
-    Vector gradient = {kUntouched};
-    EXPECT_EQ(
-        kEvaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&record, {0.0}, gradient),
-        each.status);
-    EXPECT_EQ(gradient, Vector{each.status == 0 ? each.factor : kUntouched})
-        << each.type << ", " << each.s;
-  }
-}
-
 TEST(QRSEvaluator, DerivativeAsksOnlyWhetherTheRecordIsReady) {
   CQRSData record = PlainRecord(2, {{FuncTypeLinear, {0}, 0.25}, {FuncTypeCrossQuad, {0, 1}, 2.0}});
   const auto derivative = [&](const CRSData* data, const Vector& x, const Vector& want = {}) {
@@ -98,6 +60,8 @@ TEST(QRSEvaluator, DerivativeAsksOnlyWhetherTheRecordIsReady) {
   record.Stopped = true;
   record.InputTransformType = TransformLogE;  // the inputs are not transformed
   EXPECT_EQ(derivative(&record, {1.0, 2.0}, {4.25, 2.0}), 0);
+  Take(10, record.OutputTransformType);  // no way back, no slope
+  EXPECT_EQ(derivative(&record, {1.0, 2.0}, {0.0, 0.0}), 0);
   EXPECT_GE(derivative(&record, {1.0}), 1);
   EXPECT_GE(derivative(&record, {}), 1);
   EXPECT_EQ(derivative(&record, {1.0, 2.0, 3.0}), 1);

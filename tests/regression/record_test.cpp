@@ -220,12 +220,20 @@ TEST(QRSData, SmallOddities) {
     EXPECT_EQ(out, hasValue ? 0.95 : -7.0);
     out = -7.0;
   }
+  EXPECT_EQ(record.SetRegTermFilterConfVal(0.75), 0);
+  EXPECT_EQ(record.RegTermFilterConfVal, 0.75);
   EXPECT_EQ(record.GetMaxMagnitude({-5.0, -1.0}, 2, out), 0);
   EXPECT_EQ(out, 0.0);
   EXPECT_EQ(record.GetMaxMagnitude({-5.0, 3.0, 4.0}, 2, out), 0);
   EXPECT_EQ(out, 3.0);
   EXPECT_EQ(record.GetMaxMagnitude({-5.0}, 2, out), 1);
   record = PlainRecord(2, kThreeTerms);
+  int count = 0;
+  EXPECT_EQ(record.GetNumberOfRegTerms(count), 0);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(record.GetRegTermNumParam(2, count), 0);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(record.GetRegTermNumParam(3, count), 1);
   Vector status(3, -7.0);
   Vector values(3, -7.0);
   EXPECT_EQ(record.GetAllParamStatusAndVal(2, status.data(), values.data()), 1);

@@ -74,47 +74,6 @@ TEST(Corners, AStoppedListRefusesUntilItIsNoMore) {
   EXPECT_EQ(y, 4.0);
 }
 
-TEST(Corners, TheRegistryCounts) {
-  CDiscreteCombinations model;
-  model.RegisterParameter("a", CausalityInput, ContinuousNotManufacturable, true);
-  model.RegisterParameter("b", CausalityInput, ContinuousManufacturable, false);
-  model.RegisterParameter("c", CausalityInput, DiscreteParameter, true);
-  model.RegisterParameter("d", CausalityInput, DiscreteParameter, false);
-  model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
-  model.RegisterParameter("z", CausalityOutput, ContinuousNotManufacturable, false);
-  EXPECT_EQ(model.OutputParameterCount(), 2U);
-  EXPECT_EQ(model.ContinuousCount(), 4U);
-  EXPECT_EQ(model.ContinuousCount(true), 2U);
-  EXPECT_EQ(model.ContinuousCount(false), 2U);
-  EXPECT_EQ(model.DiscreteCount(), 2U);
-  EXPECT_EQ(model.ListParameterAvailability({"a", "b", "nobody", "z"}),
-            (std::vector<bool>{true, false, false}));
-  EXPECT_EQ(model.DataVersion(), CDiscreteCombinations().DataVersion());
-}
-
-// The base answers 0.0 with its refusal, the families leave what there is.
-template <class Evaluator, class Record>
-void ExpectOwnFamilyOnly(double left = -7.0) {
-  const std::unique_ptr<const CRSEvaluator> clone(Evaluator().Clone());
-  double y = -7.0;
-  CRSData base;
-  EXPECT_EQ(clone->EvaluateResponseSurface(&base, {}, y), 1);
-  EXPECT_EQ(clone->EvaluateResponseSurface(nullptr, {}, y), 1);
-  Record record;  // not ready
-  EXPECT_EQ(clone->EvaluateResponseSurface(&record, {}, y), 1);
-  EXPECT_EQ(y, left);
-}
-
-TEST(Corners, AClonedEvaluatorIsOfItsFamily) {
-  ExpectOwnFamilyOnly<CKrigingEvaluator, CKrigingData>();
-  ExpectOwnFamilyOnly<CQRSEvaluator, CQRSData>();
-  ExpectOwnFamilyOnly<CSVREvaluator, CSVRData>();
-  ExpectOwnFamilyOnly<CMLSEvaluator, CMLSData>();
-  ExpectOwnFamilyOnly<CLBFEvaluator, CLBFData>();
-  ExpectOwnFamilyOnly<CConstantEvaluator, CConstantData>();
-  ExpectOwnFamilyOnly<CRSEvaluator, CRSData>(0.0);
-}
-
 TEST(Corners, RecordsKeepWhatIsSet) {
   CMLSData mls;
   EXPECT_EQ(mls.SetUsedPointOption(UsedPointsExtraPercent, 35.0), 0);
@@ -123,20 +82,6 @@ TEST(Corners, RecordsKeepWhatIsSet) {
   EXPECT_EQ(mls.GetUsedPointOption(option) + mls.GetExtraPointPercent(value), 0);
   EXPECT_EQ(option, UsedPointsExtraPercent);
   EXPECT_EQ(value, 35.0);
-  CQRSData regression;
-  EXPECT_EQ(regression.SetRegTermFilterConfVal(0.75), 0);
-  regression.SetRegTermFilterType(RegTermFilterConfidence2);
-  EXPECT_EQ(regression.GetRegTermFilterConfVal(value), 0);
-  EXPECT_EQ(value, 0.75);
-  LinearTerm term;
-  RegTerm* terms[] = {&term};
-  regression.SetRegTerm(terms, 1);
-  int count = 0;
-  EXPECT_EQ(regression.GetNumberOfRegTerms(count), 0);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(regression.GetRegTermNumParam(0, count), 0);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(regression.GetRegTermNumParam(1, count), 1);
 }
 
 TEST(Corners, ADerivedReaderCatchesListsAndPairs) {

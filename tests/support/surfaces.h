@@ -86,11 +86,13 @@ struct Damage {
   void (*apply)(Record&);
 };
 
-/// Expects that a sound record evaluates, and that each damage is refused, and those that all
-/// families share.
+/// Expects that an evaluator's clone evaluates a sound record, and refuses each damage and those
+/// that all families share.
 template <class Record>
-void ExpectEachRefused(const CRSEvaluator& evaluator, const Record& sound, const Vector& x,
+void ExpectEachRefused(const CRSEvaluator& cloned, const Record& sound, const Vector& x,
                        std::vector<Damage<Record>> damages, bool hasErrors = false) {
+  const std::unique_ptr<const CRSEvaluator> own(cloned.Clone());
+  const CRSEvaluator& evaluator = *own;
   ASSERT_FALSE(std::isnan(Value(evaluator, sound, x)));
   damages.push_back({"not ready", [](Record& r) { r.ReadyForEvaluation = false; }});
   damages.push_back({"stopped", [](Record& r) { r.Stopped = true; }});
