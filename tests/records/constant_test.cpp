@@ -71,7 +71,8 @@ TEST(Constant, ResetsItsBaseToo) {
 }
 
 TEST(BaseEvaluator, WritesZerosAndRefusesValues) {
-  const CRSEvaluator evaluator;
+  const std::unique_ptr<const CRSEvaluator> clone(CRSEvaluator().Clone());
+  const CRSEvaluator& evaluator = *clone;
   CRSData data;
   data.NumberOfInputVariables = 1;
   data.ReadyForEvaluation = true;
