@@ -231,8 +231,8 @@ TEST(FittingCandidates, AssigningOverElementsSharesAndGrowingClones) {
   target.SetCandidateIdxForEvaluation(1);
   EXPECT_EQ(target.GetEvaluationCandidatePtr(), nullptr);
   // After a reset the first one counts again.
-  target.ResetData();
-  target.AddFittingCandidate(*empty.GetCandidatePtr(0));
+  EXPECT_EQ(target.ResetData(), 0);
+  EXPECT_EQ(target.AddFittingCandidate(*empty.GetCandidatePtr(0)), 0);
   EXPECT_NE(target.GetEvaluationCandidatePtr(), nullptr);
   CRSData negative;
   negative.NumberOfInputVariables = -2;
