@@ -132,6 +132,8 @@ TEST(MovingLeastSquares, TheReferenceDistanceIsThatOfTheNextNearestSample) {
   }
   record.NumberOfBasisFunctions = 4;
   EXPECT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 1);
+  record.NumberOfSamples = 5;
+  EXPECT_EQ(kEvaluator.ComputeWeights(&record, {0}, weights), 1);
   // A distance that is NaN counts as the farthest, wherever it stands.
   record = SmallRecord();
   record.InputSamples = {{1}, {2}, {3}, {kNaN}};

@@ -66,6 +66,14 @@ TEST(RegTerms, RefuseWhatIsNotSetOrOutsideAndWriteNothing) {
     term->SetInactive();
     EXPECT_EQ(Ask(*term, x).valueStatus, 0);
   }
+  // Without a coefficient, and yet a design row.
+  for (const auto type : {FuncTypePureQuad, FuncTypeCrossQuad, FuncTypeCrossPoly}) {
+    const auto term = MakeTerm({type, {0, 1}, c});
+    term->ResetParamVal();
+    const Answers a = Ask(*term, x);
+    EXPECT_TRUE(a.valueStatus == 1 && a.gradientStatus == 1 && a.rowStatus == 0) << type;
+    EXPECT_EQ(a.gradient, untouched);
+  }
   LinearTerm bare;
   EXPECT_EQ(Ask(bare, x).rowStatus, 1);
   const int index = 1;
