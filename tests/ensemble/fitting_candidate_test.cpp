@@ -228,7 +228,7 @@ TEST(FittingCandidates, AssigningOverElementsSharesAndGrowingClones) {
   EXPECT_EQ(two.GetEvaluationCandidatePtr(), nullptr);
   EXPECT_EQ(two.GetCandidatePtr(0), nullptr);
   EXPECT_EQ(target.GetCandidatePtr(-1), nullptr);
-  target.SetCandidateIdxForEvaluation(1);
+  EXPECT_EQ(target.SetCandidateIdxForEvaluation(1), 0);
   EXPECT_EQ(target.GetEvaluationCandidatePtr(), nullptr);
   // After a reset the first one counts again.
   EXPECT_EQ(target.ResetData(), 0);
