@@ -90,7 +90,7 @@ TEST(Registry, RanksAreReplacedPairByPair) {
   EXPECT_EQ(rank("a"), 1);
   EXPECT_EQ(study.SetRegistrationRank({{"a", 5}, {"b", -5}}), 0);
   EXPECT_EQ(rank("b"), -5);
-  study.RegisterParameter("a", CausalityOutput, DiscreteParameter, false);
+  EXPECT_EQ(study.RegisterParameter("a", CausalityOutput, DiscreteParameter, false), 0);
   EXPECT_EQ(rank("a"), 2);
   EXPECT_FALSE(study.IsEnabled("a"));
 }
