@@ -82,8 +82,8 @@ TEST(Distributions, FunctionsAgreeWithReference) {
     const Rows rows = Reference(c.table);
     EXPECT_GE(rows.size(), 7U);
     for (const Row& row : rows) {
-      const bool isCycle = row[0] == 0.5 && row[2] == 0.5;  // see LimitCycle
-      if (isCycle && c.table == std::string("beta_quantile")) continue;
+      const bool isQuantile = c.table == std::string("beta_quantile");
+      if (isQuantile && row[0] == 0.5 && row[2] == 0.5) continue;  // see LimitCycle
       double value = kNan;
       EXPECT_EQ(c.evaluate(row, value), 0) << c.table << testing::PrintToString(row);
       EXPECT_TRUE(IsNear(value, row.back(), c.relative, c.absolute))

@@ -4,7 +4,8 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 TEST(PredictorError, AgreesWithScipy) {
-  for (const auto& each : ReferenceData("regression/reference.json")["errors"]) {
+  const auto reference = ReferenceData("regression/reference.json");
+  for (const auto& each : reference["errors"]) {
     std::vector<TermSpec> specs;
     for (const auto& indices : each["terms"]) {
       const E_FuncType types[] = {FuncTypeConst, FuncTypeLinear, FuncTypeCrossQuad};

@@ -21,7 +21,8 @@ std::pair<double, int> Step(int type, bool forward, double x, double value, doub
 }
 
 TEST(Transformers, AgreeWithScipyBothWays) {
-  for (const auto& row : ReferenceData("regression/reference.json")["transforms"]) {
+  const auto reference = ReferenceData("regression/reference.json");
+  for (const auto& row : reference["transforms"]) {
     const Vector r = row.get<Vector>();
     const int type = static_cast<int>(r[0]);
     const auto [z, forward] = Step(type, true, r[2], r[1], r[1]);
