@@ -1,4 +1,3 @@
-#include <iostream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -59,11 +58,7 @@ void Format(const FormatOptions& options) {
     RefuseToWrite(options.model, reason);
   }
   text += FmuGroup(options.model, ReadTextFile(options.model));
-  if (options.out.empty()) {
-    std::cout << text;
-  } else {
-    WriteTextFile(options.out, text);
-  }
+  WriteTextFile(options.out, text);
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "model_file.h"
 #include "overview.h"
 #include "pxrom/inspection.h"
-#include "refusal.h"
 #include "table.h"
 #include "wording.h"
 
@@ -135,18 +134,15 @@ void PrintJson(const InfoOptions& options, const pxrom::CInspectionReport& repor
 }
 
 void Info(const InfoOptions& options) {
-  const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(ReadTextFile(options.model));
-  if (report.overview.parameters.empty() && report.overview.combinations.empty()) {
-    throw Refusal(Quoted(options.model) + " is no database of fitted models");
-  }
+  const pxrom::CInspectionReport report = InspectModel(options.model, ReadTextFile(options.model));
   if (options.json) {
     PrintJson(options, report);
   } else {
     PrintText(options, report.overview);
   }
   if (report.errors > 0) {
-    std::cerr << "pxrom info: note: the database is damaged (" << report.errors
-              << (report.errors == 1 ? " error" : " errors") << "), pxrom check tells where\n";
+    std::cerr << "pxrom info: note: the database is damaged (" << Counted(report.errors, "error")
+              << "), pxrom check tells where\n";
   }
 }
 

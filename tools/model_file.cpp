@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <iterator>
 
 #include "pxrom/database_labels.h"
-#include "pxrom/inspection.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -51,6 +51,10 @@ std::string ReadTextFile(const std::string& path) {
 }
 
 void WriteTextFile(const std::string& path, const std::string& text) {
+  if (path.empty()) {
+    std::cout << text;
+    return;
+  }
   errno = 0;
   std::ofstream file(path, std::ios::binary);
   file << text;
@@ -59,6 +63,14 @@ void WriteTextFile(const std::string& path, const std::string& text) {
     throw Refusal("can't write to " + Quoted(path) + ": " +
                   (errno != 0 ? std::strerror(errno) : "writing failed"));
   }
+}
+
+pxrom::CInspectionReport InspectModel(const std::string& path, const std::string& text) {
+  pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(text);
+  if (report.overview.parameters.empty() && report.overview.combinations.empty()) {
+    throw Refusal(Quoted(path) + " is no database of fitted models");
+  }
+  return report;
 }
 
 std::unique_ptr<Model> ReadModel(const std::string& path) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "pxrom/discrete_combinations.h"
+#include "pxrom/inspection.h"
 
 namespace pxrom_command {
 
@@ -14,9 +15,13 @@ using Model = Tarvane::Plexura::PXROM::CDiscreteCombinations;
 std::ifstream OpenFile(const std::string& path);
 /// The bytes of a file. Refusal when it can't be read.
 std::string ReadTextFile(const std::string& path);
-/// Writes a file anew. Refusal when it can't be.
+/// Writes a file anew, or to the standard output where `path` is empty. Refusal when it can't be.
 void WriteTextFile(const std::string& path, const std::string& text);
 
+/// What an inspection finds in the text of the file `path`. Refusal when that is no database at
+/// all.
+Tarvane::Plexura::PXROM::CInspectionReport InspectModel(const std::string& path,
+                                                        const std::string& text);
 /// The model of a database file. Refusal when the file can't be read or holds no model.
 std::unique_ptr<Model> ReadModel(const std::string& path);
 

@@ -2,18 +2,13 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "command.h"
 #include "model_file.h"
-#include "pxrom/inspection.h"
-#include "refusal.h"
 #include "report_page.h"
 #include "wording.h"
 
 namespace pxrom_command {
-
-namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
@@ -22,24 +17,12 @@ struct ReportOptions {
   std::string out;
 };
 
-void Write(const ReportOptions& options, const std::string& page) {
-  if (options.out.empty()) {
-    std::cout << page;
-  } else {
-    WriteTextFile(options.out, page);
-  }
-}
-
 void Report(const ReportOptions& options) {
   ReportedStudy study;
   study.file = std::filesystem::path(options.model).filename().string();
   study.text = ReadTextFile(options.model);
-  study.inspection = pxrom::InspectPXROMDatabase(study.text);
-  const pxrom::CDatabaseOverview& overview = study.inspection.overview;
-  if (overview.parameters.empty() && overview.combinations.empty()) {
-    throw Refusal(Quoted(options.model) + " is no database of fitted models");
-  }
-  Write(options, ReportPage(study));
+  study.inspection = InspectModel(options.model, study.text);
+  WriteTextFile(options.out, ReportPage(study));
   if (study.inspection.errors > 0) {
     std::cerr << "pxrom report: the database is damaged ("
               << Counted(study.inspection.errors, "error")
