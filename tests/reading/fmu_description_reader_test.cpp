@@ -32,12 +32,9 @@ std::string Document(const std::string& variables) {
 
 TEST(FMUDescriptionReader, ReadsRealModelDescriptions) {
   const struct {
-    std::string file;
-    std::string guid;
-    int reals;
-    int integers;
-    std::size_t inputs;
-    std::size_t outputs;
+    std::string file, guid;
+    int reals, integers;
+    std::size_t inputs, outputs;
     std::string lastOutput;
   } cases[] = {
       {"BouncingBall", "{1AE5E10D-9521-4DE3-80B9-D0EAAA7D5AF1}", 16, 0, 0, 2, "v"},
@@ -97,8 +94,7 @@ TEST(FMUDescriptionReader, DamagedTextsGiveWhatIsThere) {
   const std::string root = "<fmiModelDescription ";
   const std::string variable = root + "<ModelVariables><ScalarVariable ";
   const struct {
-    std::string text;
-    std::string guid;
+    std::string text, guid;
     std::map<std::string, int> references;
     int reals;
   } cases[] = {{"", "", {}, 0},
@@ -147,16 +143,13 @@ TEST(FMUDescriptionReader, TextsWithoutWhatTheyPromiseTakeNoQuadraticTimeOrMemor
   EXPECT_LT(parsed("<ScalarVariable name= </ScalarVariable>", "").size(), 20U);
 }
 
-TEST(FMUDescriptionReader, CopiesAndClonesAnswerTheSame) {
+TEST(FMUDescriptionReader, CopiesAndClonesHaveTheTextTooUnlikeOtherReaders) {
   auto reader = Parsed(Document(Variable("name=\"a\" valueReference=\"1\"", "Real")));
   CReaderFMUModelDescription copy(reader);
   const std::unique_ptr<CReaderFMUModelDescription> clone(reader.Clone());
   std::string none;
   reader.ReadDataStream(none);
   for (CReaderFMUModelDescription* other : {&copy, clone.get()}) {
-    EXPECT_EQ(other->GetGUID(), "{g}");
-    EXPECT_EQ(other->ListParameterImmutableID(), Names{"a"});
-    // The text is copied too, unlike that of other readers.
     other->ParseFMUModelDescription();
     EXPECT_EQ(other->GetNumberOfReals(), 4);
   }

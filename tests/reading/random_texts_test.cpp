@@ -1,12 +1,14 @@
-// What the fuzz targets promise of any text, on odd and random ones: numbers, lists, pairs and
-// groups read as the slow engine reads them, and no sequence of its words breaks the reader of FMI
-// files.
+// Odd and random texts: numbers, lists, pairs and groups read as the slow engine reads them, and no
+// sequence of its words breaks the reader of FMI files.
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <random>
 #include <sstream>
 
+#include "literal/reading_literal.h"
+#include "reading/database_text.h"
 #include "targets.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -46,6 +48,15 @@ TEST(OddTokens, ReadAsAStreamReadsThem) {
   }
 }
 
+std::string RandomText(const std::vector<std::string>& pieces, std::size_t most,
+                       std::mt19937& random) {
+  std::string text;
+  for (std::size_t count = random() % most; count > 0; --count) {
+    text += pieces[random() % pieces.size()];
+  }
+  return text;
+}
+
 TEST(RandomTexts, ReadAsTheSlowEngineReadsThem) {
   const char* const lists[] = {
       "0|1|2|3|4|5|6|7|8|9|0|1|2|3|4|5|6|7|8|9|0|0|.|.|e|e|+|-|-|E| |x|,|\r",
@@ -57,13 +68,62 @@ TEST(RandomTexts, ReadAsTheSlowEngineReadsThem) {
   for (const char* const list : lists) {
     const std::vector<std::string> pieces = Split(list);
     for (int round = 0; round < 10000; ++round) {
-      std::string text;
-      for (std::size_t count = random() % 40; count > 0; --count) {
-        text += pieces[random() % pieces.size()];
-      }
+      const std::string text = RandomText(pieces, 40, random);
       const int lower = static_cast<int>(random() % 16);
       const int upper = static_cast<int>(random() % 100);
       EXPECT_NO_THROW(fuzz::RunTokens(InRange(lower, upper, text))) << text;
+    }
+  }
+}
+
+// Decimals of up to 20 digits, and odd numbers of 54 bits over a power of two, which lie in the
+// middle between two doubles.
+TEST(RandomTexts, OfDecimalsReadToTheNearestDouble) {
+  const std::vector<std::string> digits = Split("0|1|2|3|4|5|6|7|8|9");
+  std::mt19937 random(13);
+  std::uniform_int_distribution<long long> middle(1LL << 53, (1LL << 54) - 1);
+  for (int round = 0; round < 200; ++round) {
+    std::string list;
+    for (int i = 0; i < 100; ++i) {
+      std::string decimal = RandomText(digits, 21, random);
+      if (!decimal.empty()) decimal.insert(random() % decimal.size(), ".");
+      const int places = static_cast<int>(random() % 4);
+      char text[64];
+      std::snprintf(text, sizeof text, "%.*Lf", places,
+                    static_cast<long double>(middle(random) | 1) / (1 << places));
+      list += "-" + decimal + ',' + text + ',';
+    }
+    EXPECT_NO_THROW(fuzz::RunTokens(InRange(0, 64, list))) << list;
+  }
+}
+
+// Tags, keys and line ends are looked up in whole databases, where plain searches walk.
+TEST(RandomTexts, OfTagsReadTheSameWithAnIndex) {
+  const std::vector<std::string> pieces = Split(
+      "<FMU>|</FMU>|<FMU ID=1>|<FMU ID=12>|<FMU ID=1|a=|ba=|=|\n|\n|1|2.5|,|{x;1}|<|>|</| |\r|"
+      "word|;");
+  std::mt19937 random(5);
+  for (int round = 0; round < 20000; ++round) {
+    const std::string text = RandomText(pieces, 40, random);
+    const std::size_t lower = random() % (text.size() + 1);
+    const std::size_t upper = random() % 4 == 0 ? std::string::npos : random() % (text.size() + 2);
+    reading::DatabaseText indexed(text);
+    indexed.Index();
+    for (const char* const opening : {"<FMU>", "<FMU ID=1>"}) {
+      reading::Bounds bounds;
+      std::size_t start = 0;
+      std::size_t end = 0;
+      EXPECT_EQ(indexed.SearchBounds(opening, "</FMU>", lower, bounds),
+                literal::SearchBounds(text, opening, "</FMU>", lower, start, end));
+      EXPECT_EQ(bounds.lower, start) << text;
+      EXPECT_EQ(bounds.upper, end) << text;
+    }
+    reading::AttributeRange range(indexed, {lower, upper});
+    for (const char* const key : {"a=", "ba=", "="}) {
+      std::string slow = "none";
+      std::string_view value = "none";
+      EXPECT_EQ(range.Find(key, value), literal::CatchKeyValue(text, key, slow, lower, upper));
+      EXPECT_EQ(value, slow) << text;
     }
   }
 }
@@ -74,10 +134,7 @@ TEST(RandomTexts, OfFmiWordsBreakNothing) {
       "numberOfContinuousStates=|name=|valueReference=|causality=|input|<Real|<Integer|\"|12");
   std::mt19937 random(5);
   for (int round = 0; round < 20000; ++round) {
-    std::string text = "<fmiModelDescription<ModelVariables";
-    for (std::size_t count = random() % 24; count > 0; --count) {
-      text += words[random() % words.size()];
-    }
+    const std::string text = "<fmiModelDescription<ModelVariables" + RandomText(words, 24, random);
     EXPECT_NO_THROW(fuzz::RunFmu(text.substr(0, text.size() - random() % 4))) << text;
   }
 }
