@@ -75,8 +75,12 @@ TEST(Refusals, RegistryAndCombinations) {
     model.RegisterParameter(blank, CausalityInput, ContinuousManufacturable, true);
     ExpectRefused(model, "the ID of the only parameter is blank");
   }
-  const auto id = [](const char* name) {
-    return [name](Model& m) { m.RegisterParameter(name, CausalityInput, DerivedParameter, true); };
+  const auto parameter = [](const char* id, E_ParameterCausality causality, E_ParameterType type,
+                            bool enabled = true) {
+    return [=](Model& m) { m.RegisterParameter(id, causality, type, enabled); };
+  };
+  const auto id = [&](const char* name) {
+    return parameter(name, CausalityInput, DerivedParameter);
   };
   const auto infos = [](const char* name, const char* unit, const char* caption, double upper = 0,
                         double lower = 0) {
@@ -84,22 +88,16 @@ TEST(Refusals, RegistryAndCombinations) {
   };
   const std::vector<Damage<Model>> damages = {
       {"the ID \"a,b\" holds \",\", which separates values", id("a,b")},
-      {"the ID \"a;b\" holds \";\", which separates values", id("a;b")},
       {"the ID \"{a\" holds \"{\", which separates values", id("{a")},
-      {"the ID \"a}\" holds \"}\", which separates values", id("a}")},
       {"the ID \"a?b\" holds a line end", id("a\nb")},
       {"the ID \"a?\" holds a line end", id("a\r")},
       {"the ID \"Units=\" holds the key \"Units=\"", id("Units=")},
       {"the ID \"ShellTypes=4\" holds the key \"Types=\"", id("ShellTypes=4")},
       {"the ID \"</ParameterRegistry>\" holds the tag \"</ParameterRegistry>\"",
        id("</ParameterRegistry>")},
-      {"the ID \"a<DiscreteSets>\" holds the tag \"<DiscreteSets>\"", id("a<DiscreteSets>")},
       {"the ID \"<PlexuraData ID=0>\" holds the tag \"<PlexuraData ID=\"",
        id("<PlexuraData ID=0>")},
       {"the unit of \"x\" holds \",\", which separates values", infos("x", "m,s", "")},
-      {"the unit of \"x\" holds the key \"Captions=\"", infos("x", "Captions=", "")},
-      {"the caption of \"x\" holds \"}\", which separates values", infos("x", "", "a}")},
-      {"the caption of \"x\" holds a line end", infos("x", "", "a\r\n")},
       {"the caption of \"k\" holds the key \"UpperBounds=\"", infos("k", "", "UpperBounds=5")},
       {"the caption of \"y\" holds the tag \"<FMU>\"", infos("y", "", "<FMU>")},
       {"a bound of \"x\" is not finite", infos("x", "", "", kNaN)},
@@ -108,15 +106,11 @@ TEST(Refusals, RegistryAndCombinations) {
       {"\"k\" is not continuous, but has a unit or bounds", infos("k", "", "", 2)},
       {"\"k\" is not continuous, but has a unit or bounds", infos("k", "", "", 0, -0.0)},
       {"a combination has 1 discrete values, but there are 2 enabled discrete inputs",
-       [](Model& m) { m.RegisterParameter("n", CausalityInput, DiscreteParameter, true); }},
+       parameter("n", CausalityInput, DiscreteParameter)},
       {"the combination at k=4 has 1 outputs, but 2 are enabled",
-       [](Model& m) {
-         m.RegisterParameter("z", CausalityOutput, ContinuousNotManufacturable, true);
-       }},
+       parameter("z", CausalityOutput, ContinuousNotManufacturable)},
       {"the combination at k=4 has 1 outputs, but 0 are enabled",
-       [](Model& m) {
-         m.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, false);
-       }},
+       parameter("y", CausalityOutput, ContinuousNotManufacturable, false)},
       {"the output \"y}\" holds \"}\", which separates values",
        [](Model& m) {
          m.RegisterDiscreteCombination({{"k", 5}}, {{"y}", ListOf(SoundCandidate())}});
@@ -194,8 +188,6 @@ TEST(Refusals, Candidates) {
       {"CandidateInputSamples is not a matrix of 2 rows and -1 columns, as the counts beside it "
        "say",
        set(&Candidate::SetNumberOfInputVariables, -1)},
-      {"CandidateOutputSamples holds a number that is not finite",
-       set(&Candidate::SetOutputSamples, Values{1, kNaN})},
       {"CandidateOutputScaleSlope holds a number that is not finite",
        set(&Candidate::SetOutputScaleSlope, kInf)},
       {"its version is 170, but candidates always read as version 192",
@@ -250,16 +242,12 @@ TEST(Refusals, BaseRecords) {
   ExpectEachRefused<CConstantData>({
       {"InputSamples is not a matrix of 2 rows and 1 columns, as the counts beside it say",
        Set(&CConstantData::InputSamples, Rows{{0.25}, {0.5, 0}})},
-      {"InputSamples is not a matrix of 1 rows and 1 columns, as the counts beside it say",
-       Set(&CConstantData::NumberOfSamples, 1)},
       {"InputSamples is not a matrix of -2 rows and 1 columns, as the counts beside it say",
        Set(&CConstantData::NumberOfSamples, -2)},
       {"InputSamples holds a number that is not finite",
        Set(&CConstantData::InputSamples, Rows{{0.25}, {kInf}})},
       {"InputScaleSlopes holds a number that is not finite",
        Set(&CConstantData::InputScaleSlopes, Values{kNaN})},
-      {"OutputScaleIntercept holds a number that is not finite",
-       Set(&CConstantData::OutputScaleIntercept, -kInf)},
       {"ConstantValue holds a number that is not finite",
        [](CConstantData& r) { r.SetConstantValue(kNaN); }},
       {"its RSDataVersion is none that a reader restores", Set(&CRSData::RSDataVersion_, 170)},
@@ -293,7 +281,6 @@ TEST(Refusals, Families) {
       {"SVREpsilonValue is not between 0 and 1", Set(&CSVRData::EpsilonValue, 1)},
       {"SVRNuValue is not between 0 and 1", Set(&CSVRData::NuValue, kNaN)},
       {"SVRConstantValue is not above 0", Set(&CSVRData::ConstantValue, 0)},
-      {"SVRConstantValue holds a number that is not finite", Set(&CSVRData::ConstantValue, kNaN)},
   });
   const char* const percent =
       "an MLSExtraPointPercent other than 0 needs option 3 and must not be -1";
@@ -332,7 +319,6 @@ TEST(Refusals, RegressionRecords) {
        All(saved, Set(&CQRSData::NumberOfSelectedRegTerms, 1),
            Set(&CQRSData::InvXtX, Rows{{1, 0}, {0, 1}}))},
       {"it counts terms that are not there", counted(2)},
-      {"it counts terms that are not there", counted(-1)},
       {"RegTerm 1: the term is missing", terms({&plain, nullptr})},
       {"RegTerm 0: no database holds a term of this kind", terms({&product})},
       {"RegTerm 0: coefficientValue holds a number that is not finite", terms({&infinite})},
