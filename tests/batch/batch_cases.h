@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <string>
@@ -15,7 +15,9 @@
 #include "batch/prepared_model_access.h"
 #include "pxrom/batch.h"
 #include "pxrom/fitting_candidates.h"
+#include "support/model_files.h"
 #include "support/random_models.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 
@@ -30,11 +32,6 @@ struct Table {
 
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// Same bits, or both no number.
-inline bool AreSame(double a, double b) {
-  return std::isnan(a) ? std::isnan(b) : std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 /// The instruction sets that this machine has.
 inline std::vector<lanes::InstructionSet> InstructionSets() {
   std::vector<lanes::InstructionSet> sets;
@@ -46,8 +43,8 @@ inline std::vector<lanes::InstructionSet> InstructionSets() {
 }
 
 /// A model of one output "y" with the given candidate, and inputs that sort as x00, x01, ...
-inline void FillModel(const CFittingCandidate& candidate, int inputs,
-                      CDiscreteCombinations& model) {
+inline CDiscreteCombinations ModelOf(const CFittingCandidate& candidate, int inputs) {
+  CDiscreteCombinations model;
   for (int i = 0; i < inputs; ++i) {
     const std::string id = "x" + std::string(i < 10 ? "0" : "") + std::to_string(i);
     model.RegisterParameter(id, CausalityInput, ContinuousNotManufacturable, true);
@@ -55,19 +52,38 @@ inline void FillModel(const CFittingCandidate& candidate, int inputs,
   model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
   auto list = std::make_unique<CFittingCandidates>();
   list->AddFittingCandidate(candidate);
-  ASSERT_EQ(model.RegisterDiscreteCombination({}, {{"y", list.release()}}), 0);
+  EXPECT_EQ(model.RegisterDiscreteCombination({}, {{"y", list.release()}}), 0);
+  return model;
 }
 
-inline void FillModel(const CRSData& surface, CDiscreteCombinations& model) {
+inline CDiscreteCombinations ModelOf(const CRSData& surface) {
   CFittingCandidates list;
-  ASSERT_EQ(list.GenerateCandidateFromCRSData(&surface), 0);
-  FillModel(*list.GetEvaluationCandidatePtr(), surface.NumberOfInputVariables, model);
+  EXPECT_EQ(list.GenerateCandidateFromCRSData(&surface), 0);
+  return ModelOf(*list.GetEvaluationCandidatePtr(), surface.NumberOfInputVariables);
 }
 
-inline CPreparedModel Prepared(const CDiscreteCombinations& model) {
+/// Calls `check` with each model that was fitted to data.
+template <class Check>
+void ForEachFittedModel(Check check) {
+  int models = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(PXROM_TEST_DATA "/models")) {
+    if (!entry.is_directory()) continue;
+    SCOPED_TRACE(entry.path().filename().string());
+    CDiscreteCombinations model;
+    ASSERT_NO_FATAL_FAILURE(ReadModel((entry.path() / "model.pxdb").string(), model));
+    ASSERT_NO_FATAL_FAILURE(check(model));
+    ++models;
+  }
+  EXPECT_GE(models, 11);
+}
+
+using DiscreteValues = std::vector<std::pair<std::string, int>>;
+
+inline CPreparedModel Prepared(const CDiscreteCombinations& model,
+                               const DiscreteValues& discrete = {}) {
   CPreparedModel prepared;
   std::string reason;
-  EXPECT_EQ(CPreparedModel::Prepare(model, {}, prepared, &reason), 0) << reason;
+  EXPECT_EQ(CPreparedModel::Prepare(model, discrete, prepared, &reason), 0) << reason;
   return prepared;
 }
 
@@ -116,7 +132,7 @@ inline void ExpectAsEvaluated(const CPreparedModel& model,
       for (std::size_t at = 0; at < wanted.size(); ++at) {
         const double allowed = tolerance * largest[at % outputs.size()];
         const auto isNear = [=](double a, double b) {
-          return AreSame(a, b) || (tolerance > 0.0 && std::fabs(a - b) <= allowed);
+          return SameBits(a, b) || (tolerance > 0.0 && std::fabs(a - b) <= allowed);
         };
         ASSERT_PRED2(isNear, got[at], wanted[at]) << "at " << at;
       }
@@ -138,6 +154,12 @@ inline void ExpectAsEvaluated(const CPreparedModel& model,
       }
     }
   }
+}
+
+/// The same of a model's only combination.
+inline void ExpectAsEvaluated(const CDiscreteCombinations& model, const std::vector<double>& points,
+                              std::size_t rows) {
+  ExpectAsEvaluated(Prepared(model), model.GetOutputsWrtDiscCombPtr()->front(), points, rows);
 }
 
 inline std::vector<double> ValuesOf(const CPreparedModel& model,

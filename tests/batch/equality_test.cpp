@@ -4,21 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "batch/batch_cases.h"
-#include "support/model_files.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
-
-namespace fs = std::filesystem;
-
-const CDiscreteCombinations::OutputsByID& OutputsOf(const CDiscreteCombinations& model,
-                                                    const std::vector<int>& key) {
-  const auto& indexing = *model.GetDiscreteCombinationsIndexingPtr();
-  return (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(indexing.at(key))];
-}
 
 /// Rows between the bounds and a little beyond; now and then one that is far away.
 std::vector<double> PointsFor(Draw& draw, const CDiscreteCombinations& model,
@@ -37,23 +27,14 @@ std::vector<double> PointsFor(Draw& draw, const CDiscreteCombinations& model,
 
 void ExpectAsEvaluated(const CDiscreteCombinations& model, std::uint32_t seed, std::size_t rows) {
   Draw draw(seed);
-  const auto& indexing = *model.GetDiscreteCombinationsIndexingPtr();
-  for (const Question& question : QuestionsFor(model, 0.5)) {
-    std::vector<std::pair<int, int>> ranked;
-    for (const auto& [id, value] : question.discrete) {
-      ranked.emplace_back(model.GetRegistrationRank()->at(id), value);
-    }
-    std::sort(ranked.begin(), ranked.end());
-    std::vector<int> key;
-    for (const auto& entry : ranked) key.push_back(entry.second);
-    ASSERT_EQ(indexing.count(key), 1U);
-
-    CPreparedModel prepared;
-    std::string reason;
-    ASSERT_EQ(CPreparedModel::Prepare(model, question.discrete, prepared, &reason), 0) << reason;
+  const auto ids = model.ListEnabledDiscreteParameterWrtRegistrationRank();
+  for (const auto& [key, place] : *model.GetDiscreteCombinationsIndexingPtr()) {
+    DiscreteValues discrete;
+    for (std::size_t i = 0; i < ids.size(); ++i) discrete.emplace_back(ids[i], key[i]);
+    const CPreparedModel prepared = Prepared(model, discrete);
+    const auto& outputs = model.GetOutputsWrtDiscCombPtr()->at(static_cast<std::size_t>(place));
     const std::vector<double> points = PointsFor(draw, model, prepared.InputIDs(), rows);
-    ASSERT_NO_FATAL_FAILURE(
-        tests::ExpectAsEvaluated(prepared, OutputsOf(model, key), points, rows));
+    ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(prepared, outputs, points, rows));
   }
 }
 
@@ -77,15 +58,12 @@ TEST_P(Family, AnswersAsItsEvaluator) {
     SCOPED_TRACE("round " + std::to_string(round));
     const int inputs = draw.Int(1, 6);
     const auto surface = RandomSurface(draw, GetParam(), inputs, draw.Int(60, 140), true);
-    CDiscreteCombinations model;
-    FillModel(*surface, model);
     const std::size_t rows = 45;
     std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, 0, 1);
     // A point on a sample, and one that is no point.
     std::copy_n(surface->InputSamples[7].begin(), inputs, points.begin() + 3 * inputs);
     points[static_cast<std::size_t>(40 * inputs)] = round % 2 == 0 ? kNaN : HUGE_VAL;
-    ASSERT_NO_FATAL_FAILURE(
-        tests::ExpectAsEvaluated(Prepared(model), OutputsOf(model, {}), points, rows));
+    ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*surface), points, rows));
   }
 }
 
@@ -94,16 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Families, Family,
                                          DT_LBFData, DT_ConstantData));
 
 TEST(PreparedModel, AnswersAsEvaluateForFittedModels) {
-  int models = 0;
-  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
-    if (!entry.is_directory()) continue;
-    SCOPED_TRACE(entry.path().filename().string());
-    ++models;
-    CDiscreteCombinations model;
-    ASSERT_NO_FATAL_FAILURE(ReadModel((entry.path() / "model.pxdb").string(), model));
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, 5, 50));
-  }
-  EXPECT_GE(models, 11);
+  ForEachFittedModel([](const auto& model) { ExpectAsEvaluated(model, 5, 50); });
 }
 
 }  // namespace

@@ -3,16 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "batch/batch_cases.h"
-#include "support/model_files.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
   const auto reference = nlohmann::json::parse(ContentOf(PXROM_TEST_DATA "/batch/gradients.json"));
@@ -54,17 +50,10 @@ TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
 }
 
 TEST(Gradients, AreTheDifferencesOfFittedModels) {
-  int models = 0;
-  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
-    if (!entry.is_directory()) continue;
-    SCOPED_TRACE(entry.path().filename().string());
-    ++models;
-    CDiscreteCombinations model;
-    ASSERT_NO_FATAL_FAILURE(ReadModel((entry.path() / "model.pxdb").string(), model));
+  ForEachFittedModel([](const CDiscreteCombinations& model) {
     Draw draw(11);
     for (const Question& question : QuestionsFor(model, 0.5)) {
-      CPreparedModel prepared;
-      ASSERT_EQ(CPreparedModel::Prepare(model, question.discrete, prepared), 0);
+      const CPreparedModel prepared = Prepared(model, question.discrete);
       for (int round = 0; round < 5; ++round) {
         std::vector<double> point;
         std::vector<double> ranges;
@@ -76,8 +65,7 @@ TEST(Gradients, AreTheDifferencesOfFittedModels) {
         ASSERT_NO_FATAL_FAILURE(ExpectGradientsAreDifferences(prepared, point, ranges));
       }
     }
-  }
-  EXPECT_GE(models, 11);
+  });
 }
 
 }  // namespace

@@ -6,35 +6,23 @@
 
 #include "batch/batch_cases.h"
 #include "pxrom/constant.h"
-#include "pxrom/database_reader.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/regression.h"
 #include "pxrom/regression_terms.h"
-#include "pxrom/writer.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
-const CDiscreteCombinations::OutputsByID& Outputs(const CDiscreteCombinations& model) {
-  return model.GetOutputsWrtDiscCombPtr()->front();
-}
-
 CConstantData Constant(double value) {
   CConstantData surface;
-  surface.NumberOfInputVariables = 1;
-  surface.NumberOfSamples = 1;
-  surface.InputSamples = {{0.5}};
+  MakeReady(surface, 1, {{0.5}});
   surface.SetConstantValue(value);
-  surface.ReadyForEvaluation = true;
   return surface;
 }
 
 TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
   const CConstantData surface = Constant(7.0);
-  CDiscreteCombinations plain;
-  FillModel(surface, plain);
-  CPreparedModel prepared = Prepared(plain);
-
+  CPreparedModel prepared = Prepared(ModelOf(surface));
   CDiscreteCombinations discrete;
   discrete.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
   discrete.RegisterParameter("x", CausalityInput, ContinuousNotManufacturable, true);
@@ -43,7 +31,7 @@ TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
   list->GenerateCandidateFromCRSData(&surface);
   ASSERT_EQ(discrete.RegisterDiscreteCombination({{"k", 3}}, {{"y", list.release()}}), 0);
   const struct {
-    std::vector<std::pair<std::string, int>> values;
+    DiscreteValues values;
     const char* reason;
   } cases[] = {
       {{}, "The model has 1 enabled discrete inputs, but 0 discrete values are given."},
@@ -91,7 +79,6 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
     CQRSData record;
     static_cast<CRSData&>(record) = *RandomSurface(draw, DT_QRSData, 3, 40, false);
     record.NumberOfInputVariables = inputs;
-    record.InputSamples.assign(40, std::vector<double>(static_cast<std::size_t>(inputs), 0.5));
     record.InputScaleSlopes = draw.Reals(inputs, 0.5, 2);
     record.InputScaleIntercepts = draw.Reals(inputs, -1, 1);
     // Of inputs below 0 too, with all forms that the transformation has.
@@ -118,43 +105,30 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
     record.Sigma2 = 0.5;
     for (int i = 0; i < 9; ++i) record.InvXtX.push_back(draw.Reals(9, -0.1, 0.1));
     for (std::size_t i = 0; i < 9; ++i) record.InvXtX[i][i] = 2.0;
-    CDiscreteCombinations model;
-    FillModel(record, model);
+    const CDiscreteCombinations model = ModelOf(record);
     const std::size_t rows = 37;
     const std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, -1, 1);
-    const CPreparedModel prepared = Prepared(model);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(prepared, Outputs(model), points, rows));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, points, rows));
 
     const std::vector<double> first(points.begin(), points.begin() + inputs);
-    ASSERT_NO_FATAL_FAILURE(
-        ExpectGradientsAreDifferences(prepared, first, std::vector<double>(first.size(), 1.0)));
+    ASSERT_NO_FATAL_FAILURE(ExpectGradientsAreDifferences(Prepared(model), first,
+                                                          std::vector<double>(first.size(), 1.0)));
   }
 }
 
 // Inputs of one rank are ordered by their values, as Evaluate sorts them.
 TEST(PreparedModel, InputsOfEqualRankChangePlaces) {
   Draw draw(3);
-  CDiscreteCombinations model;
-  FillModel(*RandomSurface(draw, DT_KrigingData, 3, 20, false), model);
-  std::string text;
-  ASSERT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(model, text), 0);
-  const std::size_t rank = text.find("{x02;2}");
-  ASSERT_NE(rank, std::string::npos);
-  text.replace(rank, 7, "{x02;0}");
-  CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
-  CDiscreteCombinations tied;
-  ASSERT_EQ(reader.ResumeDiscreteCombinations(tied), 0);
+  CDiscreteCombinations tied = ModelOf(*RandomSurface(draw, DT_KrigingData, 3, 20, false));
+  tied.SetRegistrationRank({{"x00", 0}, {"x01", 1}, {"x02", 0}, {"y", 3}});
   const CPreparedModel prepared = Prepared(tied);
   for (const std::vector<double>& x :
        {std::vector<double>{0.2, 0.5, 0.8}, {0.8, 0.5, 0.2}, {0.3, 0.3, 0.3}}) {
     std::vector<std::pair<std::string, double>> named;
     std::vector<double> point;
-    for (std::size_t i = 0; i < 3; ++i) {
-      named.emplace_back("x0" + std::to_string(i), x[i]);
-    }
     for (const std::string& id : prepared.InputIDs()) {
       point.push_back(x[static_cast<std::size_t>(id.back() - '0')]);
+      named.emplace_back(id, point.back());
     }
     std::vector<std::pair<std::string, double>> outputs;
     ASSERT_EQ(tied.Evaluate({}, named, outputs), 0);
@@ -191,12 +165,9 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
       candidate.SetCrossValidationData(rows, counts);
       double scale = 0.1;
       candidate.SetDPMinDist(scale);
-      CDiscreteCombinations model;
-      FillModel(candidate, 1, model);
       std::vector<double> points;
       for (int i = 0; i < 40; ++i) points.push_back(0.25 + 0.02 * i);
-      ASSERT_NO_FATAL_FAILURE(
-          ExpectAsEvaluated(Prepared(model), Outputs(model), points, points.size()));
+      ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidate, 1), points, points.size()));
     }
   } while (std::next_permutation(offsets.begin(), offsets.end()));
 }
@@ -207,14 +178,8 @@ TEST(PreparedModel, RecordsOfOneSampleOrTerm) {
   CLBFData basis;
   CQRSData regression;
   for (CRSData* const record : std::initializer_list<CRSData*>{&basis, &regression}) {
-    record->NumberOfInputVariables = 1;
-    record->NumberOfSamples = 1;
-    record->InputSamples = {{0.5}};
-    record->OutputSamples = {3.0};
-    record->InputScaleSlopes = {1.0};
-    record->InputScaleIntercepts = {0.0};
+    MakeReady(*record, 1, {{0.5}}, {3.0});
     record->OutputScaleSlope = 2.0;
-    record->ReadyForEvaluation = true;
   }
   ConstTerm hole;
   const double mark = -9e99;
@@ -222,9 +187,7 @@ TEST(PreparedModel, RecordsOfOneSampleOrTerm) {
   RegTerm* terms[] = {&hole};
   regression.SetRegTerm(terms, 1);
   for (const CRSData* const record : std::initializer_list<const CRSData*>{&basis, &regression}) {
-    CDiscreteCombinations model;
-    FillModel(*record, model);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(Prepared(model), Outputs(model), {0.1, 0.5, 0.9}, 3));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(*record), {0.1, 0.5, 0.9}, 3));
   }
 }
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -12,13 +11,10 @@
 #include "kriging/correlation.h"
 #include "lanes/lanes.h"
 #include "literal/kriging_literal.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
-
-bool AreSame(double a, double b) {
-  return std::isnan(a) ? std::isnan(b) : std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 std::vector<const lanes::Lanes*> LanesWithRows() {
   std::vector<const lanes::Lanes*> all;
@@ -58,9 +54,9 @@ TEST(Rows, CorrelationsAreThoseOfPlainLoops) {
       const double own =
           kriging::CorrelateRows(*correlation, kernels, x.data(), rows, x.size(),
                                  record.CorrelationCoefficients.data(), r.data(), lanes);
-      EXPECT_TRUE(AreSame(own, sum)) << "type " << type << ", round " << round;
+      EXPECT_TRUE(SameBits(own, sum)) << "type " << type << ", round " << round;
       for (std::size_t j = 0; j < r.size(); ++j) {
-        EXPECT_TRUE(AreSame(r[j], expected[j])) << "type " << type << ", round " << round;
+        EXPECT_TRUE(SameBits(r[j], expected[j])) << "type " << type << ", round " << round;
       }
     }
   }
