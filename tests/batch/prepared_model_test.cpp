@@ -21,28 +21,23 @@ CConstantData Constant(double value) {
 }
 
 TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
-  const CConstantData surface = Constant(7.0);
-  CPreparedModel prepared = Prepared(ModelOf(surface));
-  CDiscreteCombinations discrete;
-  discrete.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
-  discrete.RegisterParameter("x", CausalityInput, ContinuousNotManufacturable, true);
-  discrete.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
-  auto list = std::make_unique<CFittingCandidates>();
-  list->GenerateCandidateFromCRSData(&surface);
-  ASSERT_EQ(discrete.RegisterDiscreteCombination({{"k", 3}}, {{"y", list.release()}}), 0);
+  CPreparedModel prepared = Prepared(ModelOf(Constant(7.0)));
+  CDiscreteCombinations beam;
+  ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
   const struct {
     DiscreteValues values;
     const char* reason;
   } cases[] = {
-      {{}, "The model has 1 enabled discrete inputs, but 0 discrete values are given."},
-      {{{"q", 3}}, "The model has no parameter 'q'."},
-      {{{"k", 4}}, "The model has no combination of the discrete values 4."},
+      {{}, "The model has 2 enabled discrete inputs, but 0 discrete values are given."},
+      {{{"q", 3}, {"Holes", 1}}, "The model has no parameter 'q'."},
+      {{{"Holes", 1}, {"Material", 3}},
+       "The model has no combination of the discrete values 1, 3."},
   };
   for (const auto& refused : cases) {
     std::string reason;
-    EXPECT_EQ(CPreparedModel::Prepare(discrete, refused.values, prepared, &reason), 1);
+    EXPECT_EQ(CPreparedModel::Prepare(beam, refused.values, prepared, &reason), 1);
     EXPECT_EQ(reason, refused.reason);
-    EXPECT_EQ(CPreparedModel::Prepare(discrete, refused.values, prepared), 1);
+    EXPECT_EQ(CPreparedModel::Prepare(beam, refused.values, prepared), 1);
   }
   std::string reason;
   EXPECT_EQ(CPreparedModel::Prepare(CDiscreteCombinations(), {}, prepared, &reason), 1);

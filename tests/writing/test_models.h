@@ -27,6 +27,15 @@ inline std::string Written(const CDiscreteCombinations& model) {
   return text;
 }
 
+/// `model` as it reads back, which is then written the same.
+inline CDiscreteCombinations Again(const CDiscreteCombinations& model) {
+  const std::string text = Written(model);
+  CDiscreteCombinations again;
+  EXPECT_EQ(Read(text, again), 0);
+  EXPECT_EQ(Written(again), text);
+  return again;
+}
+
 inline CFittingCandidate CandidateOf(const CRSData& record) {
   CFittingCandidates list;
   list.GenerateCandidateFromCRSData(&record);
