@@ -22,8 +22,8 @@ std::vector<std::string> Split(const char* list) {
 }
 
 /// `text` with the delimiters and the range in which it is read.
-std::string InRange(int lower, int upper, const std::string& text) {
-  return std::string(",;") + static_cast<char>(lower) + static_cast<char>(upper) + text;
+std::string InRange(int lower, int upper, const std::string& text, char outer = ',') {
+  return std::string({outer, ';', static_cast<char>(lower), static_cast<char>(upper)}) + text;
 }
 
 TEST(OddTokens, ReadAsAStreamReadsThem) {
@@ -44,7 +44,9 @@ TEST(OddTokens, ReadAsAStreamReadsThem) {
       {std::string("1\0002", 3), std::string(400, '9'), "0." + std::string(400, '0') + "7",
        "-" + std::string(400, '0') + "7e-3", "0." + std::string(400, '0') + "7e405"});
   for (const std::string& token : tokens) {
-    EXPECT_NO_THROW(fuzz::RunTokens(InRange(0, 64, token))) << token;
+    for (const char outer : {',', '.', '-', 'e'}) {
+      EXPECT_NO_THROW(fuzz::RunTokens(InRange(0, 64, token, outer))) << token << outer;
+    }
   }
 }
 
@@ -95,6 +97,16 @@ TEST(RandomTexts, OfDecimalsReadToTheNearestDouble) {
     }
     EXPECT_NO_THROW(fuzz::RunTokens(InRange(0, 64, list))) << list;
   }
+}
+
+TEST(DatabaseText, BearsSoMuchWorkAndNoMore) {
+  const std::size_t most = reading::WorkAllowedFor(3);
+  reading::DatabaseText text("abc");
+  EXPECT_TRUE(text.Charge(most - 1) && text.Charge(1) && !text.IsExhausted());
+  EXPECT_FALSE(text.Charge(1));
+  EXPECT_FALSE(text.Charge(std::string::npos));
+  EXPECT_FALSE(text.Charge(0));
+  EXPECT_TRUE(text.IsExhausted());
 }
 
 // Tags, keys and line ends are looked up in whole databases, where plain searches walk.
