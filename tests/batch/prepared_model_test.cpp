@@ -81,6 +81,7 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
     record.InputTransformValues.assign(record.InputScaleSlopes.size(), 1.0);
     record.InputLambdas.assign(record.InputScaleSlopes.size(), 0.5 * draw.Int(0, 4));
     std::vector<std::unique_ptr<RegTerm>> terms;
+    std::vector<RegTerm*> pointers;
     for (int k = 0; k < 9; ++k) {
       const int count = draw.Int(1, 5);
       std::vector<int> indices;
@@ -89,11 +90,10 @@ TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
       if (count == 2) terms.push_back(std::make_unique<CrossQuadTerm>());
       if (count > 2) terms.push_back(std::make_unique<CrossPolyTerm>());
       const double coefficient = draw.Real(-3, 3);
-      terms.back()->SetParamVal(1, &coefficient);
-      terms.back()->SetUsedInpVarIdx(count, indices.data());
+      pointers.push_back(terms.back().get());
+      pointers.back()->SetParamVal(1, &coefficient);
+      pointers.back()->SetUsedInpVarIdx(count, indices.data());
     }
-    std::vector<RegTerm*> pointers;
-    for (const auto& term : terms) pointers.push_back(term.get());
     record.SetRegTerm(pointers.data(), 9);
     record.NumberOfSelectedRegTerms = 9;
     record.SavePredictorError = true;

@@ -28,18 +28,29 @@ Rows Reference(const char* table) {
 using Outcome = std::pair<int, double>;
 Outcome Both(int status, const double& written) { return {status, written}; }
 
-/// What a function or an operation writes that has to give 0.
-double Of(int (*function)(const double&, double&), double x) {
+/// Functions and operations of any number of arguments, called with a row.
+using Function = std::function<int(const Row& a, double& out)>;
+Function By(int (*f)(const double&, double&)) {
+  return [f](const Row& a, double& out) { return f(a[0], out); };
+}
+Function By(int (*f)(const double&, const double&, double&)) {
+  return [f](const Row& a, double& out) { return f(a[0], a[1], out); };
+}
+Function By(int (*f)(const double&, const double&, const double&, double&)) {
+  return [f](const Row& a, double& out) { return f(a[0], a[1], a[2], out); };
+}
+Function By(int (StudTDist::*f)(const double&, double&) const) {
+  return [f](const Row& a, double& out) { return (StudTDist(a[0]).*f)(a[1], out); };
+}
+
+/// What `function` writes, which has to give 0.
+template <class F>
+double Of(F function, const Row& arguments) {
   double out = kNan;
-  EXPECT_EQ(function(x, out), 0) << x;
+  EXPECT_EQ(By(function)(arguments, out), 0) << testing::PrintToString(arguments);
   return out;
 }
-double Of(double dof, int (StudTDist::*operation)(const double&, double&) const, double x) {
-  double out = kNan;
-  EXPECT_EQ((StudTDist(dof).*operation)(x, out), 0) << dof << ' ' << x;
-  return out;
-}
-double Quantile(double dof, double p) { return Of(dof, &StudTDist::EvalInvCdf, p); }
+double Quantile(double dof, double p) { return Of(&StudTDist::EvalInvCdf, {dof, p}); }
 
 /// Within `relative` of `expected`, or within `absolute`.
 bool IsNear(double value, double expected, double relative, double absolute) {
@@ -57,31 +68,23 @@ TEST(Distributions, FunctionsAgreeWithReference) {
   const struct {
     const char* table;
     double relative, absolute;
-    int (*evaluate)(const Row& a, double& out);
+    Function evaluate;
   } kCases[] = {
-      {"gamma_ln", 1e-9, 2e-10, [](const Row& a, double& out) { return GammaLn(a[0], out); }},
-      {"gamma_p", 3e-7, 0.0,
-       [](const Row& a, double& out) { return IncompleteGammaP(a[0], a[1], out); }},
-      {"beta_function", 1e-10, 0.0,
-       [](const Row& a, double& out) { return BetaFunction(a[0], a[1], out); }},
-      {"beta_cdf", 1e-7, 0.0,
-       [](const Row& a, double& out) { return IncompleteBetaRatio(a[0], a[1], a[2], out); }},
-      {"gauss_cdf", 3e-7, 3e-17, [](const Row& a, double& out) { return StdGaussCdf(a[0], out); }},
-      {"gauss_quantile", 3e-8, 1e-9,
-       [](const Row& a, double& out) { return StdGaussInvCdf(a[0], out); }},
-      {"student_pdf", 1e-11, 0.0,
-       [](const Row& a, double& out) { return StudTDist(a[0]).EvalPdf(a[1], out); }},
-      {"student_cdf", 0.0, 4e-7,
-       [](const Row& a, double& out) { return StudTDist(a[0]).EvalCdf(a[1], out); }},
+      {"gamma_ln", 1e-9, 2e-10, By(&GammaLn)},
+      {"gamma_p", 3e-7, 0.0, By(&IncompleteGammaP)},
+      {"beta_function", 1e-10, 0.0, By(&BetaFunction)},
+      {"beta_cdf", 1e-7, 0.0, By(&IncompleteBetaRatio)},
+      {"gauss_cdf", 3e-7, 3e-17, By(&StdGaussCdf)},
+      {"gauss_quantile", 3e-8, 1e-9, By(&StdGaussInvCdf)},
+      {"student_pdf", 1e-11, 0.0, By(&StudTDist::EvalPdf)},
+      {"student_cdf", 0.0, 4e-7, By(&StudTDist::EvalCdf)},
       // Where the step ends the iteration early, its path shows: starts, steps out of the interval,
       // the tolerance. The value is far from the quantile there.
-      {"student_iteration", 1e-7, 0.0,
-       [](const Row& a, double& out) { return StudTDist(a[0]).EvalInvCdf(a[1], out); }},
+      {"student_iteration", 1e-7, 0.0, By(&StudTDist::EvalInvCdf)},
       {"beta_quantile", 0.0, 1.25e-8,
        [](const Row& a, double& out) {
-         double value = 0.0;
-         const int status = BetaDist::EvalInvCdf(a[0], a[1], 2.0, 6.0, a[2], value);
-         out = (value - 2.0) / 4.0;
+         const int status = BetaDist::EvalInvCdf(a[0], a[1], 2.0, 6.0, a[2], out);
+         out = (out - 2.0) / 4.0;
          return status;
        }},
   };
@@ -115,29 +118,26 @@ TEST(StudTDist, FormulasChangeAtTheirCutOffs) {
   EXPECT_NEAR(Quantile(499.9, 0.999), 3.1066149167171, 1e-6);
   EXPECT_GT(std::fabs(Quantile(500.0, 0.999) - 3.1066116243216), 1e-5);
 
-  EXPECT_NEAR(Of(342.0, &StudTDist::EvalPdf, 3.0), 0.0046333949, 1e-9);
-  EXPECT_EQ(Of(std::nextafter(342.0, 343.0), &StudTDist::EvalPdf, 3.0), Of(&StdGaussPdf, 3.0));
+  EXPECT_NEAR(Of(&StudTDist::EvalPdf, {342.0, 3.0}), 0.0046333949, 1e-9);
+  EXPECT_EQ(Of(&StudTDist::EvalPdf, {std::nextafter(342.0, 343.0), 3.0}), Of(&StdGaussPdf, {3.0}));
 
-  const auto gaussCdf = [](double x) { return Of(&StdGaussCdf, x); };
+  const auto gaussCdf = [](double x) { return Of(&StdGaussCdf, {x}); };
   EXPECT_TRUE(IsNear(gaussCdf(-7.0), 1.279812543885835e-12, 1e-10, 0.0));
   EXPECT_FALSE(IsNear(gaussCdf(-6.9999), 1.2807263357149736e-12, 1e-6, 0.0));
   EXPECT_EQ(gaussCdf(-0.001), -0.001 / 2.5066282746310007 + 0.5);
   EXPECT_NE(gaussCdf(-0.0011), -0.0011 / 2.5066282746310007 + 0.5);
   EXPECT_EQ(gaussCdf(8.0), 1.0 - gaussCdf(-8.0));
 
-  EXPECT_NEAR(Of(499.9, &StudTDist::EvalCdf, -2.0), 0.023020395487785, 1e-8);
-  EXPECT_GT(std::fabs(Of(500.0, &StudTDist::EvalCdf, -2.0) - 0.02302034138451572), 1e-7);
+  EXPECT_NEAR(Of(&StudTDist::EvalCdf, {499.9, -2.0}), 0.023020395487785, 1e-8);
+  EXPECT_GT(std::fabs(Of(&StudTDist::EvalCdf, {500.0, -2.0}) - 0.02302034138451572), 1e-7);
   for (const double dof : {0.3, 10.0, 499.9, 500.0}) {
-    EXPECT_EQ(Of(dof, &StudTDist::EvalCdf, 0.0), 0.5);
+    EXPECT_EQ(Of(&StudTDist::EvalCdf, {dof, 0.0}), 0.5);
   }
 
-  double p = kNan;
-  double fraction = kNan;
-  EXPECT_EQ(IncompleteGammaP(0.5, 1.5, p), 0);
-  EXPECT_EQ(IncompleteGammaContinuedFraction(0.5, 1.5, fraction), 0);
-  EXPECT_EQ(p, 1.0 - fraction);
-  EXPECT_EQ(IncompleteBetaRatio(0.5, 0.5, 0.5, p), 0);
-  EXPECT_GT(p, 0.5);  // by the mirrored fraction; the other one errs below
+  EXPECT_EQ(Of(&IncompleteGammaP, {0.5, 1.5}),
+            1.0 - Of(&IncompleteGammaContinuedFraction, {0.5, 1.5}));
+  // By the mirrored fraction; the other one errs below.
+  EXPECT_GT(Of(&IncompleteBetaRatio, {0.5, 0.5, 0.5}), 0.5);
 }
 
 TEST(StudTDist, RefusesWithoutTouchingTheResult) {
@@ -260,7 +260,7 @@ TEST(Distributions, EndsOfTheFunctions) {
 TEST(StudTDist, Tabulates) {
   constexpr double kDof = 7.0;
   const StudTDist dist(kDof);
-  const auto cdf = [](double x) { return Of(kDof, &StudTDist::EvalCdf, x); };
+  const auto cdf = [](double x) { return Of(&StudTDist::EvalCdf, {kDof, x}); };
   Row xs(4);
   Row ys(4);
   EXPECT_EQ(dist.TabulateCdf(4, -0.1, 0.2, xs.data(), ys.data()), 0);
@@ -281,7 +281,7 @@ TEST(StudTDist, Tabulates) {
   const double level = cdf(-4.0) + third;
   EXPECT_EQ(xs, (Row{-4, -2, Quantile(kDof, level), 0, Quantile(kDof, level + third), 2, 4}));
   for (std::size_t i = 0; i < 7; ++i) {
-    EXPECT_EQ(ys[i], Of(kDof, &StudTDist::EvalPdf, xs[i]));
+    EXPECT_EQ(ys[i], Of(&StudTDist::EvalPdf, {kDof, xs[i]}));
   }
   EXPECT_EQ(dist.TabulatePdf(3, -1.0, 1.0, xs.data(), ys.data()), 0);
   EXPECT_EQ(Row(xs.begin(), xs.begin() + 3), (Row{-1, 0, 1}));

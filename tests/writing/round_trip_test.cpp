@@ -96,30 +96,26 @@ Record ReadBack(const Record& record) {
 TEST(RoundTrip, EveryDoubleKeepsItsBitsInItsShortestForm) {
   const std::string shortest =
       "0,-0,0.1,0.3333333333333333,5e-324,-5e-324,2.225073858507201e-308,1.7976931348623157e+308,"
-      "-1.7976931348623157e+308,1e+22,1e+23,123456789012345680,1e-07,1e+05";
+      "-1.7976931348623157e+308,1e+22,1e+23,123456789012345680,1e-07,1e+05,";
   CConstantData record;
   record.NumberOfInputVariables = 1;
   record.OutputSamples = CReader().TokenizeDouble(shortest, ',');
   record.SetConstantValue(-0.0);
-  const CConstantData again = ReadBack(record);
-  EXPECT_TRUE(SameBits(again.OutputSamples, record.OutputSamples));
-  double value = 1;
-  again.GetConstantValue(value);
-  EXPECT_TRUE(value == 0 && std::signbit(value));
-  CDiscreteCombinations model;
-  FillWith(CandidateOf(record), model);
-  EXPECT_NE(Written(model).find("\nOutputSamples=" + shortest + "\n"), std::string::npos)
-      << Written(model);
-
   std::mt19937_64 random(5);
-  record.OutputSamples.clear();
   while (record.OutputSamples.size() < 20000) {
     const std::uint64_t bits = random();
     double number = 0;
     std::memcpy(&number, &bits, sizeof number);
     if (std::isfinite(number)) record.OutputSamples.push_back(number);
   }
-  EXPECT_TRUE(SameBits(ReadBack(record).OutputSamples, record.OutputSamples));
+  CDiscreteCombinations model;
+  FillWith(CandidateOf(record), model);
+  EXPECT_NE(Written(model).find("\nOutputSamples=" + shortest), std::string::npos);
+  const CConstantData again = ReadBack(record);
+  EXPECT_TRUE(SameBits(again.OutputSamples, record.OutputSamples));
+  double value = 1;
+  again.GetConstantValue(value);
+  EXPECT_TRUE(SameBits(value, -0.0));
 }
 
 TEST(RoundTrip, EqualListsShareAGroup) {
