@@ -15,10 +15,6 @@
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-void ExpectLaws(const std::string& text, const std::string& name) {
-  EXPECT_NO_THROW(fuzz::RunInspection(text)) << name;
-}
-
 std::string RandomModelText(std::uint32_t seed) {
   CDiscreteCombinations model;
   tests::FillRandomModel(seed, {}, model);
@@ -55,14 +51,16 @@ TEST(Laws, HoldForSoundModels) {
   EXPECT_GE(texts.size(), 13u);
   for (std::uint32_t seed = 0; seed < 150; ++seed) texts.push_back(RandomModelText(seed));
   for (std::size_t i = 0; i < texts.size(); ++i) {
-    ExpectLaws(texts[i], "text " + std::to_string(i));
+    EXPECT_NO_THROW(fuzz::RunInspection(texts[i])) << i;
     const CInspectionReport report = InspectPXROMDatabase(texts[i]);
     EXPECT_EQ(report.errors + report.warnings, 0u) << i << '\n' << Shown(report);
   }
 }
 
 TEST(Laws, HoldForTheTableOfDamages) {
-  for (const Damage& damage : Damages()) ExpectLaws(damage.text, damage.name);
+  for (const Damage& damage : Damages()) {
+    EXPECT_NO_THROW(fuzz::RunInspection(damage.text)) << damage.name;
+  }
 }
 
 TEST(Laws, HoldForRandomDamages) {
@@ -76,7 +74,7 @@ TEST(Laws, HoldForRandomDamages) {
     std::string text = texts[random() % texts.size()];
     const int damages = 1 + static_cast<int>(random() % 3);
     for (int i = 0; i < damages; ++i) DamageAtRandom(text, random);
-    ExpectLaws(text, "damage " + std::to_string(round));
+    EXPECT_NO_THROW(fuzz::RunInspection(text)) << round;
     if (round % 4 == 0) {
       EXPECT_NO_THROW(fuzz::RunWriter(text)) << round;
     }
@@ -94,7 +92,7 @@ TEST(Laws, HoldForLinesInRandomOrder) {
     for (std::size_t count = random() % 30; count > 0; --count) {
       text += lines[random() % lines.size()];
     }
-    ExpectLaws(text, text);
+    EXPECT_NO_THROW(fuzz::RunInspection(text)) << text;
   }
 }
 

@@ -97,8 +97,7 @@ TEST(FMUDescriptionReader, DamagedTextsGiveWhatIsThere) {
     std::string text, guid;
     std::map<std::string, int> references;
     int reals;
-  } cases[] = {{"", "", {}, 0},
-               {"<ModelVariables>" + Variable("name=\"a\"", "Real"), "", {}, 0},
+  } cases[] = {{"<ModelVariables>" + Variable("name=\"a\"", "Real"), "", {}, 0},
                {"guid=\"x\"" + root, "", {}, 0},
                {root + "guid=", "", {}, 0},
                {root + "guid=\"", "", {}, 0},
