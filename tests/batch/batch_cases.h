@@ -18,6 +18,7 @@
 #include "support/model_files.h"
 #include "support/random_models.h"
 #include "support/surfaces.h"
+#include "support/test_models.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 
@@ -50,16 +51,12 @@ inline CDiscreteCombinations ModelOf(const CFittingCandidate& candidate, int inp
     model.RegisterParameter(id, CausalityInput, ContinuousNotManufacturable, true);
   }
   model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
-  auto list = std::make_unique<CFittingCandidates>();
-  list->AddFittingCandidate(candidate);
-  EXPECT_EQ(model.RegisterDiscreteCombination({}, {{"y", list.release()}}), 0);
+  EXPECT_EQ(model.RegisterDiscreteCombination({}, {{"y", ListOf(candidate)}}), 0);
   return model;
 }
 
 inline CDiscreteCombinations ModelOf(const CRSData& surface) {
-  CFittingCandidates list;
-  EXPECT_EQ(list.GenerateCandidateFromCRSData(&surface), 0);
-  return ModelOf(*list.GetEvaluationCandidatePtr(), surface.NumberOfInputVariables);
+  return ModelOf(CandidateOf(surface), surface.NumberOfInputVariables);
 }
 
 /// Calls `check` with each model that was fitted to data.

@@ -12,11 +12,8 @@ namespace {
 
 TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
   const auto reference = nlohmann::json::parse(ContentOf(PXROM_TEST_DATA "/batch/gradients.json"));
-  std::string text = reference["model"].get<std::string>();
-  CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
   CDiscreteCombinations model;
-  ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+  ASSERT_EQ(Read(reference["model"], model), 0);
 
   std::vector<double> points;
   for (const auto& row : reference["points"]) points.insert(points.end(), row.begin(), row.end());

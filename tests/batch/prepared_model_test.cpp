@@ -137,12 +137,8 @@ TEST(PreparedModel, InputsOfEqualRankChangePlaces) {
 // Distances of a fold that differ by less than the tolerance of its sort, in all orders, and one
 // that is no number: what stands first then is not the least one.
 TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
-  std::vector<std::unique_ptr<CRSData>> owned;
-  std::vector<CRSData*> surfaces;
-  for (const double value : {4.0, 3.0, 6.0}) {
-    owned.push_back(std::make_unique<CConstantData>(Constant(value)));
-    surfaces.push_back(owned.back().get());
-  }
+  CConstantData constants[] = {Constant(4.0), Constant(3.0), Constant(6.0)};
+  const std::vector<CRSData*> surfaces = {&constants[0], &constants[1], &constants[2]};
   std::vector<double> offsets = {0.0, 0.7e-12, 1.5e-12, 2.2e-12};
   do {
     for (const double odd : {1.0, kNaN}) {

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "support/model_files.h"
-#include "writing/test_models.h"
+#include "support/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {

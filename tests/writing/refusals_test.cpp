@@ -10,7 +10,7 @@
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
 #include "pxrom/support_vector.h"
-#include "writing/test_models.h"
+#include "support/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {

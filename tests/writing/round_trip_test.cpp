@@ -12,7 +12,7 @@
 #include "pxrom/regression.h"
 #include "support/random_models.h"
 #include "support/surfaces.h"
-#include "writing/test_models.h"
+#include "support/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of the writer share: reading, writing, and models of one surface.
+// Reading, writing, and models of one surface.
 
 #include <gtest/gtest.h>
 
