@@ -71,19 +71,16 @@ TEST(Damages, ManyOfAKindAreCounted) {
   }
 }
 
-/// The rows of the document's tables of codes: name, severities, meaning.
-std::vector<std::smatch> DocumentedCodes(const std::string& document) {
-  static const std::regex row("\n\\| `([a-z-]+)` \\| ([^|\n]+) \\| ([^\n]+) \\|(?=\n)");
-  return {std::sregex_iterator(document.begin(), document.end(), row), std::sregex_iterator()};
-}
-
 TEST(Damages, ShowEveryCodeOfTheDocumentWithItsSeverities) {
   std::map<std::string, std::set<E_FindingSeverity>> shown;
   shown[FindingCodeName(FindingReadingRefused)] = {SeverityError};
   for (const Damage& damage : Damages()) shown[damage.code].insert(damage.severity);
 
   const std::string document = ContentOf(PXROM_DOCS "/database-format.md");
-  const std::vector<std::smatch> documented = DocumentedCodes(document);
+  // The rows of its tables: name, severities, meaning.
+  const std::regex row("\n\\| `([a-z-]+)` \\| ([^|\n]+) \\| ([^\n]+) \\|(?=\n)");
+  const std::vector<std::smatch> documented{
+      std::sregex_iterator(document.begin(), document.end(), row), std::sregex_iterator()};
   const std::vector<E_FindingCode> codes = ListFindingCodes();
   EXPECT_TRUE(std::is_sorted(codes.begin(), codes.end()));
   ASSERT_EQ(documented.size(), codes.size());

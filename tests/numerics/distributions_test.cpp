@@ -245,8 +245,7 @@ TEST(Distributions, EndsOfTheFunctions) {
   EXPECT_EQ(Both(StdGaussInvCdf(0.5, out), out), Outcome(0, 0.0));
 
   const struct {
-    int (*evaluate)(const double&, const double&, const double&, const double&, const double&,
-                    double&);
+    decltype(&BetaDist::EvalPdf) evaluate;
     double argument, value;
   } kCases[] = {{BetaDist::EvalPdf, 1.9, 0.0},        {BetaDist::EvalPdf, 6.1, 0.0},
                 {BetaDist::EvalPdf, 4.0, 0.375},      {BetaDist::EvalCdf, 3.0, 0.15625},

@@ -156,26 +156,24 @@ TEST(FMUDescriptionReader, CopiesAndClonesHaveTheTextTooUnlikeOtherReaders) {
 
 TEST(FMUVariables, OfADatabaseAreReadFromTheirGroup) {
   using Pairs = std::vector<std::pair<std::string, int>>;
-  const auto read = [](std::string text, std::vector<int>& counts, Pairs& references) {
+  std::vector<int> n(5, -1);
+  Pairs references;
+  const auto read = [&](std::string text) {
     CReaderPXROMDatabase reader;
     reader.ReadDataStream(text);
-    return reader.ResumeFMUDescriptionVariables(counts[0], counts[1], counts[2], counts[3],
-                                                counts[4], references);
+    return reader.ResumeFMUDescriptionVariables(n[0], n[1], n[2], n[3], n[4], references);
   };
-  std::vector<int> counts(5, -1);
-  Pairs references;
-  EXPECT_EQ(read("NumberOfReals=9\n<FMU>\nNumberOfReals=1\nNumberOfIntegers=2\nNumberOfBooleans=3\n"
-                 "NumberOfStrings=4\nNumberOfEventIndicators=5\n"
-                 "IDToValueReference={a;1},{b;2}\n</FMU>\n",
-                 counts, references),
+  EXPECT_EQ(read("NumberOfReals=9\n<FMU>\nNumberOfReals=1\nNumberOfIntegers=2\n"
+                 "NumberOfBooleans=3\nNumberOfStrings=4\nNumberOfEventIndicators=5\n"
+                 "IDToValueReference={a;1},{b;2}\n</FMU>\n"),
             0);
-  EXPECT_EQ(counts, (std::vector<int>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(n, (std::vector<int>{1, 2, 3, 4, 5}));
   EXPECT_EQ(references, (Pairs{{"a", 1}, {"b", 2}}));
-  EXPECT_EQ(read("<FMU></FMU>", counts, references), 1);
+  EXPECT_EQ(read("<FMU></FMU>"), 1);
   EXPECT_EQ(references.size(), 2U);
   // Without the group the search wraps and succeeds: nothing is found but the empty list.
-  EXPECT_EQ(read("<ParameterRegistry>\n</ParameterRegistry>\n", counts, references), 0);
-  EXPECT_EQ(counts, (std::vector<int>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(read("<ParameterRegistry>\n</ParameterRegistry>\n"), 0);
+  EXPECT_EQ(n, (std::vector<int>{1, 2, 3, 4, 5}));
   EXPECT_TRUE(references.empty());
 }
 

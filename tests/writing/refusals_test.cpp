@@ -10,6 +10,7 @@
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
 #include "pxrom/support_vector.h"
+#include "support/surfaces.h"
 #include "support/test_models.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -20,12 +21,10 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 
 using Model = CDiscreteCombinations;
 using Candidate = CFittingCandidate;
-using Values = std::vector<double>;
-using Rows = std::vector<Values>;
 
 /// A change of a sound object, and what is then said of it.
 template <class Object>
-struct Damage {
+struct Change {
   const char* why;
   std::function<void(Object&)> apply;
 };
@@ -52,12 +51,7 @@ void ExpectRefused(const Model& model, const std::string& why) {
 template <class Record>
 Record Sound() {
   Record record;
-  record.NumberOfInputVariables = 1;
-  record.NumberOfSamples = 2;
-  record.InputSamples = {{0.25}, {0.5}};
-  record.OutputSamples = {1, 2};
-  record.OutputScaleSlope = 1;
-  record.ReadyForEvaluation = true;
+  MakeReady(record, 1, {{0.25}, {0.5}}, {1, 2});
   return record;
 }
 
@@ -81,7 +75,7 @@ TEST(Refusals, RegistryAndCombinations) {
                         double lower = 0) {
     return [=](Model& m) { m.RegisterParameterExtraInfos(name, "", unit, caption, upper, lower); };
   };
-  const std::vector<Damage<Model>> damages = {
+  const std::vector<Change<Model>> changes = {
       {"the ID \"a,b\" holds \",\", which separates values", id("a,b")},
       {"the ID \"{a\" holds \"{\", which separates values", id("{a")},
       {"the ID \"a?\" holds a line end", id("a\r")},
@@ -110,10 +104,10 @@ TEST(Refusals, RegistryAndCombinations) {
   Model sound;
   FillWith(SoundCandidate(), sound);
   Again(sound);
-  for (const Damage<Model>& damage : damages) {
+  for (const Change<Model>& change : changes) {
     Model model(sound);
-    damage.apply(model);
-    ExpectRefused(model, damage.why);
+    change.apply(model);
+    ExpectRefused(model, change.why);
   }
 
   // Values of equal rank are sorted in a key, so that this one is lost once the ranks are equal.
@@ -147,7 +141,7 @@ TEST(Refusals, Candidates) {
   const auto set = [](auto operation, auto value) {
     return [=](Candidate& c) mutable { (c.*operation)(value); };
   };
-  const auto surfaces = [](const Values& weights, bool errors) {
+  const auto surfaces = [](const Vector& weights, bool errors) {
     return [=](Candidate& c) {
       CConstantData surface = Sound<CConstantData>();
       c.SetRSAndWeights(std::vector<CRSData*>(weights.size(), &surface), weights, errors);
@@ -155,7 +149,7 @@ TEST(Refusals, Candidates) {
   };
   const auto validation = [&](std::size_t rows, double distance) {
     const auto sorted = [rows](Candidate& c) {
-      Rows samples(rows, {0.5});
+      Matrix samples(rows, {0.5});
       std::vector<int> folds = {1, 1};
       c.SetCrossValidationData(samples, folds);
     };
@@ -169,7 +163,7 @@ TEST(Refusals, Candidates) {
     };
   };
   const auto unask = set(&Candidate::SetbIsErrPredRequired, false);
-  const std::vector<Damage<Candidate>> damages = {
+  const std::vector<Change<Candidate>> changes = {
       {"CandidateInputSamples is not a matrix of 3 rows and 1 columns, as the counts beside it say",
        set(&Candidate::SetNumberOfSamples, 3)},
       {"CandidateOutputScaleSlope holds a number that is not finite",
@@ -187,12 +181,12 @@ TEST(Refusals, Candidates) {
       {"Genome 1: OutputScaleSlope holds a number that is not finite",
        All(validation(2, 0.5), sub(kNaN))},
   };
-  for (const Damage<Candidate>& damage : damages) {
+  for (const Change<Candidate>& change : changes) {
     Candidate candidate = SoundCandidate();
-    damage.apply(candidate);
+    change.apply(candidate);
     Model model;
     FillWith(candidate, model);
-    ExpectRefused(model, std::string("output \"y\" at k=4: ") + damage.why);
+    ExpectRefused(model, std::string("output \"y\" at k=4: ") + change.why);
   }
 }
 
@@ -205,14 +199,14 @@ void ExpectRefusedAsSecond(const CRSData& record, const std::string& why) {
 }
 
 template <class Record>
-void ExpectEachRefused(const std::vector<Damage<Record>>& damages) {
+void ExpectEachRefused(const std::vector<Change<Record>>& changes) {
   Model sound;
   FillWith(CandidateOf(Sound<Record>()), sound);
   Again(sound);
-  for (const Damage<Record>& damage : damages) {
+  for (const Change<Record>& change : changes) {
     Record record = Sound<Record>();
-    damage.apply(record);
-    ExpectRefusedAsSecond(record, damage.why);
+    change.apply(record);
+    ExpectRefusedAsSecond(record, change.why);
   }
 }
 
@@ -225,20 +219,20 @@ struct OtherData : CRSData {
 TEST(Refusals, BaseRecords) {
   ExpectEachRefused<CConstantData>({
       {"InputSamples is not a matrix of 2 rows and 1 columns, as the counts beside it say",
-       Set(&CConstantData::InputSamples, Rows{{0.25}, {0.5, 0}})},
+       Set(&CConstantData::InputSamples, Matrix{{0.25}, {0.5, 0}})},
       {"InputSamples is not a matrix of -2 rows and 1 columns, as the counts beside it say",
        Set(&CConstantData::NumberOfSamples, -2)},
       {"InputSamples holds a number that is not finite",
-       Set(&CConstantData::InputSamples, Rows{{0.25}, {kInf}})},
+       Set(&CConstantData::InputSamples, Matrix{{0.25}, {kInf}})},
       {"InputScaleSlopes holds a number that is not finite",
-       Set(&CConstantData::InputScaleSlopes, Values{kNaN})},
+       Set(&CConstantData::InputScaleSlopes, Vector{kNaN})},
       {"ConstantValue holds a number that is not finite",
        [](CConstantData& r) { r.SetConstantValue(kNaN); }},
       {"its RSDataVersion is none that a reader restores", Set(&CRSData::RSDataVersion_, 170)},
       // Rows without values leave no trace in the text, and readers bound their number by it.
       {"1000 samples without any input are too many",
        All(Set(&CRSData::NumberOfInputVariables, 0), Set(&CRSData::NumberOfSamples, 1000),
-           Set(&CRSData::InputSamples, Rows(1000)))},
+           Set(&CRSData::InputSamples, Matrix(1000)))},
   });
   ExpectRefusedAsSecond(OtherData(), "it is of no known family: its DataType is 77");
 }
@@ -251,11 +245,11 @@ TEST(Refusals, Families) {
   ExpectEachRefused<Kriging>({
       {"a KrigingVersion below 192 has no predictor error",
        All(saved, Set(&Kriging::KrigingDataVersion_, 191))},
-      {kUnsaved, Set(&Kriging::Ft, Rows{{1}})},
+      {kUnsaved, Set(&Kriging::Ft, Matrix{{1}})},
       {kUnsaved, Set(&Kriging::Sigma2, -0.0)},
       {"KrigingFTilde is not a matrix of 1 rows and 2 columns, as the counts beside it say",
-       All(saved, Set(&Kriging::NumberOfPolyCoeff, 1), Set(&Kriging::InvC, Rows{{1, 0}, {0, 1}}),
-           Set(&Kriging::InvG, Rows{{1}}), Set(&Kriging::Ft, Rows{{1}, {2}}))},
+       All(saved, Set(&Kriging::NumberOfPolyCoeff, 1), Set(&Kriging::InvC, Matrix{{1, 0}, {0, 1}}),
+           Set(&Kriging::InvG, Matrix{{1}}), Set(&Kriging::Ft, Matrix{{1}, {2}}))},
   });
   ExpectEachRefused<CSVRData>({
       {"an SVRVersion below 171 has no SVRKernelArray", Set(&CSVRData::SVRDataVersion_, 170)},
@@ -291,11 +285,11 @@ TEST(Refusals, RegressionRecords) {
   ExpectEachRefused<CQRSData>({
       {"a QRSVersion below 192 has no predictor error",
        All(saved, Set(&CQRSData::QRSDataVersion_, 191))},
-      {kUnsaved, Set(&CQRSData::InvXtX, Rows{{1}})},
+      {kUnsaved, Set(&CQRSData::InvXtX, Matrix{{1}})},
       {kUnsaved, Set(&CQRSData::Sigma2, 1)},
       {"QRSInvXtX is not a matrix of 1 rows and 1 columns, as the counts beside it say",
        All(saved, Set(&CQRSData::NumberOfSelectedRegTerms, 1),
-           Set(&CQRSData::InvXtX, Rows{{1, 0}, {0, 1}}))},
+           Set(&CQRSData::InvXtX, Matrix{{1, 0}, {0, 1}}))},
       {"it counts terms that are not there", counted(2)},
       {"RegTerm 1: the term is missing", terms({&plain, nullptr})},
       {"RegTerm 0: no database holds a term of this kind", terms({&product})},
