@@ -3,15 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "batch/batch_cases.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
 TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
-  const auto reference = nlohmann::json::parse(ContentOf(PXROM_TEST_DATA "/batch/gradients.json"));
+  const auto reference = ReferenceData("batch/gradients.json");
   CDiscreteCombinations model;
   ASSERT_EQ(Read(reference["model"], model), 0);
 

@@ -24,9 +24,7 @@ inline const CFinding* FirstError(const CInspectionReport& report) {
 inline std::string Shown(const CInspectionReport& report) {
   std::string text;
   for (const CFinding& f : report.findings) {
-    text += std::to_string(f.line) + ':' + std::to_string(f.column) + ' ' +
-            std::to_string(f.severity) + ' ' + f.sentence + " [" + FindingCodeName(f.code) +
-            "] in \"" + f.group + "\"\n";
+    text += std::to_string(f.line) + ' ' + f.sentence + " [" + FindingCodeName(f.code) + "]\n";
   }
   return text;
 }
@@ -57,21 +55,16 @@ inline std::vector<Damage> Damages() {
   std::vector<Damage> damages;
   for (const auto& entry : document["damages"]) {
     const std::string model = document["models"][entry["model"].get<std::string>()];
+    const std::size_t line = entry["at"];
     Damage damage{entry["name"], ContentOf(PXROM_TEST_DATA "/../../" + model), entry["code"],
-                  entry.value("line", entry["at"].get<std::size_t>()),
-                  SeverityOf(entry.value("severity", "error"))};
-    const std::size_t at = StartOfLine(damage.text, entry["at"]);
+                  entry.value("line", line), SeverityOf(entry.value("severity", "error"))};
+    const std::size_t at = StartOfLine(damage.text, line);
     if (entry.contains("delete")) {
-      const std::size_t end = StartOfLine(
-          damage.text, entry["at"].get<std::size_t>() + entry["delete"].get<std::size_t>());
+      const std::size_t end = StartOfLine(damage.text, line + entry["delete"].get<std::size_t>());
       damage.text.erase(at, end - at);
     } else {
       const std::string from = entry["find"];
-      const std::size_t found = damage.text.find(from, at);
-      EXPECT_NE(found, std::string::npos) << damage.name;
-      if (found != std::string::npos) {
-        damage.text.replace(found, from.size(), entry["replace"].get<std::string>());
-      }
+      damage.text.replace(damage.text.find(from, at), from.size(), entry["replace"]);
     }
     damages.push_back(std::move(damage));
   }

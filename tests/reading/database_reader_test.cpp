@@ -113,6 +113,7 @@ TEST(DatabaseReader, TakesAllOfAStreamWhereverItStands) {
 TEST(DatabaseReader, MissingScalarsRepeatTheOneBeforeOrAreZero) {
   EXPECT_EQ(Read(Without("OutputScaleIntercept=")).data.OutputScaleIntercept, 3);
   EXPECT_EQ(Read(Without("OutputScaleSlope=")).data.OutputScaleSlope, 0);
+  EXPECT_EQ(Read(Without("NumberOfSamples=")).data.NumberOfSamples, 0);
   EXPECT_TRUE(Read(Without("IsStopped=")).data.Stopped);
   EXPECT_FALSE(Read(Without("IsReadyForEvaluation=")).data.ReadyForEvaluation);
   double value = 1.0;

@@ -164,15 +164,11 @@ TEST(RoundTrip, UnusualObjectsThatATextCanHold) {
   model.RegisterParameter("m", CausalityInput, DiscreteParameter, true);
   model.RegisterParameter("out", CausalityOutput, DiscreteParameter, true);
   model.RegisterParameterExtraInfos("a < b > c", "", "IDs=", "Units= of it", -0.0, -1e-310);
-  model.SetRegistrationRank({{"", -9},
-                             {"IDs=4", 2147483647},
-                             {"<Genome ID=0>", 4},
-                             {"a < b > c", -2147483647 - 1},
-                             {" ", 4},
-                             {"?", 4},
-                             {"k", 7},
-                             {"m", 7},
-                             {"out", 7}});
+  std::vector<std::pair<std::string, int>> ranks(model.GetRegistrationRank()->begin(),
+                                                 model.GetRegistrationRank()->end());
+  const int inOrder[] = {-9, 4, 4, 4, 2147483647, -2147483647 - 1, 7, 7, 7};
+  for (std::size_t i = 0; i < ranks.size(); ++i) ranks[i].second = inOrder[i];
+  EXPECT_EQ(model.SetRegistrationRank(ranks), 0);
   model.RegisterDiscreteCombination({{"m", -5}, {"k", 2147483647}}, {});
   model.RegisterDiscreteCombination({{"m", 3}, {"k", 3}}, {});
   const std::string text = Written(model);
