@@ -1,3 +1,4 @@
+#include <functional>
 #include <random>
 
 #include "ensemble/cross_validation.h"
@@ -91,17 +92,22 @@ TEST(CandidateEvaluator, RefusalsSayWhatTheyLeaveBehind) {
   ExpectAnswer(Evaluate(odd, {0}), 1, 4.25, -2);
 }
 
+void AddFold(CFittingCandidate& candidate, double value, int inputs = 1) {
+  const CConstantData constant = Constant(value, inputs);
+  candidate.AddSubRS(&constant);
+}
+
+void SetFolds(CFittingCandidate& candidate, Matrix rows, std::vector<int> folds, double rho = 0.5) {
+  candidate.SetCrossValidationData(rows, folds);
+  candidate.SetDPMinDist(rho);
+}
+
+const Matrix kRows = {{0}, {1}, {2}};
+
 CFittingCandidate CrossValidated() {
   CFittingCandidate candidate = Ensemble();
-  for (const double value : {6.0, 8.0, 2.0, 4.0}) {
-    const CConstantData constant = Constant(value, 1);
-    candidate.AddSubRS(&constant);
-  }
-  Matrix rows = {{0}, {1}, {2}};
-  std::vector<int> folds = {2, 1};
-  candidate.SetCrossValidationData(rows, folds);
-  double rho = 0.5;
-  candidate.SetDPMinDist(rho);
+  for (const double value : {6.0, 8.0, 2.0, 4.0}) AddFold(candidate, value);
+  SetFolds(candidate, kRows, {2, 1});
   return candidate;
 }
 
@@ -115,16 +121,9 @@ TEST(CandidateEvaluator, CrossValidatedErrorsAgreeWithAnIndependentCalculation) 
     for (std::size_t i = 0; i < c["values"].size(); ++i) {
       const CConstantData constant = Constant(c["values"][i], inputs);
       candidate.AddRSAndWeight(&constant, c["weights"][i]);
-      for (const double value : c["foldValues"][i]) {
-        const CConstantData sub = Constant(value, inputs);
-        candidate.AddSubRS(&sub);
-      }
+      for (const double value : c["foldValues"][i]) AddFold(candidate, value, inputs);
     }
-    auto rows = c["rows"].get<Matrix>();
-    auto folds = c["folds"].get<std::vector<int>>();
-    double rho = c["rho"];
-    candidate.SetCrossValidationData(rows, folds);
-    candidate.SetDPMinDist(rho);
+    SetFolds(candidate, c["rows"], c["folds"], c["rho"]);
     candidate.SetInputScaleSlopes(c["inputSlopes"]);
     candidate.SetInputScaleIntercepts(c["inputIntercepts"]);
     candidate.SetOutputScaleSlope(c["slope"]);
@@ -148,46 +147,39 @@ TEST(CandidateEvaluator, AtASampleTheErrorIsZeroWithTheSlopesSign) {
 
 TEST(CandidateEvaluator, WithoutFoldsOnlyTheDistanceTermIsLeft) {
   CFittingCandidate candidate = Ensemble();
-  Matrix rows = {{0}, {1}};
-  std::vector<int> folds;
-  candidate.SetCrossValidationData(rows, folds);
-  double rho = 100;
-  candidate.SetDPMinDist(rho);
+  SetFolds(candidate, {{0}, {1}}, {}, 100);
   const double damping = std::log(1.0 + 10.0 * 0.25 / (100 + 0.0001));
   ExpectAnswer(Evaluate(candidate, {0.5}), 0, 1.625, ((0.005 * 0.25 + 0.0) * damping / 2) * 3);
 }
 
 TEST(CandidateEvaluator, CrossValidationShapesThatDoNotFitAreRefused) {
-  const auto refused = [](auto change) {
+  using Candidate = CFittingCandidate;
+  const std::function<void(Candidate&)> damages[] = {
+      [](Candidate& c) {
+        SetFolds(c, kRows, {2, 2});
+      },
+      [](Candidate& c) {
+        SetFolds(c, kRows, {3, 0});
+      },
+      [](Candidate& c) {
+        SetFolds(c, kRows, {4, -1});
+      },
+      [](Candidate& c) { SetFolds(c, kRows, {3}); },
+      [](Candidate& c) {
+        SetFolds(c, {{0}, {}, {1}}, {2, 1});
+      },
+      [](Candidate& c) { AddFold(c, 1); },
+  };
+  for (const auto& damage : damages) {
     CFittingCandidate candidate = CrossValidated();
-    EXPECT_EQ(Evaluate(candidate, {0.5}).status, 0);
-    change(candidate);
+    damage(candidate);
     const Answer answer = Evaluate(candidate, {0.5});
-    EXPECT_EQ(answer.error, -2);
+    EXPECT_TRUE(answer.status == 1 && answer.error == -2) << &damage - damages;
     // The value form does not care.
     EXPECT_EQ(EvaluateValue(candidate, {0.5}).status, 0);
-    return answer.status == 1;
-  };
-  struct Shape {
-    Matrix rows;
-    std::vector<int> folds;
-  };
-  const Matrix rows = CrossValidated().GetvvdScSortedInput();
-  for (const Shape& shape : {Shape{rows, {2, 2}}, Shape{rows, {3, 0}}, Shape{rows, {4, -1}},
-                             Shape{rows, {3}}, Shape{{{0}, {}, {1}}, {2, 1}}}) {
-    EXPECT_TRUE(refused([&](CFittingCandidate& c) {
-      Shape own = shape;
-      c.SetCrossValidationData(own.rows, own.folds);
-    })) << testing::PrintToString(shape.folds);
   }
-  EXPECT_TRUE(refused([](CFittingCandidate& c) {
-    const CConstantData constant = Constant(1, 1);
-    c.AddSubRS(&constant);
-  }));
   CFittingCandidate empty;
-  Matrix own = rows;
-  std::vector<int> folds = {2, 1};
-  empty.SetCrossValidationData(own, folds);
+  SetFolds(empty, kRows, {2, 1});
   EXPECT_EQ(Evaluate(empty, {}).status, 1);
 }
 

@@ -62,21 +62,13 @@ TEST(Database, ReadsWholeWithCrossValidation) {
   ASSERT_EQ(Read(Database(), model), 0);
   const CFittingCandidate& candidate =
       *model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetEvaluationCandidatePtr();
-  EXPECT_EQ(candidate.GetRSCount(), 2u);
-  EXPECT_EQ(ValueOf(candidate.GetRSPtr(1)), 8);
-  EXPECT_EQ(candidate.GetRSWeight(1), 0.5);
   ASSERT_EQ(candidate.GetSubRSCounts(), 4u);
   EXPECT_EQ(ValueOf(candidate.GetSubRSPtr(2)), 8.25);
   EXPECT_EQ(candidate.GetDPMinDist(), 0.25);
   EXPECT_EQ(candidate.GetviNumPtsPerFold(), (std::vector<int>{1, 1}));
-  EXPECT_EQ(candidate.GetvvdScSortedInput(), (std::vector<std::vector<double>>{{0.5}, {0.75}}));
-  EXPECT_EQ(candidate.DataVersion(), FittingCandidateVersion192);
+  EXPECT_EQ(candidate.GetvvdScSortedInput(), (Matrix{{0.5}, {0.75}}));
   EXPECT_EQ(model.ListUpperBound({"y"}), (NamedValues{{"y", 10}}));
   EXPECT_EQ(model.ListParameterCaption({"x"})[0].second, "Length");
-  NamedValues outputs;
-  NamedValues errors;
-  EXPECT_EQ(model.Evaluate({}, {{"x", 0.6}}, outputs, errors), 0);
-  EXPECT_EQ(outputs, (NamedValues{{"y", 7}}));
   // A second read adds to the first.
   EXPECT_EQ(Read(Database(), model), 0);
   EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
@@ -86,11 +78,8 @@ TEST(Database, OrderAndLineEndsDoNotMatter) {
   std::string windows;
   for (const char c : Database()) windows += c == '\n' ? std::string("\r\n") : std::string(1, c);
   const std::string groups = Database();
-  const std::size_t sets = groups.find("<DiscreteSets>");
   const std::size_t data = groups.find("<PlexuraData");
-  const std::string turned =
-      groups.substr(data) + groups.substr(sets, data - sets) + groups.substr(0, sets);
-  for (const std::string& text : {windows, turned}) {
+  for (const std::string& text : {windows, groups.substr(data) + groups.substr(0, data)}) {
     CDiscreteCombinations model;
     ASSERT_EQ(Read(text, model), 0);
     NamedValues outputs;
@@ -166,13 +155,14 @@ TEST(Database, ExceptionsComeFromEmptyPairsAndFromTextsThatEndTooSoon) {
 }
 
 TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
-  std::string text = Replaced(Database(), "IDs=x,y", "IDs=x,y,k");
-  text = Replaced(text, "Causalities=0,1", "Causalities=0,1,0");
-  text = Replaced(text, "Types=0,0", "Types=0,0,2");
-  text = Replaced(text, "Availability=1,1", "Availability=1,1,2");
-  text = Replaced(text, "{y;1}", "{y;1},{k;2}");
-  text = Replaced(text, "{y;N}", "{y;N},{k;kind}");
-  text = Replaced(text, "{x;0},{y;0}\nUpper", "{x;0},{y;0},{k;1}\nUpper");
+  std::string text = Database();
+  for (const auto& [from, more] :
+       {std::pair("IDs=x,y", ",k"), std::pair("Causalities=0,1", ",0"),
+        std::pair("Types=0,0", ",2"), std::pair("Availability=1,1", ",2"),
+        std::pair("{y;1}", ",{k;2}"), std::pair("{y;N}", ",{k;kind}"),
+        std::pair("LowerBounds={x;0},{y;0}", ",{k;1}")}) {
+    text = Replaced(text, from, std::string(from) + more);
+  }
   CDiscreteCombinations model;
   ASSERT_EQ(Read(text, model), 0);
   EXPECT_EQ(model.ListParameterUnit({"k"})[0].second, "");
@@ -195,38 +185,34 @@ TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {
 
 // Groups that are used again and again must not multiply the work without limit.
 TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
-  std::string samples;
+  const auto statusOf = [](int uses, const std::string& group) {
+    std::string sets;
+    for (int i = 0; i < uses; ++i) sets += "DiscreteSet={y;3}\n";
+    return Status(kRegistry +
+                  ("<DiscreteSets>\n" + sets + "</DiscreteSets>\n<PlexuraData ID=3>\n") + group +
+                  "</PlexuraData>\n");
+  };
+  const auto genomes = [](int count, const char* content) {
+    std::string text = kCandidate + ("CandidateRSCardinality=" + std::to_string(count) + "\n");
+    for (int i = 0; i < count; ++i) text += "<Genome ID=" + std::to_string(i) + ">" + content;
+    return text;
+  };
+  std::string samples = "InputSamples=";
   for (int i = 0; i < 40000; ++i) samples += "1,";
-  std::string group =
-      "<PlexuraData ID=3>\nCandidateVersion=170\nCandidateNumberOfInputVariables=1\n"
-      "CandidateNumberOfSamples=40000\nCandidateInputSamples=" +
-      samples + "\nCandidateRSCardinality=0\n</PlexuraData>\n";
-  std::string lines;
-  for (int i = 0; i < 20000; ++i) lines += "DiscreteSet={y;3}\n";
-  const std::string text = kRegistry + ("<DiscreteSets>\n" + lines + "</DiscreteSets>\n") + group;
-  EXPECT_EQ(Status(text), 1);
+  EXPECT_EQ(statusOf(20000,
+                     "CandidateVersion=170\nCandidateNumberOfInputVariables=1\n"
+                     "CandidateNumberOfSamples=40000\nCandidateRSCardinality=0\nCandidate" +
+                         samples + "\n"),
+            1);
   // Surfaces opened inside each other all see the same attributes.
-  std::string nested =
-      "<PlexuraData ID=3>\n" + std::string(kCandidate) + "CandidateRSCardinality=20000\n";
-  for (int i = 0; i < 20000; ++i) nested += "<Genome ID=" + std::to_string(i) + ">";
-  nested +=
-      "\nDataType=8\nNumberOfSamples=40000\nNumberOfInputVariables=1\nInputSamples=" + samples +
-      "\n</Genome>\n</PlexuraData>\n";
-  EXPECT_EQ(Status(kRegistry + ("<DiscreteSets>\nDiscreteSet={y;3}\n</DiscreteSets>\n" + nested)),
+  EXPECT_EQ(statusOf(1, genomes(20000, "") +
+                            "\nDataType=8\nNumberOfSamples=40000\nNumberOfInputVariables=1\n" +
+                            samples + "\n</Genome>\n"),
             1);
   // Many small groups take more memory as objects than their text shows.
-  std::string many =
-      "<PlexuraData ID=3>\n" + std::string(kCandidate) + "CandidateRSCardinality=300\n";
-  for (int i = 0; i < 300; ++i) {
-    many += "<Genome ID=" + std::to_string(i) + ">\nDataType=8\n</Genome>\n";
-  }
-  lines.resize(3000 * std::string("DiscreteSet={y;3}\n").size());
-  const std::string head =
-      kRegistry + ("<DiscreteSets>\n" + lines.substr(0, 180) + "</DiscreteSets>\n");
-  EXPECT_EQ(Status(head + many + "</PlexuraData>\n"), 0);
-  EXPECT_EQ(Status(kRegistry + ("<DiscreteSets>\n" + lines + "</DiscreteSets>\n") + many +
-                   "</PlexuraData>\n"),
-            1);
+  const std::string many = genomes(300, "\nDataType=8\n</Genome>\n");
+  EXPECT_EQ(statusOf(10, many), 0);
+  EXPECT_EQ(statusOf(3000, many), 1);
 }
 
 }  // namespace

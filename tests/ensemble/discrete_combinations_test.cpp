@@ -48,11 +48,8 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_EQ(study.EnabledParameterCount(), 8u);
   EXPECT_EQ(study.InputParameterCount(), 6u);
   EXPECT_EQ(study.InputParameterCount(false), 1u);
-  EXPECT_EQ(study.OutputParameterCount(), 3u);
-  EXPECT_EQ(study.OutputParameterCount(true), 3u);
-  EXPECT_EQ(study.ContinuousCount(), 5u);
-  EXPECT_EQ(study.ContinuousCount(true), 5u);
-  EXPECT_EQ(study.ContinuousCount(false), 0u);
+  EXPECT_TRUE(study.OutputParameterCount() == 3 && study.OutputParameterCount(true) == 3);
+  EXPECT_TRUE(study.ContinuousCount() == 5 && study.ContinuousCount(false) == 0);
   EXPECT_EQ(study.DiscreteCount(), 3u);
   EXPECT_EQ(study.DiscreteCount(true), 2u);
   EXPECT_EQ(study.DiscreteCount(false), 1u);
@@ -67,7 +64,7 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_EQ(study.ListEnabledDiscreteParameterWrtRegistrationRank(), (Ids{"Q", "P"}));
   EXPECT_EQ(study.ListParameterAvailability({"a", "off", "nobody", "u"}),
             (std::vector<bool>{true, false, true}));
-  EXPECT_EQ(study.DataVersion(), CDiscreteCombinations().DataVersion());
+  EXPECT_EQ(study.DataVersion(), DiscreteCombinationVersion192);
   // Unknown IDs are skipped, and every predicate denies them.
   EXPECT_EQ(study.ListParameterCausality({"u", "?", "a"}),
             (std::vector<E_ParameterCausality>{CausalityOutput, CausalityInput}));
@@ -106,16 +103,11 @@ TEST(Registry, ExtraInfosTakeTheUpperBoundFirst) {
 }
 
 TEST(Combinations, ValuesAreSortedByRankThenValue) {
-  OpenCombinations study = Study();
-  study.SetRegistrationRank({{"a", 1},
-                             {"x", 1},
-                             {"P", 0},
-                             {"Q", 2},
-                             {"off", 3},
-                             {"ratio", 4},
-                             {"u", 5},
-                             {"v", 6},
-                             {"w", 7}});
+  OpenCombinations study;
+  for (const char* id : {"a", "x", "P", "Q"}) {
+    study.RegisterParameter(id, CausalityInput, DerivedParameter, true);
+  }
+  study.SetRegistrationRank({{"a", 1}, {"x", 1}, {"P", 0}, {"Q", 2}});
   std::vector<double> sorted = {9};
   const double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(study.PickAndSortValuesWrtParameterRegistrationRank(
@@ -145,8 +137,17 @@ TEST(Combinations, EvaluateFindsTheCombinationAndAppendsErrors) {
   Register(study, 2, 5, 31, 41);
   EXPECT_EQ(study.Evaluate({{"P", 2}, {"Q", 5}}, {{"a", 0}, {"x", 0}}, outputs), 0);
   EXPECT_EQ(outputs, (NamedValues{{"u", 31}, {"v", 41}}));
-  EXPECT_EQ(study.GetOutputsWrtDiscCombPtr()->size(), 3u);
   EXPECT_EQ(study.GetDiscreteCombinationsIndexingPtr()->at({5, 2}), 2);
+  // Without any surface there is nothing to be wrong about.
+  CFittingCandidate empty;
+  empty.SetInputScaleSlopes({1, 1});
+  empty.SetInputScaleIntercepts({0, 0});
+  auto* const list = new CFittingCandidates;
+  list->AddFittingCandidate(empty);
+  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 3}, {"Q", 5}}, {{"u", list}, {"v", New(1)}}),
+            0);
+  EXPECT_EQ(study.Evaluate({{"P", 3}, {"Q", 5}}, {{"x", 0}, {"a", 0}}, outputs, errors), -2);
+  EXPECT_EQ(errors, (NamedValues{{"old", 0}, {"u", 0}}));
 }
 
 TEST(Combinations, RefusalsBeforeTheOutputsTouchNothing) {
@@ -196,11 +197,11 @@ TEST(Combinations, RefusedRegistrationsLeaveThePointersWithTheCaller) {
   const std::unique_ptr<CFittingCandidates> u(New(1));
   const std::unique_ptr<CFittingCandidates> v(New(2));
   const Outputs both = {{"u", u.get()}, {"v", v.get()}};
+  const NamedInts key = {{"P", 1}, {"Q", 1}};
   EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}}, both), 1);
   EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}, {"?", 1}}, both), 1);
-  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}, {"Q", 1}}, {{"u", u.get()}}), 1);
-  EXPECT_EQ(
-      study.RegisterDiscreteCombination({{"P", 1}, {"Q", 1}}, {{"u", u.get()}, {"v", nullptr}}), 1);
+  EXPECT_EQ(study.RegisterDiscreteCombination(key, {{"u", u.get()}}), 1);
+  EXPECT_EQ(study.RegisterDiscreteCombination(key, {{"u", u.get()}, {"v", nullptr}}), 1);
   EXPECT_TRUE(study.GetOutputsWrtDiscCombPtr()->empty());
   EXPECT_TRUE(study.GetDiscreteCombinationsIndexingPtr()->empty());
 }

@@ -11,18 +11,16 @@ class OpenCandidate : public CFittingCandidate {
   using CFittingCandidate::computeMinDist;
 };
 
-Vector Values(const CFittingCandidate& candidate) {
+using At = const CRSData* (CFittingCandidate::*)(int) const;
+
+Vector Values(const CFittingCandidate& candidate, At at = &CFittingCandidate::GetRSPtr) {
   Vector values;
-  for (int i = 0; candidate.GetRSPtr(i); ++i) values.push_back(ValueOf(candidate.GetRSPtr(i)));
+  for (int i = 0; (candidate.*at)(i); ++i) values.push_back(ValueOf((candidate.*at)(i)));
   return values;
 }
 
 Vector SubValues(const CFittingCandidate& candidate) {
-  Vector values;
-  for (int i = 0; candidate.GetSubRSPtr(i); ++i) {
-    values.push_back(ValueOf(candidate.GetSubRSPtr(i)));
-  }
-  return values;
+  return Values(candidate, &CFittingCandidate::GetSubRSPtr);
 }
 
 CFittingCandidate Filled() {
@@ -83,8 +81,6 @@ TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
   ExpectEmptyButForScaleAndDistance(candidate, 0.0, 9.0);
   EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSample(y), 1);
   EXPECT_EQ(y, 3.0);
-  Vector none;
-  EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(none), 0);
   Vector some = {2.0};
   EXPECT_EQ(candidate.BackscaleAndOverwriteOutputSamples(some), 1);
   EXPECT_EQ(some, (Vector{2.0}));
@@ -126,8 +122,6 @@ TEST(FittingCandidate, PointersOutsideTheListsAreNull) {
     EXPECT_EQ(candidate.GetRSPtr(i), nullptr);
     EXPECT_EQ(candidate.GetSubRSPtr(i), nullptr);
   }
-  EXPECT_EQ(CFittingCandidate().GetRSPtr(0), nullptr);
-  EXPECT_EQ(CFittingCandidate().GetSubRSPtr(0), nullptr);
 }
 
 struct Surfaces {
@@ -146,9 +140,7 @@ TEST(FittingCandidate, SettingSurfacesWithErrorPredictionSplitsAndAppends) {
   EXPECT_EQ(Values(candidate), (Vector{4, 0, 3}));
   EXPECT_EQ(SubValues(candidate), (Vector{4, 1, 2, 4, 5}));
   EXPECT_EQ(candidate.GetRSWeight(1), 0.2);
-  double slope = 0;
-  candidate.GetOutputScaleSlope(slope);
-  EXPECT_EQ(slope, 7);
+  EXPECT_EQ(Got(candidate, &CFittingCandidate::GetOutputScaleSlope, -1.0), 7.0);
 }
 
 TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
@@ -157,9 +149,7 @@ TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
   EXPECT_EQ(candidate.SetRSAndWeights(two.pointers, {1, 2}, false), 0);
   EXPECT_EQ(Values(candidate), (Vector{0, 1}));
   EXPECT_EQ(candidate.GetSubRSCounts(), 0u);
-  double slope = 1;
-  candidate.GetOutputScaleSlope(slope);
-  EXPECT_EQ(slope, 0.0);
+  EXPECT_EQ(Got(candidate, &CFittingCandidate::GetOutputScaleSlope, -1.0), 0.0);
   // Its own surfaces are cloned before they are released.
   const std::vector<CRSData*> own = {const_cast<CRSData*>(candidate.GetRSPtr(1))};
   EXPECT_EQ(candidate.SetRSAndWeights(own, {3}, false), 0);
@@ -168,23 +158,18 @@ TEST(FittingCandidate, SettingSurfacesWithoutErrorPredictionResetsFirst) {
 
 TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
   Surfaces five(5);
-  struct Case {
-    std::vector<CRSData*> surfaces;
-    Vector weights;
-    bool errorPrediction;
-  };
-  const Case cases[] = {{five.pointers, {1, 2}, true},
-                        {five.pointers, {}, true},
-                        {{}, {}, true},
-                        {five.pointers, {1}, false},
-                        {{nullptr}, {1}, false},
-                        {{nullptr}, {1}, true},
-                        {{}, {1}, false}};
-  for (const Case& c : cases) {
+  const std::tuple<std::vector<CRSData*>, Vector, bool> cases[] = {{five.pointers, {1, 2}, true},
+                                                                   {five.pointers, {}, true},
+                                                                   {{}, {}, true},
+                                                                   {five.pointers, {1}, false},
+                                                                   {{nullptr}, {1}, false},
+                                                                   {{nullptr}, {1}, true},
+                                                                   {{}, {1}, false}};
+  for (const auto& [surfaces, weights, errorPrediction] : cases) {
     CFittingCandidate candidate = Filled();
-    candidate.SetbIsErrPredRequired(!c.errorPrediction);
-    EXPECT_EQ(candidate.SetRSAndWeights(c.surfaces, c.weights, c.errorPrediction), 1);
-    EXPECT_EQ(candidate.GetIsErrPredRequired(), c.errorPrediction);
+    candidate.SetbIsErrPredRequired(!errorPrediction);
+    EXPECT_EQ(candidate.SetRSAndWeights(surfaces, weights, errorPrediction), 1);
+    EXPECT_EQ(candidate.GetIsErrPredRequired(), errorPrediction);
     EXPECT_EQ(Values(candidate), (Vector{4}));
     EXPECT_EQ(candidate.GetRSWeight(0), 0.5);
   }
@@ -193,24 +178,19 @@ TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
 }
 
 TEST(FittingCandidate, DistanceScaleIsTheWidestGapButForRowZero) {
-  struct Case {
-    Matrix rows;
-    double scale;
-  };
-  const Case cases[] = {{{{0, 0}, {3, 4}}, 25},
-                        {{{0, 0}}, 0},
-                        {{}, 0},
-                        // Row 0 is the loneliest one and does not count.
-                        {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 4}};
-  for (const Case& c : cases) {
+  std::pair<Matrix, double> cases[] = {{{{0, 0}, {3, 4}}, 25},
+                                       {{{0, 0}}, 0},
+                                       {{}, 0},
+                                       // Row 0 is the loneliest one and does not count.
+                                       {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 4}};
+  for (auto& [rows, scale] : cases) {
     OpenCandidate candidate;
     candidate.SetNumberOfInputVariables(2);
-    candidate.SetNumberOfSamples(static_cast<int>(c.rows.size()));
-    Matrix rows = c.rows;
+    candidate.SetNumberOfSamples(static_cast<int>(rows.size()));
     std::vector<int> folds;
     candidate.SetCrossValidationData(rows, folds);
     EXPECT_EQ(candidate.computeMinDist(), 0);
-    EXPECT_EQ(candidate.GetDPMinDist(), c.scale);
+    EXPECT_EQ(candidate.GetDPMinDist(), scale);
   }
 }
 
