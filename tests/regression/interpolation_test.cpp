@@ -17,6 +17,12 @@ void ExpectAsLiteral(const CQRSData& record, const Vector& x) {
   EXPECT_NE(y[0], kHole);
 }
 
+// A hole at 0.
+CQRSData HoleOnALine() {
+  return PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}},
+                     {{-1.0}, {3.0}});
+}
+
 TEST(Interpolation, BlendsTheCornersRoundAHole) {
   for (int n = 1; n <= 4; ++n) {
     std::vector<TermSpec> specs = {{FuncTypeConst, {}, kHole}};
@@ -28,11 +34,8 @@ TEST(Interpolation, BlendsTheCornersRoundAHole) {
     ExpectAsLiteral(record, Vector(size, 0.0));
   }
   // By hand: x = 0 in -1 to 3 lies a quarter of the way, and so it does in the box -0.01 to 0.03.
-  CQRSData record =
-      PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}}, {{-1.0}, {3.0}});
-  double y = 0.0;
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y), 0);
-  EXPECT_NEAR(y, 0.75 * (kHole - 1e99) + 0.25 * (kHole + 3e99), 1e86);
+  EXPECT_NEAR(Value(kEvaluator, HoleOnALine(), {0.0}),
+              0.75 * (kHole - 1e99) + 0.25 * (kHole + 3e99), 1e86);
 }
 
 // Just below the largest argument that exp takes, so that corners with a greater sum fail and the
@@ -98,11 +101,8 @@ TEST(Interpolation, AsksTheVirtualOperationForItsCorners) {
     }
     mutable Matrix points;
   };
-  CQRSData record =
-      PlainRecord(1, {{FuncTypeConst, {}, kHole}, {FuncTypeLinear, {0}, 1e101}}, {{-1.0}, {3.0}});
   const Counting evaluator;
-  double y = 0.0;
-  EXPECT_EQ(evaluator.EvaluateResponseSurface(&record, {0.0}, y), 0);
+  Value(evaluator, HoleOnALine(), {0.0});
   EXPECT_EQ(evaluator.points, (Matrix{{0.0}, {-0.01}, {0.03}}));
 }
 

@@ -36,30 +36,27 @@ TEST(PredictorError, AgreesWithScipy) {
 }
 
 TEST(PredictorError, RefusesWhatCannotBeTold) {
-  const struct {
-    int status;
-    void (*apply)(CQRSData&, Vector& x);
-  } cases[] = {
-      {1, [](CQRSData& r, Vector&) { r.SetAllRegTermActive(); }},  // now the matrix is too small
-      {1,
-       [](CQRSData& r, Vector&) {
-         r.SetAllRegTermActive(), r.InvXtX = {{1.0, 0.0}, {1.0}};
-       }},
-      {1,
-       [](CQRSData& r, Vector& x) {
-         r.SetAllRegTermActive(), r.InvXtX = {{1.0, 0.0}, {0.0, 1.0}}, x = {};
-       }},
-      {1, [](CQRSData& r, Vector&) { r.NumberOfSamples = 1; }},  // no degrees of freedom
-      {3, [](CQRSData& r, Vector&) { r.RegTermFilterConfVal = 1.0; }},
-      {2, [](CQRSData& r, Vector&) { r.RegTermFilterConfVal = 0.0; }},
+  const Matrix one = {{0.25}};
+  const Matrix two = {{1.0, 0.0}, {0.0, 1.0}};
+  // The status for a point, with one term active or both, a matrix, samples and a level.
+  const std::tuple<int, Vector, bool, Matrix, int, double> cases[] = {
+      {0, {3.0}, true, two, 11, 0.95},
+      {1, {3.0}, true, one, 11, 0.95},
+      {1, {3.0}, true, {{1.0, 0.0}, {1.0}}, 11, 0.95},
+      {1, {}, true, two, 11, 0.95},
+      {1, {3.0}, false, one, 1, 0.95},  // no degrees of freedom
+      {3, {3.0}, false, one, 11, 1.0},
+      {2, {3.0}, false, one, 11, 0.0},
   };
-  for (const auto& each : cases) {
+  for (auto [status, x, allActive, matrix, samples, level] : cases) {
     CQRSData record = ConstantRecord(5.0);
-    Vector x = {3.0};
+    if (allActive) record.SetAllRegTermActive();
+    record.InvXtX = matrix;
+    record.NumberOfSamples = samples;
+    record.RegTermFilterConfVal = level;
     double error = kUntouched;
-    each.apply(record, x);
-    EXPECT_EQ(record.GetPredictorError(x, error), each.status) << &each - cases;
-    EXPECT_EQ(error, kUntouched);
+    EXPECT_EQ(record.GetPredictorError(x, error), status) << testing::PrintToString(matrix);
+    EXPECT_EQ(error == kUntouched, status != 0);
   }
 }
 
@@ -96,10 +93,6 @@ TEST(PredictorError, ABatchFillsTheErrorsWhateverItsStatus) {
   points.clear();
   EXPECT_EQ(record.EvalErrorPredictions(points, errors), 1);
   EXPECT_TRUE(errors.empty());
-  CQRSData none = PlainRecord(1, {});
-  points = {{3.0}};
-  none.NumberOfSamples = 1;
-  EXPECT_EQ(none.EvalErrorPredictions(points, errors), 0);
 }
 
 }  // namespace
