@@ -57,34 +57,28 @@ int Status(const std::string& text) {
   return Read(text, model);
 }
 
-TEST(Database, ReadsWholeWithCrossValidation) {
-  CDiscreteCombinations model;
-  ASSERT_EQ(Read(Database(), model), 0);
-  const CFittingCandidate& candidate =
-      *model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetEvaluationCandidatePtr();
-  ASSERT_EQ(candidate.GetSubRSCounts(), 4u);
-  EXPECT_EQ(ValueOf(candidate.GetSubRSPtr(2)), 8.25);
-  EXPECT_EQ(candidate.GetDPMinDist(), 0.25);
-  EXPECT_EQ(candidate.GetviNumPtsPerFold(), (std::vector<int>{1, 1}));
-  EXPECT_EQ(candidate.GetvvdScSortedInput(), (Matrix{{0.5}, {0.75}}));
-  EXPECT_EQ(model.ListUpperBound({"y"}), (NamedValues{{"y", 10}}));
-  EXPECT_EQ(model.ListParameterCaption({"x"})[0].second, "Length");
-  // A second read adds to the first.
-  EXPECT_EQ(Read(Database(), model), 0);
-  EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
-}
-
-TEST(Database, OrderAndLineEndsDoNotMatter) {
-  std::string windows;
-  for (const char c : Database()) windows += c == '\n' ? std::string("\r\n") : std::string(1, c);
+TEST(Database, ReadsWholeWhateverTheOrderOfItsGroupsAndItsLineEnds) {
   const std::string groups = Database();
   const std::size_t data = groups.find("<PlexuraData");
+  std::string windows;
+  for (const char c : groups) windows += c == '\n' ? std::string("\r\n") : std::string(1, c);
   for (const std::string& text : {windows, groups.substr(data) + groups.substr(0, data)}) {
     CDiscreteCombinations model;
     ASSERT_EQ(Read(text, model), 0);
+    const CFittingCandidate& candidate =
+        *model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetEvaluationCandidatePtr();
+    ASSERT_EQ(candidate.GetSubRSCounts(), 4u);
+    EXPECT_EQ(ValueOf(candidate.GetSubRSPtr(2)), 8.25);
+    EXPECT_EQ(candidate.GetDPMinDist(), 0.25);
+    EXPECT_EQ(candidate.GetviNumPtsPerFold(), (std::vector<int>{1, 1}));
+    EXPECT_EQ(candidate.GetvvdScSortedInput(), (Matrix{{0.5}, {0.75}}));
+    EXPECT_EQ(model.ListUpperBound({"y"}), (NamedValues{{"y", 10}}));
     NamedValues outputs;
     EXPECT_EQ(model.Evaluate({}, {{"x", 0.6}}, outputs), 0);
     EXPECT_EQ(outputs, (NamedValues{{"y", 7}}));
+    // A second read adds to the first.
+    EXPECT_EQ(Read(text, model), 0);
+    EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
   }
 }
 

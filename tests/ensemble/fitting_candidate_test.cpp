@@ -178,14 +178,15 @@ TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
 }
 
 TEST(FittingCandidate, DistanceScaleIsTheWidestGapButForRowZero) {
-  std::pair<Matrix, double> cases[] = {{{{0, 0}, {3, 4}}, 25},
-                                       {{{0, 0}}, 0},
-                                       {{}, 0},
-                                       // Row 0 is the loneliest one and does not count.
-                                       {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 4}};
-  for (auto& [rows, scale] : cases) {
+  std::tuple<Matrix, int, double> cases[] = {{{{0, 0}, {3, 4}}, 2, 25},
+                                             {{{0, 0}}, 2, 0},
+                                             {Matrix(), 2, 0},
+                                             {{{0}, {3}}, 0, 0},
+                                             // Row 0 is the loneliest one and does not count.
+                                             {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 2, 4}};
+  for (auto& [rows, inputs, scale] : cases) {
     OpenCandidate candidate;
-    candidate.SetNumberOfInputVariables(2);
+    candidate.SetNumberOfInputVariables(inputs);
     candidate.SetNumberOfSamples(static_cast<int>(rows.size()));
     std::vector<int> folds;
     candidate.SetCrossValidationData(rows, folds);

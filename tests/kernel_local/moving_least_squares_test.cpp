@@ -87,23 +87,6 @@ TEST(MovingLeastSquares, RecordsThatCannotBeHonouredAreRefused) {
        {"all samples at one point", [](CMLSData& r) { r.InputSamples = Matrix(4, {1.5}); }}});
 }
 
-TEST(MovingLeastSquares, NaNWeightsPassASingleBasisFunctionAlone) {
-  CMLSData record = SmallRecord();
-  record.PolynomialType = PolyConstant;
-  record.NumberOfBasisFunctions = 1;
-  // Constant weights are refused for a line alone: this is the mean of the first three. Scalings
-  // have no effect, whatever they hold.
-  record.WeightFunction = WeightConstant;
-  record.InputScaleSlopes = {7, 7};
-  record.OutputScaleIntercept = kNaN;
-  EXPECT_NEAR(Value(kEvaluator, record, {1.5}), 14.0 / 3.0, 1e-6);
-  Take(5, record.WeightFunction);
-  EXPECT_TRUE(std::isnan(Value(kEvaluator, record, {1.5})));
-  record.WeightFunction = WeightGaussian;
-  record.InputSamples = Matrix(4, {1.5});
-  EXPECT_TRUE(std::isnan(Value(kEvaluator, record, {1.5})));
-}
-
 TEST(MovingLeastSquares, TheBasisIsThatOfTheRecordAndTheUsedSamples) {
   CMLSData record = SmallRecord();
   Matrix B;

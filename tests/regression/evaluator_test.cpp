@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "regression/test_records.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -33,19 +31,13 @@ TEST(QRSEvaluator, RecordsThatCannotBeHonouredAreRefused) {
 TEST(QRSEvaluator, TheErrorIsWrittenBeforeTheValueIsKnownToBeGood) {
   CQRSData record = ConstantRecord(300.0);
   record.OutputTransformType = TransformLogE;
-  record.InvXtX.clear();
-  ExpectRefused(kEvaluator, &record, {0.0}, "no matrix, no error", true);
-  record.InvXtX = {{0.25}};
   double y = kUntouched;
   double error = kUntouched;
   EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y, error), 1);
   EXPECT_EQ(y, kUntouched);
   EXPECT_NEAR(error, kConstantsError, 1e-4);
-  SetTerms(record, {{FuncTypeConst, {}, 2.0}});
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y, error), 0);
-  EXPECT_EQ(y, std::exp(2.0));
-  record.NumberOfSamples = 1;  // no degrees of freedom
-  EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {0.0}, y, error), 1);
+  record.InvXtX.clear();
+  ExpectRefused(kEvaluator, &record, {0.0}, "no matrix, no error", true);
 }
 
 TEST(QRSEvaluator, DerivativeAsksOnlyWhetherTheRecordIsReady) {

@@ -51,6 +51,12 @@ using NamedValues = std::vector<std::pair<std::string, double>>;
 const NamedInts kCombination = {{"Material", 1}, {"Holes", 2}};
 const NamedValues kPoint = {{"L", 1.5}, {"b", 45}, {"h", 90}, {"F", 3000}};
 
+NamedValues Answer(const CDiscreteCombinations& model) {
+  NamedValues outputs;
+  EXPECT_EQ(model.Evaluate(kCombination, kPoint, outputs), 0);
+  return outputs;
+}
+
 // Lets the allocations of `action` fail, one of each `stride`, until it succeeds undisturbed, and
 // calls `after` behind each failure. Returns how often it failed.
 template <class Action, class After>
@@ -72,9 +78,9 @@ int FailEachAllocation(long long stride, Action action, After after) {
   }
 }
 
-// One combination of the beam: every family, with and without cross-validation, but not so long
-// that each of its allocations couldn't have its turn.
-std::string SmallBeam() {
+// Opens one combination of the beam: every family, with and without cross-validation, but not so
+// long that each of its allocations couldn't have its turn.
+void OpenSmallBeam(CReaderPXROMDatabase& reader) {
   std::string text = ContentOf(PXROM_EXAMPLES "/beam.pxdb");
   const std::string key = "DiscreteSet={Material;1},{Holes;2}";
   const std::size_t line = text.find(key);
@@ -83,13 +89,12 @@ std::string SmallBeam() {
   const std::size_t end = text.find("</DiscreteSets>");
   const std::string kept = text.substr(line, text.find('\n', line) + 1 - line);
   text.replace(sets, end - sets, "<DiscreteSets>\n" + kept);
-  return text;
+  reader.ReadDataStream(text);
 }
 
 TEST(Allocation, AnyMayFailWhileReading) {
-  std::string text = SmallBeam();
   CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
+  OpenSmallBeam(reader);
   CDiscreteCombinations model;
   const int failures = FailEachAllocation(
       7,
@@ -99,20 +104,15 @@ TEST(Allocation, AnyMayFailWhileReading) {
       },
       [] {});
   EXPECT_GT(failures, 100);
-  NamedValues outputs;
-  EXPECT_EQ(model.Evaluate(kCombination, kPoint, outputs), 0);
   CDiscreteCombinations undisturbed;
   EXPECT_EQ(reader.ResumeDiscreteCombinations(undisturbed), 0);
-  NamedValues expected;
-  EXPECT_EQ(undisturbed.Evaluate(kCombination, kPoint, expected), 0);
-  EXPECT_EQ(outputs, expected);
+  EXPECT_EQ(Answer(model), Answer(undisturbed));
 }
 
 TEST(Allocation, AnyMayFailWhileEvaluating) {
   CDiscreteCombinations model;
   ReadModel(PXROM_EXAMPLES "/beam.pxdb", model);
-  NamedValues expected;
-  ASSERT_EQ(model.Evaluate(kCombination, kPoint, expected), 0);
+  const NamedValues expected = Answer(model);
   NamedValues outputs;
   const int failures = FailEachAllocation(
       1,
@@ -120,20 +120,15 @@ TEST(Allocation, AnyMayFailWhileEvaluating) {
         outputs = NamedValues();
         return model.Evaluate(kCombination, kPoint, outputs);
       },
-      [&] {
-        NamedValues after;
-        EXPECT_EQ(model.Evaluate(kCombination, kPoint, after), 0);
-        EXPECT_EQ(after, expected);
-      });
+      [&] { EXPECT_EQ(Answer(model), expected); });
   EXPECT_GT(failures, 5);
   EXPECT_EQ(outputs, expected);
 }
 
 TEST(Allocation, AnyMayFailWhileCopyingAndAssigning) {
   CDiscreteCombinations source;
-  std::string text = SmallBeam();
   CReaderPXROMDatabase reader;
-  reader.ReadDataStream(text);
+  OpenSmallBeam(reader);
   ASSERT_EQ(reader.ResumeDiscreteCombinations(source), 0);
   FailEachAllocation(
       101,
@@ -150,8 +145,7 @@ TEST(Allocation, AnyMayFailWhileCopyingAndAssigning) {
         return 0;
       },
       [&] { EXPECT_EQ(target.ResetData(), 0); });
-  NamedValues outputs;
-  EXPECT_EQ(target.Evaluate(kCombination, kPoint, outputs), 0);
+  EXPECT_EQ(Answer(target), Answer(source));
 }
 
 }  // namespace

@@ -1,17 +1,14 @@
-// Operations that hosts use and evaluation does not: sample access, scaling of tables, counts,
-// statistics, clones, and what a derived reader may ask for.
+// What hosts may ask and evaluation does not: sample access, scaling of tables, clones, what a
+// derived reader catches, distributions of odd arguments.
 
+#include <ctime>
 #include <stdexcept>
 
+#include "numerics/distributions.h"
 #include "pxrom/constant.h"
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/fitting_candidates.h"
 #include "pxrom/fmu_description_reader.h"
-#include "pxrom/kriging.h"
-#include "pxrom/linear_basis.h"
-#include "pxrom/moving_least_squares.h"
-#include "pxrom/regression.h"
-#include "pxrom/support_vector.h"
 #include "support/model_files.h"
 #include "support/surfaces.h"
 
@@ -52,8 +49,7 @@ TEST(Corners, ACandidatesSamplesAndScaling) {
 
 TEST(Corners, AStoppedListRefusesUntilItIsNoMore) {
   CConstantData surface;
-  surface.NumberOfInputVariables = 1;
-  surface.ReadyForEvaluation = true;
+  MakeReady(surface, 1);
   surface.SetConstantValue(4.0);
   CFittingCandidates list;
   ASSERT_EQ(list.GenerateCandidateFromCRSData(&surface), 0);
@@ -64,9 +60,9 @@ TEST(Corners, AStoppedListRefusesUntilItIsNoMore) {
   EXPECT_EQ(list.SetStatusStopped(), 0);
   const std::unique_ptr<CFittingCandidatesEvaluator> evaluator(
       CFittingCandidatesEvaluator().Clone());
-  double y = -1.0;
   CFittingCandidatesEvaluator assigned;
   assigned = *evaluator;
+  double y = -1.0;
   EXPECT_EQ(assigned.EvaluateResponseSurfaceCandidate(list, {0.5}, y), 1);
   CFittingCandidates other;
   other.AddFittingCandidate(*before);
@@ -74,31 +70,18 @@ TEST(Corners, AStoppedListRefusesUntilItIsNoMore) {
   EXPECT_EQ(y, 4.0);
 }
 
-TEST(Corners, RecordsKeepWhatIsSet) {
-  CMLSData mls;
-  EXPECT_EQ(mls.SetUsedPointOption(UsedPointsExtraPercent, 35.0), 0);
-  E_UsedPointsOption option{};
-  double value = 0.0;
-  EXPECT_EQ(mls.GetUsedPointOption(option) + mls.GetExtraPointPercent(value), 0);
-  EXPECT_EQ(option, UsedPointsExtraPercent);
-  EXPECT_EQ(value, 35.0);
-}
-
 TEST(Corners, ADerivedReaderCatchesListsAndPairs) {
   const std::string text = "n=1,2\np={a;1},{b;2}\nq={a;0.5}\ns={a;x},{b;}\n";
   const OpenReader reader(text);
-  std::vector<int> list;
-  reader.CatchKeyValue(text, "n=", list, 0, text.size());
-  EXPECT_EQ(list, (std::vector<int>{1, 2}));
-  std::vector<std::pair<std::string, int>> ints;
-  reader.CatchKeyValue(text, "p=", ints, 0, text.size());
-  EXPECT_EQ(ints, (std::vector<std::pair<std::string, int>>{{"a", 1}, {"b", 2}}));
-  std::vector<std::pair<std::string, double>> doubles;
-  reader.CatchKeyValue(text, "q=", doubles, 0, text.size());
-  EXPECT_EQ(doubles, (std::vector<std::pair<std::string, double>>{{"a", 0.5}}));
-  std::vector<std::pair<std::string, std::string>> strings;
-  reader.CatchKeyValue(text, "s=", strings, 0, text.size());
-  EXPECT_EQ(strings, (std::vector<std::pair<std::string, std::string>>{{"a", "x"}, {"b", ""}}));
+  const auto expectCaught = [&](const char* key, auto expected) {
+    decltype(expected) list;
+    reader.CatchKeyValue(text, key, list, 0, text.size());
+    EXPECT_EQ(list, expected);
+  };
+  expectCaught("n=", std::vector<int>{1, 2});
+  expectCaught("p=", std::vector<std::pair<std::string, int>>{{"a", 1}, {"b", 2}});
+  expectCaught("q=", std::vector<std::pair<std::string, double>>{{"a", 0.5}});
+  expectCaught("s=", std::vector<std::pair<std::string, std::string>>{{"a", "x"}, {"b", ""}});
 }
 
 TEST(Corners, AssignedReadersKeepTheTextAndClonesDoNot) {
@@ -109,7 +92,6 @@ TEST(Corners, AssignedReadersKeepTheTextAndClonesDoNot) {
   assigned = reader;
   CDiscreteCombinations model;
   EXPECT_EQ(assigned.ResumeDiscreteCombinations(model), 0);
-  EXPECT_GT(model.ParameterCount(), 0U);
   const std::unique_ptr<CReaderPXROMDatabase> clone(reader.Clone());
   EXPECT_THROW(clone->ResumeDiscreteCombinations(model), std::out_of_range);
   clone->ReadDataStream(text);
@@ -118,6 +100,42 @@ TEST(Corners, AssignedReadersKeepTheTextAndClonesDoNot) {
   EXPECT_EQ(CReaderFMUModelDescription().ReaderType(), ReaderTypeText);
   const std::unique_ptr<CReader> base(CReader().Clone());
   EXPECT_EQ(base->ReaderType(), ReaderTypeNone);
+}
+
+// Iterations end by their count where they don't converge.
+TEST(Corners, DistributionsEndWhateverTheyAreAsked) {
+  const double arguments[] = {std::nan(""), HUGE_VAL, -HUGE_VAL,   1.7e308, -1.7e308,
+                              5e-324,       0.0,      -1.0,        1.0,     0.25,
+                              0.5,          1e-300,   1.0 - 1e-16, 1e8};
+  const std::clock_t start = std::clock();
+  testing::internal::CaptureStdout();
+  int good = 0;
+  const auto count = [&good](int status) { good += status == 0 ? 1 : 0; };
+  for (const double a : arguments) {
+    double out = 0.0;
+    count(GammaLn(a, out));
+    count(StdGaussCdf(a, out));
+    count(StdGaussInvCdf(a, out));
+    for (const double b : arguments) {
+      count(IncompleteGammaP(a, b, out));
+      const StudTDist student(a);
+      count(student.EvalCdf(b, out));
+      count(student.EvalPdf(b, out));
+      const int status = student.EvalInvCdf(b, out);
+      count(status);
+      // NaN for degrees of freedom is not above 0, and for a level it is no level.
+      if (std::isnan(a) || std::isnan(b) || a <= 0.0) {
+        EXPECT_NE(status, 0) << a << ' ' << b;
+      }
+      for (const double x : arguments) {
+        count(IncompleteBetaRatio(a, b, x, out));
+        count(BetaDist::EvalInvCdf(a, b, 0.0, 1.0, x, out));
+      }
+    }
+  }
+  testing::internal::GetCapturedStdout();
+  EXPECT_GT(good, 100);
+  EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 }  // namespace

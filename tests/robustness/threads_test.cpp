@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "pxrom/batch.h"
 #include "support/model_files.h"
 #include "support/random_models.h"
+#include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -26,11 +26,7 @@ void ExpectTheSameFromEightThreads(const std::function<Answers()>& ask) {
     threads.emplace_back([&] {
       result = 1;
       for (int round = 0; round < 5; ++round) {
-        const Answers got = ask();
-        const std::size_t bytes = expected.size() * sizeof(double);
-        if (got.size() != expected.size() || std::memcmp(got.data(), expected.data(), bytes) != 0) {
-          result = 0;
-        }
+        if (!SameBits(ask(), expected)) result = 0;
       }
     });
   }

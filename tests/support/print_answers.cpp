@@ -1,10 +1,7 @@
 // Prints what random models of all families and the fitted ones answer, to the last bit: for
 // comparing builds (script/same-bits).
 
-#include <cinttypes>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <set>
 
@@ -19,12 +16,8 @@ namespace fs = std::filesystem;
 
 void Print(const char* what, int status, const std::vector<double>& numbers) {
   std::printf("%s %d", what, status);
-  for (const double number : numbers) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &number, sizeof bits);
-    // A NaN's sign is the compiler's.
-    std::printf(number == number ? " %016" PRIx64 : " nan", bits);
-  }
+  // A NaN's sign is the compiler's.
+  for (const double number : numbers) std::printf(number == number ? " %a" : " nan", number);
   std::printf("\n");
 }
 

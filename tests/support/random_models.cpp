@@ -18,22 +18,6 @@ const std::vector<std::string> kNames = {
 /// A surface without one of its folds has to have samples enough for a full trend.
 constexpr int kFewestSamples = 11;
 
-/// Names, each once.
-class Names {
- public:
-  explicit Names(Draw& draw) : draw_(draw), left_(kNames) {}
-  std::string Next() {
-    const auto at = left_.begin() + draw_.Int(0, static_cast<int>(left_.size()) - 1);
-    std::string name = *at;
-    left_.erase(at);
-    return name;
-  }
-
- private:
-  Draw& draw_;
-  std::vector<std::string> left_;
-};
-
 class ModelMaker {
  public:
   ModelMaker(std::uint32_t seed, const RandomModelOptions& options, CDiscreteCombinations& model)
@@ -52,25 +36,31 @@ class ModelMaker {
 
  private:
   void RegisterParameters() {
-    Names names(draw_);
     const int discrete = draw_.Int(0, options_.maxDiscreteInputs);
     const int continuous = draw_.Int(1, options_.maxContinuousInputs);
     const int outputs = draw_.Int(1, options_.maxOutputs);
     for (int i = 0; i < discrete; ++i) {
-      discrete_.push_back(Register(names.Next(), CausalityInput, DiscreteParameter, true));
+      discrete_.push_back(Register(NextName(), CausalityInput, DiscreteParameter, true));
     }
     for (int i = 0; i < continuous; ++i) {
       const auto type = draw_.Chance(50) ? ContinuousManufacturable : ContinuousNotManufacturable;
-      continuous_.push_back(Register(names.Next(), CausalityInput, type, true));
+      continuous_.push_back(Register(NextName(), CausalityInput, type, true));
     }
     for (int i = 0; i < outputs; ++i) {
-      outputs_.push_back(
-          Register(names.Next(), CausalityOutput, ContinuousNotManufacturable, true));
+      outputs_.push_back(Register(NextName(), CausalityOutput, ContinuousNotManufacturable, true));
     }
-    RegisterIdle(names.Next(), CausalityInput, DerivedParameter, true);
-    RegisterIdle(names.Next(), CausalityInput, DiscreteParameter, false);
-    RegisterIdle(names.Next(), CausalityOutput, ContinuousNotManufacturable, false);
+    RegisterIdle(NextName(), CausalityInput, DerivedParameter, true);
+    RegisterIdle(NextName(), CausalityInput, DiscreteParameter, false);
+    RegisterIdle(NextName(), CausalityOutput, ContinuousNotManufacturable, false);
     ShuffleRanks();
+  }
+
+  // One that nobody has yet.
+  std::string NextName() {
+    const auto at = names_.begin() + draw_.Int(0, static_cast<int>(names_.size()) - 1);
+    std::string name = *at;
+    names_.erase(at);
+    return name;
   }
 
   std::string Register(const std::string& id, E_ParameterCausality causality, E_ParameterType type,
@@ -216,6 +206,7 @@ class ModelMaker {
   Draw draw_;
   const RandomModelOptions& options_;
   CDiscreteCombinations& model_;
+  std::vector<std::string> names_ = kNames;
   std::vector<std::string> discrete_;
   std::vector<std::string> continuous_;
   std::vector<std::string> outputs_;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -30,11 +31,8 @@ inline bool SameBits(double a, double b) {
 }
 
 inline bool SameBits(const Vector& a, const Vector& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (!SameBits(a[i], b[i])) return false;
-  }
-  return true;
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](double p, double q) { return SameBits(p, q); });
 }
 
 /// Numbers that were computed without this library: a file of tests/data.
