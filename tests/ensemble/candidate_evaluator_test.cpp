@@ -13,7 +13,6 @@ struct Answer {
   double error;
 };
 
-/// In the form without errors, or in that with them.
 Answer Evaluate(const CFittingCandidate& candidate, const Vector& x, bool withError = true) {
   CFittingCandidates list;
   list.AddFittingCandidate(candidate);
@@ -75,21 +74,19 @@ TEST(CandidateEvaluator, RefusalsSayWhatTheyLeaveBehind) {
   EXPECT_EQ(CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate({}, {0}, value), 1);
   EXPECT_EQ(value, 5);
   // A surface that refuses, or of no family, leaves the partial sum.
-  CFittingCandidate candidate = Ensemble();
   CConstantData stopped = Constant(1, 1);
   stopped.Stopped = true;
-  candidate.AddRSAndWeight(&stopped, 1);
-  ExpectAnswer(EvaluateValue(candidate, {0}), 1, 4.25, -2);
-  ExpectAnswer(Evaluate(candidate, {0}), 1, 4.25, -2);
   struct Unknown : CRSData {
     CRSData* Clone() const override { return new Unknown(*this); }
     E_DataType DataType() const override { return static_cast<E_DataType>(9); }
   };
   const Unknown unknown;
-  CFittingCandidate odd = Ensemble();
-  odd.AddRSAndWeight(&unknown, 1);
-  ExpectAnswer(EvaluateValue(odd, {0}), 1, 4.25, -2);
-  ExpectAnswer(Evaluate(odd, {0}), 1, 4.25, -2);
+  for (const CRSData* const surface : std::initializer_list<const CRSData*>{&stopped, &unknown}) {
+    CFittingCandidate candidate = Ensemble();
+    candidate.AddRSAndWeight(surface, 1);
+    ExpectAnswer(EvaluateValue(candidate, {0}), 1, 4.25, -2);
+    ExpectAnswer(Evaluate(candidate, {0}), 1, 4.25, -2);
+  }
 }
 
 void AddFold(CFittingCandidate& candidate, double value, int inputs = 1) {

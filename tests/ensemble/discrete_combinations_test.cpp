@@ -35,30 +35,30 @@ CFittingCandidates* New(double value, int inputs = 2) {
   return new CFittingCandidates(OneConstant(value, inputs));
 }
 
+int Add(CDiscreteCombinations& study, int p, int q, const Outputs& outputs) {
+  return study.RegisterDiscreteCombination({{"P", p}, {"Q", q}}, outputs);
+}
+
 void Register(CDiscreteCombinations& study, int p, int q, double u, double v) {
-  ASSERT_EQ(study.RegisterDiscreteCombination({{"P", p}, {"Q", q}}, {{"u", New(u)}, {"v", New(v)}}),
-            0);
+  ASSERT_EQ(Add(study, p, q, {{"u", New(u)}, {"v", New(v)}}), 0);
 }
 
 TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   const OpenCombinations study = Study();
-  const std::pair<std::size_t, std::size_t> counts[] = {
-      {study.ParameterCount(), 9},
-      {study.EnabledParameterCount(), 8},
-      {study.InputParameterCount(), 6},
-      {study.InputParameterCount(false), 1},
-      {study.OutputParameterCount(), 3},
-      {study.OutputParameterCount(true), 3},
-      {study.ContinuousCount(), 5},
-      {study.ContinuousCount(false), 0},
-      {study.ContinuousManufacturableCount(), 2},
-      {study.ContinuousNotManufacturableCount(), 3},
-      {study.DiscreteCount(), 3},
-      {study.DiscreteCount(true), 2},
-      {study.DerivedCount(), 1},
-      {study.Count(CausalityOutput, ContinuousManufacturable), 1},
-      {study.Count(CausalityInput, DiscreteParameter, false), 1}};
-  for (const auto& [got, expected] : counts) EXPECT_EQ(got, expected);
+  using Counts = std::vector<std::size_t>;
+  EXPECT_EQ((Counts{study.ParameterCount(), study.EnabledParameterCount(),
+                    study.InputParameterCount(), study.InputParameterCount(false),
+                    study.OutputParameterCount(), study.OutputParameterCount(true)}),
+            (Counts{9, 8, 6, 1, 3, 3}));
+  EXPECT_EQ(
+      (Counts{study.ContinuousCount(), study.ContinuousCount(true), study.ContinuousCount(false),
+              study.ContinuousManufacturableCount(), study.ContinuousNotManufacturableCount()}),
+      (Counts{5, 5, 0, 2, 3}));
+  EXPECT_EQ((Counts{study.DiscreteCount(), study.DiscreteCount(true), study.DiscreteCount(false),
+                    study.DerivedCount()}),
+            (Counts{3, 2, 1, 1}));
+  EXPECT_EQ(study.Count(CausalityOutput, ContinuousManufacturable), 1u);
+  EXPECT_EQ(study.Count(CausalityInput, DiscreteParameter, false), 1u);
   EXPECT_EQ(study.ListParameterImmutableID(DiscreteParameter, true), (Ids{"P", "Q"}));
   EXPECT_EQ(study.ListParameterImmutableID(CausalityOutput, true), (Ids{"u", "v", "w"}));
   EXPECT_EQ(study.ListParameterImmutableID(false), (Ids{"off"}));
@@ -141,8 +141,7 @@ TEST(Combinations, EvaluateFindsTheCombinationAndAppendsErrors) {
   empty.SetInputScaleIntercepts({0, 0});
   auto* const list = new CFittingCandidates;
   list->AddFittingCandidate(empty);
-  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 3}, {"Q", 5}}, {{"u", list}, {"v", New(1)}}),
-            0);
+  EXPECT_EQ(Add(study, 3, 5, {{"u", list}, {"v", New(1)}}), 0);
   EXPECT_EQ(study.Evaluate({{"P", 3}, {"Q", 5}}, {{"x", 0}, {"a", 0}}, outputs, errors), -2);
   EXPECT_EQ(errors, (NamedValues{{"old", 0}, {"u", 0}}));
 }
@@ -178,9 +177,7 @@ TEST(Combinations, RefusalsBeforeTheOutputsTouchNothing) {
 
 TEST(Combinations, AFailingOutputKeepsThoseBeforeIt) {
   OpenCombinations study = Study();
-  ASSERT_EQ(
-      study.RegisterDiscreteCombination({{"P", 1}, {"Q", 5}}, {{"v", New(2, 3)}, {"u", New(1)}}),
-      0);
+  ASSERT_EQ(Add(study, 1, 5, {{"v", New(2, 3)}, {"u", New(1)}}), 0);
   NamedValues outputs = {{"old", 1}};
   NamedValues errors;
   EXPECT_EQ(study.Evaluate({{"P", 1}, {"Q", 5}}, {{"x", 0}, {"a", 0}}, outputs, errors), 1);
@@ -194,11 +191,10 @@ TEST(Combinations, RefusedRegistrationsLeaveThePointersWithTheCaller) {
   const std::unique_ptr<CFittingCandidates> u(New(1));
   const std::unique_ptr<CFittingCandidates> v(New(2));
   const Outputs both = {{"u", u.get()}, {"v", v.get()}};
-  const NamedInts key = {{"P", 1}, {"Q", 1}};
   EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}}, both), 1);
   EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}, {"?", 1}}, both), 1);
-  EXPECT_EQ(study.RegisterDiscreteCombination(key, {{"u", u.get()}}), 1);
-  EXPECT_EQ(study.RegisterDiscreteCombination(key, {{"u", u.get()}, {"v", nullptr}}), 1);
+  EXPECT_EQ(Add(study, 1, 1, {{"u", u.get()}}), 1);
+  EXPECT_EQ(Add(study, 1, 1, {{"u", u.get()}, {"v", nullptr}}), 1);
   EXPECT_TRUE(study.GetOutputsWrtDiscCombPtr()->empty());
   EXPECT_TRUE(study.GetDiscreteCombinationsIndexingPtr()->empty());
 }
@@ -206,15 +202,12 @@ TEST(Combinations, RefusedRegistrationsLeaveThePointersWithTheCaller) {
 TEST(Combinations, ARepeatedNameKeepsTheFirstAndOwnsBoth) {
   OpenCombinations study = Study();
   CFittingCandidates* const first = New(1);
-  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 1}, {"Q", 1}}, {{"u", first}, {"u", New(2)}}),
-            0);
+  EXPECT_EQ(Add(study, 1, 1, {{"u", first}, {"u", New(2)}}), 0);
   EXPECT_EQ(study.GetOutputsWrtDiscCombPtr()->back().at("u"), first);
   // One list under two names, and again for another combination, is still released once.
   CFittingCandidates* const shared = New(3);
-  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 2}, {"Q", 1}}, {{"u", shared}, {"v", shared}}),
-            0);
-  EXPECT_EQ(study.RegisterDiscreteCombination({{"P", 3}, {"Q", 1}}, {{"u", shared}, {"v", New(4)}}),
-            0);
+  EXPECT_EQ(Add(study, 2, 1, {{"u", shared}, {"v", shared}}), 0);
+  EXPECT_EQ(Add(study, 3, 1, {{"u", shared}, {"v", New(4)}}), 0);
 }
 
 TEST(Combinations, CopiesCloneAndAssignmentsShare) {
