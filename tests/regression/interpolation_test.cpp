@@ -56,7 +56,8 @@ TEST(Interpolation, MovesTheBoxInwardUntilAllCornersSucceed) {
       upper[1] = 10.0;
     }
     CQRSData record = PlainRecord(n, specs, {lower, upper});
-    SetOutputTransform(record, TransformLogA, base, 0.0);
+    record.OutputTransformType = TransformLogA;
+    record.OutputTransformValue = base;
     ExpectAsLiteral(record, Vector(static_cast<std::size_t>(n), 0.0));
   }
 }

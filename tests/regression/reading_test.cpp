@@ -41,10 +41,9 @@ const std::string kFour = Group(1, 2, "1", "20") + Group(0, 1, "", "10") +
 TEST(QRSReading, FillsTheRecord) {
   CQRSData record;
   EXPECT_EQ(Read(Counted(4, kFour) + "QRSVersion=191\nQRSSavePredictorError=1\n", &record), 0);
-  EXPECT_TRUE(record.InputTransformType == TransformBox &&
-              record.OutputTransformType == TransformYeo);
-  EXPECT_TRUE(record.InputTransformValues == (Vector{4, 5}) &&
-              record.InputLambdas == (Vector{6, 7}));
+  EXPECT_TRUE(record.InputTransformType == 7 && record.OutputTransformType == 9);
+  EXPECT_EQ(record.InputTransformValues, (Vector{4, 5}));
+  EXPECT_EQ(record.InputLambdas, (Vector{6, 7}));
   EXPECT_TRUE(record.OutputTransformValue == 8.0 && record.OutputLambda == 1.0);
   EXPECT_TRUE(record.ResponseSurfaceType == 2 && record.RegTermFilterType == 3);
   EXPECT_TRUE(record.RegTermFilterConfVal == 0.75 && record.NumberOfSelectedRegTerms == 2);

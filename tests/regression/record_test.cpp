@@ -178,7 +178,7 @@ TEST(QRSData, TransformsInputsAndOutputs) {
   Vector ys = {3.0, -1.0, 3.0};
   EXPECT_EQ(record.TransformAndOverwriteOutputSamples(ys), 1);
   EXPECT_EQ(ys, (Vector{4.0, -1.0, 3.0}));
-  ys = {4.0, -1.0, 4.0};
+  ys[2] = 4.0;
   EXPECT_EQ(record.BacktransformAndOverwriteOutputSample(ys), 1);
   EXPECT_EQ(ys, (Vector{3.0, -1.0, 4.0}));
   record.InputTransformType = record.OutputTransformType = static_cast<E_QRSTransformationType>(10);

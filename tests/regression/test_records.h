@@ -7,7 +7,6 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What a term is made from.
 struct TermSpec {
   E_FuncType type;
   std::vector<int> indices;
@@ -60,12 +59,5 @@ inline CQRSData ConstantRecord(double constant) {
   return record;
 }
 constexpr double kConstantsError = 4.0528;  // to 1e-4
-
-/// Gives an output transformation its parameters.
-inline void SetOutputTransform(CQRSData& record, int type, double value, double lambda) {
-  Take(type, record.OutputTransformType);
-  record.OutputTransformValue = value;
-  record.OutputLambda = lambda;
-}
 
 }  // namespace Tarvane::Plexura::PXROM

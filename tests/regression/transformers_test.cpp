@@ -1,18 +1,14 @@
 #include "regression/transformers.h"
 
 #include <cmath>
-#include <limits>
 
 #include "regression/test_records.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 E_QRSTransformationType Type(int number) { return static_cast<E_QRSTransformationType>(number); }
 
-/// Value and status of one step, forward or back.
 std::pair<double, int> Step(int type, bool forward, double x, double value, double lambda) {
   const CTransformer& transformer = *FindTransformer(Type(type));
   const int status = forward ? transformer.TransformAndOverwrite(x, value, lambda)
@@ -43,25 +39,25 @@ TEST(Transformers, GuardsLeaveTheArgumentAndYeoItsFailureValue) {
     double x, lambda;
     int status;
   } cases[] = {
-      {1, false, 1e-99, 0, 1},  {1, false, std::nextafter(1e-99, 1.0), 0, 0},
-      {1, false, kNaN, 0, 1},   {2, false, above, 0, 1},
-      {3, false, limit, 0, 0},  {3, false, above, 0, 1},
-      {3, true, -1.0, 0, 0},    {4, false, limit, 0, 0},
-      {4, false, above, 0, 1},  {5, true, -1.0, 0, 0},
-      {6, true, -1.0, 0, 0},    {7, true, -1e-9, 2, 1},
-      {7, true, 0.0, 2, 0},     {7, true, 0.0, -1, 1},
-      {7, true, 0.0, 0, 1},     {7, true, 1e-9, 9.9e-7, 0},
-      {7, true, -0.5, 1e-6, 1}, {7, false, -2.1, 0.5, 1},
-      {7, false, 1e50, 0.5, 1}, {7, false, 1e50, 2, 0},
-      {7, false, 1e150, 2, 0},  {7, false, limit, 0, 0},
-      {7, false, above, 0, 1},  {9, true, -1e9, -3, 0},
-      {9, false, 1e50, 0.5, 1}, {9, false, -1e50, 1.5, 1},
-      {9, false, above, 0, 1},  {9, false, -above, 2, 1},
-      {9, false, 2.0, -0.6, 1}, {9, false, -2.0, 2.6, 1},
-      {9, false, -9e99, 1, 0},  {6, false, -1.0, 0, 1},
-      {6, false, 0.0, 0, 0},    {8, true, 5.5, 0, 1},
-      {8, true, -1.0, 2, 1},    {8, true, 1000.0, 0.5, 1},
-      {8, false, 1000.0, 2, 0}, {8, false, 5.5, 9e-7, 1},
+      {1, false, 1e-99, 0, 1},        {1, false, std::nextafter(1e-99, 1.0), 0, 0},
+      {1, false, std::nan(""), 0, 1}, {2, false, above, 0, 1},
+      {3, false, limit, 0, 0},        {3, false, above, 0, 1},
+      {3, true, -1.0, 0, 0},          {4, false, limit, 0, 0},
+      {4, false, above, 0, 1},        {5, true, -1.0, 0, 0},
+      {6, true, -1.0, 0, 0},          {7, true, -1e-9, 2, 1},
+      {7, true, 0.0, 2, 0},           {7, true, 0.0, -1, 1},
+      {7, true, 0.0, 0, 1},           {7, true, 1e-9, 9.9e-7, 0},
+      {7, true, -0.5, 1e-6, 1},       {7, false, -2.1, 0.5, 1},
+      {7, false, 1e50, 0.5, 1},       {7, false, 1e50, 2, 0},
+      {7, false, 1e150, 2, 0},        {7, false, limit, 0, 0},
+      {7, false, above, 0, 1},        {9, true, -1e9, -3, 0},
+      {9, false, 1e50, 0.5, 1},       {9, false, -1e50, 1.5, 1},
+      {9, false, above, 0, 1},        {9, false, -above, 2, 1},
+      {9, false, 2.0, -0.6, 1},       {9, false, -2.0, 2.6, 1},
+      {9, false, -9e99, 1, 0},        {6, false, -1.0, 0, 1},
+      {6, false, 0.0, 0, 0},          {8, true, 5.5, 0, 1},
+      {8, true, -1.0, 2, 1},          {8, true, 1000.0, 0.5, 1},
+      {8, false, 1000.0, 2, 0},       {8, false, 5.5, 9e-7, 1},
   };
   for (const auto& each : cases) {
     const auto [x, status] = Step(each.type, each.forward, each.x, 2.0, each.lambda);
