@@ -6,23 +6,29 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// The numbers of tests/data/kernel_local.
 inline const nlohmann::json& Reference(const char* kind) {
   static const nlohmann::json reference = ReferenceData("kernel_local/reference.json");
   return reference.at(kind);
 }
 
-/// The base record of a prediction in the reference data.
+/// Expects the predictions of `kind`, from records to which `fill` adds what their family knows.
 template <class Record>
-Record RecordFrom(const nlohmann::json& item) {
-  Record record;
-  const auto samples = item["samples"].get<Matrix>();
-  MakeReady(record, static_cast<int>(samples[0].size()), samples, item["outputs"].get<Vector>());
-  record.InputScaleSlopes = item["slopes"].get<Vector>();
-  record.InputScaleIntercepts = item["intercepts"].get<Vector>();
-  record.OutputScaleSlope = item["slope"];
-  record.OutputScaleIntercept = item["intercept"];
-  return record;
+void ExpectPredictions(const char* kind, const CRSEvaluator& evaluator, double tolerance,
+                       void (*fill)(const nlohmann::json&, Record&)) {
+  for (const auto& item : Reference(kind)) {
+    Record record;
+    const Matrix samples = item["samples"];
+    MakeReady(record, static_cast<int>(samples[0].size()), samples, item["outputs"]);
+    record.InputScaleSlopes = item["slopes"].get<Vector>();
+    record.InputScaleIntercepts = item["intercepts"].get<Vector>();
+    record.OutputScaleSlope = item["slope"];
+    record.OutputScaleIntercept = item["intercept"];
+    fill(item, record);
+    const double want = item["value"];
+    EXPECT_NEAR(Value(evaluator, record, item["x"]), want,
+                tolerance * std::fmax(1.0, std::fabs(want)))
+        << item;
+  }
 }
 
 /// Expects that each damage is refused, those of the samples too, and that there is neither an
