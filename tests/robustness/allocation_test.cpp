@@ -49,6 +49,7 @@ using NamedInts = std::vector<std::pair<std::string, int>>;
 using NamedValues = std::vector<std::pair<std::string, double>>;
 
 const NamedInts kCombination = {{"Material", 1}, {"Holes", 2}};
+const auto kNothing = [] {};
 const NamedValues kPoint = {{"L", 1.5}, {"b", 45}, {"h", 90}, {"F", 3000}};
 
 NamedValues Answer(const CDiscreteCombinations& model) {
@@ -59,8 +60,8 @@ NamedValues Answer(const CDiscreteCombinations& model) {
 
 // Lets the allocations of `action` fail, one of each `stride`, until it succeeds undisturbed, and
 // calls `after` behind each failure. Returns how often it failed.
-template <class Action, class After>
-int FailEachAllocation(long long stride, Action action, After after) {
+template <class After, class Action>
+int FailEachAllocation(long long stride, After after, Action action) {
   int failures = 0;
   for (long long at = 0;; at += stride) {
     countdown = at;
@@ -96,13 +97,10 @@ TEST(Allocation, AnyMayFailWhileReading) {
   CReaderPXROMDatabase reader;
   OpenSmallBeam(reader);
   CDiscreteCombinations model;
-  const int failures = FailEachAllocation(
-      7,
-      [&] {
-        model.ResetData();
-        return reader.ResumeDiscreteCombinations(model);
-      },
-      [] {});
+  const int failures = FailEachAllocation(7, kNothing, [&] {
+    model.ResetData();
+    return reader.ResumeDiscreteCombinations(model);
+  });
   EXPECT_GT(failures, 100);
   CDiscreteCombinations undisturbed;
   EXPECT_EQ(reader.ResumeDiscreteCombinations(undisturbed), 0);
@@ -114,13 +112,11 @@ TEST(Allocation, AnyMayFailWhileEvaluating) {
   ReadModel(PXROM_EXAMPLES "/beam.pxdb", model);
   const NamedValues expected = Answer(model);
   NamedValues outputs;
-  const int failures = FailEachAllocation(
-      1,
-      [&] {
-        outputs = NamedValues();
-        return model.Evaluate(kCombination, kPoint, outputs);
-      },
-      [&] { EXPECT_EQ(Answer(model), expected); });
+  const auto answersStill = [&] { EXPECT_EQ(Answer(model), expected); };
+  const int failures = FailEachAllocation(1, answersStill, [&] {
+    outputs = NamedValues();
+    return model.Evaluate(kCombination, kPoint, outputs);
+  });
   EXPECT_GT(failures, 5);
   EXPECT_EQ(outputs, expected);
 }
@@ -130,21 +126,16 @@ TEST(Allocation, AnyMayFailWhileCopyingAndAssigning) {
   CReaderPXROMDatabase reader;
   OpenSmallBeam(reader);
   ASSERT_EQ(reader.ResumeDiscreteCombinations(source), 0);
-  FailEachAllocation(
-      101,
-      [&] {
-        const CDiscreteCombinations copy(source);
-        return 0;
-      },
-      [] {});
+  FailEachAllocation(101, kNothing, [&] {
+    const CDiscreteCombinations copy(source);
+    return 0;
+  });
   CDiscreteCombinations target;
-  FailEachAllocation(
-      1,
-      [&] {
-        target = source;
-        return 0;
-      },
-      [&] { EXPECT_EQ(target.ResetData(), 0); });
+  const auto reset = [&] { EXPECT_EQ(target.ResetData(), 0); };
+  FailEachAllocation(1, reset, [&] {
+    target = source;
+    return 0;
+  });
   EXPECT_EQ(Answer(target), Answer(source));
 }
 

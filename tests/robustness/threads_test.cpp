@@ -34,22 +34,6 @@ void ExpectTheSameFromEightThreads(const std::function<Answers()>& ask) {
   EXPECT_EQ(equal, std::vector<int>(8, 1));
 }
 
-Answers Evaluated(const CDiscreteCombinations& model, bool withErrors) {
-  Answers answers;
-  for (const double fraction : {0.25, 0.75}) {
-    for (const Question& question : QuestionsFor(model, fraction)) {
-      std::vector<std::pair<std::string, double>> outputs;
-      std::vector<std::pair<std::string, double>> errors;
-      answers.push_back(
-          withErrors ? model.Evaluate(question.discrete, question.continuous, outputs, errors)
-                     : model.Evaluate(question.discrete, question.continuous, outputs));
-      for (const auto& output : outputs) answers.push_back(output.second);
-      for (const auto& error : errors) answers.push_back(error.second);
-    }
-  }
-  return answers;
-}
-
 TEST(Threads, EvaluateOneObjectOfAnyFamily) {
   // Errors only where they come from cross-validation: the others would write Kriging records.
   RandomModelOptions validated;
@@ -58,14 +42,14 @@ TEST(Threads, EvaluateOneObjectOfAnyFamily) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     CDiscreteCombinations plain;
     FillRandomModel(seed, {}, plain);
-    ExpectTheSameFromEightThreads([&] { return Evaluated(plain, false); });
+    ExpectTheSameFromEightThreads([&] { return AnswersOf(plain, false); });
     CDiscreteCombinations crossed;
     FillRandomModel(seed, validated, crossed);
-    ExpectTheSameFromEightThreads([&] { return Evaluated(crossed, true); });
+    ExpectTheSameFromEightThreads([&] { return AnswersOf(crossed, true); });
   }
   CDiscreteCombinations beam;
   ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
-  ExpectTheSameFromEightThreads([&] { return Evaluated(beam, false); });
+  ExpectTheSameFromEightThreads([&] { return AnswersOf(beam, false); });
 }
 
 TEST(Threads, EvaluateOnePreparedModel) {
@@ -98,7 +82,7 @@ TEST(Threads, ReadOneReaderIntoObjectsOfTheirOwn) {
   ExpectTheSameFromEightThreads([&] {
     CDiscreteCombinations model;
     EXPECT_EQ(reader.ResumeDiscreteCombinations(model), 0);
-    return Evaluated(model, false);
+    return AnswersOf(model, false);
   });
 }
 

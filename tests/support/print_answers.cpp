@@ -14,37 +14,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void Print(const char* what, int status, const std::vector<double>& numbers) {
-  std::printf("%s %d", what, status);
+void Print(const char* what, const std::vector<double>& numbers) {
+  std::printf("%s", what);
   // A NaN's sign is the compiler's.
   for (const double number : numbers) std::printf(number == number ? " %a" : " nan", number);
   std::printf("\n");
 }
 
 void PrintAnswers(const CDiscreteCombinations& model) {
-  for (const double fraction : {0.3, 0.9}) {
-    for (const Question& question : QuestionsFor(model, fraction)) {
-      std::vector<std::pair<std::string, double>> outputs;
-      std::vector<std::pair<std::string, double>> errors;
-      std::vector<double> numbers;
-      const int status = CDiscreteCombinations(model).Evaluate(
-          question.discrete, question.continuous, outputs, errors);
-      for (const auto& output : outputs) numbers.push_back(output.second);
-      for (const auto& error : errors) numbers.push_back(error.second);
-      Print("evaluated", status, numbers);
-
-      CPreparedModel prepared;
-      if (CPreparedModel::Prepare(model, question.discrete, prepared) != 0) continue;
-      std::vector<double> point;
-      for (const std::string& id : prepared.InputIDs()) {
-        for (const auto& input : question.continuous) {
-          if (input.first == id) point.push_back(input.second);
-        }
+  Print("evaluated", AnswersOf(CDiscreteCombinations(model), true));
+  for (const Question& question : QuestionsFor(model, 0.3)) {
+    CPreparedModel prepared;
+    if (CPreparedModel::Prepare(model, question.discrete, prepared) != 0) continue;
+    std::vector<double> point;
+    for (const std::string& id : prepared.InputIDs()) {
+      for (const auto& input : question.continuous) {
+        if (input.first == id) point.push_back(input.second);
       }
-      std::vector<double> values(prepared.OutputIDs().size());
-      prepared.Evaluate(point.data(), 1, PrecisionExact, values.data(), nullptr, nullptr);
-      Print("prepared", 0, values);
     }
+    std::vector<double> values(prepared.OutputIDs().size());
+    prepared.Evaluate(point.data(), 1, PrecisionExact, values.data(), nullptr, nullptr);
+    Print("prepared", values);
   }
 }
 

@@ -55,7 +55,6 @@ class ModelMaker {
     ShuffleRanks();
   }
 
-  // One that nobody has yet.
   std::string NextName() {
     const auto at = names_.begin() + draw_.Int(0, static_cast<int>(names_.size()) - 1);
     std::string name = *at;
@@ -183,21 +182,16 @@ class ModelMaker {
     for (int left = samples; left > 0; left -= counts.back()) {
       counts.push_back(std::min(left, draw_.Int(1, samples - kFewestSamples)));
     }
-    std::vector<std::unique_ptr<CRSData>> owned;
-    std::vector<CRSData*> surfaces;
-    std::vector<double> weights;
-    const auto add = [&](E_DataType family, int count) {
-      owned.push_back(
-          RandomSurface(draw_, family, static_cast<int>(continuous_.size()), count, false));
-      surfaces.push_back(owned.back().get());
-    };
+    const auto inputs = static_cast<int>(continuous_.size());
     for (int i = draw_.Int(1, options_.maxSurfaces); i > 0; --i) {
       const E_DataType family = draw_.OneOf(options_.families);
-      weights.push_back(draw_.Real(0, 1));
-      add(family, samples);
-      for (const int count : counts) add(family, samples - count);
+      const double weight = draw_.Real(0, 1);
+      const auto surface = [&](int count) {
+        return RandomSurface(draw_, family, inputs, count, false);
+      };
+      candidate.AddRSAndWeight(surface(samples).get(), weight);
+      for (const int count : counts) candidate.AddSubRS(surface(samples - count).get());
     }
-    candidate.SetRSAndWeights(surfaces, weights, true);
     candidate.SetCrossValidationData(rows, counts);
     double distanceScale = draw_.Real(0.01, 0.5);
     candidate.SetDPMinDist(distanceScale);
@@ -261,6 +255,22 @@ std::vector<Question> QuestionsFor(const CDiscreteCombinations& model, double fr
     questions.push_back(question);
   }
   return questions;
+}
+
+std::vector<double> AnswersOf(const CDiscreteCombinations& model, bool withErrors) {
+  std::vector<double> answers;
+  for (const double fraction : {0.25, 0.75}) {
+    for (const Question& question : QuestionsFor(model, fraction)) {
+      std::vector<std::pair<std::string, double>> outputs;
+      std::vector<std::pair<std::string, double>> errors;
+      answers.push_back(
+          withErrors ? model.Evaluate(question.discrete, question.continuous, outputs, errors)
+                     : model.Evaluate(question.discrete, question.continuous, outputs));
+      for (const auto& output : outputs) answers.push_back(output.second);
+      for (const auto& error : errors) answers.push_back(error.second);
+    }
+  }
+  return answers;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::tests

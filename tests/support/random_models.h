@@ -70,4 +70,7 @@ struct Question {
 /// bounds of the continuous inputs: `fraction` of the way from the lower to the upper one.
 std::vector<Question> QuestionsFor(const CDiscreteCombinations& model, double fraction);
 
+/// The statuses, values and, if asked for, errors of all combinations of `model` at two points.
+std::vector<double> AnswersOf(const CDiscreteCombinations& model, bool withErrors);
+
 }  // namespace Tarvane::Plexura::PXROM::tests
