@@ -30,6 +30,7 @@ TEST(KrigingData, IsAllRightLooksAtEachPart) {
   };
   std::mt19937 random(1U);
   EXPECT_TRUE(literal::RandomKriging(random, 1, PolyNone, 5, 2, false).IsAllRight());
+  EXPECT_TRUE(CKrigingData().AreCorrelationKernelsCorrect());  // none for no inputs
   for (const auto change : changes) {
     CKrigingData record = literal::RandomKriging(random, 1, PolyFullQuadratic, 5, 2, false);
     record.InvC.clear();  // not looked at
@@ -58,19 +59,19 @@ TEST(KrigingData, ScalingFactorsKeepTheirUnevenRules) {
   record.InputSamples = {{1.0, -1e-08, 1e+30, 9e-09}, {5.0, 0.0, 0.0, 0.0}};
   record.OutputSamples = {2.0, 6.0};
   record.OutputScaleIntercept = 7.0;
-  record.ComputeScalingFactorsForInputsUsingInfNorm();
+  EXPECT_EQ(record.ComputeScalingFactorsForInputsUsingInfNorm(), 0);
   EXPECT_EQ(record.InputScaleSlopes, (Vector{1 / 5.0, 1 / 1e-08, 1 / 1e+30, 1.0}));
   EXPECT_EQ(record.InputScaleIntercepts, Vector(4, 0.0));
-  record.ComputeScalingFactorForOutputUsingInfNorm();
+  EXPECT_EQ(record.ComputeScalingFactorForOutputUsingInfNorm(), 0);
   EXPECT_EQ(record.OutputScaleIntercept, 7.0);
   const double deviation = std::sqrt(8.0);
-  record.ComputeScalingFactorsForInputs();
+  EXPECT_EQ(record.ComputeScalingFactorsForInputs(), 0);
   EXPECT_EQ(record.InputScaleIntercepts[0], -(1 / deviation) * 3.0);
   // What was there before is gone.
   EXPECT_EQ(record.InputScaleSlopes.size() + record.InputScaleIntercepts.size(), 8U);
   record.ComputeScalingFactorsForInputsUsingInfNorm();
   EXPECT_EQ(record.InputScaleSlopes.size() + record.InputScaleIntercepts.size(), 8U);
-  record.ComputeScalingFactorForOutput();
+  EXPECT_EQ(record.ComputeScalingFactorForOutput(), 0);
   EXPECT_EQ(record.OutputScaleIntercept, -(deviation * 4.0));
   record.NumberOfInputVariables = 5;  // more than the samples have
   EXPECT_EQ(record.ComputeScalingFactorsForInputs(), 1);
@@ -135,6 +136,8 @@ TEST(KrigingCorrelation, MatrixFillsTheStrictLowerTriangleOnly) {
   EXPECT_TRUE(out.empty());
   EXPECT_EQ(record.EvaluateCorrelationMatrix({{0.0}, {1.0}, {3.0}}, out), 0);
   EXPECT_EQ(out, (Matrix{{0, 0, 0}, {0.75, 0, 0}, {0.25, 0.5, 0}}));
+  record.CorrelationKernels.clear();
+  EXPECT_EQ(record.EvaluateCorrelationMatrix({{0.0}, {1.0}}, out), 1);
 }
 
 }  // namespace

@@ -28,6 +28,7 @@ enum Outcome { kComplete, kNoError, kTrendFails, kRefused };
 TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
   const std::pair<Outcome, Change> cases[] = {
       {kComplete, [](CKrigingData&) {}},
+      {kComplete, [](CKrigingData& r) { r.NumberOfSamples = 0, r.CorrelationCoefficients = {}; }},
       {kNoError, [](CKrigingData& r) { r.SavePredictorError = false; }},
       {kNoError, [](CKrigingData& r) { r.KrigingDataVersion_ = E_CKrigingDataVersion(191); }},
       {kNoError, [](CKrigingData& r) { r.PolynomialType = PolyNone, r.Ft.clear(); }},
@@ -104,8 +105,9 @@ TEST(KrigingPredictorError, RefusesShortMatrices) {
 TEST(KrigingPredictorError, SumsTheStatusesOfItsSteps) {
   const std::tuple<int, Matrix, Change> cases[] = {
       {0, {{3.0}, {4.0}}, [](CKrigingData&) {}},
+      {0, {{3.0}}, [](CKrigingData& r) { r.PolynomialType = PolyNone; }},
       {1, {}, [](CKrigingData&) {}},
-      {1, {{3.0}}, [](CKrigingData& r) { r.PolynomialType = E_PolynomialType(5); }},
+      {1, {{3.0}}, [](CKrigingData& r) { Take(5, r.PolynomialType), r.SavePredictorError = 0; }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples[0].clear(); }},
       {1, {{3.0}}, [](CKrigingData& r) { r.InputSamples.pop_back(); }},
       {1, {{3.0}}, [](CKrigingData& r) { r.NumberOfSamples = -1; }},

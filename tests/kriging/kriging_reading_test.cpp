@@ -57,5 +57,12 @@ TEST(KrigingReading, RefusesOtherRecordsAndBadSamples) {
   EXPECT_EQ(other.NumberOfSamples, 0);
 }
 
+TEST(KrigingReading, ErrorDataThatNobodyAsksForAreNotRead) {
+  std::string text = Surfaces()[0]["text"];
+  CKrigingData record;
+  EXPECT_EQ(Read(text.replace(text.find("KrigingSave"), 11, "Save"), &record), 0);
+  EXPECT_TRUE(!record.SavePredictorError && record.InvC.empty());
+}
+
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM
