@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 
 #include "literal/evaluate_literal.h"
 #include "literal/kernel_local_literal.h"
 #include "literal/kriging_literal.h"
+#include "literal/reading_literal.h"
 #include "literal/regression_literal.h"
 #include "pxrom/writer.h"
+#include "reading/database_text.h"
 #include "support/random_models.h"
 #include "support/surfaces.h"
 
@@ -24,6 +27,38 @@ bool SameBits(const NamedValues& a, const NamedValues& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& p, const auto& q) {
     return p.first == q.first && SameBits(p.second, q.second);
   });
+}
+
+// Every group of `text` as the reader's index finds it, and every attribute as its range does.
+void ExpectLiteralReading(const std::string& text) {
+  reading::DatabaseText indexed(text);
+  indexed.Index();
+  const CReader reader;
+  reading::Bounds group;
+  std::size_t at = 0;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line); at += line.size() + 1) {
+    SCOPED_TRACE(line);
+    const std::size_t equalSign = line.find('=');
+    if (line[0] == '<' && line[1] != '/') {
+      const std::string closing = "</" + line.substr(1, line.find_first_of(" >") - 1) + ">";
+      std::size_t start = 0;
+      std::size_t end = 0;
+      ASSERT_EQ(indexed.SearchBounds(line, closing, at, group),
+                literal::SearchBounds(text, line, closing, at, start, end));
+      ASSERT_EQ(std::make_pair(group.lower, group.upper), std::make_pair(start, end));
+    } else if (line[0] != '<' && equalSign != std::string::npos) {
+      const std::string key = line.substr(0, equalSign + 1);
+      std::string_view found;
+      std::string value;
+      ASSERT_EQ(reading::AttributeRange(indexed, group).Find(key, found),
+                literal::CatchKeyValue(text, key, value, group.lower, group.upper));
+      ASSERT_EQ(found, value);
+      ASSERT_TRUE(SameBits(reader.TokenizeDouble(value, ','), literal::TokenizeDouble(value, ',')));
+      ASSERT_EQ(reader.TokenizeInt(value, ','), literal::TokenizeInt(value, ','));
+      ASSERT_EQ(reader.TokenizeString(value, ','), literal::TokenizeString(value, ','));
+    }
+  }
 }
 
 // What a host may ask as well.
@@ -59,6 +94,7 @@ TEST(Literal, RandomDatabasesReadAndEvaluateTheSame) {
     FillRandomModel(seed, {}, made);
     std::string text;
     ASSERT_EQ(CWriterPXROMDatabase().WriteDiscreteCombinations(made, text), 0);
+    ASSERT_NO_FATAL_FAILURE(ExpectLiteralReading(text));
     CReaderPXROMDatabase reader;
     reader.ReadDataStream(text);
     CDiscreteCombinations model;
