@@ -64,6 +64,9 @@ TEST(RSData, ScalingComparesSlopesWithZeroExactly) {
   data = FilledRecord();
   data.InputScaleIntercepts.push_back(0);
   EXPECT_FALSE(data.IsScalingCorrect());
+  CRSData withoutInputs;
+  withoutInputs.OutputScaleSlope = 1;
+  EXPECT_TRUE(withoutInputs.IsScalingCorrect());
 }
 
 TEST(RSData, ScalingGoesForwardForInputsAndBothWaysForOutputs) {
