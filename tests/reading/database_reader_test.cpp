@@ -28,6 +28,7 @@ TEST(DatabaseReader, GroupsAreFoundByTheirNumber) {
   EXPECT_EQ(numbered.substr(start, end - start), "c");
   EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", -3, start, end), 0);
   EXPECT_EQ(numbered.substr(start, end - start), "d");
+  EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", -3, 0, 20, start, end), 1);
   // Without the tag the search wraps: it begins behind where the tag would end at the text's start.
   EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", 1, 1, kNone, start, end), 0);
   EXPECT_EQ(start, 7u);

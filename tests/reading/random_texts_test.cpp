@@ -44,7 +44,7 @@ TEST(OddTokens, ReadAsAStreamReadsThem) {
       {std::string("1\0002", 3), std::string(400, '9'), "0." + std::string(400, '0') + "7",
        "-" + std::string(400, '0') + "7e-3", "0." + std::string(400, '0') + "7e405"});
   for (const std::string& token : tokens) {
-    for (const char outer : {',', '.', '-', 'e'}) {
+    for (const char outer : {',', '.', '-', '+', 'e', '5'}) {
       EXPECT_NO_THROW(fuzz::RunTokens(InRange(0, 64, token, outer))) << token << outer;
     }
   }
