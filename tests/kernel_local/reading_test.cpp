@@ -39,6 +39,7 @@ TEST(KernelLocalReading, SupportVectorKeepsDefaultsForValuesOutOfRange) {
   EXPECT_TRUE(record.Betas == (Vector{5, 6}) && record.KernelArray == Vector{8});
   record = Resumed<CSVRData>("SVREpsilonValue=0.25\nSVRNuValue=0.75\nSVRConstantValue=20\n");
   EXPECT_TRUE(record.EpsilonValue == 0.25 && record.NuValue == 0.75 && record.ConstantValue == 20);
+  EXPECT_EQ(record.ConstantCoefficient, 0.0);
 }
 
 TEST(KernelLocalReading, OlderSupportVectorsComputeTheirWidthsFromTheScaledSamples) {

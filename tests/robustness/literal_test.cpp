@@ -64,9 +64,9 @@ void ExpectLiteralReading(const std::string& text) {
 // What a host may ask as well.
 const Vector kOddValues = {std::nan(""), HUGE_VAL, -HUGE_VAL, 1.7e308, -1e200, 5e-324, -0.0};
 
-void ExpectLiteralValues(const CDiscreteCombinations& model) {
+void ExpectLiteralValues(const CDiscreteCombinations& model, double oddFraction) {
   const literal::Combinations slow(model);
-  for (const double fraction : {0.1, 0.5, 1.3, std::nan(""), HUGE_VAL, -1e200}) {
+  for (const double fraction : {0.1, 1.3, oddFraction}) {
     for (const Question& question : QuestionsFor(model, fraction)) {
       NamedValues got;
       NamedValues want;
@@ -99,7 +99,7 @@ TEST(Literal, RandomDatabasesReadAndEvaluateTheSame) {
     reader.ReadDataStream(text);
     CDiscreteCombinations model;
     ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
-    ASSERT_NO_FATAL_FAILURE(ExpectLiteralValues(model));
+    ASSERT_NO_FATAL_FAILURE(ExpectLiteralValues(model, kOddValues[seed % kOddValues.size()]));
   }
 }
 
