@@ -1,7 +1,5 @@
 #pragma once
 
-// Small candidates of constant surfaces, as the ensemble tests need them.
-
 #include "pxrom/constant.h"
 #include "pxrom/fitting_candidates.h"
 #include "support/surfaces.h"

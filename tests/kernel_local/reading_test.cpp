@@ -1,5 +1,3 @@
-// Reading of the three families' attributes.
-
 #include "kernel_local/test_records.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"

@@ -1,7 +1,5 @@
 #pragma once
 
-// What the tests of the kernel and local surfaces share.
-
 #include "support/surfaces.h"
 
 namespace Tarvane::Plexura::PXROM {

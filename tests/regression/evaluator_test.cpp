@@ -162,6 +162,10 @@ TEST(PredictorError, ABatchFillsTheErrorsWhateverItsStatus) {
   points.clear();
   EXPECT_EQ(record.EvalErrorPredictions(points, errors), 1);
   EXPECT_TRUE(errors.empty());
+  CQRSData none = PlainRecord(1, {});
+  points = {{3.0}};
+  none.NumberOfSamples = 1;
+  EXPECT_EQ(none.EvalErrorPredictions(points, errors), 0);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #pragma once
 
-// Regression records as the tests need them.
-
 #include "pxrom/regression.h"
 #include "support/surfaces.h"
 

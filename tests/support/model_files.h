@@ -1,7 +1,5 @@
 #pragma once
 
-// Reading of the models that the tests share.
-
 #include <gtest/gtest.h>
 
 #include <fstream>

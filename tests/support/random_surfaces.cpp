@@ -1,5 +1,3 @@
-// The surfaces of the random models, family by family.
-
 #include <map>
 
 #include "pxrom/constant.h"
