@@ -163,6 +163,9 @@ TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
   EXPECT_EQ(model.ListLowerBound({"k"}), (NamedValues{{"k", 0}}));
   // Only 1 is enabled.
   EXPECT_FALSE(model.IsEnabled("k"));
+  // Once it is, a combination without its value is refused.
+  text = Replaced(text, "Availability=1,1,2", "Availability=1,1,1");
+  EXPECT_EQ(Status(Replaced(text, "DiscreteSet={y;3}", "DiscreteSet=")), 1);
 }
 
 TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {

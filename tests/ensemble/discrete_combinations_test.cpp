@@ -226,6 +226,7 @@ TEST(Combinations, CopiesCloneAndAssignmentsShare) {
   EXPECT_EQ(study->ResetData(), 0);
   EXPECT_EQ(study->ParameterCount() + study->GetRegistrationRank()->size(), 0u);
   EXPECT_TRUE(study->ListUpperBound({"x"}).empty());
+  EXPECT_TRUE(study->GetDiscreteCombinationsIndexingPtr()->empty());
   // Emptied maps stay, and new combinations go behind them.
   ASSERT_EQ(study->GetOutputsWrtDiscCombPtr()->size(), 2u);
   EXPECT_TRUE(study->GetOutputsWrtDiscCombPtr()->at(0).empty());

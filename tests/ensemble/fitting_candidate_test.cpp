@@ -26,9 +26,9 @@ Vector SubValues(const CFittingCandidate& candidate) {
 CFittingCandidate Filled() {
   CFittingCandidate candidate;
   const CConstantData constant = Constant(4, 1);
-  candidate.AddRSAndWeight(&constant, 0.5);
-  candidate.AddSubRS(&constant);
-  int status = candidate.SetNumberOfInputVariables(1);
+  int status = candidate.AddRSAndWeight(&constant, 0.5);
+  status += candidate.AddSubRS(&constant);
+  status += candidate.SetNumberOfInputVariables(1);
   status += candidate.SetNumberOfSamples(2);
   status += candidate.SetInputSamples({{1}, {2}});
   status += candidate.SetOutputSamples({3, 4});
@@ -167,7 +167,7 @@ TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
                                                                    {{}, {1}, false}};
   for (const auto& [surfaces, weights, errorPrediction] : cases) {
     CFittingCandidate candidate = Filled();
-    candidate.SetbIsErrPredRequired(!errorPrediction);
+    EXPECT_EQ(candidate.SetbIsErrPredRequired(!errorPrediction), 0);
     EXPECT_EQ(candidate.SetRSAndWeights(surfaces, weights, errorPrediction), 1);
     EXPECT_EQ(candidate.GetIsErrPredRequired(), errorPrediction);
     EXPECT_EQ(Values(candidate), (Vector{4}));
