@@ -109,6 +109,7 @@ TEST(Database, WhatCannotBeHonouredIsRefused) {
       {"Types=0,0", "Types=2,0"},
       {"{y;3}", "{y;3},{y;3}"},
       {"{y;3}", ""},
+      {"\nDiscreteSet={y;3}\n", ""},
       {"CandidateNumberOfSamples=2", "CandidateNumberOfSamples=3"},
       {"CandidateNumberOfSamples=2", "CandidateNumberOfSamples=-2"},
       {"CandidateRSCardinality=2", "CandidateRSCardinality=-1"},

@@ -38,6 +38,7 @@ void ExpectAnswers(const TermSpec& spec, double value, double row, const Vector&
 }
 
 TEST(RegTerms, ValueGradientAndDesignRow) {
+  ExpectAnswers({FuncTypeConst, {}, 4.0}, 4.0, 1.0, {0, 0, 0});
   ExpectAnswers({FuncTypeLinear, {1}, 0.1}, 5.0 * 0.1, 5.0, {0, 0.1, 0});
   ExpectAnswers({FuncTypePureQuad, {0, 1}, 3.0}, 45.0, 15.0, {18, 0, 0});  // i1 is not looked at
   // x[i0] * c * x[i1], in this order.
@@ -47,6 +48,12 @@ TEST(RegTerms, ValueGradientAndDesignRow) {
   ExpectAnswers({FuncTypeCrossPoly, {0, 0, 1}, 2.0}, 90.0, 45.0, {60, 18, 0});
   ExpectAnswers({FuncTypeCrossPoly, {1, 1, 1, 0, 0}, 1.0}, 1125.0, 1125.0, {750, 675, 0});
   ExpectAnswers({FuncTypeCrossPoly, {}, 4.0}, 4.0, 1.0, {0, 0, 0});
+}
+
+TEST(RegTerms, CarryATagForHosts) {
+  int tag = 0;
+  EXPECT_EQ(MakeTerm({FuncTypeLinear, {1}, 0.1})->GetTermTag(tag), 0);
+  EXPECT_EQ(tag, 1);
 }
 
 TEST(RegTerms, RefuseWhatIsNotSetOrOutsideAndWriteNothing) {
