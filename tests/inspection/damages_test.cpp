@@ -29,6 +29,26 @@ TEST(Damages, AreNamedWithTheirLine) {
   }
 }
 
+// What was found stands where the finding points, or in the pair that begins there.
+TEST(Damages, PointAtWhatTheyFound) {
+  const std::set<E_FindingCode> pointing = {FindingKeyUnknown,         FindingKeyMisplaced,
+                                            FindingParameterUnknown,   FindingOutputUnexpected,
+                                            FindingDiscreteInputWrong, FindingValueOverflow};
+  std::set<E_FindingCode> seen;
+  for (const Damage& damage : Damages()) {
+    for (const CFinding& f : InspectPXROMDatabase(damage.text).findings) {
+      if (pointing.count(f.code) == 0 || f.found.empty()) continue;
+      const std::size_t at = StartOfLine(damage.text, f.line) + f.column - 1;
+      const std::string there = damage.text.substr(at, f.found.size() + 1);
+      EXPECT_TRUE(there.rfind(f.found, 0) == 0 || there == '{' + f.found) << damage.name << '\n'
+                                                                          << f.sentence << '\n'
+                                                                          << there;
+      seen.insert(f.code);
+    }
+  }
+  EXPECT_EQ(seen, pointing);
+}
+
 // Nothing is wrong with any group, but forty thousand lines read one of them again and again.
 TEST(Damages, ATextThatAsksForTooMuchIsToldSo) {
   std::string text = ContentOf(PXROM_EXAMPLES "/constant.pxdb");
