@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "pxrom/constant.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -99,16 +97,6 @@ TEST(DatabaseReader, ReadsTheBaseRecordAsTheTextHasIt) {
   EXPECT_FALSE(read.data.Stopped);
   EXPECT_EQ(read.data.RSDataVersion(), 162);
   EXPECT_EQ(read.data.ConstantDataVersion(), 171);
-}
-
-TEST(DatabaseReader, TakesAllOfAStreamWhereverItStands) {
-  std::stringstream stream(kConstant);
-  for (std::string word; stream >> word;) continue;
-  OpenReader reader;
-  EXPECT_EQ(reader.ReadDataStream(stream), 0);
-  CConstantData data;
-  EXPECT_EQ(reader.ResumeConstantData(&data, 0, kNone), 0);
-  EXPECT_EQ(data.OutputSamples.size(), 3u);
 }
 
 TEST(DatabaseReader, MissingScalarsRepeatTheOneBeforeOrAreZero) {
