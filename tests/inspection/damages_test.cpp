@@ -37,12 +37,11 @@ TEST(Damages, PointAtWhatTheyFound) {
   std::set<E_FindingCode> seen;
   for (const Damage& damage : Damages()) {
     for (const CFinding& f : InspectPXROMDatabase(damage.text).findings) {
-      if (pointing.count(f.code) == 0 || f.found.empty()) continue;
+      if (pointing.count(f.code) == 0) continue;
       const std::size_t at = StartOfLine(damage.text, f.line) + f.column - 1;
-      const std::string there = damage.text.substr(at, f.found.size() + 1);
-      EXPECT_TRUE(there.rfind(f.found, 0) == 0 || there == '{' + f.found) << damage.name << '\n'
-                                                                          << f.sentence << '\n'
-                                                                          << there;
+      const bool isInPair = damage.text[at] == '{' || (at > 0 && damage.text[at - 1] == '{');
+      const std::string wanted = (isInPair ? "{" : "") + f.found;
+      EXPECT_EQ(damage.text.substr(at, wanted.size()), wanted) << damage.name << ": " << f.sentence;
       seen.insert(f.code);
     }
   }
