@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "literal/evaluate_literal.h"
-#include "literal/kernel_local_literal.h"
-#include "literal/kriging_literal.h"
-#include "literal/regression_literal.h"
 #include "models.h"
 #include "peers/peer.h"
 #include "pxrom/batch.h"
 #include "ratio_report.h"
+#include "reference/evaluate_literal.h"
+#include "reference/kernel_local_literal.h"
+#include "reference/kriging_literal.h"
+#include "reference/regression_literal.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include <new>
 #include <string>
 
-#include "literal/evaluate_literal.h"
 #include "models.h"
 #include "pxrom/constant.h"
 #include "ratio_report.h"
+#include "reference/evaluate_literal.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "literal/kernel_local_literal.h"
 #include "models.h"
 #include "peers/peer.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/support_vector.h"
 #include "ratio_report.h"
+#include "reference/kernel_local_literal.h"
 
 namespace {
 

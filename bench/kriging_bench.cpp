@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "literal/kriging_literal.h"
 #include "peers/peer.h"
 #include "pxrom/kriging.h"
 #include "ratio_report.h"
+#include "reference/kriging_literal.h"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include <random>
 #include <string>
 
-#include "literal/reading_literal.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
 #include "ratio_report.h"
-#include "reading/tokens.h"
+#include "reference/reading_literal.h"
+#include "text/tokens.h"
 
 namespace {
 

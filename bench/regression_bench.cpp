@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "literal/regression_literal.h"
 #include "pxrom/regression.h"
 #include "ratio_report.h"
+#include "reference/regression_literal.h"
 
 namespace {
 

@@ -1,18 +1,49 @@
 # What our own builds ask of the compiler. Nothing here reaches a host that links the library.
 
+include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
+
 set(PXROM_SANITIZE "" CACHE STRING "Sanitizers for the whole build, for example address,undefined")
 option(PXROM_COVERAGE "Instrument the build for coverage" OFF)
-option(PXROM_WERROR "Treat warnings as errors" ${PROJECT_IS_TOP_LEVEL})
+option(PXROM_JOIN_SOURCES "Compile sources that share large headers together, to build faster" OFF)
+option(PXROM_WERROR "Treat warnings as errors; our presets do" OFF)
+option(PXROM_HARDEN "Guard stacks, string functions and tables of addresses, where it can be done" ON)
 
 add_library(pxrom_developer INTERFACE)
 
 # Results are defined to the last bit, so that no multiply and add may be fused.
-target_compile_options(pxrom_developer INTERFACE -ffp-contract=off)
+if(MSVC)
+  target_compile_options(pxrom_developer INTERFACE /fp:precise)
+else()
+  target_compile_options(pxrom_developer INTERFACE -ffp-contract=off)
+endif()
 # Nobody replaces our own functions at load time, so that calls among them may be direct.
 target_compile_options(pxrom_developer INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+# A unique symbol would keep the library in memory after dlclose.
+target_compile_options(pxrom_developer INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 
-if(PROJECT_IS_TOP_LEVEL)
+# Sanitizers replace the functions that _FORTIFY_SOURCE checks, and it needs an optimised build.
+set(pxrom_guards "")
+if(PXROM_HARDEN AND UNIX AND NOT APPLE AND NOT EMSCRIPTEN AND NOT PXROM_SANITIZE)
+  target_compile_options(pxrom_developer INTERFACE
+    "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  foreach(flag -fstack-protector-strong -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER PXROM_HAS${flag} has_flag)
+    check_cxx_compiler_flag(${flag} ${has_flag})
+    if(${has_flag})
+      target_compile_options(pxrom_developer INTERFACE ${flag})
+      list(APPEND pxrom_guards ${flag})
+    endif()
+  endforeach()
+  check_linker_flag(CXX LINKER:-z,relro,-z,now PXROM_HAS_RELRO)
+  if(PXROM_HAS_RELRO)
+    target_link_options(pxrom_developer INTERFACE LINKER:-z,relro,-z,now)
+    list(APPEND pxrom_guards relro)
+  endif()
+endif()
+
+if(PROJECT_IS_TOP_LEVEL AND NOT MSVC)
   target_compile_options(pxrom_developer INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wfloat-conversion
     -Wnon-virtual-dtor

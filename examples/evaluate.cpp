@@ -5,11 +5,11 @@
 
 #include <pxrom/pxrom.h>
 
+#include <cstddef>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace Tarvane::Plexura::PXROM;
@@ -26,27 +26,42 @@ int main(int argc, char** argv) {
   CReaderPXROMDatabase reader;
   reader.ReadDataStream(text);
 
-  // Afterwards the model stands by itself, and the reader may go.
+  // The model keeps nothing of the reader, which may go.
   CDiscreteCombinations model;
   if (reader.ResumeDiscreteCombinations(model) != 0) {
     std::cerr << "no model in " << argv[1] << '\n';
     return 1;
   }
 
-  // Values go by name, in any order; the discrete ones choose the fitted combination.
-  const std::vector<std::pair<std::string, int>> discrete = {{"Material", 1}, {"Holes", 2}};
-  const std::vector<std::pair<std::string, double>> continuous = {
-      {"L", 1.5}, {"b", 45}, {"h", 90}, {"F", 3000}};
-
-  // 0: all outputs have an error; -2: some have none, the values are good; 1: no values. Who
-  // evaluates one model often, or in several threads, reads docs/behaviours.md about this form.
-  std::vector<std::pair<std::string, double>> outputs;
-  std::vector<std::pair<std::string, double>> errors;
-  if (model.Evaluate(discrete, continuous, outputs, errors) == 1) {
-    std::cerr << "the model can't be evaluated there\n";
+  // The discrete values choose the fitted combination, by name and in any order. What is prepared
+  // is a copy: the model may go, and any number of threads may evaluate it.
+  CPreparedModel beam;
+  std::string reason;
+  if (CPreparedModel::Prepare(model, {{"Material", 1}, {"Holes", 2}}, beam, &reason) != 0) {
+    std::cerr << reason << '\n';
     return 1;
   }
-  for (const auto& [id, value] : outputs) std::cout << id << " = " << value << '\n';
-  for (const auto& [id, error] : errors) std::cout << "error of " << id << " = " << error << '\n';
+
+  // A table of points, here of one row; a column per input, in the order of InputIDs().
+  const std::vector<double> point = {90, 3000, 1.5, 45};  // h, F, L, b
+  const std::size_t outputs = beam.OutputIDs().size();
+  std::vector<double> values(outputs);
+  std::vector<double> errors(outputs);
+  // 0: value and error are good; -2: the value is good, there is no error; 1: neither.
+  std::vector<int> statuses(outputs);
+  if (beam.InputIDs().size() != point.size() ||
+      beam.Evaluate(point.data(), 1, PrecisionExact, values.data(), errors.data(),
+                    statuses.data()) != 0) {
+    std::cerr << "the model has other inputs\n";
+    return 1;
+  }
+  for (std::size_t i = 0; i < outputs; ++i) {
+    std::cout << beam.OutputIDs()[i];
+    if (statuses[i] == 1) {
+      std::cout << " can't be evaluated there\n";
+    } else {
+      std::cout << " = " << values[i] << ", error " << errors[i] << '\n';
+    }
+  }
   return 0;
 }

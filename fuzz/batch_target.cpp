@@ -63,7 +63,9 @@ void RunBatch(std::string_view data) {
   CDiscreteCombinations model;
   if (!inputs.Read(model)) return;
   const NamedValues continuous = inputs.ContinuousOf(model);
+  std::size_t tried = 0;
   for (const auto& combination : *model.GetDiscreteCombinationsIndexingPtr()) {
+    if (++tried > inputs.MostCombinations()) break;
     const NamedInts discrete = inputs.DiscreteOf(model, combination.first);
     CPreparedModel prepared;
     std::string reason;

@@ -1,4 +1,4 @@
-#include "ensemble/families.h"
+#include "families/family.h"
 #include "model_inputs.h"
 #include "pxrom/discrete_combinations.h"
 #include "targets.h"
@@ -19,7 +19,7 @@ void EvaluateSurface(const CRSData& surface, const std::vector<double>& x) {
   Require(status >= 0 && status <= 4, "a derivative's status is 0, or 1 or a little more");
   int inputs = 0;
   surface.GetNumberOfInputVariables(inputs);
-  if (status == 0 && surface.DataType() == DT_QRSData) {
+  if (status == 0 && family->derivative == Derivative::OfValue) {
     Require(gradient.size() == static_cast<std::size_t>(inputs), "an element for each input");
   }
   double value = 0.0;
@@ -49,7 +49,9 @@ void RunEvaluate(std::string_view data) {
   const ModelInputs inputs(data);
   CDiscreteCombinations model;
   if (!inputs.Read(model)) return;
+  std::size_t tried = 0;
   for (const auto& combination : *model.GetDiscreteCombinationsIndexingPtr()) {
+    if (++tried > inputs.MostCombinations()) break;
     const NamedInts discrete = inputs.DiscreteOf(model, combination.first);
     const NamedValues continuous = inputs.ContinuousOf(model);
     NamedValues outputs;

@@ -1,5 +1,6 @@
 #include "model_inputs.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -46,6 +47,11 @@ bool ModelInputs::Read(CDiscreteCombinations& model) const {
   } catch (const std::out_of_range&) {
   }
   return !model.GetDiscreteCombinationsIndexingPtr()->empty();
+}
+
+std::size_t ModelInputs::MostCombinations() const {
+  constexpr std::size_t kCharacters = std::size_t{1} << 20U;
+  return std::max<std::size_t>(2, kCharacters / std::max<std::size_t>(text_.size(), 1));
 }
 
 std::vector<double> ModelInputs::Values(int count) const {

@@ -23,6 +23,9 @@ class ModelInputs {
   /// Reads the text into `model`, which may hold a part of it if that fails. False without any
   /// combination.
   bool Read(Tarvane::Plexura::PXROM::CDiscreteCombinations& model) const;
+  /// How many combinations to try: all of those that a text of the lengths that are fuzzed can
+  /// have, and few of a long one, since trying one may copy the whole model.
+  std::size_t MostCombinations() const;
   /// The doubles, repeated as needed.
   std::vector<double> Values(int count) const;
   NamedInts DiscreteOf(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model,

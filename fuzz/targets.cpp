@@ -11,6 +11,10 @@ const std::vector<Target>& Targets() {
       {"inspection", {"database"}, &RunInspection},
       {"writer", {"database", "evaluate"}, &RunWriter},
       {"batch", {"database", "evaluate"}, &RunBatch},
+      {"c_interface", {"database", "evaluate"}, &RunCInterface},
+#ifdef PXROM_FUZZ_COMMAND
+      {"command", {"database", "command"}, &RunCommand},
+#endif
   };
   return targets;
 }

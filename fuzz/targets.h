@@ -35,6 +35,11 @@ void RunInspection(std::string_view data);
 void RunWriter(std::string_view data);
 /// Prepared models against plain evaluation; data as for RunEvaluate.
 void RunBatch(std::string_view data);
+/// The C interface: what it lists, prepares, evaluates and checks. Data as for RunEvaluate.
+void RunCInterface(std::string_view data);
+/// What the command adds: assignments, tables of points, what it shows, its page. Only in builds
+/// with the command.
+void RunCommand(std::string_view data);
 
 struct Target {
   const char* name;

@@ -1,10 +1,10 @@
 #include <cstring>
 #include <optional>
 
-#include "literal/reading_literal.h"
 #include "pxrom/database_reader.h"
-#include "reading/number_text.h"
+#include "reference/reading_literal.h"
 #include "targets.h"
+#include "text/number_text.h"
 
 namespace fuzz {
 

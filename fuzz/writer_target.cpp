@@ -31,7 +31,9 @@ void RunWriter(std::string_view data) {
   Require(writer.WriteDiscreteCombinations(back, again) == 0 && again == text,
           "what was read from it is written the same");
   const NamedValues continuous = inputs.ContinuousOf(model);
+  std::size_t tried = 0;
   for (const auto& combination : *model.GetDiscreteCombinationsIndexingPtr()) {
+    if (++tried > inputs.MostCombinations()) break;
     const NamedInts discrete = inputs.DiscreteOf(model, combination.first);
     NamedValues outputs[2];
     NamedValues errors[2];

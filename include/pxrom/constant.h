@@ -35,7 +35,7 @@ class PXROM_API CConstantData : public CRSData {
   E_CConstantDataVersion ConstantDataVersion_ = ConstantDataVersion170;
 };
 
-/// Evaluates a CConstantData. `x` is ignored but for its length, which must match.
+/// Evaluates a CConstantData. Only the length of `x` matters; it must match.
 class PXROM_API CConstantEvaluator : public CRSEvaluator {
  public:
   CConstantEvaluator() = default;
@@ -44,7 +44,7 @@ class PXROM_API CConstantEvaluator : public CRSEvaluator {
 
   CConstantEvaluator* Clone() const override;
   ~CConstantEvaluator() override;
-  /// -2 unless the record has no input variables at all: only then does a constant claim an error,
+  /// -2 unless the record has no input variables at all: only then does a constant report an error,
   /// which is 0.0. The asymmetry is deliberate.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                               double& predictorError) const override;

@@ -20,24 +20,25 @@ class AttributeRange;
 }
 
 /// Turns the text of a database into live objects: construct, ReadDataStream, then
-/// ResumeDiscreteCombinations. The reader keeps no reference to what it filled and may be given a
-/// new text and used again; once everything is read it may be dropped.
+/// ResumeDiscreteCombinations. The reader keeps no reference to what it filled. It can read a new
+/// text, or be destroyed, as soon as everything is read.
 ///
-/// Reading is a substring search, not a parse, and silent by design: status 1 is all that a failure
-/// tells. Missing attributes are not reported (scalars start at 0 and bools at false), bad numbers
-/// read as 0, and the search for a missing group can find something else (docs/behaviours.md).
+/// Reading is a substring search, not a parse, and silent by design: a failure gives only status 1.
+/// Missing attributes are not reported (scalars start at 0 and bools at false), bad numbers read as
+/// 0, and the search for a missing group can find something else (docs/behaviours.md).
 ///
-/// What a text can't claim: counts that are negative or that ask for more values than the list
-/// holds give status 1 before anything is allocated. Groups may be shared by several lines or
-/// openings, and each use reads them anew; a text whose uses add up to more than 16 MiB plus 16
-/// times its length, with 512 bytes for each group, is refused with status 1, so that no text can
-/// exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a longer text.
+/// Limits: negative sizes of matrices, and counts that need more than the text holds, give status 1
+/// before anything is allocated. A negative number of surfaces counts as 0. Several lines may share
+/// a group, and each use reads it again. A text whose uses of groups add up to more than 16 MiB
+/// plus 16 times its length, counting 512 bytes extra for each group, is refused with status 1. So
+/// no text can exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a
+/// longer text.
 ///
-/// Exceptions: std::bad_alloc; std::out_of_range from a text that is shorter than the bounds its
-/// damaged groups lead to (an empty text, for one) and from an empty pair in a list. Nothing leaks
-/// on any path.
-/// Threads: everything const only reads, so several threads may read one reader into different
-/// targets; ReadDataStream needs the object alone.
+/// Exceptions: std::bad_alloc; std::out_of_range for a text that is shorter than the bounds that
+/// its damaged groups lead to (an empty text, for example) and for an empty pair in a list. Nothing
+/// leaks on any path.
+/// Threads: const operations only read, so several threads may read from one reader into different
+/// targets. Nothing else may use the reader during ReadDataStream.
 class PXROM_API CReaderPXROMDatabase : public CReader {
  public:
   CReaderPXROMDatabase();
@@ -52,9 +53,9 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   /// Reads the whole database into `out`, which is **not** reset first: a repeated read adds to it.
   /// 0, or 1 with `out` holding what was read before the failure.
   int ResumeDiscreteCombinations(CDiscreteCombinations& out) const;
-  /// Reads the counts and value references of the `FMU` group. A key that is not there leaves its
-  /// target, but `references` is always replaced. 1 when the group's search fails, which a database
-  /// without that group usually does not make happen.
+  /// Reads the counts and value references of the `FMU` group. A missing key leaves its target
+  /// unchanged, but `references` is always replaced. 1 when the search for the group fails; for a
+  /// database without that group it usually does not.
   int ResumeFMUDescriptionVariables(int& reals, int& integers, int& booleans, int& strings,
                                     int& events,
                                     std::vector<std::pair<std::string, int>>& references) const;
@@ -65,8 +66,8 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
 
   // Finds the body of a group. There is no test that either tag was found: a missing opening tag
   // gives a `start` of its length less one, a missing closing tag an `end` of npos, and both
-  // results are written in any case. 1 when `end` is not behind `start`; the forms in a range begin
-  // at `lower` and also give 1 when `end` lies behind `upper`. Else 0.
+  // results are written in any case. 1 when `end` is not after `start`; the forms with a range
+  // begin at `lower` and also give 1 when `end` is after `upper`. Else 0.
   int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, std::size_t& start,
                                 std::size_t& end) const;
   int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, int id,
@@ -77,10 +78,9 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   int SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag, std::size_t lower,
                                 std::size_t upper, std::size_t& start, std::size_t& end) const;
 
-  // Reads the value of the first `key` in the range, whose last character is the one at `upper`
-  // (npos: to the end of the text). A scalar target stays as it was when the key is missing or its
-  // value is blank; a list is always replaced, by an empty one in these cases. A `lower` beyond the
-  // text throws std::out_of_range.
+  // Reads the value of the first `key` in the range, which includes the character at `upper` (npos:
+  // to the end of the text). If the key is missing or its value is blank, a scalar target stays
+  // unchanged and a list becomes empty. A `lower` beyond the text throws std::out_of_range.
   void CatchKeyValue(const std::string& text, const std::string& key, std::string& target,
                      std::size_t lower, std::size_t upper) const;
   void CatchKeyValue(const std::string& text, const std::string& key, int& target,
@@ -108,15 +108,15 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   std::size_t CountAttribute(const std::string& text, const std::string& key, std::size_t lower,
                              std::size_t upper) const;
 
-  /// Finds the registry itself; the bounds that are passed do not matter. 0 or 1.
+  /// Finds the registry on its own; the bounds are ignored. 0 or 1.
   int ResumeParameterRegistry(CDiscreteCombinations& out, std::size_t first,
                               std::size_t last) const;
   /// Fills `out` with one candidate from `PlexuraData` group `id`. 1 leaves `out` untouched when
   /// the group is not found, and empty when its content is refused.
   int ResumeFittingCandidates(CFittingCandidates& out, int id) const;
 
-  // One per family, on the bounds of one `Genome` group: 0 or 1. A null record or one of another
-  // family gives 1 and is left alone. The record is not checked for soundness (IsAllRight).
+  // One per family, on the bounds of one `Genome` group: 0 or 1. A null record gives 1, and so does
+  // one of another family, which stays unchanged. The record is not checked (IsAllRight).
   int ResumeRSData(CRSData* data, std::size_t lower, std::size_t upper) const;
   int ResumeConstantData(CRSData* data, std::size_t lower, std::size_t upper) const;
   int ResumeKrigingData(CRSData* data, std::size_t lower, std::size_t upper) const;

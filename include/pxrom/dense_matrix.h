@@ -6,32 +6,32 @@
 #include "pxrom/export.h"
 
 /// Dense containers of doubles, row by row, and nothing more: no product, no factorisation, no
-/// inverse. The library hands them to a host's goodness of fit (goodness_of_fit.h). They stand at
+/// inverse. The library passes them to a host's goodness of fit (goodness_of_fit.h). They are in
 /// the global namespace.
 ///
-/// Statuses: 0 done, 1 refused; an operation without an `int` result cannot refuse. What a refusal
-/// leaves behind is what was there before, unless a comment says otherwise.
+/// Statuses: 0 done, 1 refused; an operation without an `int` result cannot refuse. A refused
+/// operation changes nothing, unless a comment says otherwise.
 ///
-/// Arguments: blocks of doubles go by pointer. **Their length is the caller's responsibility**: the
-/// comment says how many values are read or written; null will do for none.
+/// Arguments: blocks of doubles are pointers. **Their length is the caller's responsibility**: the
+/// comment says how many values are read or written; for no values the pointer may be null.
 /// `out` may be the block that is read. A shape whose element count does not fit an int is refused.
 ///
 /// Ownership: an object owns its storage. Copies are deep; a moved-from object is empty. Addresses
-/// that are handed out belong to the object and end with its next allocation.
-/// Threads: no locks and no shared state; an object is for one thread, or for many that only read.
-/// Exceptions: only what an exhausted allocator throws.
+/// that it returns belong to the object and are valid until its next allocation.
+/// Threads: no locks and no shared state; one thread may use an object, or many may read it.
+/// Exceptions: std::bad_alloc only.
 
 class DColVec;
 class DRowVec;
 
-/// A matrix of Rows by Cols; element (i, j) stands at position i * Cols + j of the storage.
+/// A matrix of Rows by Cols; element (i, j) is at position i * Cols + j of the storage.
 ///
-/// Dimensions and storage are apart: SetDimensions may set a shape before there is storage, or
-/// shrink it below the storage, which moves nothing, so that the same block is then read with a new
-/// row length. "Non-empty with storage" below means both.
+/// Dimensions and storage are separate. SetDimensions may set a shape before there is storage, or
+/// shrink it below the storage. It moves nothing, so the same block is then read with a new row
+/// length. "Non-empty with storage" below means that both dimensions and storage are there.
 ///
 /// Assigning through a DMtx& copies the shape whatever the kind of the target is: a vector that is
-/// assigned a matrix so is no longer one row or one column.
+/// assigned a matrix this way no longer has one row or one column.
 class PXROM_API DMtx {
  public:
   DMtx();
@@ -48,30 +48,31 @@ class PXROM_API DMtx {
   /// New storage of zeros for the dimensions set. 1 unless both are at least 1.
   virtual int AllocateStorage();
   /// Changes the dimensions by two differences, keeps the common block, fills the rest with 0.0.
-  /// 1 when a dimension would be less than 1, when there is no storage, and after a shrinking
-  /// SetDimensions. A vector that is asked to change its fixed dimension ends empty, with status 0.
+  /// 1 when a dimension would be less than 1, when there is no storage, and after a SetDimensions
+  /// that shrank the matrix. A vector whose fixed dimension would change becomes empty, with status
+  /// 0.
   virtual int Resize(const int& rowDelta, const int& colDelta);
   /// Sets the dimensions and moves nothing. 1 unless both are at least 1, and when there is storage
-  /// that is too small. Without storage, there are no elements yet, whatever the dimensions say.
+  /// that is too small. Without storage there are no elements, whatever the dimensions are.
   virtual int SetDimensions(const int& rows, const int& cols);
   virtual int GetDimensions(int& rows, int& cols) const;
 
   /// Copies all elements to `out`. 1 when there are none.
   virtual int CopyDataTo(double* out) const;
-  /// Hands out the storage. 1 when there is none; `out` is null then.
+  /// Returns the storage in `out`. 1 with null in `out` when there is none.
   virtual int GetData(double*& out);
-  /// Row `i` becomes the Cols values at `values`. 1 unless non-empty with storage and
+  /// Sets row `i` to the Cols values at `values`. 1 unless non-empty with storage and
   /// 0 <= i < Rows.
   virtual int SetRow(const int& i, const double* values);
-  /// The leading elements of `vector`, which keeps its length, become those of row `i`. 1 when `i`
-  /// is out of range or `vector` is empty or longer than the row.
+  /// Fills `vector`, which keeps its length, with the first elements of row `i`. 1 when `i` is out
+  /// of range or `vector` is empty or longer than the row.
   virtual int GetRowAsVector(const int& i, DRowVec& vector) const;
   /// Copies the Cols values of row `i` to `out`. 1 when `i` is out of range or without storage.
   virtual int GetRow(const int& i, double* out) const;
-  /// Hands out the address of row `i`. 1 only when i >= Rows. A negative `i` is not refused: it
-  /// gives null, as does a matrix without storage.
+  /// Returns the address of row `i` in `out`. 1 only when i >= Rows. A negative `i` is not refused:
+  /// it gives null, and so does a matrix without storage.
   virtual int GetRowPtr(const int& i, double*& out);
-  /// Column `j` becomes the first Rows elements of `vector`, of any kind. 1 unless non-empty with
+  /// Sets column `j` to the first Rows elements of `vector`, of any kind. 1 unless non-empty with
   /// storage and 0 <= j < Cols, and when `vector` has fewer elements.
   virtual int SetColumnFromVector(const int& j, const DMtx& vector);
   /// The same from a block of Rows values.
@@ -79,33 +80,33 @@ class PXROM_API DMtx {
   /// Copies the `n` columns `indices` to `out`, row by row: n * Rows values. 1 when an index is not
   /// in 0 <= index < Cols or without storage; nothing is written then.
   virtual int GetColumns(const int& n, const int* indices, double* out) const;
-  /// The leading elements of `vector`, which keeps its length, become those of column `j`. 0 also
-  /// when `vector` is empty and takes none. 1 when `j` is out of range, without storage, or when
-  /// `vector` is longer than the column.
+  /// Fills `vector`, which keeps its length, with the first elements of column `j`. 0 also for an
+  /// empty `vector`. 1 when `j` is out of range, without storage, or when `vector` is longer than
+  /// the column.
   virtual int GetColumnAsVector(const int& j, DColVec& vector) const;
   /// Copies the Rows values of column `j` to `out`. 1 when `j` is out of range or without storage.
   virtual int GetColumn(const int& j, double* out) const;
-  /// 1 when i >= Rows or j >= Cols. A negative index is not refused as such: the element at
-  /// position i * Cols + j is given where there is one, else the status is 1.
+  /// 1 when i >= Rows or j >= Cols. A negative index is not refused as such: it gives the element
+  /// at position i * Cols + j if there is one, else 1.
   virtual int GetElement(const int& i, const int& j, double& out) const;
   /// The number of elements allocated. Always 0.
   virtual int GetCapacity(int& capacity) const;
   /// The number of elements in use. Always 0.
   virtual int GetSize(int& size) const;
-  /// The address of element (i, j). Nothing is tested: there must be such an element.
+  /// The address of element (i, j). Nothing is checked: the element must exist.
   virtual double* ElementPtr(const int& i, const int& j);
 
-  /// The least element that is below 9e99, else 9e99: also for an empty matrix.
+  /// The smallest element below 9e99; 9e99 if there is none, or for an empty matrix.
   virtual double Min() const;
-  /// The greatest element that is above -9e99, else -9e99: also for an empty matrix.
+  /// The largest element above -9e99; -9e99 if there is none, or for an empty matrix.
   virtual double Max() const;
-  /// The number of elements of magnitude above 1e-31.
+  /// The number of elements with a magnitude above 1e-31.
   virtual int CountNonZero() const;
-  /// Writes the rows to the standard output, each element as by "%4.6f " whatever the locale, with
+  /// Writes the rows to the standard output, each element as "%4.6f " writes it in any locale, with
   /// an empty line before and after.
   virtual int Print() const;
 
-  // Over all elements, without a test; a block is as long as there are elements.
+  // Over all elements, without a check; a block has as many values as the matrix has elements.
   virtual void Assign(const double* values);                 ///< this[k] = values[k]
   virtual int Fill(double value);                            ///< this[k] = value
   virtual int Add(const double* a, double* out) const;       ///< out[k] = a[k] + this[k]
@@ -117,7 +118,7 @@ class PXROM_API DMtx {
   virtual int Multiply(double s, double* out) const;         ///< out[k] = s * this[k]
   virtual int MultiplyInPlace(double s);                     ///< this[k] *= s
 
-  // The same three for a matrix that is only read.
+  // The same three for a const matrix.
   int GetData(const double*& out) const;
   int GetRowPtr(const int& i, const double*& out) const;
   const double* ElementPtr(const int& i, const int& j) const;
@@ -136,7 +137,7 @@ class PXROM_API DMtx {
   bool HaveColumns(int n, const int* indices) const;
   /// Assign, refused with 1 when Rows or Cols is 0.
   int AssignUnlessEmpty(const double* values);
-  /// Exchanges all fields.
+  /// Swaps all fields.
   void SwapFields(DMtx& other) noexcept;
 
   std::int32_t MtxKind = 1;  ///< 1: matrix, 7: row vector, 8: column vector; never assigned
@@ -147,7 +148,7 @@ class PXROM_API DMtx {
   std::unique_ptr<double[]> Data;
 };
 
-/// A matrix with checked exchange of all its elements.
+/// A matrix with checked operations on all its elements.
 class PXROM_API DRecMtx : public DMtx {
  public:
   DRecMtx() = default;
@@ -156,106 +157,107 @@ class PXROM_API DRecMtx : public DMtx {
 
   /// Assign. 1 when Rows or Cols is 0.
   virtual int AssignChecked(const double* values);
-  /// Row i becomes the Cols values at rows[i], for all Rows. 1 unless non-empty with storage.
+  /// Sets each row i to the Cols values at rows[i]. 1 unless non-empty with storage.
   virtual int SetFromRows(const double* const* rows);
-  /// Copies row i to rows[i], for all Rows. 1 without storage.
+  /// Copies each row i to rows[i]. 1 without storage.
   virtual int CopyToRows(double* const* rows) const;
-  /// Adds this matrix to `target`: below its rows (`byRows`) or behind its columns. A target
+  /// Appends this matrix to `target`: below its rows (`byRows`) or after its columns. A target
   /// without dimensions becomes a copy of this matrix. 1 when the other dimension differs or one of
   /// the two has no storage. A matrix may be appended to itself.
   virtual int AppendTo(DRecMtx& target, bool byRows) const;
-  /// Exchanges everything. Always 0.
+  /// Swaps all fields. Always 0.
   virtual int Swap(DRecMtx& other);
 };
 
-/// A column: Cols is 1 and the length is in Rows. Operations with two dimensions refuse another
-/// number of columns.
+/// A column: Cols is 1 and Rows is the length. Operations with two dimensions refuse another number
+/// of columns.
 class PXROM_API DColVec : public DMtx {
  public:
   DColVec();
   /// `n` zeros; empty when `n` is less than 1.
   explicit DColVec(const int& n);
 
-  /// As AllocateLength; unlike a matrix, a vector does not drop its storage first, so that a length
-  /// above its capacity is refused. Clear first to grow.
+  /// Like AllocateLength. Unlike a matrix, a vector does not drop its storage first, so a length
+  /// above its capacity is refused. Call Clear first to grow.
   int Allocate(const int& rows, const int& cols) override;
   int AllocateStorage() override;
   int SetDimensions(const int& rows, const int& cols) override;
   /// Reports one column also of an empty vector. Always 0.
   int GetDimensions(int& rows, int& cols) const override;
-  /// Element `i` becomes the first of `values`.
+  /// Sets element `i` to the first of `values`.
   int SetRow(const int& i, const double* values) override;
 
-  /// New storage of `n` zeros. 1 when n < 1 or above the capacity of the storage there is.
+  /// New storage of `n` zeros. 1 when n < 1 or above the capacity of existing storage.
   virtual int AllocateLength(const int& n);
-  /// Resize of the length: keeps the leading elements.
+  /// Resize of the length: keeps the first elements.
   virtual int ResizeLength(const int& delta);
-  /// 1 when n < 1 or above the capacity of the storage there is. Moves nothing.
+  /// 1 when n < 1 or above the capacity of existing storage. Moves nothing.
   virtual int SetLength(const int& n);
   virtual int GetLength(int& n) const;
   /// Assign. 1 when the vector is empty.
   virtual int AssignChecked(const double* values);
-  /// Every element becomes the FIRST element of `vector`, of any kind; it does not copy element by
-  /// element. 1 when `vector` has no storage.
+  /// Sets every element to the FIRST element of `vector`, of any kind; it does not copy element by
+  /// element. 1 when `vector` has no storage. Deliberate.
   virtual int FillFromVector(const DMtx& vector);
-  /// The elements become the Rows values at `values`. 1 unless non-empty with storage.
+  /// Sets the elements to the Rows values at `values`. 1 unless non-empty with storage.
   virtual int SetValues(const double* values);
-  /// The first Rows elements of `vector` become those of this one. 1 unless non-empty with storage,
+  /// Copies the elements to the first Rows elements of `vector`. 1 unless non-empty with storage,
   /// and when `vector` is shorter.
   virtual int CopyToVector(DColVec& vector) const;
   /// Copies all elements to `out`. 1 unless non-empty with storage.
   virtual int CopyValuesTo(double* out) const;
   /// 1 unless 0 <= i < Rows and there is storage.
   virtual int GetAt(int i, double& out) const;
-  /// Exchanges everything. Always 0.
+  /// Swaps all fields. Always 0.
   virtual int Swap(DColVec& other);
-  /// The address of element `i`. Nothing is tested: there must be such an element.
+  /// The address of element `i`. Nothing is checked: the element must exist.
   virtual double* ElementPtrAt(const int& i);
 };
 
-/// A row: Rows is 1 and the length is in Cols. Operations with two dimensions refuse another number
-/// of rows.
+/// A row: Rows is 1 and Cols is the length. Operations with two dimensions refuse another number of
+/// rows.
 class PXROM_API DRowVec : public DMtx {
  public:
   DRowVec();
   /// `n` zeros; empty when `n` is less than 1.
   explicit DRowVec(const int& n);
 
-  /// As in DColVec.
+  /// Like those of DColVec.
   int Allocate(const int& rows, const int& cols) override;
   int AllocateStorage() override;
   int SetDimensions(const int& rows, const int& cols) override;
   /// Reports one row also of an empty vector. Always 0.
   int GetDimensions(int& rows, int& cols) const override;
 
-  // The first five as in DColVec.
+  // The first five are like those of DColVec.
   virtual int AllocateLength(const int& n);
   virtual int ResizeLength(const int& delta);
   virtual int SetLength(const int& n);
   virtual int GetLength(int& n) const;
   virtual int AssignChecked(const double* values);
-  /// AssignChecked.
+  /// The same as AssignChecked.
   virtual int SetValues(const double* values);
   /// Copies all elements to `out`. 1 unless non-empty with storage.
   virtual int CopyValuesTo(double* out) const;
-  /// Hands out the storage, null when there is none. Always 0.
+  /// Returns the storage in `out`, null when there is none. Always 0.
   virtual int GetDataUnchecked(double*& out);
-  /// this[i] = vector[i], `vector` of any kind. 1 when one of them has no such element.
+  /// this[i] = vector[i], for a `vector` of any kind. 1 when one of them has no such element.
   virtual int SetAtFromVector(int i, const DMtx& vector);
-  /// Writes values[i] into element 0, NOT into element i. 1 unless 0 <= i < Cols and there is
-  /// storage.
+  /// Writes values[i] to element 0, NOT to element i. 1 unless 0 <= i < Cols and there is storage.
+  /// Deliberate.
   virtual int SetAt(int i, const double* values);
   /// vector[i] = this[i]. 1 when one of them has no such element.
   virtual int GetAtToVector(int i, DColVec& vector) const;
   /// Writes the value of element indices[0] to all `n` places of `out`; the other indices are only
-  /// tested. 1 when an index is not in 0 <= index < Cols or without storage.
+  /// checked. 1 when an index is not in 0 <= index < Cols or without storage. Deliberate.
   virtual int GatherFirst(int n, const int* indices, double* out) const;
   /// out[i] = this[i]. 1 unless 0 <= i < Cols and there is storage.
   virtual int CopyAt(int i, double* out) const;
-  /// 1 when i < 0 or i > Cols, or without storage. i == Cols passes, as ever, and gives 0.0.
+  /// 1 when i < 0 or i > Cols, or without storage. i == Cols is not refused and gives 0.0.
+  /// Deliberate.
   virtual int GetAt(int i, double& out) const;
-  /// Exchanges everything. Always 0.
+  /// Swaps all fields. Always 0.
   virtual int Swap(DRowVec& other);
-  /// The address of element `i`. Nothing is tested: there must be such an element.
+  /// The address of element `i`. Nothing is checked: the element must exist.
   virtual double* ElementPtrAt(const int& i);
 };

@@ -17,17 +17,17 @@ namespace Tarvane::Plexura::PXROM {
 /// Version of the top object.
 enum E_DiscreteCombinationVersion : std::int32_t { DiscreteCombinationVersion192 = 192 };
 
-/// The top of the library: the registry of a model's parameters, and for each combination of
-/// discrete values one candidate list per output. CReaderPXROMDatabase fills it; Evaluate answers.
+/// The top object of the library: the registry of a model's parameters, and for each combination of
+/// discrete values one candidate list per output. CReaderPXROMDatabase fills it; Evaluate predicts.
 ///
-/// Parameters go by their immutable ID. Lists of IDs come in the byte order of the ID; values are
-/// ordered by registration rank, so that a caller may name them in any order.
+/// An immutable ID identifies a parameter. Lists of IDs are in the byte order of the ID. Values are
+/// ordered by registration rank, so a caller may name them in any order.
 ///
-/// Ownership: RegisterDiscreteCombination takes the candidate lists it is given; the copy
-/// constructor clones them. **Assignment shares** them: nothing is cloned, and each goes with the
-/// last of its holders.
-/// Threads: const operations may run side by side as long as nothing changes the object; about the
-/// form of Evaluate with errors see there.
+/// Ownership: RegisterDiscreteCombination takes over the candidate lists that it gets; the copy
+/// constructor clones them. **Assignment shares** them: nothing is cloned, and a list is destroyed
+/// with the last object that holds it.
+/// Threads: const operations may run at the same time as long as nothing changes the object. See
+/// Evaluate for the form with errors.
 class PXROM_API CDiscreteCombinations {
  public:
   using CombinationIndexing = std::map<std::vector<int>, std::int32_t>;
@@ -38,8 +38,8 @@ class PXROM_API CDiscreteCombinations {
   CDiscreteCombinations& operator=(const CDiscreteCombinations&);
 
   virtual ~CDiscreteCombinations();
-  /// Empties the object. The vector behind GetOutputsWrtDiscCombPtr keeps its length and holds
-  /// empty maps; later registrations append behind them. Always 0.
+  /// Empties the object. The vector of GetOutputsWrtDiscCombPtr keeps its length and holds empty
+  /// maps; later registrations append to it. Always 0.
   virtual int ResetData();
 
   /// Predicts every output of one combination, with predicted errors.
@@ -49,11 +49,11 @@ class PXROM_API CDiscreteCombinations {
   /// (ID, value) in the order of IDs; **`errors` is appended to, not emptied**, and lacks the
   /// outputs that have no error.
   /// 0; -2 when an output has no error; 1 when a count, a name or the combination doesn't fit, with
-  /// both lists untouched, or when an output fails, with `outputs` holding those before it. An
-  /// unknown combination is never approached by a neighbour. A registered name of the wrong kind is
-  /// not told apart: it takes its place by rank.
-  /// Threads: several may call this on one object, but not where a Kriging surface is reached
-  /// without cross-validation data, since that writes its record (kriging.h).
+  /// both lists untouched, or when an output fails, with the outputs before it in `outputs`. A
+  /// neighbour never replaces an unknown combination. A registered name of the wrong kind is not
+  /// recognised: it takes its place by rank.
+  /// Threads: several threads may call this on one object, unless it evaluates a Kriging surface
+  /// without cross-validation data, which writes the record of the surface (kriging.h).
   virtual int Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
                        const std::vector<std::pair<std::string, double>>& continuousValues,
                        std::vector<std::pair<std::string, double>>& outputs,
@@ -66,11 +66,11 @@ class PXROM_API CDiscreteCombinations {
   E_DiscreteCombinationVersion DataVersion() const;
 
   /// Sets all entries of `id`; its rank is the number of parameters before the call. Registering an
-  /// ID again overwrites it and may so repeat a rank. Always 0.
+  /// ID again overwrites it, which can repeat a rank. Always 0.
   int RegisterParameter(const std::string& id, E_ParameterCausality causality, E_ParameterType type,
                         bool enabled);
-  /// What is shown of a parameter, whether or not it is registered. **The upper bound comes before
-  /// the lower one.** 1 for an empty id.
+  /// Sets what a host shows of a parameter, whether or not it is registered. **The upper bound
+  /// comes before the lower bound.** 1 for an empty id.
   int RegisterParameterExtraInfos(const std::string& id, const std::string& name,
                                   const std::string& unit, const std::string& caption,
                                   double upperBound, double lowerBound);
@@ -112,8 +112,8 @@ class PXROM_API CDiscreteCombinations {
                                                     bool enabled) const;
   std::vector<std::string> ListParameterImmutableID(E_ParameterType type, bool enabled) const;
 
-  // One entry per known ID in the order given. **Unknown IDs are skipped**, so that the forms
-  // without names may no longer line up with the argument.
+  // One entry per known ID in the order given. **Unknown IDs are skipped**, so the results without
+  // names may no longer line up with the argument.
   std::vector<bool> ListParameterAvailability(std::vector<std::string> ids) const;
   std::vector<E_ParameterCausality> ListParameterCausality(std::vector<std::string> ids) const;
   std::vector<E_ParameterType> ListParameterType(std::vector<std::string> ids) const;
@@ -126,16 +126,16 @@ class PXROM_API CDiscreteCombinations {
 
   /// The enabled discrete parameters by rank: the order of the values in a combination's key.
   std::vector<std::string> ListEnabledDiscreteParameterWrtRegistrationRank() const;
-  /// The distinct values of `id` over the registered combinations, ascending. **An unknown ID gets
-  /// the values of the first parameter**, on purpose. Empty without discrete parameters.
+  /// The distinct values of `id` over the registered combinations, ascending. **For an unknown ID,
+  /// the values of the first parameter**. Deliberate. Empty without discrete parameters.
   std::vector<int> ListRegisteredValuesForDiscreteParameter(const std::string& id) const;
 
   /// Registers the outputs of one combination: one value per enabled discrete input, one candidate
   /// list per enabled output of type ContinuousNotManufacturable. Registering the same values again
   /// makes Evaluate use the new outputs.
-  /// 0: the object now owns every pointer, also one under a repeated name (the first stays in use).
-  /// 1: a count or a name doesn't fit, or a pointer is null; nothing changed, and the pointers stay
-  /// with the caller, as they do when memory runs out.
+  /// 0: the object now owns every pointer, also one with a repeated name (the first one is used).
+  /// 1: a count or a name doesn't fit, or a pointer is null; nothing changes, and the pointers stay
+  /// with the caller, also if memory runs out.
   int RegisterDiscreteCombination(
       const std::vector<std::pair<std::string, int>>& discreteValues,
       const std::vector<std::pair<std::string, CFittingCandidates*>>& outputs);
@@ -146,15 +146,15 @@ class PXROM_API CDiscreteCombinations {
 
  protected:
   /// The values of `named` by rank, equal ranks by value. 1 at a name that isn't registered, with
-  /// `sorted` empty. Neither kinds nor repeated names are looked at.
+  /// `sorted` empty. Kinds and repeated names are not checked.
   int PickAndSortValuesWrtParameterRegistrationRank(
       const std::vector<std::pair<std::string, int>>& named, std::vector<int>& sorted) const;
   int PickAndSortValuesWrtParameterRegistrationRank(
       const std::vector<std::pair<std::string, double>>& named, std::vector<double>& sorted) const;
 
  private:
-  /// Who holds what OutputsWrtDiscComb points at: each pointer once, in a box that an assigned
-  /// object shares.
+  /// Owns what OutputsWrtDiscComb points at: each pointer once, in a box that objects share after
+  /// an assignment.
   using Boxes = std::map<CFittingCandidates*, std::shared_ptr<std::unique_ptr<CFittingCandidates>>>;
 
   struct Parameter {
@@ -173,15 +173,21 @@ class PXROM_API CDiscreteCombinations {
   std::size_t CountIf(Predicate predicate) const;
   template <class Predicate>
   std::vector<std::string> ListIf(Predicate predicate) const;
-  /// What Evaluate expects of a caller, put together when a combination is registered and dropped
-  /// when a parameter changes: it spares each call the walks through the registry.
+  /// What calls expect of the registry. Computed when a combination is registered and dropped when
+  /// a parameter changes. Without it each call would walk through all parameters, so that the calls
+  /// for all parameters or combinations together would take quadratic time.
   struct ExpectedInputs {
     bool known = false;
-    /// By rank.
+    /// Inputs by rank.
     std::vector<std::pair<std::string, std::int32_t>> discrete;
     std::vector<std::pair<std::string, std::int32_t>> continuous;
+    /// How many enabled outputs of type ContinuousNotManufacturable there are.
+    std::size_t outputs = 0;
+    /// The places of IDs in ListEnabledDiscreteParameterWrtRegistrationRank.
+    std::map<std::string, std::size_t> discretePlaces;
   };
   void NoteExpectedInputs();
+  std::size_t PlaceOfDiscrete(const std::string& id) const;
   const OutputsByID* FindOutputs(
       const std::vector<std::pair<std::string, int>>& discreteValues,
       const std::vector<std::pair<std::string, double>>& continuousValues, double* point) const;

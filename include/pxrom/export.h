@@ -1,9 +1,9 @@
 #pragma once
 
-/// PXROM_API marks what the library exports; everything else stays hidden.
+/// PXROM_API marks what the library exports; everything else is hidden.
 ///
 /// A host that links the static library gets PXROM_STATIC from the CMake target or from pkg-config
-/// (`pkg-config --static --cflags pxrom`). PXROM_BUILDING is set by our own build alone.
+/// (`pkg-config --static --cflags pxrom`). Only our own build sets PXROM_BUILDING.
 #if defined(PXROM_STATIC)
 #define PXROM_API
 #elif defined(_WIN32)

@@ -11,29 +11,29 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Version of a candidate record. A candidate read from a database always says 192: the number in
-/// the text only decides whether cross-validation data follows.
+/// Version of a candidate record. A candidate read from a database always reports 192: the number
+/// in the text only decides whether cross-validation data follow.
 enum E_FittingCandidateVersion : std::int32_t {
   FittingCandidateVersion170 = 170,
   FittingCandidateVersion192 = 192,
 };
 
 /// One ensemble: a weighted list of surfaces that predict one output together, the scaling of the
-/// ensemble's own input and output space, and the samples it was fitted on. It may also hold
-/// cross-validation data for a predicted error: per surface one sub surface for each fold, fitted
-/// without it, and the scaled samples sorted fold by fold. CFittingCandidatesEvaluator predicts
-/// from it.
+/// ensemble's own input and output space, and the samples that it was fitted to. It may also hold
+/// cross-validation data for a predicted error: for each surface and each fold a sub surface that
+/// was fitted without that fold, and the scaled samples sorted fold by fold.
+/// CFittingCandidatesEvaluator predicts from it.
 ///
-/// Expected, and not tested here: as many weights as surfaces; a number of sub surfaces that is a
+/// Expected, and not checked here: as many weights as surfaces; a number of sub surfaces that is a
 /// whole multiple of the number of surfaces; fold counts that add up to the sorted rows.
 ///
-/// Ownership: Add and Set operations and the copy constructor clone surfaces, so that the caller
-/// keeps what it passed. **Assignment shares**: nothing is cloned, both candidates hold the same
-/// surfaces, and a surface goes when the last of its holders does, in whatever order they are
-/// reset, assigned over or destroyed.
-/// Statuses: 0 unless a comment says otherwise. Indices are the caller's responsibility where no
-/// test is told.
-/// Threads: const operations may run side by side as long as nothing changes the object, nor a
+/// Ownership: Add and Set operations and the copy constructor clone surfaces, so the caller keeps
+/// what it passed. **Assignment shares**: nothing is cloned, and both candidates hold the same
+/// surfaces. A surface is destroyed when the last candidate that holds it is reset, assigned over
+/// or destroyed, in any order.
+/// Statuses: 0 unless a comment says otherwise. Indices are the caller's responsibility unless a
+/// comment says that they are checked.
+/// Threads: const operations may run at the same time as long as nothing changes the object or a
 /// surface that it shares.
 class PXROM_API CFittingCandidate {
  public:
@@ -45,7 +45,7 @@ class PXROM_API CFittingCandidate {
   virtual CFittingCandidate* Clone() const;
   virtual ~CFittingCandidate();
   /// Empties the candidate. **The output slope becomes 0.0**, not the 1.0 of a new candidate, so
-  /// that nothing is backscaled until one is set; the distance scale keeps its value.
+  /// nothing is scaled back until a slope is set. The distance scale keeps its value.
   virtual int ResetData();
 
   E_DataType DataType() const;
@@ -56,11 +56,11 @@ class PXROM_API CFittingCandidate {
   int AddSubRS(const CRSData* rs);
   /// Sets the flag of error prediction first, also when the call is then refused with 1.
   ///
-  /// Without error prediction: one surface per weight, else 1. The candidate is **reset** and takes
+  /// Without error prediction: one surface per weight, else 1. The candidate is **reset** and gets
   /// clones, so set samples and output scaling afterwards.
-  /// With error prediction: `surfaces` is each surface followed by its sub surfaces; its length has
+  /// With error prediction: `surfaces` is each surface followed by its sub surfaces. Its length has
   /// to be a multiple of the number of weights, else 1 (also without weights). Clones are
-  /// **appended** to what the lists hold and the sample data stays. The asymmetry is deliberate.
+  /// **appended** to the lists, and the sample data stay. The asymmetry is deliberate.
   /// Null surfaces give 1.
   int SetRSAndWeights(const std::vector<CRSData*>& surfaces, const std::vector<double>& weights,
                       bool errorPrediction);
@@ -69,11 +69,11 @@ class PXROM_API CFittingCandidate {
   /// The surface, owned by the candidate; null for an index outside the list.
   const CRSData* GetRSPtr(int i) const;
   const CRSData* GetSubRSPtr(int i) const;
-  /// The weight at `i`, which is not tested.
+  /// The weight at `i`, which is not checked.
   double GetRSWeight(int i) const;
 
-  /// Takes the sorted samples, in the candidate's scaled space, and the number of rows per fold,
-  /// and turns error prediction on. The distance scale is set apart.
+  /// Stores the sorted samples, in the candidate's scaled space, and the number of rows per fold,
+  /// and turns error prediction on. It does not set the distance scale.
   int SetCrossValidationData(std::vector<std::vector<double>>& scaledSortedInput,
                              std::vector<int>& numPtsPerFold);
   int SetbIsErrPredRequired(bool required);
@@ -110,22 +110,22 @@ class PXROM_API CFittingCandidate {
 
   /// x[j] = slope[j] * x[j] + intercept[j]. 1 with `x` unchanged unless all three have one length.
   int ScaleAndOverwriteInputSample(std::vector<double>& x) const;
-  /// The same on each row; 1 at the first row that does not fit, the rows before it scaled.
+  /// The same for each row; 1 at the first row that does not fit, with the rows before it scaled.
   int ScaleAndOverwriteInputSamples(std::vector<std::vector<double>>& rows) const;
   int ScaleAndOverwriteOutputSample(double& y) const;
   int ScaleAndOverwriteOutputSamples(std::vector<double>& y) const;
   /// y = (y - intercept) / slope. 1 with `y` unchanged when the slope is 0.0.
   int BackscaleAndOverwriteOutputSample(double& y) const;
-  /// The same on each element; an empty vector gives 0 whatever the slope.
+  /// The same for each element; an empty vector gives 0 with any slope.
   int BackscaleAndOverwriteOutputSamples(std::vector<double>& y) const;
 
-  /// Stops every surface of the ensemble, so that each evaluation is refused with 1. Sub surfaces
-  /// are left alone.
+  /// Stops every surface of the ensemble, so each evaluation is refused with 1. Sub surfaces do not
+  /// change.
   int SetStatusStopped();
 
  protected:
-  /// Sets the distance scale to the largest squared distance of a sorted row to its nearest other
-  /// one. Row 0 contributes nothing, on purpose: its search never finds its start value.
+  /// Sets the distance scale to the largest squared distance of a sorted row from its nearest other
+  /// row. Row 0 contributes nothing, since its search has no start value. Deliberate.
   int computeMinDist();
 
  private:

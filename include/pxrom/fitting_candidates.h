@@ -16,9 +16,9 @@ enum E_FittingCandidatesVersion : std::int32_t { FittingCandidatesVersion170 = 1
 /// The candidates fitted for one output, one of them chosen for evaluation. A list that was read
 /// from a database holds exactly one.
 ///
-/// Ownership: candidates are held by value and copied in, surfaces cloned (but see
-/// CFittingCandidate about assigning over candidates that exist).
-/// Threads: const operations may run side by side.
+/// Ownership: the list holds copies of candidates, with clones of their surfaces (but see
+/// CFittingCandidate for assignment to existing candidates).
+/// Threads: const operations may run at the same time.
 class PXROM_API CFittingCandidates {
  public:
   CFittingCandidates();
@@ -38,7 +38,7 @@ class PXROM_API CFittingCandidates {
   /// Wraps a clone of one surface as a candidate of weight 1.0 whose own scaling is the identity.
   /// A null `rs`, or one with a negative number of inputs, gives 1.
   int GenerateCandidateFromCRSData(const CRSData* rs);
-  /// Stores the index without a test; one behind the last candidate fails at evaluation.
+  /// Stores the index without a check; an index after the last candidate makes evaluations fail.
   int SetCandidateIdxForEvaluation(unsigned int index);
   /// The candidate chosen for evaluation, owned by the list; null when there is none.
   const CFittingCandidate* GetEvaluationCandidatePtr() const;
@@ -56,19 +56,19 @@ class PXROM_API CFittingCandidates {
   std::vector<CFittingCandidate> Candidates;
 };
 
-/// Predicts from the candidate that a list has chosen: scales the point with the candidate's
-/// scaling, lets each surface predict (and scale again by its own), adds the values by weight and
-/// backscales the sum once. Weights are used as they stand, not normalised.
+/// Predicts from the chosen candidate of a list: scales the point with the candidate's scaling,
+/// evaluates each surface (which scales the point again with its own scaling), adds the weighted
+/// values and scales the sum back once. Weights are not normalised.
 ///
 /// Status of both forms: 0; 1 for a failure: no candidate, an `x` that doesn't fit, a surface of
 /// unknown type or one that refuses, shapes of the cross-validation data that don't fit, an output
 /// slope of 0.0 (`value` is then left in the scaled space). -2 only from the form with an error:
-/// `value` is good, some surface has no predictor error. On status 1 `value` may hold a partial
-/// sum.
+/// `value` is valid, and some surface has no predictor error. With status 1 `value` may hold a
+/// partial sum.
 ///
-/// Threads: any number of evaluations may run at once, but for the form with an error on a
-/// candidate that holds a Kriging surface and no cross-validation data, which writes that record
-/// (kriging.h).
+/// Threads: any number of evaluations may run at once, except for the form with an error on a
+/// candidate that holds a Kriging surface and no cross-validation data, which writes the Kriging
+/// record (kriging.h).
 class PXROM_API CFittingCandidatesEvaluator {
  public:
   CFittingCandidatesEvaluator();
@@ -77,19 +77,20 @@ class PXROM_API CFittingCandidatesEvaluator {
 
   virtual CFittingCandidatesEvaluator* Clone() const;
   virtual ~CFittingCandidatesEvaluator();
-  /// Value and predicted error at `x` (physical units, not changed).
+  /// The value at `x` (physical units, not changed). Only this form is virtual.
+  virtual int EvaluateResponseSurfaceCandidate(const CFittingCandidates& candidates,
+                                               const std::vector<double>& x, double& value) const;
+  /// Value and predicted error at `x`.
   ///
   /// With cross-validation data the error is the spread of the predictions that leave out one fold
-  /// each, weighted by how far the point is from that fold's samples and damped near samples; it is
-  /// in the output's physical unit. Squared distances take the place of distances throughout: that
-  /// is the method, not a slip. Without such data each surface writes its own error over `error`
-  /// and the last one stands, in the candidate's scaled space; `error` is not set to 0 before.
-  virtual int EvaluateResponseSurfaceCandidate(const CFittingCandidates& candidates,
-                                               const std::vector<double>& x, double& value,
-                                               double& error) const;
-  /// Value alone.
+  /// each, weighted by the distance of the point from the samples of that fold and damped near
+  /// samples. It is in the output's physical unit. The method uses squared distances throughout,
+  /// where distances would be usual; this is deliberate. Without such data each surface overwrites
+  /// `error` with its own error, so the last one remains, in the candidate's scaled space; `error`
+  /// is not set to 0 first.
   int EvaluateResponseSurfaceCandidate(const CFittingCandidates& candidates,
-                                       const std::vector<double>& x, double& value) const;
+                                       const std::vector<double>& x, double& value,
+                                       double& error) const;
 };
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -11,16 +11,16 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Takes the variables out of an FMI model description, so that a host can link a database to an
-/// FMI model: construct, ReadDataStream, ParseFMUModelDescription, then query.
+/// Extracts the variables of an FMI model description, so that a host can link a database to an FMI
+/// model: construct, ReadDataStream, ParseFMUModelDescription, then query.
 ///
-/// It is a scan for fixed words and no XML parser. What follows from that: a word counts wherever
-/// it stands (also in a comment), and an attribute that a variable lacks is read from the next
-/// place that has it, which may be a later variable.
+/// It scans for fixed words and does not parse XML. So a word counts anywhere in the text (also in
+/// a comment), and if a variable lacks an attribute, it is read from the next place that has it,
+/// which may be a later variable.
 ///
-/// A plain value: copies and clones hold the text and all that was parsed.
-/// Threads: ReadDataStream and ParseFMUModelDescription need the object alone; everything else may
-/// run side by side.
+/// A plain value: copies and clones hold the text and everything that was parsed.
+/// Threads: nothing else may use the object during ReadDataStream and ParseFMUModelDescription; all
+/// other operations may run at the same time.
 class PXROM_API CReaderFMUModelDescription : public CReader {
  public:
   CReaderFMUModelDescription();
@@ -34,31 +34,33 @@ class PXROM_API CReaderFMUModelDescription : public CReader {
   /// A full copy, owned by the caller.
   CReaderFMUModelDescription* Clone() const override;
 
-  /// Reads the text. Always 0, whatever the text is, and nothing is thrown but std::bad_alloc.
-  /// Without the root word nothing changes. A GUID or a state count that is missing leaves its
-  /// field; a variable without a readable name or reference is entered with an empty name or 0.
+  /// Reads the text. Always 0 for any text; throws only std::bad_alloc. Without the root word
+  /// nothing changes. A missing GUID or state count leaves its field unchanged; a variable without
+  /// a readable name or reference is entered with an empty name or 0.
   ///
-  /// Nothing is reset: a second call adds to the counters, and of two entries of one name the first
-  /// stays, while both count.
+  /// Nothing is reset: a second call adds to the counters. If two entries have the same name, the
+  /// first one stays, and both count.
   ///
   /// Takes time in proportion to the text. A value without a closing quotation mark runs to the end
-  /// of the text and may serve many variables, so that values could add up to far more than the
-  /// text: beyond 1 MiB plus 4 times its length the variables that are left are not read.
+  /// of the text and may be read for many variables, so values could add up to far more than the
+  /// text. Their total is limited to 1 MiB plus 4 times the length of the text. A variable whose
+  /// values do not fit into the rest of this limit is counted but not entered in any list.
   int ParseFMUModelDescription();
 
   std::string GetGUID() const;
   int GetNumberOfContinuousStates() const;
-  /// **Two for each Real variable**, which is meant so.
+  /// **Two for each Real variable.** Deliberate.
   int GetNumberOfReals() const;
   int GetNumberOfIntegers() const;
-  /// This and the next two are 0: parsing does not count them.
+  /// Always 0, as are the next two: parsing does not count these variables.
   int GetNumberOfBooleans() const;
   int GetNumberOfStrings() const;
   int GetNumberOfEventIndicators() const;
   /// Value reference by the name of the variable.
   std::map<std::string, int> GetParameterValueReferences() const;
-  // Names in ascending order: of all variables, of inputs or outputs, of one type. FMI's Real is
-  // ContinuousNotManufacturable, its Integer DiscreteParameter; other variables have no type.
+  // Names in ascending order: of all variables, of inputs or outputs, or of one type. Real
+  // variables are ContinuousNotManufacturable, Integer variables are DiscreteParameter; others have
+  // no type.
   std::vector<std::string> ListParameterImmutableID() const;
   std::vector<std::string> ListParameterImmutableID(E_ParameterCausality causality) const;
   std::vector<std::string> ListParameterImmutableID(E_ParameterType type) const;

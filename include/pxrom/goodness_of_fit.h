@@ -5,13 +5,13 @@
 
 namespace Tarvane::Plexura::Core {
 
-/// What the goodness of fit of a regression surface is handed to (CQRSEvaluator in regression.h).
-/// The statistics are the host's: derive from it and write the two pure operations. What they
-/// compute and how they report is theirs; the library only hands on their status, 0 for success.
+/// Receives the data for the goodness of fit of a regression surface (CQRSEvaluator in
+/// regression.h). A host derives from it and implements the two pure operations, which compute and
+/// report statistics of its own. The library only returns their status, 0 for success.
 ///
-/// The two stand at the fourth and fifth place of the virtual operations on purpose, where a host
-/// that was built against another declaration of this class calls them. The two places before them
-/// are never called by the library and need no override.
+/// The two are the fourth and fifth virtual operations of the class, because hosts that were built
+/// against another declaration of it call them there. The library never calls the two before them,
+/// and they need no override.
 class PXROM_API GOFMeasr {
  public:
   GOFMeasr() = default;
@@ -24,15 +24,15 @@ class PXROM_API GOFMeasr {
   /// Holds the third place. Always 0.
   virtual int ThirdPlace();
 
-  /// `design`: samples by parameters, **all** terms evaluated as if active. `paramStatus`: 1.0 for
-  /// each parameter of an active term, else 0.0. `paramValues`: the coefficients. `outputs` and
-  /// `predictions`: at the samples, in physical units; the transformed ones in the space of the
+  /// `design`: samples by parameters, with **all** terms evaluated as if active. `paramStatus`: 1.0
+  /// for each parameter of an active term, else 0.0. `paramValues`: the coefficients. `outputs` and
+  /// `predictions`: at the samples, in physical units; the transformed ones are in the space of the
   /// regression sum.
   virtual int ComputeAllMeasures(const DRecMtx& design, const DRowVec& paramStatus,
                                  const DColVec& paramValues, const DColVec& outputs,
                                  const DColVec& transformedOutputs, const DColVec& predictions,
                                  const DColVec& transformedPredictions) = 0;
-  /// The library hands over **two empty columns**, see CQRSEvaluator::EvalR2Only.
+  /// The library passes **two empty columns**, see CQRSEvaluator::EvalR2Only.
   virtual int ComputeR2(const DColVec& outputs, const DColVec& predictions) = 0;
 };
 

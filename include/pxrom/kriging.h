@@ -11,13 +11,15 @@
 namespace Tarvane::Plexura::PXROM {
 
 /// Format version of the Kriging record. A database may hold any number; from 192 on a record can
-/// carry the data of its predictor error.
+/// hold the data of its predictor error.
 enum E_CKrigingDataVersion : std::int32_t { KrigingDataVersion192 = 192 };
 
-/// The correlation of two points in scaled space. With a = |xi - yi|, k the kernel of input i and
-/// z = k a, the inputs contribute, in ascending order:
+/// The correlation of two points in scaled space. With a = |xi - yi|, k the kernel scale of input i
+/// and z = k a, the inputs contribute in ascending order. For the families of correlation functions
+/// see Santner, Williams and Notz, The Design and Analysis of Computer Experiments; for Matern 5/2
+/// see Rasmussen and Williams, Gaussian Processes for Machine Learning, equation 4.17.
 enum E_KringingCorrelationFunctionType : std::int32_t {
-  CorrNone = 0,          ///< the default of a new record; no function
+  CorrNone = 0,          ///< the default of a new record: no function
   CorrExponential = 1,   ///< exp(-sum of z)
   CorrGaussian = 2,      ///< exp(-sum of k a a): k is not squared
   CorrLinear = 3,        ///< product of max(1 - z, 0)
@@ -28,19 +30,20 @@ enum E_KringingCorrelationFunctionType : std::int32_t {
   CorrMatern52 = 8,      ///< product of exp(-t) (1 + t + t^2 / 3), t = sqrt(5) z, summed as logs
   CorrParabolic = 9,     ///< product of 1 - z^2 below z = 1, then 0
   CorrBesselJ0 = 10,     ///< product of (J0(z) - c) / (1 - c), c = J0(3.8317); 0 beyond 3.8317
-  CorrSinc = 11,         ///< product of (sin(z) / z - c) / (1 - c), c = sin(e) / e; 0 beyond e,
-                         ///< which is three halves of pi
+  CorrSinc = 11,         ///< product of (sin(z) / z - c) / (1 - c), c = sin(e) / e; 0 beyond
+                         ///< e = 3 pi / 2
 };
 
 /// One fitted Kriging surface: a polynomial trend plus a weighted sum of correlation functions
-/// centred on the scaled samples. The library does no fitting.
+/// centred on the scaled samples (universal Kriging; Sacks, Welch, Mitchell and Wynn, Design and
+/// Analysis of Computer Experiments, Statistical Science 4, 1989). The library does not fit.
 ///
 /// With d for NumberOfInputVariables, n for NumberOfSamples and p for NumberOfPolyCoeff, a record
-/// that can be evaluated has n coefficients of correlation and either one kernel, shared by all
-/// inputs, or d of them (IsAllRight asks for d). Surplus elements are ignored.
+/// that can be evaluated has n correlation coefficients and either one kernel scale, shared by all
+/// inputs, or d of them (IsAllRight requires d). Surplus elements are ignored.
 ///
-/// **A record that meets the four-argument EvaluateResponseSurface must not be defined const:**
-/// that form writes InputSamples, see CKrigingEvaluator.
+/// **A record that is passed to the four-argument EvaluateResponseSurface must not be defined
+/// const:** that form writes InputSamples, see CKrigingEvaluator.
 ///
 /// Statuses, ownership and threads are those of CRSData. Accessors return 0 and validate nothing.
 struct PXROM_API CKrigingData : public CRSData {
@@ -50,11 +53,12 @@ struct PXROM_API CKrigingData : public CRSData {
 
   CKrigingData* Clone() const override;
   ~CKrigingData() override;
-  /// Leaves InvC, InvG, Ft, NumberOfPolyCoeff and Sigma2 as they are: once SavePredictorError is
-  /// false nothing reads them. Always 0.
+  /// Leaves InvC, InvG, Ft, NumberOfPolyCoeff and Sigma2 unchanged: nothing reads them while
+  /// SavePredictorError is false. Always 0.
   int ResetData() override;
-  /// Whether samples, scaling, coefficients and kernels fit together. A single kernel for several
-  /// inputs gives false although it can be evaluated. The predictor error data are not looked at.
+  /// Whether samples, scaling, coefficients and kernel scales fit together. A single kernel scale
+  /// for several inputs gives false although it can be evaluated. Deliberate. The data of the
+  /// predictor error are not checked.
   bool IsAllRight() override;
   E_DataType DataType() const override;
 
@@ -83,67 +87,69 @@ struct PXROM_API CKrigingData : public CRSData {
   int GetFt(std::vector<std::vector<double>>& rows) const;
   int SetFt(const std::vector<std::vector<double>>& rows);
 
-  /// The polynomial basis of `type` at `x` (types.h); the record plays no part. Deliberate: type 0
+  /// The polynomial basis of `type` at `x` (types.h); the record is not read. Deliberate: type 0
   /// leaves `out` empty with status 1, a type outside 0 to 4 leaves it empty with status 0.
   int ComputeVandermondePolynomialVector(const std::vector<double>& x, E_PolynomialType type,
                                          std::vector<double>& out) const;
-  /// One row of basis functions for each row of `x`; the status of the rows is ignored, so that
-  /// type 0 gives empty rows and 0. 1 with `out` untouched when `x` is empty or ragged.
+  /// One row of basis functions for each row of `x`. The status of the rows is ignored, so type 0
+  /// gives empty rows and 0. 1 with `out` untouched when `x` is empty or ragged.
   int ComputeVandermondePolynomialMatrix(const std::vector<std::vector<double>>& x,
                                          E_PolynomialType type,
                                          std::vector<std::vector<double>>& out) const;
 
-  // Scalings for whoever fits a surface; nothing in the library calls them. Each gives 0, but the
-  // two for inputs give 1 and change nothing when d is negative or a sample has fewer values.
+  // Scalings for hosts that fit a surface; nothing in the library calls them. Each returns 0, but
+  // the two for inputs return 1 and change nothing when a sample has fewer values than d. A
+  // negative d gives empty lists, as a d of 0 does.
 
   /// To zero mean and unit variance: slope 1/s, intercept -(1/s) m. s = 0 is not guarded.
   int ComputeScalingFactorsForInputs();
   /// To largest magnitude 1, intercepts 0; a largest magnitude below 1e-08 or above 1e+30 gives the
   /// slope 1.
   int ComputeScalingFactorsForInputsUsingInfNorm();
-  /// Slope 1/s and intercept **-(s m)**, unlike the inputs' -(1/s) m. Deliberate: this does not
-  /// centre the output unless s is 1.
+  /// Slope 1/s and intercept **-(s m)**, unlike the -(1/s) m of the inputs. Deliberate: this does
+  /// not centre the output unless s is 1.
   int ComputeScalingFactorForOutput();
-  /// Sets the slope as for inputs. **The intercept keeps what it held.** Deliberate.
+  /// Sets the slope as for inputs. **The intercept does not change.** Deliberate.
   int ComputeScalingFactorForOutputUsingInfNorm();
 
-  /// Whether there are n coefficients, and not none.
+  /// Whether there are n coefficients and n is not 0.
   bool AreCorrelationCoefficientsCorrect() const;
-  /// Whether there are exactly d kernels.
+  /// Whether there are exactly d kernel scales.
   bool AreCorrelationKernelsCorrect() const;
-  /// Whether there are as many as PolynomialType has functions in d inputs; false for a type
-  /// outside 0 to 4.
+  /// Whether there are as many coefficients as PolynomialType has functions in d inputs; false for
+  /// a type outside 0 to 4.
   bool ArePolynomialCoefficientsCorrect() const;
 
-  /// `r` becomes the correlation of `x` and `y`, two points in scaled space. 1 with `r` untouched
-  /// unless both have d elements and d is not 0; 1 with `r` at 0 when CorrelationFunctionType is no
-  /// function, or when there are neither one kernel nor at least d. Allocates nothing.
+  /// The correlation `r` of `x` and `y`, two points in scaled space. 1 with `r` untouched unless
+  /// both have d elements and d is not 0; 1 with `r` set to 0 when CorrelationFunctionType is not a
+  /// function, or when there are neither one kernel scale nor at least d. Allocates nothing.
   int EvaluateCorrelationFunction(const std::vector<double>& x, const std::vector<double>& y,
                                   double& r) const;
   /// The correlations of `rows` with each other. **Only the strict lower triangle is filled**, the
-  /// rest stays 0: deliberate, the caller mirrors it and adds the diagonal if needed. 1 when `rows`
-  /// is empty or ragged, with `out` empty; or at the first pair refused, `out` as far as filled.
+  /// rest stays 0. Deliberate: the caller mirrors it and adds the diagonal if needed. 1 with `out`
+  /// empty when `rows` is empty or ragged; 1 at the first refused pair, with the entries before it
+  /// in `out`.
   int EvaluateCorrelationMatrix(const std::vector<std::vector<double>>& rows,
                                 std::vector<std::vector<double>>& out) const;
   /// The Bessel function of the first kind of order 0.
   double Bessel_j0(double x) const;
 
   /// The predictor errors at `rows`. **These points and InputSamples must both be scaled**; nothing
-  /// is scaled here. Returns the sum of its steps' statuses: 1 for each point and sample without a
-  /// correlation, 1 when `rows` is empty or ragged, 1 for a PolynomialType outside 0 to 4, and what
-  /// GetPredictorError returns, which is called only if SavePredictorError is true. 1 at once when
-  /// n or d is negative or there are fewer than n samples. `out` is written by GetPredictorError
-  /// alone. `rows` is only read.
+  /// is scaled here. Returns the sum of the statuses of its steps: 1 for each point and sample
+  /// without a correlation, 1 when `rows` is empty or ragged, 1 for a PolynomialType outside 0 to
+  /// 4, and the status of GetPredictorError, which is called only if SavePredictorError is true. 1
+  /// at once when n or d is negative or there are fewer than n samples. Only GetPredictorError
+  /// writes `out`. `rows` is only read.
   int EvalErrorPredictions(std::vector<std::vector<double>>& rows, std::vector<double>& out);
   /// The predictor errors at `m` points from their correlations with the samples (`R`, n values a
-  /// row) and their `p` trend functions (`F`, p values a row), by the mean squared error of the
-  /// Kriging predictor (universal Kriging):
+  /// row) and their `p` trend functions (`F`, p values a row): the square root of the mean squared
+  /// error of the universal Kriging predictor (Sacks et al. 1989),
   ///   v = InvC r, w = Ft v - f, g = InvG w, error = sqrt(|Sigma2 (1 + |g|^2 - |v|^2)|).
-  /// A negative radicand gives a positive error, neither a failure nor 0. The result is in the
+  /// A negative radicand gives a positive error, not a failure and not 0. The result is in the
   /// units of the scaled output.
   /// 1 with `out` untouched when KrigingDataVersion is below 192, when InvC, InvG or Ft is empty
   /// (so a surface without a trend has no error), or when a count is negative or any of the five
-  /// matrices is smaller than the counts say. The arguments but `out` are only read.
+  /// matrices is smaller than the counts require. All arguments except `out` are only read.
   int GetPredictorError(std::vector<std::vector<double>>& R, std::vector<std::vector<double>>& F,
                         int& m, int& p, std::vector<double>& out);
 
@@ -155,7 +161,7 @@ struct PXROM_API CKrigingData : public CRSData {
   E_KringingCorrelationFunctionType CorrelationFunctionType = CorrNone;
   /// One per sample.
   std::vector<double> CorrelationCoefficients;
-  /// One for all inputs, or one per input.
+  /// The kernel scales: one for all inputs, or one per input.
   std::vector<double> CorrelationKernels;
   /// Whether the fields below hold the data of the predictor error.
   bool SavePredictorError = false;
@@ -170,13 +176,13 @@ struct PXROM_API CKrigingData : public CRSData {
   std::vector<std::vector<double>> Ft;
 };
 
-/// Evaluates a CKrigingData. Statuses and the guard are those of CRSEvaluator.
+/// Evaluates a CKrigingData. Statuses and the first checks are those of CRSEvaluator.
 ///
-/// Besides the guard, both value forms give 1, with nothing written, when n is negative, when there
-/// are fewer than n samples, coefficients of correlation, or a sample of another length than d,
-/// when the scaling, the kernels or the function do not serve d inputs, and when the trend has
-/// another number of functions than PolynomialCoefficients has elements. A record with n = 0 is its
-/// trend alone; one with PolynomialType 0 has no trend, whatever coefficients it holds.
+/// Besides these checks, both value forms give 1, with nothing written, when there are fewer than n
+/// samples or correlation coefficients, or a sample of another length than d; when the scaling, the
+/// kernel scales or the function do not fit d inputs; and when the number of trend functions is not
+/// the number of PolynomialCoefficients. A record with n = 0 or a negative n is its trend alone; a
+/// record with PolynomialType 0 has no trend, whatever coefficients it holds.
 class PXROM_API CKrigingEvaluator : public CRSEvaluator {
  public:
   CKrigingEvaluator() = default;
@@ -187,25 +193,25 @@ class PXROM_API CKrigingEvaluator : public CRSEvaluator {
   ~CKrigingEvaluator() override;
 
   /// Value and predictor error at `x`. The error is the estimated standard deviation **in units of
-  /// the scaled output**: it is not backscaled.
+  /// the scaled output**: it is not scaled back.
   ///
   /// **This form can change the record, although it takes it as const.** Only status 0 leaves the
-  /// record as it was. When the value is there and the error is not (-2: SavePredictorError is
+  /// record unchanged. If the value is valid but there is no error (-2: SavePredictorError is
   /// false, or the error data are missing, incomplete or older than version 192; a surface without
-  /// a trend always ends here), and when the trend fails (1), InputSamples is left with the first n
-  /// samples *scaled*. The next prediction of either form scales them again: **repeating the call
-  /// gives another value each time.** Deliberate; it is how such records have always behaved. So:
-  ///   - ask for the error only where SavePredictorError is true, else use the form without;
-  ///   - after any other status than 0, SetInputSamples again before the next prediction;
+  /// a trend always ends here), or if the trend fails (1), the first n samples in InputSamples stay
+  /// *scaled*. The next prediction of either form scales them again: **repeating the call gives
+  /// another value each time.** Deliberate: such records have always behaved this way. So:
+  ///   - ask for the error only if SavePredictorError is true, else use the form without an error;
+  ///   - after any status other than 0, call SetInputSamples before the next prediction;
   ///   - never define such a record const: writing it would be undefined behaviour;
-  ///   - let no other thread use the record meanwhile. Nothing is locked.
+  ///   - let no other thread use the record during the call. Nothing is locked.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                               double& predictorError) const override;
   /// Value at `x`. It never writes the record and may run in several threads at once.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
   /// **0 with `gradient` untouched, whatever the arguments are:** Kriging has no derivative here,
-  /// and its 0 is not to be taken for one. Check that `gradient` was filled.
+  /// and the 0 does not mean that there is one. Check that `gradient` was filled. Deliberate.
   int EvaluateResponseSurfaceDerivativeWrtInputVariables(
       const CRSData* data, const std::vector<double>& x,
       std::vector<double>& gradient) const override;

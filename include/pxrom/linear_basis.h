@@ -12,12 +12,12 @@ namespace Tarvane::Plexura::PXROM {
 /// Format version of the linear basis record; nothing depends on it.
 enum E_CLBFDataVersion : std::int32_t { LBFDataVersion170 = 170 };
 
-/// The radial function of a sample at distance r with its width h, in d inputs. Any other value is
-/// refused. The arguments differ in scale between the types on purpose, and the last one alone
-/// rises from 0 at the sample where the others fall from 1.
+/// The radial function of a sample at distance r with its kernel scale h, in d inputs (Buhmann,
+/// Radial Basis Functions, 2003). Any other value is refused. The types scale their arguments
+/// differently. Only the last one rises, from 0 at the sample; the others fall from 1. Deliberate.
 enum E_LinearBasisFunction : std::int32_t {
   LBFGaussian = 0,  ///< exp(-r^2 / h^2)
-  LBFCompact = 1,   ///< (1 - t)^4 (4 t + 1) for t = r / (2 h) up to 1, else 0, a Wendland function
+  LBFCompact = 1,   ///< (1 - t)^4 (4 t + 1) for t = r / (2 h) up to 1, else 0 (Wendland 1995)
   LBFCubic = 2,     ///< 1 - 3 t^2 + 2 t^3 for t = r / (2 h) up to 1, else 0
   LBFSinc = 3,      ///< (sin(z) / z - c) / (1 - c) for z = 2 r / h up to 3 pi / 2, else 0; c shifts
                     ///< the value at the cut-off to 0
@@ -26,10 +26,9 @@ enum E_LinearBasisFunction : std::int32_t {
 };
 
 /// A linear basis function surface: a polynomial trend plus one radial function per sample, each
-/// with its own width.
+/// with its own kernel scale.
 ///
-/// Unlike the other families with samples, **the samples are used as they are stored**: only the
-/// point is scaled.
+/// **The samples are not scaled**: only the point is. Deliberate.
 ///
 /// Accessors return 0 and store what they get.
 struct PXROM_API CLBFData : public CRSData {
@@ -59,7 +58,7 @@ struct PXROM_API CLBFData : public CRSData {
   E_CLBFDataVersion LBFDataVersion_ = LBFDataVersion170;
   E_LinearBasisFunction BasisFunctionType = LBFGaussian;
   E_PolynomialType PolynomialType = PolyFullQuadratic;
-  /// One width per sample; a width of 0 is not tested and gives a NaN or an infinity.
+  /// The kernel scales, one per sample. A scale of 0 is not checked and gives a NaN or an infinity.
   std::vector<double> KernelValues;
   /// In the order of the basis.
   std::vector<double> PolynomialCoefficients;
@@ -77,16 +76,17 @@ class PXROM_API CLBFEvaluator : public CRSEvaluator {
   CLBFEvaluator* Clone() const override;
   ~CLBFEvaluator() override;
 
-  // The form with a predictor error is the base's answer: both 0.0, status 1.
+  // The form with a predictor error is that of the base: both 0.0, status 1.
   using CRSEvaluator::EvaluateResponseSurface;
 
-  /// Radial sum plus trend at the scaled point, backscaled. With one sample alone the answer is its
-  /// output as stored, whatever else the record holds. A scaling whose length does not fit leaves
-  /// the point as it is. Lists of coefficients may be short: the rest does not count.
+  /// Radial sum plus trend at the scaled point, scaled back. With a single sample the value is its
+  /// stored output, whatever else the record holds. A scaling whose length does not fit is left
+  /// out. Lists of coefficients may be short; missing coefficients count as 0.
   ///
   /// Besides what every value form refuses, 1 with `y` untouched for an unknown radial function or
   /// trend (PolyNone too), lists of coefficients that are longer than the samples or the trend,
-  /// fewer widths, rows or outputs than NumberOfSamples needs, and rows of another length than `x`.
+  /// fewer kernel scales, rows or outputs than NumberOfSamples, and rows with fewer values than
+  /// inputs. Further values of a row are ignored.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
   /// Not offered: 1 with `gradient` untouched.
@@ -95,8 +95,9 @@ class PXROM_API CLBFEvaluator : public CRSEvaluator {
       std::vector<double>& gradient) const override;
 
  protected:
-  /// The radial functions of all samples at the scaled point `x`. 1 for an unknown function, with
-  /// zeros in `out`, and when samples or widths do not fit the counts or `x`, with `out` empty.
+  /// The radial functions of all samples at the scaled point `x`, over the first
+  /// NumberOfInputVariables values of both. 1 with zeros in `out` for an unknown function; 1 with
+  /// `out` empty when there are fewer samples, kernel scales or values than the counts say.
   int EvaluateBasisFunction(const CLBFData* data, const std::vector<double>& x,
                             std::vector<double>& out) const;
   /// The trend's functions at the scaled point `x`. 1 with `out` empty for a type other than

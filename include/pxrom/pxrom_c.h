@@ -5,46 +5,48 @@
 
 #include "pxrom/export.h"
 
-/* The library for hosts in other languages: plain C (C99), opaque handles, no exception.
+/* The library for hosts in other languages: plain C (C99), opaque handles, no exceptions.
  *
  *   pxrom_model* model = NULL;
  *   char message[PXROM_MESSAGE_SIZE];
  *   if (pxrom_model_read(text, length, &model, message, sizeof message) != PXROM_OK) puts(message);
  *
- * Statuses: every operation that can fail returns a pxrom_status; its results are written on
- * PXROM_OK only, unless its comment says otherwise.
+ * Statuses: every operation that can fail returns a pxrom_status; it writes its results only on
+ * PXROM_OK, unless its comment says otherwise.
  *
- * Messages: the last two arguments of such an operation are a buffer of the caller's and its size.
- * It gets one sentence on what is wrong and what would be right, cut to fit and always ended by a
- * 0, or nothing ("") on PXROM_OK. Null or a size of 0 will do for no message. Nothing is kept
- * inside the library, so that threads can't meet in it.
+ * Messages: the last two arguments of such an operation are a buffer of the caller and its size.
+ * The buffer gets one sentence that says what is wrong and what would be correct, cut to fit and
+ * always ended by a 0, or "" on PXROM_OK. Pass null or a size of 0 for no message. The library
+ * keeps no message, so threads share nothing.
  *
- * Null: a null handle, a null result and a null that stands for data is refused with
- * PXROM_NULL_ARGUMENT. A comment says where null has a meaning.
+ * Null: a null handle, result or data pointer is refused with PXROM_NULL_ARGUMENT, unless a comment
+ * says what null means.
  *
- * Numbers: what names a list or a mode is passed as a plain integer, so that any other number can
- * be refused; the enumerations name those that have a meaning.
+ * Numbers: lists and modes are plain integers, so that unknown numbers can be refused; the
+ * enumerations name the known ones.
  *
- * Ownership: what `_read` and `_prepare` hand out belongs to the caller, who frees it with `_free`;
- * freeing null does nothing. A prepared combination outlives its model. Strings and arrays that are
- * handed out belong to their handle. Texts are bytes as the database has them, UTF-8 as a rule.
+ * Ownership: the caller owns the results of `_read` and `_prepare` and frees them with `_free`;
+ * freeing null does nothing. Free a handle once, and don't use it afterwards: as with free(),
+ * freeing it twice is undefined behaviour. Set it to null to be safe. A prepared combination may
+ * outlive its model. Strings and arrays that an operation returns belong to their handle. Texts are
+ * the bytes of the database, usually UTF-8.
  *
- * Threads: a handle never changes, so that any number of threads may use one until it is freed.
+ * Threads: a handle never changes, so any number of threads may use it until it is freed.
  */
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/* Long enough for every message but those that quote very long names. */
+/* Long enough for every message, except those that quote very long names. */
 #define PXROM_MESSAGE_SIZE 512
 
 typedef enum pxrom_status {
   PXROM_OK = 0,
-  PXROM_REFUSED = 1,       /* the database or what was asked of it; the message says why */
+  PXROM_REFUSED = 1,       /* the database or the request; the message says why */
   PXROM_NULL_ARGUMENT = 2, /* the message says which */
   PXROM_NO_MEMORY = 3,
-  PXROM_FAILED = 4 /* an exception out of the caller's own callback */
+  PXROM_FAILED = 4 /* the caller's own callback threw an exception */
 } pxrom_status;
 
 /* The version of the library that runs, such as "0.1.0". */
@@ -55,8 +57,8 @@ PXROM_API const char* pxrom_version(void);
 typedef struct pxrom_model pxrom_model;
 
 /* Reads the `length` bytes of a database. PXROM_REFUSED for a text that can't be read or has no
- * combination. As all reading in this library it is silent about damage that has a meaning of its
- * own; pxrom_check tells. */
+ * combination, and for a length that no text can have, such as (size_t)-1. Like all reading in this
+ * library, it does not report damage that can still be read; pxrom_check does. */
 PXROM_API pxrom_status pxrom_model_read(const char* text, size_t length, pxrom_model** model,
                                         char* message, size_t message_size);
 PXROM_API void pxrom_model_free(pxrom_model* model);
@@ -80,7 +82,7 @@ typedef struct pxrom_parameter {
   int32_t has_bounds; /* 1 when the lower bound is below the upper one */
   double lower_bound; /* bounds are shown and never enforced */
   double upper_bound;
-  const int32_t* values; /* of an enabled discrete input: those that the combinations have, */
+  const int32_t* values; /* for an enabled discrete input: its values in the combinations, */
   size_t value_count;    /* ascending */
 } pxrom_parameter;
 
@@ -90,11 +92,12 @@ PXROM_API pxrom_status pxrom_model_parameter(const pxrom_model* model, int32_t l
                                              pxrom_parameter* parameter, char* message,
                                              size_t message_size);
 
-/* Combinations in ascending order of their values; a model without discrete inputs has one. */
+/* The combinations are in ascending order of their values; a model without discrete inputs has
+ * one. */
 PXROM_API pxrom_status pxrom_model_combination_count(const pxrom_model* model, size_t* count,
                                                      char* message, size_t message_size);
-/* `values` becomes as many values as there are discrete inputs, in their order. It is null for a
- * model without. */
+/* `values` gets one value per discrete input, in their order. It becomes null for a model without
+ * discrete inputs. */
 PXROM_API pxrom_status pxrom_model_combination(const pxrom_model* model, size_t index,
                                                const int32_t** values, char* message,
                                                size_t message_size);
@@ -103,22 +106,44 @@ PXROM_API pxrom_status pxrom_model_combination(const pxrom_model* model, size_t 
 
 typedef struct pxrom_prepared pxrom_prepared;
 
-/* Prepares one combination to answer many points. `names` and `values` hold `count` elements each
- * and name every discrete input once, in any order; with null `names` the values stand in the order
- * of PXROM_DISCRETE_INPUTS. Both may be null where `count` is 0. */
+/* Prepares one combination for evaluation at many points. `names` and `values` hold `count`
+ * elements each and name every discrete input once, in any order. With null `names`, the values are
+ * in the order of PXROM_DISCRETE_INPUTS. Both may be null if `count` is 0. */
 PXROM_API pxrom_status pxrom_model_prepare(const pxrom_model* model, const char* const* names,
                                            const int32_t* values, size_t count,
                                            pxrom_prepared** prepared, char* message,
                                            size_t message_size);
+
+/* The cost of an evaluation, estimated from the sizes of what a model holds, without an evaluation:
+ * floating-point operations at one point, with errors, and bytes of memory in addition to the
+ * model. As a limit: the largest cost that is allowed; UINT64_MAX limits nothing. */
+typedef struct pxrom_cost {
+  uint64_t operations;
+  uint64_t bytes;
+} pxrom_cost;
+
+/* The cost of a combination, all outputs together. The arguments are those of pxrom_model_prepare.
+ */
+PXROM_API pxrom_status pxrom_model_cost(const pxrom_model* model, const char* const* names,
+                                        const int32_t* values, size_t count, pxrom_cost* cost,
+                                        char* message, size_t message_size);
+/* pxrom_model_prepare with a limit, for models from strangers. PXROM_REFUSED, before anything is
+ * prepared, when an evaluation would cost more; the message gives the cost and the limit that would
+ * be enough. pxrom_prepared_gradients is refused in the same way if gradients cost more. */
+PXROM_API pxrom_status pxrom_model_prepare_within(const pxrom_model* model,
+                                                  const char* const* names, const int32_t* values,
+                                                  size_t count, const pxrom_cost* limit,
+                                                  pxrom_prepared** prepared, char* message,
+                                                  size_t message_size);
 PXROM_API void pxrom_prepared_free(pxrom_prepared* prepared);
 
-/* The columns of points and results, as PXROM_INPUTS and PXROM_OUTPUTS of the model list them. 0
- * for a null handle. */
+/* The numbers of columns of points and results: the lengths of PXROM_INPUTS and PXROM_OUTPUTS of
+ * the model. 0 for a null handle. */
 PXROM_API size_t pxrom_prepared_input_count(const pxrom_prepared* prepared);
 PXROM_API size_t pxrom_prepared_output_count(const pxrom_prepared* prepared);
-/* 1 when the predicted error of output number `output` comes from cross-validation data: it is in
- * the unit of the output then, and otherwise in a scaled space as its surface reports it. 0 also
- * for a null handle and an output that isn't there. */
+/* 1 if the predicted error of output number `output` comes from cross-validation data and so is in
+ * the unit of the output. 0 if it is in a scaled space, as a surface reports it, and also for a
+ * null handle or an unknown output. */
 PXROM_API int32_t pxrom_prepared_error_in_unit(const pxrom_prepared* prepared, size_t output);
 
 typedef enum pxrom_mode {
@@ -127,20 +152,20 @@ typedef enum pxrom_mode {
                       the output has in the batch */
 } pxrom_mode;
 
-/* What became of one output at one point. */
+/* The status of one output at one point. */
 enum {
   PXROM_POINT_OK = 0,
-  PXROM_POINT_WITHOUT_ERROR = -2, /* the value is good; the error is NaN: there is none */
-  PXROM_POINT_FAILED = 1          /* the value, and the error, are NaN */
+  PXROM_POINT_WITHOUT_ERROR = -2, /* the value is valid; there is no error, it is NaN */
+  PXROM_POINT_FAILED = 1          /* the value and the error are NaN */
 };
 
-/* Values, errors and statuses at `rows` points. Tables stand row by row: `points` holds rows *
- * inputs numbers in physical units, each of the others rows * outputs. The sizes are the caller's
+/* Values, errors and statuses at `rows` points. Tables are row by row: `points` holds rows * inputs
+ * numbers in physical units, each other table rows * outputs. The sizes are the caller's
  * responsibility.
  *
- * `errors` may be null: that is the form without errors. **With errors, a family that knows none
- * answers PXROM_POINT_FAILED for value and error**: ask without for those. `statuses` may be null.
- * `points` may be null where there are no inputs, and all may be where `rows` is 0.
+ * With null `errors` this is the form without errors. **With errors, a family without a predicted
+ * error gives PXROM_POINT_FAILED for value and error**: pass null for such families. `statuses` may
+ * be null. `points` may be null if there are no inputs, and all may be null if `rows` is 0.
  *
  * PXROM_OK whatever the statuses are. */
 PXROM_API pxrom_status pxrom_prepared_evaluate(const pxrom_prepared* prepared, const double* points,
@@ -160,19 +185,19 @@ PXROM_API pxrom_status pxrom_prepared_gradients(const pxrom_prepared* prepared,
 
 typedef struct pxrom_finding {
   int32_t severity; /* 0 note, 1 warning, 2 error */
-  int32_t code;     /* the number of a kind of finding; it never changes */
+  int32_t code;     /* the number of this kind of finding; it never changes */
   const char* code_name;
   size_t line; /* both from 1; columns count bytes */
   size_t column;
   const char* group; /* "PlexuraData 3 / Genome 1", or "" for the text as a whole */
   const char* key;   /* with its "=", or "" */
-  const char* found; /* what is there and what belongs there, or "" */
+  const char* found; /* what the text holds and what it should hold, or "" */
   const char* expected;
   const char* sentence;
 } pxrom_finding;
 
-/* Gets one finding, which is gone when it returns, and what the caller passed as `user`. Anything
- * but 0 ends the list. */
+/* Gets one finding, which is valid only during the call, and the caller's `user`. Any result other
+ * than 0 ends the list. */
 typedef int (*pxrom_finding_callback)(const pxrom_finding* finding, void* user);
 
 /* How many findings of each severity there are. */
@@ -182,9 +207,9 @@ typedef struct pxrom_finding_counts {
   size_t errors;
 } pxrom_finding_counts;
 
-/* Says what is wrong with a database, where reading is silent: calls `callback` for each finding,
- * by place. Either of `callback` and `counts` may be null; `user` is only handed on. PXROM_OK
- * whatever is found. */
+/* Says what is wrong with a database, which reading does not report: calls `callback` for each
+ * finding, in the order of the text. `callback` or `counts` may be null; `user` is only passed on.
+ * PXROM_OK whatever is found. */
 PXROM_API pxrom_status pxrom_check(const char* text, size_t length, pxrom_finding_callback callback,
                                    void* user, pxrom_finding_counts* counts, char* message,
                                    size_t message_size);

@@ -15,10 +15,10 @@ namespace Tarvane::Plexura::PXROM {
 /// Format version of the regression record. From 192 on a database holds "QRSSavePredictorError=".
 enum E_CQRSDataVersion : std::int32_t { QRSDataVersion192 = 192 };
 
-/// The kind of the surface as the fit named it; carried, and read by no calculation.
+/// The kind of the surface as the fit named it; kept for the host, and read by no calculation.
 enum E_SurfaceType : std::int32_t { SurfaceTypeNone = 0 };
 
-/// How the fit filtered the terms; carried. The numbered ways used a confidence value.
+/// How the fit filtered the terms; kept for the host. The numbered types used a confidence value.
 enum E_RegTermFilterType : std::int32_t {
   RegTermFilterNone = 0,
   RegTermFilterConfidence1 = 1,
@@ -27,15 +27,21 @@ enum E_RegTermFilterType : std::int32_t {
 };
 
 /// A transformation of the inputs or of the output. The numbers are those of "InputTransformType="
-/// and "OutputTransformType=". Going into the regression's space is forward, leaving it is back.
+/// and "OutputTransformType=". Forward leads into the space of the regression, back leads out of
+/// it.
 ///
-/// Each has a parameter that it reads: `value` from InputTransformValues or OutputTransformValue,
-/// or `lambda` from InputLambdas or OutputLambda; it ignores the other. Ways back refuse arguments
-/// that would lead beyond 1e99. **Three of them are no inverses, deliberately**, see there.
+/// Each transformation reads at most one parameter: `value` from InputTransformValues or
+/// OutputTransformValue, or `lambda` from InputLambdas or OutputLambda. A back-transformation
+/// refuses arguments whose result would exceed 1e99. **For three of them the back-transformation is
+/// not the inverse** (see below). Deliberate.
+///
+/// Sources: Box and Cox, An Analysis of Transformations, Journal of the Royal Statistical Society B
+/// 26, 1964; Yeo and Johnson, A New Family of Power Transformations to Improve Normality or
+/// Symmetry, Biometrika 87, 2000.
 enum E_QRSTransformationType : std::int32_t {
   TransformNone = 0,    ///< the identity
   TransformExpo = 1,    ///< exp(x); back log(x)
-  TransformLogA = 2,    ///< log(x) / log(value); back log(value) * exp(x), no inverse
+  TransformLogA = 2,    ///< log(x) / log(value); back log(value) * exp(x), not the inverse
   TransformLogE = 3,    ///< log(x); back exp(x)
   TransformLog10 = 4,   ///< log10(x); back 10^x
   TransformSquare = 5,  ///< sqrt(x); back x^2
@@ -45,21 +51,22 @@ enum E_QRSTransformationType : std::int32_t {
   TransformYeo = 9,     ///< Yeo-Johnson with lambda
 };
 
-/// The record of a regression surface: a sum of terms (regression_terms.h) in a space that is
-/// reached by scaling and then transforming the inputs, and left by back-transforming and
-/// backscaling the sum. See CQRSEvaluator for the whole formula.
+/// The record of a regression surface: a sum of terms (regression_terms.h). The inputs are scaled,
+/// then transformed; the sum is transformed back, then scaled back. See CQRSEvaluator for the whole
+/// formula.
 ///
-/// A record holds every candidate term of the fit; those that the fit dropped are not active.
+/// A record holds every candidate term of the fit; the terms that the fit dropped are not active.
 ///
 /// Statuses: accessors return 0 and Set operations store what they get, unless a comment says
-/// otherwise. What can't be honoured gives 1 and writes nothing: a term that isn't there, a list or
-/// matrix shorter than the record's counts, a transformation type that is none, or
-/// InputTransformValues or InputLambdas shorter than the inputs under any transformation.
+/// otherwise. These give 1 and write nothing: a term that doesn't exist, a list or matrix shorter
+/// than the record's counts, an unknown transformation type, and InputTransformValues or
+/// InputLambdas shorter than the inputs, with any transformation.
 ///
-/// Ownership: the record owns its terms and the array of them, and copies are deep, assignments
-/// too. A host that writes RegTerms itself hands over what it writes, with NumberOfRegTerms.
+/// Ownership: the record owns its terms and their array. Copies and assignments are deep. A host
+/// that writes RegTerms itself, with NumberOfRegTerms, passes ownership to the record.
 /// Threads: const operations, GetPredictorError and EvalErrorPredictions only read, so they may run
-/// side by side as long as nobody writes the record. IsTransformingCorrect and IsAllRight write.
+/// at the same time as long as nothing writes the record. IsTransformingCorrect and IsAllRight
+/// write.
 struct PXROM_API CQRSData : public CRSData {
   CQRSData();
   CQRSData(const CQRSData&);
@@ -67,18 +74,17 @@ struct PXROM_API CQRSData : public CRSData {
 
   CQRSData* Clone() const override;
   ~CQRSData() override;
-  /// Leaves Sigma2 and InvXtX as they are, on purpose: without SavePredictorError they have no
-  /// meaning.
+  /// Leaves Sigma2 and InvXtX unchanged: without SavePredictorError they have no meaning.
   int ResetData() override;
-  /// IsSamplingCorrect, IsTransformingCorrect and IsScalingCorrect, each only if the one before
-  /// held.
+  /// IsSamplingCorrect, IsTransformingCorrect and IsScalingCorrect, each only if the one before it
+  /// is true.
   bool IsAllRight() override;
   E_DataType DataType() const override;
 
-  /// The design matrix of `terms` at `points`, both in the regression's space: one row per sample
-  /// of the record, one column per coefficient. `design` must have that shape already. 1 for a
-  /// shape that does not fit, `points` included; the status of a term that refuses is returned at
-  /// once, with the entries up to there written. The record's own terms are not touched.
+  /// The design matrix of `terms` at `points`, both in the space of the regression: one row per
+  /// sample of the record, one column per coefficient. `design` must already have that shape. 1 for
+  /// a shape that does not fit, also of `points`. If a term refuses, returns its status at once,
+  /// with the entries before it written. The record's own terms do not change.
   virtual int BuildDesignMtx(const std::vector<std::vector<double>>& points, const int& numTerms,
                              const RegTerm* const* terms,
                              std::vector<std::vector<double>>& design) const;
@@ -89,8 +95,8 @@ struct PXROM_API CQRSData : public CRSData {
   int SetResponseSurfaceType(const E_SurfaceType& type);
   int GetRegTermFilterType(E_RegTermFilterType& type) const;
   int SetRegTermFilterType(const E_RegTermFilterType& type);
-  /// 1 with `value` untouched unless the filter type is one of those with a confidence value. The
-  /// predictor error uses the value whatever the filter type is.
+  /// 1 with `value` untouched unless the filter type has a confidence value. The predictor error
+  /// uses the value with any filter type.
   int GetRegTermFilterConfVal(double& value) const;
   int SetRegTermFilterConfVal(const double& value);
   int GetNumberOfRegTerms(int& count) const;
@@ -117,82 +123,83 @@ struct PXROM_API CQRSData : public CRSData {
   int GetInvXtX(std::vector<std::vector<double>>& rows) const;
   int SetInvXtX(std::vector<std::vector<double>> rows);
 
-  // What term `k` answers; 1 without such a term. The arrays are as long as the counts.
+  // The same operation of term `k`; 1 without such a term. The arrays are as long as the counts.
   int GetRegTermFuncType(const int& k, E_FuncType& type) const;
   int GetRegTermNumParam(const int& k, int& count) const;
   int GetRegTermNumUsedInpVar(const int& k, int& count) const;
   int GetRegTermParamVal(const int& k, double* values) const;
   int GetRegTermUsedInpVarIdx(const int& k, int* const indices) const;
-  /// The flag of term `k` and not a status; 0 without such a term.
+  /// The flag of term `k`, not a status; 0 without such a term.
   int QryRegTermIsActive(const int& k) const;
   /// Stops at the first term that refuses and returns its status.
   int SetAllRegTermActive();
-  /// Replaces the terms by deep copies of `terms`, which stay the caller's and may be the record's
-  /// own. The copy of an entry that is null or of no known type is null, and evaluations refuse it;
-  /// so they do where `terms` is null and `count` above 0. Coefficients or indices that a term
-  /// doesn't have, or not in the right number, its copy doesn't have either. Always 0.
+  /// Replaces the terms by deep copies of `terms`, which stay with the caller and may be the
+  /// record's own. A null entry, or one of unknown type, becomes null, and evaluations refuse it;
+  /// so they do if `terms` is null and `count` above 0. If a term has no coefficients or indices,
+  /// or a wrong number of them, its copy has none. Always 0.
   int SetRegTerm(RegTerm** terms, int count);
   /// Deep copies of the terms: the caller deletes each and, with delete[], the array. Null when
   /// there are none.
   RegTerm** CloneRegTerm() const;
   /// The coefficients of all terms in list order with the flag of their term, 1.0 for an active
   /// one. Both arrays hold `numParam` values. 1 when the record is not ready for evaluation or
-  /// `numParam` is not the number of all coefficients; a term's status is returned at once.
+  /// `numParam` is not the number of all coefficients; if a term fails, returns its status at once.
   int GetAllParamStatusAndVal(const int& numParam, double* status, double* values) const;
-  /// The greatest of the first `n` values, and 0.0 when none is above that: **no absolute value is
-  /// taken**, despite the name. 1 when `v` has fewer.
+  /// The largest of the first `n` values, or 0.0 if none is above 0.0: **no absolute value is
+  /// taken**, despite the name. Deliberate. 1 when `v` has fewer values.
   int GetMaxMagnitude(const std::vector<double>& v, const int& n, double& out) const;
 
-  /// The sum of all terms at `x`, a scaled and transformed point. The first non-zero status of a
-  /// term is returned at once with the sum so far in `y`.
+  /// The sum of all terms at `x`, a scaled and transformed point. Returns the first non-zero status
+  /// of a term at once, with the sum so far in `y`.
   int EvaluateRegTerm(std::vector<double>& x, double& y) const;
   /// The gradient of that sum at a scaled point, with respect to the **unscaled** inputs: entry i
-  /// has the factor InputScaleSlopes[i]. There is no factor for an input transformation. The first
-  /// non-zero status of a term is returned at once.
+  /// has the factor InputScaleSlopes[i]. There is no factor for an input transformation. Returns
+  /// the first non-zero status of a term at once.
   int EvaluateRegTermDerivativeWrtInputVariables(const std::vector<double>& x,
                                                  std::vector<double>& g) const;
 
-  /// Forward, all inputs. An element outside its formula's guard **stays as it was and is not
-  /// reported**.
+  /// Forward, all inputs. An element that its formula refuses **does not change and is not
+  /// reported**. Deliberate.
   int TransformAndOverwriteInputSample(std::vector<double>& x) const;
   int TransformAndOverwriteInputSamples(std::vector<std::vector<double>>& rows) const;
-  /// Forward, the output. 1 with `y` untouched when it is outside the formula's guard.
+  /// Forward, the output. 1 with `y` untouched when the formula refuses it.
   int TransformAndOverwriteOutputSample(double& y) const;
-  /// Stops at the first that fails, with 1 and those before it transformed.
+  /// Stops with 1 at the first value that fails, with the values before it transformed.
   int TransformAndOverwriteOutputSamples(std::vector<double>& ys) const;
-  /// Back. A refused value stays as it was, but is -9e99 with TransformYeo.
+  /// Back. A refused value does not change, but becomes -9e99 with TransformYeo.
   int BacktransformAndOverwriteOutputSample(double& y) const;
-  /// The same on each value, singular in name; stops at the first that fails.
+  /// The same for each value, despite its singular name; stops at the first that fails.
   int BacktransformAndOverwriteOutputSample(std::vector<double>& ys) const;
   /// Whether both parameter lists have one entry per input, or there is no input transformation.
-  /// **A check that fails sets Stopped**, so that every later evaluation refuses the record, also
-  /// when the lists are mended.
+  /// **If the check fails, it sets Stopped**, so every later evaluation refuses the record, even
+  /// with corrected lists. Deliberate.
   bool IsTransformingCorrect();
 
   /// The half-width of the **one-sided** prediction interval of level RegTermFilterConfVal (0.95 is
   /// the 95 percent quantile of Student's t) at `x`, a scaled and transformed point:
-  /// sqrt((h + 1) * Sigma2) * t / OutputScaleSlope, h the leverage. A transformed model gets it in
-  /// its transformed output divided by the slope: no way back is applied. SavePredictorError is not
-  /// asked; 1 when InvXtX has fewer rows or columns than there are active terms. The status of a
-  /// term or of the quantile is returned; without degrees of freedom (as many active terms as
-  /// samples) there is none. `error` is written on 0 only.
+  /// sqrt((h + 1) * Sigma2) * t / OutputScaleSlope with the leverage h (prediction of a new
+  /// observation; Draper and Smith, Applied Regression Analysis). With an output transformation it
+  /// is in the transformed output divided by the slope: it is not transformed back.
+  /// SavePredictorError is not read. 1 when InvXtX has fewer rows or columns than there are active
+  /// terms. Returns the status of a term or of the quantile; the quantile fails without degrees of
+  /// freedom (as many active terms as samples). Writes `error` only on 0.
   int GetPredictorError(std::vector<double>& x, double& error);
   /// Appends errors[i] / |values[i]| for the first `n`, or errors[i] where |values[i]| <= 0.0001.
-  /// `out` is not emptied first.
+  /// `out` is not emptied first. Deliberate.
   int GetRelativePredictorError(const std::vector<double>& values,
                                 const std::vector<double>& errors, const int& n,
                                 std::vector<double>& out) const;
-  /// GetPredictorError at each of `points`; 0.0 where that fails, which is not reported. Without
-  /// SavePredictorError `errors` is left alone. The status tells something else, namely whether a
-  /// design matrix of the record's terms can be built at `points`: 1 for no points and for another
-  /// number of them than samples, and **`errors` is filled all the same**.
+  /// GetPredictorError at each of `points`; 0.0 where it fails, which is not reported. Without
+  /// SavePredictorError `errors` does not change. The status only says whether a design matrix of
+  /// the record's terms can be built at `points`: 1 without points, or if their number is not that
+  /// of the samples, and **`errors` is filled even then**.
   int EvalErrorPredictions(std::vector<std::vector<double>>& points, std::vector<double>& errors);
 
   E_SurfaceType ResponseSurfaceType = SurfaceTypeNone;
   E_RegTermFilterType RegTermFilterType = RegTermFilterNone;
   double RegTermFilterConfVal = 0.95;
   int NumberOfRegTerms = 0;
-  /// The active terms as the fit counted them; carried.
+  /// The number of active terms that the fit reported; kept for the host.
   int NumberOfSelectedRegTerms = 0;
   RegTerm** RegTerms = nullptr;
   E_QRSTransformationType InputTransformType = TransformNone;
@@ -214,9 +221,10 @@ struct PXROM_API CQRSData : public CRSData {
 ///
 ///   y = (B(sum of the terms at T(slope * x + intercept)) - intercept of the output) / its slope
 ///
-/// with the input transformation T forward and the output transformation B back. A component of the
-/// input that T refuses stays untransformed and the prediction goes on with it; a refused way back
-/// gives 1.
+/// with the forward transformation T of the inputs and the back-transformation B of the output. A
+/// component of the input that T refuses stays untransformed, and the prediction continues with it.
+/// If B refuses the sum, the status is 1. The model is multiple linear regression in the
+/// transformed inputs (Draper and Smith, Applied Regression Analysis).
 class PXROM_API CQRSEvaluator : public CRSEvaluator {
  public:
   CQRSEvaluator() = default;
@@ -225,51 +233,53 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
 
   CQRSEvaluator* Clone() const override;
   ~CQRSEvaluator() override;
-  /// The value with CQRSData::GetPredictorError. It does not ask SavePredictorError and **never
-  /// returns -2**: 1 where the error cannot be told. `predictorError` is written before the value
-  /// is known to be good, so it may be written where the status is 1.
+  /// The value with CQRSData::GetPredictorError. It does not read SavePredictorError and **never
+  /// returns -2**: 1 if there is no error. `predictorError` is written before the value is known to
+  /// be valid, so it may be written although the status is 1. Deliberate.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                               double& predictorError) const override;
-  /// A way back that succeeds with -9e99 (within 1e-10) counts as a hole of the surface: the value
-  /// is then interpolated from the corners of a small box around `x`, which moves inward until all
-  /// of them succeed. 1 for that without inputs or with more than 13, without samples, and when the
-  /// effort is beyond bounds (2^15 corners, boxes inside boxes included, eight boxes deep). After a
-  /// failed interpolation `y` is 0.0 or untouched.
+  /// A back-transformation that succeeds with -9e99 (within 1e-10) marks a hole of the surface. The
+  /// value is then interpolated from the corners of a small box around `x`, which moves inward
+  /// until all corners succeed. The interpolation gives 1 without inputs or with more than 13,
+  /// without samples, and when it exceeds its limits (2^15 corners, including those of boxes inside
+  /// boxes, and a depth of eight boxes). After a failed interpolation `y` is 0.0 or untouched.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
-  /// **Lighter than the value in its checks and in its steps, deliberately.** It asks only whether
-  /// the record is ready: a stopped record is served, a length that does not fit shows up as a
-  /// status of 1 or more, a sum of statuses. The inputs are scaled and NOT transformed, and the
-  /// factor of the output transformation is, by type:
-  ///   - none, TransformBox, TransformLogBox: the true derivative of the way back;
-  ///   - TransformExpo to TransformPower: the derivative of the way **forward**, at the sum;
-  ///   - TransformYeo and unknown types: 0, so that the gradient is all zeros with status 0.
-  /// So the result is the derivative of the value for records without transformations and for the
-  /// two Box outputs. 1 also for null and for a record of another class.
+  /// **Checks less and does less than the value. Deliberate.** It only checks that the record is
+  /// ready: it accepts a stopped record, and for a length that does not fit it returns 1 or more, a
+  /// sum of statuses. The inputs are scaled and NOT transformed. The factor for the output
+  /// transformation is, by type:
+  ///   - none, TransformBox, TransformLogBox: the true derivative of the back-transformation;
+  ///   - TransformExpo to TransformPower: the derivative of the **forward** formula, at the sum;
+  ///   - TransformYeo and unknown types: 0, so the gradient is all zeros with status 0.
+  /// So the result is the derivative of the value only for records without input transformations
+  /// and with no output transformation or one of the two Box types. 1 also for null and for a
+  /// record of another class.
   int EvaluateResponseSurfaceDerivativeWrtInputVariables(
       const CRSData* data, const std::vector<double>& x,
       std::vector<double>& gradient) const override;
 
-  /// Evaluates the record at all its samples and hands the results to `gof` (goodness_of_fit.h). 1
-  /// for a record that is not ready, of another class, or without its samples; then and on any
-  /// other failure before the call `gof` is not touched. Else the status of `gof`.
+  /// Evaluates the record at all its samples and passes the results to `gof` (goodness_of_fit.h). 1
+  /// for a record that is not ready, of another class, or without its samples. If anything fails
+  /// before the call of `gof`, `gof` is not called. Else returns the status of `gof`.
   int EvalGoodnessOfFit(const CQRSData* data, Tarvane::Plexura::Core::GOFMeasr& gof);
-  /// Evaluates the record at all its samples and hands `gof` **two empty columns**: the values are
-  /// assigned to columns that nobody sized. Kept so; use EvalGoodnessOfFit for the values.
+  /// Evaluates the record at all its samples and passes **two empty columns** to `gof`: the values
+  /// are assigned to columns without a size. Deliberate; use EvalGoodnessOfFit for the values.
   int EvalR2Only(const CQRSData* data, Tarvane::Plexura::Core::GOFMeasr& gof);
 
  private:
   struct InterpolationEffort;
 
   int CalIntmedDrvtVal(const CRSData* data, const double& s, double& d) const;
-  int EvalCodedUsedInpVar(const InterpolationEffort& effort, const double* x,
-                          std::vector<double>& coded) const;
+  /// Maps `x` to `coded`, with the range -1 to 1 over the box of the samples, in physical units. 1
+  /// with `coded` empty without samples or with a sample that lacks an input.
+  int EvalCodedUsedInpVar(const CRSData* data, const double* x, std::vector<double>& coded) const;
   int EvalNumHypcubePnt(int numVars, int& numPnts) const;
   int GenCodedHypcubePnt(int numVars, double** pnts) const;
   int EvalHypcubePntWgt(int numVars, const std::vector<double>& coded, int numPnts, int pntIdx,
                         double** pnts, double& weight) const;
   int Interplt(const CRSData* data, const double* x, double& y) const;
-  int Interplt(const CQRSData& record, const double* x, double& y,
+  int Interplt(const CQRSData& record, const double* x, const std::vector<double>& coded, double& y,
                InterpolationEffort& effort) const;
   int EvaluateCorner(const CQRSData& record, const std::vector<double>& point, double& y,
                      InterpolationEffort& effort) const;

@@ -9,7 +9,7 @@ class TermSum;
 }
 
 /// The terms of a regression surface: one monomial of the inputs with one coefficient each. They
-/// stand at the global namespace; CQRSData (regression.h) owns an array of them.
+/// are in the global namespace; CQRSData (regression.h) owns an array of them.
 
 /// What a term is. The numbers are those of "FuncType=" in a database.
 enum E_FuncType : std::int32_t {
@@ -20,32 +20,31 @@ enum E_FuncType : std::int32_t {
   FuncTypeCrossPoly = 5,  ///< CrossPolyTerm: the product of all x[i]; not in a database
 };
 
-/// The base of all terms. A host may derive its own and put it into CQRSData::RegTerms; copying
-/// such a record makes terms of the five classes below, by GetFuncType.
+/// The base of all terms. A host may derive its own term and put it into CQRSData::RegTerms. A copy
+/// of such a record holds terms of the five classes below, chosen by GetFuncType.
 ///
-/// Build one: default constructor, SetActive or SetInactive, SetUsedInpVarIdx, SetParamVal. From
-/// then on it is read only. A term that is not active contributes exactly zero to everything.
+/// To build a term: default constructor, SetActive or SetInactive, SetUsedInpVarIdx, SetParamVal.
+/// After that it is only read. A term that is not active contributes exactly zero to everything.
 ///
 /// Statuses: 0 done; 1 refused, and nothing is written. Evaluating operations refuse a term without
 /// its coefficient or its indices, and an active term with an index that is not below
-/// `numInputVars`; EvaluateDesignRow does without the coefficient.
+/// `numInputVars`; EvaluateDesignRow needs no coefficient.
 ///
 /// Arguments: `x` and `gradient` hold `numInputVars` values, in the space that the caller prepared:
-/// a term neither scales nor transforms. `row` and `values` hold GetNumParam values, `indices` as
-/// many as GetNumUsedInpVar says. **Those lengths are the caller's responsibility.**
+/// a term neither scales nor transforms. `row` and `values` hold GetNumParam values, `indices` hold
+/// GetNumUsedInpVar. **These lengths are the caller's responsibility.**
 ///
-/// Ownership: terms are heap objects that own their arrays and are not copied by a constructor.
-/// Threads: const operations may run side by side as long as nobody writes the term.
+/// Ownership: terms are heap objects that own their arrays; they have no copy constructor.
+/// Threads: const operations may run at the same time as long as nothing writes the term.
 class PXROM_API RegTerm {
  public:
   RegTerm(const RegTerm&) = delete;
   RegTerm& operator=(const RegTerm&) = delete;
 
   virtual ~RegTerm();
-  /// Copies the coefficients in. 1 unless `numParam` is GetNumParam.
+  /// Copies the coefficients. 1 unless `numParam` is GetNumParam.
   virtual int SetParamVal(const int& numParam, const double* values) = 0;
-  /// Copies the indices in. 1 unless `count` is GetNumUsedInpVar; see CrossPolyTerm for its own
-  /// way.
+  /// Copies the indices. 1 unless `count` is GetNumUsedInpVar; CrossPolyTerm differs.
   virtual int SetUsedInpVarIdx(const int& count, const int* indices) = 0;
   virtual int SetActive() = 0;
   virtual int SetInactive() = 0;
@@ -55,10 +54,10 @@ class PXROM_API RegTerm {
   virtual int GetNumUsedInpVar(int& count) const = 0;
   /// 1 without indices, which a ConstTerm never has.
   virtual int GetUsedInpVarIdx(int* indices) const = 0;
-  /// 1 for every living term; nothing in the library asks for it.
+  /// The tag is 1 for every term; nothing in the library reads it.
   virtual int GetTermTag(int& tag) const = 0;
   virtual int GetFuncType(E_FuncType& type) const = 0;
-  /// The flag itself and not a status: 1 is active.
+  /// The flag itself, not a status: 1 is active.
   virtual int QryIsActive() const = 0;
   /// The coefficient times the basis function.
   virtual int EvaluateValue(const int& numInputVars, const double* x, double* value) const = 0;
@@ -67,8 +66,8 @@ class PXROM_API RegTerm {
                                                   double* gradient) const = 0;
   /// The basis function without the coefficient: one entry of a row of the design matrix.
   virtual int EvaluateDesignRow(const int& numInputVars, const double* x, double* row) const = 0;
-  /// Each coefficient becomes -99 and the term active and without a coefficient. Always 0. A
-  /// **copy** of the term takes the -99 for a coefficient, since GetParamVal delivers it.
+  /// Sets each coefficient to -99 and makes the term active and without a coefficient. Always 0. In
+  /// a **copy** of the term the -99 is a coefficient, since GetParamVal returns it.
   virtual int ResetParamVal() = 0;
 
  protected:
@@ -81,7 +80,7 @@ class PXROM_API RegTerm {
  private:
   friend class Tarvane::Plexura::PXROM::TermSum;
 
-  /// What TermSum may add without asking the term; it lies where the compiler would pad.
+  /// What TermSum may add without a call of the term; it fills what would be padding.
   enum ReadyKind : std::uint8_t { NotReady, ReadyConst, ReadyLinear, ReadyQuad };
   ReadyKind readyKind = NotReady;
   bool isPlain = false;
@@ -94,11 +93,11 @@ class PXROM_API RegTerm {
   int isCoefficientSet = 0;
   int isInputVariablesIndexSet = 0;
 
-  /// To be called after each change of the fields.
+  /// Call it after each change of the fields.
   void UpdateReadyKind();
 };
 
-/// What the five terms share: everything but the basis function.
+/// What the five terms share: everything except the basis function.
 class PXROM_API StoredRegTerm : public RegTerm {
  public:
   int SetParamVal(const int& numParam, const double* values) override;
@@ -117,7 +116,7 @@ class PXROM_API StoredRegTerm : public RegTerm {
  protected:
   using RegTerm::RegTerm;
 
-  /// `count` new indices, of which the first `copied` are those given and the rest 0.
+  /// Stores `count` new indices: the first `copied` are those of `indices`, the rest are 0.
   int StoreIndices(int count, int copied, const int* indices);
   bool IsIndexSet() const {
     return inputVariablesIndex != nullptr && isInputVariablesIndexSet != 0;
@@ -159,8 +158,8 @@ class PXROM_API QuadTerm : public StoredRegTerm {
   using StoredRegTerm::StoredRegTerm;
 };
 
-/// The square of a variable. Its gradient takes for granted that both indices are the same: the
-/// second is not looked at.
+/// The square of a variable. Its gradient assumes that both indices are the same and ignores the
+/// second.
 class PXROM_API PureQuadTerm : public QuadTerm {
  public:
   PureQuadTerm();
@@ -169,7 +168,7 @@ class PXROM_API PureQuadTerm : public QuadTerm {
 };
 
 /// The product of two different variables. With the same index twice its value is the square and
-/// its gradient **half** of what it should be, on purpose: write a PureQuadTerm for that.
+/// its gradient **half** of the true one. Deliberate; use a PureQuadTerm instead.
 class PXROM_API CrossQuadTerm : public QuadTerm {
  public:
   CrossQuadTerm();
@@ -181,11 +180,11 @@ class PXROM_API CrossQuadTerm : public QuadTerm {
 /// can hold one.
 class PXROM_API CrossPolyTerm : public StoredRegTerm {
  public:
-  /// Of -99 indices, which means that nobody has set them.
+  /// The number of indices is -99, which means that they are not set.
   CrossPolyTerm();
-  /// Takes any `count` of 0 and above, but copies only as many indices as the term had before; the
-  /// rest are 0. **So a fresh term gets zeros and has to be given its list twice, and a copy of a
-  /// term (CQRSData::SetRegTerm, CloneRegTerm) has zeros for a list.** Deliberate.
+  /// Accepts any `count` from 0, but copies only as many indices as the term had before; the rest
+  /// are 0. **So a new term gets zeros and needs its list twice, and in a copy of a term
+  /// (CQRSData::SetRegTerm, CloneRegTerm) all indices are 0.** Deliberate.
   int SetUsedInpVarIdx(const int& count, const int* indices) override;
   int EvaluateValue(const int& numInputVars, const double* x, double* value) const override;
   /// Allocates one array of `numInputVars` ints.

@@ -14,17 +14,17 @@ enum E_CRSDataVersion : std::int32_t { RSDataVersion162 = 162 };
 /// The base record of every fitted response surface: dimensions, training samples, the linear
 /// scalings, three life-cycle flags. It is data only; evaluators (rs_evaluator.h) predict from it.
 ///
-/// Filling one by hand: set the counts, samples and scaling, confirm with IsAllRight if you like
-/// (evaluators do not call it), then SetStatusReadyForEvaluation(true).
+/// To fill a record by hand: set the counts, samples and scaling, check them with IsAllRight if you
+/// like (evaluators do not call it), then call SetStatusReadyForEvaluation(true).
 ///
-/// Statuses: accessors return 0 and validate nothing. **Indices and non-emptiness are the caller's
-/// responsibility** wherever a comment does not say otherwise: an index outside the data is read
-/// as it is. Set operations store what they get and touch no other field, so setting samples does
+/// Statuses: accessors return 0 and validate nothing. **Valid indices and non-empty data are the
+/// caller's responsibility** unless a comment says otherwise: an index outside the data is not
+/// checked. Set operations store what they get and change no other field, so setting samples does
 /// not update the counts.
 ///
 /// Ownership: a record owns all its storage; copies are deep and share nothing.
-/// Threads: const operations may run side by side as long as nobody writes the record. The
-/// four-argument evaluation of a Kriging record is such a writer (kriging.h).
+/// Threads: const operations may run at the same time as long as nothing writes the record. The
+/// four-argument evaluation of a Kriging record can write it (kriging.h).
 struct PXROM_API CRSData {
   CRSData();
   CRSData(const CRSData&);
@@ -73,14 +73,14 @@ struct PXROM_API CRSData {
   bool IsStopped() const;
 
   /// x[i] = slope[i] * x[i] + intercept[i], physical to scaled. 1 with `x` unchanged unless `x` is
-  /// as long as both scale vectors (NumberOfInputVariables is not asked).
+  /// as long as both scale vectors (NumberOfInputVariables is not read).
   int ScaleAndOverwriteInputSample(std::vector<double>& x) const;
-  /// The same on each row; 1 at the first row that does not fit, the rows before it scaled.
+  /// The same for each row; 1 at the first row that does not fit, with the rows before it scaled.
   int ScaleAndOverwriteInputSamples(std::vector<std::vector<double>>& rows) const;
   int ScaleAndOverwriteOutputSample(double& y) const;
   int ScaleAndOverwriteOutputSamples(std::vector<double>& ys) const;
-  /// y = (y - intercept) / slope, scaled to physical. A slope of zero is not guarded: the result is
-  /// an infinity or a NaN. There is no backscaling of inputs, since evaluation never needs it.
+  /// y = (y - intercept) / slope, scaled to physical. A slope of zero is not checked: the result is
+  /// an infinity or a NaN. Inputs are never scaled back, since no evaluation needs it.
   int BackscaleAndOverwriteOutputSample(double& y) const;
   int BackscaleAndOverwriteOutputSamples(std::vector<double>& ys) const;
 
@@ -90,8 +90,8 @@ struct PXROM_API CRSData {
   bool IsScalingCorrect() const;
   bool IsThisRectangularMatrix(const std::vector<std::vector<double>>& m) const;
   bool IsThisSquareMatrix(const std::vector<std::vector<double>>& m) const;
-  /// True only for a 1 by 1 matrix, or when every entry below the diagonal exceeds its mirror by at
-  /// least 1e-10: **an exactly symmetric matrix of side 2 or more gives false.** Deliberate.
+  /// True only for a 1 by 1 matrix, or when every entry below the diagonal exceeds its mirror entry
+  /// by at least 1e-10: **an exactly symmetric matrix of side 2 or more gives false.** Deliberate.
   bool IsThisSymmetricMatrix(const std::vector<std::vector<double>>& m) const;
 
   /// m[r][c] for each row r.
@@ -103,9 +103,8 @@ struct PXROM_API CRSData {
   std::vector<double> GetDiagVarianceCovarianceMatrix(
       const std::vector<std::vector<double>>& m) const;
 
-  // Statistics in element order. Max, Min and NormInf need at least one element and give 0.0
-  // without; the mean of nothing is 0/0, the norm of nothing 0. Standard deviations have the
-  // divisor n - 1.
+  // Statistics in element order. Without elements, Max, Min and NormInf give 0.0, the mean gives
+  // 0/0 and the norm gives 0. Standard deviations have the divisor n - 1.
   double ComputeMax(const std::vector<double>& v) const;
   double ComputeMin(const std::vector<double>& v) const;
   double ComputeMean(const std::vector<double>& v) const;
@@ -117,9 +116,9 @@ struct PXROM_API CRSData {
   double ComputeColumnMean(const std::vector<std::vector<double>>& m, int c) const;
   double ComputeColumnNorm2(const std::vector<std::vector<double>>& m, int c) const;
   double ComputeColumnNormInf(const std::vector<std::vector<double>>& m, int c) const;
-  /// Mean and divisor run over all rows of `m`, the sum of squares over as many rows as there are
-  /// OutputSamples. Deliberate; the two agree for the record's own InputSamples. `m` needs at least
-  /// that many rows: with fewer, the rows that are there are summed.
+  /// The mean and the divisor count all rows of `m`, the sum of squares as many rows as there are
+  /// OutputSamples. Deliberate; both agree for the record's own InputSamples. If `m` has fewer rows
+  /// than that, all its rows are summed.
   double ComputeColumnStandardDeviation(const std::vector<std::vector<double>>& m, int c) const;
   double ComputeInputSamplesWrtInputVariableMax(int v) const;
   double ComputeInputSamplesWrtInputVariableMin(int v) const;
@@ -133,7 +132,7 @@ struct PXROM_API CRSData {
   double ComputeOutputSamplesNorm2() const;
   double ComputeOutputSamplesNormInf() const;
   double ComputeOutputSamplesStandardDeviation() const;
-  /// 0.0 when the sizes differ or nothing is there.
+  /// 0.0 when the sizes differ or both are empty.
   double ComputeEuclideanDistance(const std::vector<double>& a, const std::vector<double>& b) const;
 
   int NumberOfInputVariables = 0;
@@ -143,13 +142,13 @@ struct PXROM_API CRSData {
   std::vector<double> OutputSamples;
   std::vector<double> InputScaleSlopes;
   std::vector<double> InputScaleIntercepts;
-  /// Zero until somebody sets it, so that a record nobody filled fails IsScalingCorrect.
+  /// Zero until a host sets it, so IsScalingCorrect is false for a record that nobody has filled.
   double OutputScaleSlope = 0.0;
   double OutputScaleIntercept = 0.0;
   bool ReadyForSolve = false;
   bool ReadyForEvaluation = false;
   bool Stopped = false;
-  /// A record read from a database always says 162: "RSDataVersion=" is not read. The underscore
+  /// A record read from a database always has 162: "RSDataVersion=" is not read. The underscore
   /// keeps the field apart from the getter.
   E_CRSDataVersion RSDataVersion_ = RSDataVersion162;
 };

@@ -7,8 +7,8 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// The base of all evaluators: operations on a record, without any state of their own. Each family
-/// has one; a CFittingCandidatesEvaluator picks it by the record's DataType.
+/// The base of all evaluators: operations on a record, without state of their own. Each family has
+/// one; a CFittingCandidatesEvaluator chooses it by the record's DataType.
 ///
 /// Status of a value form:
 ///   0   the outputs are valid.
@@ -28,8 +28,8 @@ namespace Tarvane::Plexura::PXROM {
 /// | MLS        | no               | no                    | no                   |
 /// | LBF        | yes              | no                    | yes                  |
 ///
-/// Threads: evaluators have no fields, so any number of threads may evaluate at once against
-/// records that nobody writes.
+/// Threads: evaluators have no fields, so any number of threads may evaluate at once, as long as
+/// nothing writes the records.
 class PXROM_API CRSEvaluator {
  public:
   CRSEvaluator() = default;
@@ -40,15 +40,15 @@ class PXROM_API CRSEvaluator {
   virtual CRSEvaluator* Clone() const;
   virtual ~CRSEvaluator();
   /// Value and predictor error at `x`, in physical units. The base sets both to 0.0 and returns 1,
-  /// which is also the answer of families without a predictor error.
+  /// and so do families without a predictor error.
   virtual int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                                       double& predictorError) const;
   /// Value at `x`, in physical units. The base sets `y` to 0.0 and returns 1.
   virtual int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                                       double& y) const;
   /// Derivative of the value with respect to `x`. The base only checks its arguments: 0 when `x`
-  /// fits a record that is ready and not stopped, else 1, `gradient` untouched either way. `data`
-  /// must not be null here.
+  /// fits a record that is ready and not stopped, else 1, with `gradient` untouched either way.
+  /// `data` must not be null here.
   virtual int EvaluateResponseSurfaceDerivativeWrtInputVariables(
       const CRSData* data, const std::vector<double>& x, std::vector<double>& gradient) const;
 };

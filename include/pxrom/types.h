@@ -4,7 +4,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What an object is. The numbers are those of "DataType=" in a database and never change.
+/// The class of an object. The numbers are those of "DataType=" in a database and never change.
 enum E_DataType : std::int32_t {
   DT_FittingCandidates = 0,
   DT_FittingCandidate = 1,
@@ -17,8 +17,8 @@ enum E_DataType : std::int32_t {
   DT_ConstantData = 8,
 };
 
-/// The kind of a reader. Both text readers answer ReaderTypeText on purpose, so the kind does not
-/// tell them apart.
+/// The kind of a reader. Both text readers return ReaderTypeText, so the kind does not distinguish
+/// them. Deliberate.
 enum E_ReaderType : std::int32_t {
   ReaderTypeNone = 0,
   ReaderTypeText = 1,
@@ -30,13 +30,13 @@ enum E_ParameterCausality : std::int32_t {
   CausalityOutput = 1,
 };
 
-/// The kind of a parameter. Both continuous kinds take any real value; "manufacturable" ones are
-/// only counted apart.
+/// The kind of a parameter. Both continuous kinds take any real value; "manufacturable" parameters
+/// are only counted separately.
 enum E_ParameterType : std::int32_t {
   ContinuousNotManufacturable = 0,
   ContinuousManufacturable = 1,
   DiscreteParameter = 2,  ///< takes one of a set of integers and selects a combination
-  DerivedParameter = 3,   ///< carried and listed, never passed to an evaluation
+  DerivedParameter = 3,   ///< kept and listed, never passed to an evaluation
 };
 
 /// The polynomial basis of a trend in d inputs, in this order of functions.

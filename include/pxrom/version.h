@@ -1,4 +1,4 @@
 #pragma once
 
-/// The version of the library, and the one place where it stands: the build reads it here.
+/// The version of the library. Only this file holds it: the build reads it here.
 #define PXROM_VERSION_STRING "0.1.0"

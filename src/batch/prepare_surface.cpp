@@ -1,85 +1,74 @@
-#include <algorithm>
+#include "batch/prepare_surface.h"
 
-#include "batch/prepared_surface.h"
-#include "ensemble/families.h"
-#include "pxrom/constant.h"
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "families/family.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
 
-class RefusedSurface : public PreparedSurface {
+/// A surface of a family that does not prepare its records: a copy of the record, given to the
+/// family's evaluator point by point. Not for a family that changes records: threads share the
+/// copy.
+class EvaluatedSurface : public PreparedSurface {
  public:
-  void Evaluate(const Points& points, const Tools&, const Results& results) const override {
-    std::fill_n(results.statuses, points.count, 1);
-  }
-  int Gradient(const double*, double*, double*) const override { return 1; }
-};
-
-class ConstantSurface : public PreparedSurface {
- public:
-  ConstantSurface(double value, std::size_t inputs) : value_(value), inputs_(inputs) {}
+  EvaluatedSurface(const Family& family, const CRSData& record, std::size_t inputs)
+      : family_(family), record_(record.Clone()), inputs_(inputs) {}
 
   void Evaluate(const Points& points, const Tools&, const Results& results) const override {
-    std::fill_n(results.values, points.count, value_);
-    // Only a constant without any input knows its error.
-    const bool hasError = results.errors != nullptr && inputs_ == 0;
-    if (hasError) std::fill_n(results.errors, points.count, 0.0);
-    std::fill_n(results.statuses, points.count, results.errors != nullptr && !hasError ? -2 : 0);
+    const CRSEvaluator& evaluator = family_.evaluator();
+    for (std::size_t p = 0; p < points.count; ++p) {
+      std::vector<double> x(inputs_);
+      for (std::size_t i = 0; i < inputs_; ++i) x[i] = points.x[i * kBlock + p];
+      double& value = results.values[p];
+      value = 0.0;
+      results.statuses[p] =
+          results.errors == nullptr
+              ? evaluator.EvaluateResponseSurface(record_.get(), x, value)
+              : evaluator.EvaluateResponseSurface(record_.get(), x, value, results.errors[p]);
+    }
   }
 
-  int Gradient(const double*, double*, double* gradient) const override {
-    std::fill_n(gradient, inputs_, 0.0);
+  int Gradient(const double* x, double*, double* gradient) const override {
+    const bool isOff = family_.derivative != Derivative::OfValue ||
+                       (family_.isDerivativeOff != nullptr && family_.isDerivativeOff(*record_));
+    std::vector<double> slopes;
+    if (isOff ||
+        family_.evaluator().EvaluateResponseSurfaceDerivativeWrtInputVariables(
+            record_.get(), std::vector<double>(x, x + inputs_), slopes) != 0 ||
+        slopes.size() != inputs_) {
+      return 1;
+    }
+    std::copy(slopes.begin(), slopes.end(), gradient);
     return 0;
   }
 
  private:
-  double value_;
+  const Family& family_;
+  std::unique_ptr<const CRSData> record_;
   std::size_t inputs_;
 };
 
-/// How a family is prepared.
-struct Preparation {
-  E_DataType type;
-  std::unique_ptr<const PreparedSurface> (*prepare)(const CRSData& record, std::size_t inputs);
-  /// Whether a point decides if the record gives a value, so that no trial can tell.
-  bool dependsOnPoint;
-};
-
-constexpr Preparation kPreparations[] = {
-    {DT_ConstantData, &PrepareConstant, false},     {DT_KrigingData, &PrepareKriging, false},
-    {DT_QRSData, &PrepareRegression, true},         {DT_SVRData, &PrepareSupportVector, false},
-    {DT_MLSData, &PrepareMovingLeastSquares, true}, {DT_LBFData, &PrepareLinearBasis, false},
-};
-
-}  // namespace
-
-bool IsServed(const CRSData& record, std::size_t inputs) {
-  const Family* const family = FindFamily(record.DataType());
-  if (family == nullptr) return false;
+/// Whether the evaluator gives `record` a value at all, where that does not depend on the point.
+bool IsServed(const Family& family, const CRSData& record, std::size_t inputs) {
   double y = 0.0;
   // The form without an error writes no record.
   const std::vector<double> origin(inputs, 0.0);
-  return family->evaluator().EvaluateResponseSurface(&record, origin, y) != 1;
+  return family.evaluator().EvaluateResponseSurface(&record, origin, y) != 1;
 }
 
-std::unique_ptr<const PreparedSurface> PrepareRefused() {
-  return std::make_unique<RefusedSurface>();
-}
-
-std::unique_ptr<const PreparedSurface> PrepareConstant(const CRSData& record, std::size_t inputs) {
-  double value = 0.0;
-  static_cast<const CConstantData&>(record).GetConstantValue(value);
-  return std::make_unique<ConstantSurface>(value, inputs);
-}
+}  // namespace
 
 std::unique_ptr<const PreparedSurface> PrepareSurface(const CRSData& record, std::size_t inputs) {
-  for (const Preparation& preparation : kPreparations) {
-    if (preparation.type != record.DataType()) continue;
-    if (!preparation.dependsOnPoint && !IsServed(record, inputs)) break;
-    return preparation.prepare(record, inputs);
-  }
-  return PrepareRefused();
+  const Family* const family = FindFamily(record.DataType());
+  if (family == nullptr || !family->hasValue) return PrepareRefused();
+  if (family->prepare == nullptr)
+    return std::make_unique<EvaluatedSurface>(*family, record, inputs);
+  if (!family->valueDependsOnPoint && !IsServed(*family, record, inputs)) return PrepareRefused();
+  return family->prepare(record, inputs);
 }
 
 }  // namespace Tarvane::Plexura::PXROM::batch

@@ -3,13 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ensemble/cross_validation.h"
-
 namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
-
-constexpr double kSortTolerance = 1.0e-12;
 
 /// What an evaluation works on, laid out over a working area.
 struct ValidationWork {
@@ -40,32 +36,33 @@ void FindLeast(const double* values, std::size_t count, double threshold, double
   std::copy_n(values, kBlock, least);
   for (std::size_t r = 1; r < count; ++r) {
     const double* const row = values + r * kBlock;
-    for (std::size_t lane = 0; lane < kBlock; ++lane) {
-      least[lane] = row[lane] < least[lane] ? row[lane] : least[lane];
+    for (std::size_t point = 0; point < kBlock; ++point) {
+      least[point] = row[point] < least[point] ? row[point] : least[point];
     }
   }
   std::fill_n(isClear, kBlock, true);
   for (std::size_t r = 0; r < count; ++r) {
     const double* const row = values + r * kBlock;
-    for (std::size_t lane = 0; lane < kBlock; ++lane) {
-      const bool isAbove = row[lane] - least[lane] > threshold;
-      isClear[lane] = isClear[lane] && (isAbove || row[lane] == least[lane]);
+    for (std::size_t point = 0; point < kBlock; ++point) {
+      const bool isAbove = row[point] - least[point] > threshold;
+      isClear[point] = isClear[point] && (isAbove || row[point] == least[point]);
     }
   }
 }
 
 }  // namespace
 
-PreparedCrossValidation::PreparedCrossValidation(
-    const std::vector<std::vector<double>>& sortedInput, const std::vector<int>& foldCounts,
-    std::size_t folds, std::size_t inputs, double distanceScale, double outputSlope)
+PreparedCrossValidation::PreparedCrossValidation(const CrossValidation& validation,
+                                                 std::size_t folds, std::size_t inputs)
     : inputs_(inputs),
-      rowCount_(sortedInput.size()),
-      foldCounts_(foldCounts.begin(), foldCounts.begin() + static_cast<std::ptrdiff_t>(folds)),
-      distanceScale_(distanceScale),
-      outputSlope_(outputSlope) {
+      rowCount_(validation.sortedInput.size()),
+      foldCounts_(validation.foldCounts.begin(),
+                  validation.foldCounts.begin() + static_cast<std::ptrdiff_t>(folds)),
+      distanceScale_(validation.distanceScale),
+      outputSlope_(validation.outputScaleSlope),
+      sortThreshold_(SortThreshold(validation.inputs)) {
   rows_.reserve(rowCount_ * inputs);
-  for (const std::vector<double>& row : sortedInput) {
+  for (const std::vector<double>& row : validation.sortedInput) {
     rows_.insert(rows_.end(), row.begin(), row.begin() + static_cast<std::ptrdiff_t>(inputs));
   }
 }
@@ -74,49 +71,48 @@ std::size_t PreparedCrossValidation::WorkSize() const {
   return ValidationWork(rowCount_, Folds(), nullptr).size;
 }
 
-void PreparedCrossValidation::Evaluate(const Points& points, const Lanes& lanes,
+void PreparedCrossValidation::Evaluate(const Points& points, const LoopTable& loops,
                                        const double* foldPredictions, const double* predictions,
                                        double* start, double* errors, int* statuses) const {
   const ValidationWork work(rowCount_, Folds(), start);
   std::fill_n(work.distances, rowCount_ * kBlock, 0.0);
-  lanes.squaredDistances(rows_.data(), rowCount_, points.x, inputs_, points.count, work.distances);
-  for (std::size_t lane = 0; lane < points.count; ++lane) {
+  loops.squaredDistances(rows_.data(), rowCount_, points.x, inputs_, points.count, work.distances);
+  for (std::size_t point = 0; point < points.count; ++point) {
     double nearest = -1.0;
     for (std::size_t r = 0; r < rowCount_; ++r) {
-      const double distance = work.distances[r * kBlock + lane];
+      const double distance = work.distances[r * kBlock + point];
       if (r == 0 || distance < nearest) nearest = distance;
     }
-    work.nearest[lane] = nearest;
-    work.totals[lane] = 0.0;
+    work.nearest[point] = nearest;
+    work.totals[point] = 0.0;
   }
 
-  const double threshold = 2.0 * std::sqrt(static_cast<double>(inputs_)) * kSortTolerance;
   const double* distances = work.distances;
   for (std::size_t f = 0; f < Folds(); ++f) {
     const std::size_t count = foldCounts_[f];
     bool isClear[kBlock];
-    FindLeast(distances, count, threshold, work.least, isClear);
-    for (std::size_t lane = 0; lane < points.count; ++lane) {
-      double closest = work.least[lane];
-      if (!isClear[lane]) {
-        for (std::size_t r = 0; r < count; ++r) work.column[r] = distances[r * kBlock + lane];
-        if (FirstAfterTolerantSort(work.column, count, threshold, closest) != 0) {
-          statuses[lane] = 1;
+    FindLeast(distances, count, sortThreshold_, work.least, isClear);
+    for (std::size_t point = 0; point < points.count; ++point) {
+      double closest = work.least[point];
+      if (!isClear[point]) {
+        for (std::size_t r = 0; r < count; ++r) work.column[r] = distances[r * kBlock + point];
+        if (FirstAfterTolerantSort(work.column, count, sortThreshold_, closest) != 0) {
+          statuses[point] = 1;
         }
       }
       const double ratio = closest / distanceScale_;
       const double weight = 1.0 - std::exp(-10.0 * ratio * ratio);
-      work.weights[lane * Folds() + f] = weight;
-      work.totals[lane] += weight;
+      work.weights[point * Folds() + f] = weight;
+      work.totals[point] += weight;
     }
     distances += count * kBlock;
   }
 
-  for (std::size_t lane = 0; lane < points.count; ++lane) {
-    double* const weights = work.weights + lane * Folds();
-    for (std::size_t f = 0; f < Folds(); ++f) weights[f] = weights[f] / work.totals[lane];
-    errors[lane] =
-        ErrorFrom(weights, foldPredictions + lane, predictions[lane], work.nearest[lane]);
+  for (std::size_t point = 0; point < points.count; ++point) {
+    double* const weights = work.weights + point * Folds();
+    for (std::size_t f = 0; f < Folds(); ++f) weights[f] = weights[f] / work.totals[point];
+    errors[point] =
+        ErrorFrom(weights, foldPredictions + point, predictions[point], work.nearest[point]);
   }
 }
 

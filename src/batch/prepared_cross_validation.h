@@ -3,25 +3,23 @@
 #include <cstddef>
 #include <vector>
 
-#include "batch/prepared_surface.h"
+#include "model/cross_validation.h"
+#include "records/prepared_surface.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// The predicted error of an ensemble from cross-validation (ensemble/cross_validation.h), for
+/// The predicted error of an ensemble from cross-validation (model/cross_validation.h), for
 /// blocks of points.
 class PreparedCrossValidation {
  public:
-  /// `sortedInput` has at least `inputs` values in each row, and the first `folds` counts lie
-  /// within its rows.
-  PreparedCrossValidation(const std::vector<std::vector<double>>& sortedInput,
-                          const std::vector<int>& foldCounts, std::size_t folds, std::size_t inputs,
-                          double distanceScale, double outputSlope);
+  /// Copies what it needs for points of `inputs` values. `validation` must fit `folds` and them.
+  PreparedCrossValidation(const CrossValidation& validation, std::size_t folds, std::size_t inputs);
 
   std::size_t Folds() const { return foldCounts_.size(); }
   std::size_t WorkSize() const;
   /// The errors from the predictions without each fold (a block for each) and those with all. A
   /// status becomes 1 where there is no error; else it stays.
-  void Evaluate(const Points& points, const Lanes& lanes, const double* foldPredictions,
+  void Evaluate(const Points& points, const LoopTable& loops, const double* foldPredictions,
                 const double* predictions, double* work, double* errors, int* statuses) const;
 
  private:
@@ -34,6 +32,7 @@ class PreparedCrossValidation {
   std::vector<std::size_t> foldCounts_;
   double distanceScale_;
   double outputSlope_;
+  double sortThreshold_;
 };
 
 }  // namespace Tarvane::Plexura::PXROM::batch

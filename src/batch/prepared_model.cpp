@@ -7,13 +7,14 @@
 
 #include "batch/prepared_model_access.h"
 #include "batch/prepared_output.h"
+#include "model/ensemble_cost.h"
 #include "pxrom/batch.h"
 
 namespace Tarvane::Plexura::PXROM {
 
 using batch::kBlock;
-using batch::Lanes;
 using batch::PreparedOutput;
+using kernels::LoopTable;
 
 /// The outputs are shared by copies that differ in their loops.
 struct CPreparedModel::Parts {
@@ -27,9 +28,12 @@ struct CPreparedModel::Parts {
   std::vector<std::string> inputIDs;
   std::vector<std::string> outputIDs;
   std::vector<Tie> ties;
+  CEvaluationCost cost;
+  CEvaluationCost gradientCost;
+  CEvaluationLimit limit;
   std::shared_ptr<const Outputs> outputs;
-  const Lanes* exact = nullptr;
-  const Lanes* fast = nullptr;
+  const LoopTable* exact = nullptr;
+  const LoopTable* fast = nullptr;
 
   std::vector<std::size_t> Order(const double* row) const;
   void FillBlock(const double* points, std::size_t count, double* x) const;
@@ -69,6 +73,22 @@ int KeyOf(const CDiscreteCombinations& model, const DiscreteValues& values, std:
   std::sort(ranked.begin(), ranked.end());
   for (const auto& entry : ranked) key.push_back(entry.second);
   return 0;
+}
+
+/// The outputs of the combination that `values` name, or null.
+const CDiscreteCombinations::OutputsByID* FindCombination(const CDiscreteCombinations& model,
+                                                          const DiscreteValues& values,
+                                                          std::string* reason) {
+  std::vector<int> key;
+  if (KeyOf(model, values, key, reason) != 0) return nullptr;
+  const auto combination = model.GetDiscreteCombinationsIndexingPtr()->find(key);
+  if (combination == model.GetDiscreteCombinationsIndexingPtr()->end()) {
+    Refuse(reason, key.empty() ? "The model has no combination without discrete values."
+                               : "The model has no combination of the discrete values " +
+                                     Listed(key) + ".");
+    return nullptr;
+  }
+  return &(*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(combination->second)];
 }
 
 /// The enabled continuous inputs by rank.
@@ -122,12 +142,12 @@ void CPreparedModel::Parts::FillBlock(const double* points, std::size_t count, d
   const std::size_t inputs = inputIDs.size();
   for (std::size_t i = 0; i < inputs; ++i) {
     double* const to = x + i * kBlock;
-    for (std::size_t lane = 0; lane < count; ++lane) to[lane] = points[lane * inputs + i];
+    for (std::size_t point = 0; point < count; ++point) to[point] = points[point * inputs + i];
   }
-  for (std::size_t lane = 0; lane < count && !ties.empty(); ++lane) {
-    const double* const row = points + lane * inputs;
+  for (std::size_t point = 0; point < count && !ties.empty(); ++point) {
+    const double* const row = points + point * inputs;
     const std::vector<std::size_t> order = Order(row);
-    for (std::size_t i = 0; i < inputs; ++i) x[i * kBlock + lane] = row[order[i]];
+    for (std::size_t i = 0; i < inputs; ++i) x[i * kBlock + point] = row[order[i]];
   }
   for (std::size_t i = 0; i < inputs; ++i) {
     double* const to = x + i * kBlock;
@@ -142,19 +162,27 @@ CPreparedModel& CPreparedModel::operator=(const CPreparedModel&) = default;
 CPreparedModel& CPreparedModel::operator=(CPreparedModel&&) noexcept = default;
 CPreparedModel::~CPreparedModel() = default;
 
+int CPreparedModel::EstimateCost(const CDiscreteCombinations& model,
+                                 const DiscreteValues& discreteValues, CEvaluationCost& cost,
+                                 std::string* reason) {
+  const auto* const outputs = FindCombination(model, discreteValues, reason);
+  if (outputs == nullptr) return 1;
+  cost = CostOf(*outputs).OfEvaluation();
+  return 0;
+}
+
 int CPreparedModel::Prepare(const CDiscreteCombinations& model,
                             const DiscreteValues& discreteValues, CPreparedModel& out,
-                            std::string* reason) {
-  std::vector<int> key;
-  if (KeyOf(model, discreteValues, key, reason) != 0) return 1;
-  const auto combination = model.GetDiscreteCombinationsIndexingPtr()->find(key);
-  if (combination == model.GetDiscreteCombinationsIndexingPtr()->end()) {
-    return Refuse(reason, key.empty() ? "The model has no combination without discrete values."
-                                      : "The model has no combination of the discrete values " +
-                                            Listed(key) + ".");
-  }
+                            std::string* reason, const CEvaluationLimit& limit) {
+  const auto* const candidatesByID = FindCombination(model, discreteValues, reason);
+  if (candidatesByID == nullptr) return 1;
+  const EnsembleCost cost = CostOf(*candidatesByID);
+  if (CheckEvaluationCost(cost.OfEvaluation(), limit, reason) != 0) return 1;
 
   auto parts = std::make_shared<Parts>();
+  parts->cost = cost.OfEvaluation();
+  parts->gradientCost = cost.OfGradients();
+  parts->limit = limit;
   const auto inputs = RankedInputs(model);
   for (const auto& input : inputs) parts->inputIDs.push_back(input.second);
   for (std::size_t first = 0, last = 0; first < inputs.size(); first = last) {
@@ -162,14 +190,13 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     if (last - first > 1) parts->ties.push_back({first, last});
   }
   auto outputs = std::make_shared<Parts::Outputs>();
-  const std::vector<CDiscreteCombinations::OutputsByID>& all = *model.GetOutputsWrtDiscCombPtr();
-  for (const auto& [id, candidates] : all[static_cast<std::size_t>(combination->second)]) {
+  for (const auto& [id, candidates] : *candidatesByID) {
     parts->outputIDs.push_back(id);
     outputs->push_back(std::make_unique<PreparedOutput>(*candidates, inputs.size()));
   }
   parts->outputs = std::move(outputs);
-  parts->fast = batch::FindLanes(batch::BestInstructionSet());
-  parts->exact = batch::AreHostFunctionsKnown() ? parts->fast : batch::PortableLanes();
+  parts->fast = kernels::FindLoops(kernels::BestInstructionSet());
+  parts->exact = kernels::AreHostFunctionsKnown() ? parts->fast : kernels::PortableLoops();
   out.parts_ = std::move(parts);
   return 0;
 }
@@ -216,20 +243,29 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
       if (inputs > 0) parts_->FillBlock(points + first * inputs, count, x);
       (*parts_->outputs)[o]->Evaluate({x, count}, tools, results,
                                       mode == PrecisionFast ? &progress : nullptr);
-      for (std::size_t lane = 0; lane < count; ++lane) {
-        const std::size_t at = (first + lane) * outputs + o;
-        values[at] = blockValues[lane];
-        if (errors != nullptr) errors[at] = blockErrors[lane];
-        if (statuses != nullptr) statuses[at] = blockStatuses[lane];
+      for (std::size_t point = 0; point < count; ++point) {
+        const std::size_t at = (first + point) * outputs + o;
+        values[at] = blockValues[point];
+        if (errors != nullptr) errors[at] = blockErrors[point];
+        if (statuses != nullptr) statuses[at] = blockStatuses[point];
       }
     }
   }
   return 0;
 }
 
+CEvaluationCost CPreparedModel::Cost() const {
+  return parts_ != nullptr ? parts_->cost : CEvaluationCost();
+}
+
+CEvaluationCost CPreparedModel::GradientCost() const {
+  return parts_ != nullptr ? parts_->gradientCost : CEvaluationCost();
+}
+
 int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, double* gradients,
-                                      int* statuses) const {
+                                      int* statuses, std::string* reason) const {
   if (parts_ == nullptr) return 1;
+  if (CheckEvaluationCost(parts_->gradientCost, parts_->limit, reason) != 0) return 1;
   const std::size_t inputs = parts_->inputIDs.size();
   const std::size_t outputs = parts_->outputIDs.size();
   if (rows == 0 || outputs == 0) return 0;
@@ -257,13 +293,13 @@ int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, do
   return 0;
 }
 
-CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, lanes::InstructionSet set) {
+CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, simd::InstructionSet set) {
   CPreparedModel other;
-  const Lanes* const lanes = batch::FindLanes(set);
-  if (model.parts_ == nullptr || lanes == nullptr) return other;
+  const LoopTable* const loops = kernels::FindLoops(set);
+  if (model.parts_ == nullptr || loops == nullptr) return other;
   auto parts = std::make_shared<CPreparedModel::Parts>(*model.parts_);
-  parts->exact = lanes;
-  parts->fast = lanes;
+  parts->exact = loops;
+  parts->fast = loops;
   other.parts_ = std::move(parts);
   return other;
 }

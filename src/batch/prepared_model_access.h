@@ -1,14 +1,14 @@
 #pragma once
 
-#include "lanes/lanes.h"
 #include "pxrom/batch.h"
+#include "simd/instruction_set.h"
 
 namespace Tarvane::Plexura::PXROM {
 
 /// What our own tests and benchmarks need of a prepared model: to choose its instructions.
 struct PreparedModelAccess {
-  /// `model` with the loops of `set`; empty when FindLanes has none.
-  static CPreparedModel With(const CPreparedModel& model, lanes::InstructionSet set);
+  /// `model` with the loops of `set`; empty when FindLoops has none.
+  static CPreparedModel With(const CPreparedModel& model, simd::InstructionSet set);
 };
 
 }  // namespace Tarvane::Plexura::PXROM

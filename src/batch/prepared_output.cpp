@@ -4,8 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "ensemble/candidate_access.h"
-#include "ensemble/cross_validation.h"
+#include "batch/prepare_surface.h"
+#include "model/candidate_access.h"
+#include "model/cross_validation.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -28,10 +29,10 @@ std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
 /// The larger of `largest` and the magnitudes of the values that are there; infinite when one of
 /// these is no number.
 double LargestOf(double largest, const double* values, const int* statuses, std::size_t count) {
-  for (std::size_t lane = 0; lane < count; ++lane) {
-    if (statuses[lane] == 1) continue;
-    if (!std::isfinite(values[lane])) return std::numeric_limits<double>::infinity();
-    largest = std::max(largest, std::fabs(values[lane]));
+  for (std::size_t point = 0; point < count; ++point) {
+    if (statuses[point] == 1) continue;
+    if (!std::isfinite(values[point])) return std::numeric_limits<double>::infinity();
+    largest = std::max(largest, std::fabs(values[point]));
   }
   return largest;
 }
@@ -89,14 +90,14 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   areErrorsRefused_ = surfaces_.empty() || subRecords.size() % surfaces_.size() != 0;
   if (areErrorsRefused_) return;
   const std::size_t folds = subRecords.size() / surfaces_.size();
+  int statedInputs = 0;
+  candidate->GetNumberOfInputVariables(statedInputs);
   const CrossValidation validation{Access::SortedInput(*candidate), Access::FoldCounts(*candidate),
-                                   candidate->GetDPMinDist(), outputSlope_};
+                                   candidate->GetDPMinDist(), outputSlope_, statedInputs};
   areErrorsRefused_ = !validation.Fits(folds, inputs);
   if (areErrorsRefused_) return;
   subSurfaces_ = Prepare(subRecords, inputs);
-  validation_ = std::make_unique<PreparedCrossValidation>(validation.sortedInput,
-                                                          validation.foldCounts, folds, inputs,
-                                                          validation.distanceScale, outputSlope_);
+  validation_ = std::make_unique<PreparedCrossValidation>(validation, folds, inputs);
 }
 
 std::size_t PreparedOutput::WorkSize(bool withErrors) const {
@@ -177,9 +178,9 @@ void PreparedOutput::Evaluate(const Points& points, const Tools& tools, const Re
     }
     *progress = next;
   }
-  for (std::size_t lane = 0; lane < points.count; ++lane) {
-    if (results.statuses[lane] == 1) results.values[lane] = kNaN;
-    if (withErrors && results.statuses[lane] != 0) results.errors[lane] = kNaN;
+  for (std::size_t point = 0; point < points.count; ++point) {
+    if (results.statuses[point] == 1) results.values[point] = kNaN;
+    if (withErrors && results.statuses[point] != 0) results.errors[point] = kNaN;
   }
 }
 
@@ -194,9 +195,9 @@ void PreparedOutput::AddValue(const PreparedSurface& surface, double weight, con
   } else {
     surface.Evaluate(scaled, tools, results);
   }
-  for (std::size_t lane = 0; lane < scaled.count; ++lane) {
-    if (own[lane] == 1) statuses[lane] = 1;
-    sums[lane] += weight * work.values[lane];
+  for (std::size_t point = 0; point < scaled.count; ++point) {
+    if (own[point] == 1) statuses[point] = 1;
+    sums[point] += weight * work.values[point];
   }
 }
 
@@ -208,8 +209,8 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
   for (std::size_t i = 0; i < inputs_; ++i) {
     const double* const from = points.x + i * kBlock;
     double* const to = work.x + i * kBlock;
-    for (std::size_t lane = 0; lane < kBlock; ++lane) {
-      to[lane] = inputSlopes_[i] * from[lane] + inputIntercepts_[i];
+    for (std::size_t point = 0; point < kBlock; ++point) {
+      to[point] = inputSlopes_[i] * from[point] + inputIntercepts_[i];
     }
   }
   const Points scaled = {work.x, points.count};
@@ -223,12 +224,12 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
     for (std::size_t i = 0; i < surfaces_.size(); ++i) {
       int own[kBlock];
       surfaces_[i]->Evaluate(scaled, surfaceTools, {work.values, work.errors, own});
-      for (std::size_t lane = 0; lane < points.count; ++lane) {
+      for (std::size_t point = 0; point < points.count; ++point) {
         // A failure stands; a missing error stands unless something fails.
-        if (results.statuses[lane] != 1 && own[lane] != 0) results.statuses[lane] = own[lane];
+        if (results.statuses[point] != 1 && own[point] != 0) results.statuses[point] = own[point];
         // The errors are not combined: the last one stands.
-        if (own[lane] == 0) results.errors[lane] = work.errors[lane];
-        results.values[lane] += weights_[i] * work.values[lane];
+        if (own[point] == 0) results.errors[point] = work.errors[point];
+        results.values[point] += weights_[i] * work.values[point];
       }
     }
     Backscale(points.count, results);
@@ -260,12 +261,12 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
 }
 
 void PreparedOutput::Backscale(std::size_t count, const Results& results) const {
-  for (std::size_t lane = 0; lane < count; ++lane) {
+  for (std::size_t point = 0; point < count; ++point) {
     if (outputSlope_ != 0.0) {
-      results.values[lane] = (results.values[lane] - outputIntercept_) / outputSlope_;
-    } else if (results.statuses[lane] == 0) {
+      results.values[point] = (results.values[point] - outputIntercept_) / outputSlope_;
+    } else if (results.statuses[point] == 0) {
       // Where an error is missing that status wins, and the value stays in the scaled space.
-      results.statuses[lane] = 1;
+      results.statuses[point] = 1;
     }
   }
 }

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "batch/prepared_cross_validation.h"
-#include "batch/prepared_surface.h"
 #include "pxrom/fitting_candidates.h"
+#include "records/prepared_surface.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 

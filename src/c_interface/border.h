@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <new>
 #include <string>
 #include <string_view>
@@ -27,6 +29,18 @@ struct Refusal {
 
 inline void RequireArgument(const void* argument, const char* name) {
   if (argument == nullptr) throw Refusal{PXROM_NULL_ARGUMENT, std::string(name) + " is null"};
+}
+
+/// The text of a caller. A length that no text can have, such as that of a difference below zero,
+/// would otherwise be taken for a lack of memory.
+inline std::string RequireText(const char* text, std::size_t length) {
+  RequireArgument(text, "text");
+  if (length > static_cast<std::size_t>(PTRDIFF_MAX)) {
+    throw Refusal{PXROM_REFUSED, "length is " + std::to_string(length) +
+                                     ", which no text can have: it looks like a number below "
+                                     "zero"};
+  }
+  return std::string(text, length);
 }
 
 /// Runs `work` and turns whatever it throws into a status and a message.

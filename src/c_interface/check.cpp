@@ -29,8 +29,7 @@ pxrom_status pxrom_check(const char* text, size_t length, pxrom_finding_callback
                          void* user, pxrom_finding_counts* counts, char* message,
                          size_t message_size) {
   return AtTheBorder(message, message_size, [&] {
-    RequireArgument(text, "text");
-    const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(std::string(text, length));
+    const pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(RequireText(text, length));
     if (counts != nullptr) *counts = {report.notes, report.warnings, report.errors};
     if (callback == nullptr) return;
     for (const pxrom::CFinding& finding : report.findings) {

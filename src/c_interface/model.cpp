@@ -99,12 +99,11 @@ using namespace Tarvane::Plexura::PXROM::c_interface;
 pxrom_status pxrom_model_read(const char* text, size_t length, pxrom_model** model, char* message,
                               size_t message_size) {
   return AtTheBorder(message, message_size, [&] {
-    RequireArgument(text, "text");
+    std::string copy = RequireText(text, length);
     RequireArgument(model, "model");
     auto read = std::make_unique<pxrom_model>();
     std::string reason;
-    if (pxrom::ReadExplainedPXROMDatabase(std::string(text, length), read->combinations, reason) !=
-        0) {
+    if (pxrom::ReadExplainedPXROMDatabase(std::move(copy), read->combinations, reason) != 0) {
       throw Refusal{PXROM_REFUSED, reason};
     }
     Describe(*read);

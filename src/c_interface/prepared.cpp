@@ -1,12 +1,15 @@
-#include <algorithm>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "c_interface/border.h"
 #include "c_interface/model.h"
 #include "pxrom/batch.h"
+#include "pxrom/inspection.h"
 
 namespace pxrom = Tarvane::Plexura::PXROM;
 using namespace Tarvane::Plexura::PXROM::c_interface;
@@ -38,26 +41,27 @@ DiscreteValues NamedValues(const pxrom_model& model, const char* const* names,
   return named;
 }
 
-/// Any names of the right number pass the library's own test, so that each input is looked for.
-void RequireEachOnce(const pxrom_model& model, const DiscreteValues& named) {
+/// The values in the order of the discrete inputs. Any names of the right number pass the library's
+/// own test, so that each input is looked for.
+std::vector<int> RankedValues(const pxrom_model& model, const DiscreteValues& named) {
+  std::multimap<std::string_view, int> values;
+  for (const auto& [id, value] : named) values.emplace(id, value);
+  std::vector<int> ranked;
   for (const std::size_t place : model.lists[PXROM_DISCRETE_INPUTS]) {
     const std::string& id = model.parameters[place].id;
-    const auto times = std::count_if(named.begin(), named.end(),
-                                     [&id](const auto& entry) { return entry.first == id; });
-    if (times == 1) continue;
-    throw Refusal{PXROM_REFUSED, "the discrete input '" + id + "' needs one value, but " +
-                                     std::to_string(times) + " are given"};
+    const auto times = values.count(id);
+    if (times != 1) {
+      throw Refusal{PXROM_REFUSED, "the discrete input '" + pxrom::VisibleText(id) +
+                                       "' needs one value, but " + std::to_string(times) +
+                                       " are given"};
+    }
+    ranked.push_back(values.find(id)->second);
   }
+  return ranked;
 }
 
-void NoteErrorUnits(const pxrom_model& model, const DiscreteValues& named,
+void NoteErrorUnits(const pxrom_model& model, const std::vector<int>& key,
                     pxrom_prepared& prepared) {
-  std::vector<int> key;
-  for (const std::size_t place : model.lists[PXROM_DISCRETE_INPUTS]) {
-    for (const auto& [id, value] : named) {
-      if (id == model.parameters[place].id) key.push_back(value);
-    }
-  }
   const auto& indexing = *model.combinations.GetDiscreteCombinationsIndexingPtr();
   const auto found = indexing.find(key);
   if (found == indexing.end()) return;
@@ -66,6 +70,13 @@ void NoteErrorUnits(const pxrom_model& model, const DiscreteValues& named,
     const pxrom::CFittingCandidate* const candidate = list->GetEvaluationCandidatePtr();
     prepared.error_in_unit.push_back(candidate != nullptr && candidate->GetIsErrPredRequired());
   }
+}
+
+DiscreteValues CheckedValues(const pxrom_model& model, const char* const* names,
+                             const std::int32_t* values, std::size_t count) {
+  DiscreteValues named = NamedValues(model, names, values, count);
+  static_cast<void>(RankedValues(model, named));
+  return named;
 }
 
 void RequirePoints(const pxrom_prepared& prepared, const double* points, std::size_t rows) {
@@ -77,17 +88,43 @@ void RequirePoints(const pxrom_prepared& prepared, const double* points, std::si
 pxrom_status pxrom_model_prepare(const pxrom_model* model, const char* const* names,
                                  const int32_t* values, size_t count, pxrom_prepared** prepared,
                                  char* message, size_t message_size) {
+  const pxrom_cost none = {UINT64_MAX, UINT64_MAX};
+  return pxrom_model_prepare_within(model, names, values, count, &none, prepared, message,
+                                    message_size);
+}
+
+pxrom_status pxrom_model_cost(const pxrom_model* model, const char* const* names,
+                              const int32_t* values, size_t count, pxrom_cost* cost, char* message,
+                              size_t message_size) {
   return AtTheBorder(message, message_size, [&] {
     RequireArgument(model, "model");
-    RequireArgument(prepared, "prepared");
-    const DiscreteValues named = NamedValues(*model, names, values, count);
-    if (names != nullptr) RequireEachOnce(*model, named);
-    auto made = std::make_unique<pxrom_prepared>();
+    RequireArgument(cost, "cost");
+    const DiscreteValues named = CheckedValues(*model, names, values, count);
+    pxrom::CEvaluationCost found;
     std::string reason;
-    if (pxrom::CPreparedModel::Prepare(model->combinations, named, made->model, &reason) != 0) {
+    if (pxrom::CPreparedModel::EstimateCost(model->combinations, named, found, &reason) != 0) {
       throw Refusal{PXROM_REFUSED, reason};
     }
-    NoteErrorUnits(*model, named, *made);
+    *cost = {found.operations, found.bytes};
+  });
+}
+
+pxrom_status pxrom_model_prepare_within(const pxrom_model* model, const char* const* names,
+                                        const int32_t* values, size_t count,
+                                        const pxrom_cost* limit, pxrom_prepared** prepared,
+                                        char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(model, "model");
+    RequireArgument(limit, "limit");
+    RequireArgument(prepared, "prepared");
+    const DiscreteValues named = CheckedValues(*model, names, values, count);
+    auto made = std::make_unique<pxrom_prepared>();
+    std::string reason;
+    if (pxrom::CPreparedModel::Prepare(model->combinations, named, made->model, &reason,
+                                       {limit->operations, limit->bytes}) != 0) {
+      throw Refusal{PXROM_REFUSED, reason};
+    }
+    NoteErrorUnits(*model, RankedValues(*model, named), *made);
     *prepared = made.release();
   });
 }
@@ -132,8 +169,9 @@ pxrom_status pxrom_prepared_gradients(const pxrom_prepared* prepared, const doub
     RequireArgument(prepared, "prepared");
     RequirePoints(*prepared, points, rows);
     if (rows > 0 && !prepared->model.InputIDs().empty()) RequireArgument(gradients, "gradients");
-    if (prepared->model.EvaluateGradients(points, rows, gradients, statuses) != 0) {
-      throw Refusal{PXROM_REFUSED, "the evaluation is refused"};
+    std::string reason;
+    if (prepared->model.EvaluateGradients(points, rows, gradients, statuses, &reason) != 0) {
+      throw Refusal{PXROM_REFUSED, reason.empty() ? "the evaluation is refused" : reason};
     }
   });
 }

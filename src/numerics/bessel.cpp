@@ -1,15 +1,21 @@
 #include "numerics/bessel.h"
 
-#include <math.h>  // j0 is POSIX's, and stands in the global namespace
+#include <math.h>  // the functions are POSIX's, and in the global namespace
+
+#if defined(__MINGW32__) && defined(__STRICT_ANSI__)
+// The header hides them from a compiler that is held to the standard.
+extern "C" double _j0(double x);
+extern "C" double _j1(double x);
+#endif
 
 namespace Tarvane::Plexura::PXROM {
 
-double BesselJ0(double x) noexcept {
 #if defined(_WIN32)
-  return ::_j0(x);
+double BesselJ0(double x) noexcept { return ::_j0(x); }
+double BesselJ1(double x) noexcept { return ::_j1(x); }
 #else
-  return ::j0(x);
+double BesselJ0(double x) noexcept { return ::j0(x); }
+double BesselJ1(double x) noexcept { return ::j1(x); }
 #endif
-}
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -44,8 +44,8 @@ int StdGaussPdf(const double& x, double& out);
 /// The distribution function of the standard Gauss distribution. 1 when an expansion fails.
 int StdGaussCdf(const double& x, double& out);
 /// The quantile of the standard Gauss distribution by Newton iteration. 2 with -9e99 when p <= 0,
-/// 3 with +9e99 when p >= 1, 1 when 200 rounds do not do (p below about 1e-163) or p is not a
-/// number, else a sum of the statuses of the functions above.
+/// 3 with +9e99 when p >= 1, 1 when 200 rounds do not do (p below about 1e-163), else a sum of the
+/// statuses of the functions above. A `p` that is not a number ends after one round: 0 with NaN.
 int StdGaussInvCdf(const double& p, double& out);
 
 /// The Beta distribution on the interval `lo` to `hi`: density (1-u)^(shapeT-1) u^(shapeR-1) /
@@ -57,7 +57,8 @@ struct BetaDist {
   static int EvalCdf(const double& shapeR, const double& shapeT, const double& lo, const double& hi,
                      const double& x, double& out);
   /// Newton iteration to an absolute step of 1e-8 on the unit interval. `lo` for prob <= 0, `hi`
-  /// for prob >= 1. 1 when 150 rounds do not do; a failure of the two above is returned.
+  /// for prob >= 1. 1 when 150 rounds do not do; a failure of the two above is returned. A `prob`
+  /// that is not a number ends after one round: 0 with the mean.
   static int EvalInvCdf(const double& shapeR, const double& shapeT, const double& lo,
                         const double& hi, const double& prob, double& out);
 };
@@ -156,9 +157,10 @@ class StudTDist : public DistType {
   /// Above 342 degrees of freedom, the density of the standard Gauss distribution.
   int EvalPdf(const double& x, double& p) const override;
   int EvalCdf(const double& x, double& p) const override;
-  /// The quantile of level `p`. 2 when p <= 0, 3 when p >= 1, 1 when the distribution is not set,
-  /// its degrees of freedom are not above 0, or `p` is not a number; else the status of the
-  /// iteration that failed. Exactly 0.0 at p = 0.5.
+  /// The quantile of level `p`. 2 when p <= 0, 3 when p >= 1, 1 when the distribution is not set or
+  /// its degrees of freedom are not above 0; else the status of the iteration that failed. Exactly
+  /// 0.0 at p = 0.5. **A `p` that is not a number gives 0** with about 1, or from 500 degrees of
+  /// freedom on NaN, since it ends each iteration after one round: a caller asks for it first.
   ///
   /// Below 500 degrees of freedom it is found through the Beta distribution, with a relative error
   /// below 1e-7 at levels 0.001 to 0.999 and from 1 degree of freedom on. Outside these, and closer

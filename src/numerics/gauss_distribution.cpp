@@ -79,7 +79,6 @@ int StdGaussInvCdf(const double& p, double& out) {
     out = +9e99;
     return 3;
   }
-  if (std::isnan(p)) return 1;
   if (p == 0.5) {
     out = 0.0;
     return 0;

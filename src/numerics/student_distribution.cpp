@@ -118,7 +118,7 @@ int StudTDist::EvalInvCdf(const double& p, double& x) const {
   if (DistStatus == 0) return 1;
   if (p <= 0.0) return 2;
   if (p >= 1.0) return 3;
-  if (std::isnan(p) || !(DOF > 0.0)) return 1;
+  if (!(DOF > 0.0)) return 1;
   if (p == 0.5) {
     x = 0.0;
     return 0;

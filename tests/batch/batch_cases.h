@@ -13,12 +13,14 @@
 #include <vector>
 
 #include "batch/prepared_model_access.h"
+#include "kernels/loops/loop_table.h"
 #include "pxrom/batch.h"
 #include "pxrom/fitting_candidates.h"
 #include "support/model_files.h"
-#include "support/random_models.h"
+#include "support/source_path.h"
 #include "support/surfaces.h"
 #include "support/test_models.h"
+#include "testing/random_models.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 
@@ -34,11 +36,11 @@ struct Table {
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// The instruction sets that this machine has.
-inline std::vector<lanes::InstructionSet> InstructionSets() {
-  std::vector<lanes::InstructionSet> sets;
-  for (const auto set : {lanes::InstructionSet::Portable, lanes::InstructionSet::Avx2,
-                         lanes::InstructionSet::Avx512}) {
-    if (lanes::FindLanes(set) != nullptr) sets.push_back(set);
+inline std::vector<simd::InstructionSet> InstructionSets() {
+  std::vector<simd::InstructionSet> sets;
+  for (const auto set :
+       {simd::InstructionSet::Portable, simd::InstructionSet::Avx2, simd::InstructionSet::Avx512}) {
+    if (kernels::FindLoops(set) != nullptr) sets.push_back(set);
   }
   return sets;
 }
@@ -63,7 +65,7 @@ inline CDiscreteCombinations ModelOf(const CRSData& surface) {
 template <class Check>
 void ForEachFittedModel(Check check) {
   int models = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(PXROM_TEST_DATA "/models")) {
+  for (const auto& entry : std::filesystem::directory_iterator(SourcePath("tests/data/models"))) {
     if (!entry.is_directory()) continue;
     SCOPED_TRACE(entry.path().filename().string());
     CDiscreteCombinations model;

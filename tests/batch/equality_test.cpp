@@ -25,7 +25,8 @@ std::vector<double> PointsFor(Draw& draw, const CDiscreteCombinations& model,
   return points;
 }
 
-void ExpectAsEvaluated(const CDiscreteCombinations& model, std::uint32_t seed, std::size_t rows) {
+void ExpectAsEvaluatedAtRandom(const CDiscreteCombinations& model, std::uint32_t seed,
+                               std::size_t rows) {
   Draw draw(seed);
   const auto ids = model.ListEnabledDiscreteParameterWrtRegistrationRank();
   for (const auto& [key, place] : *model.GetDiscreteCombinationsIndexingPtr()) {
@@ -45,17 +46,18 @@ TEST(PreparedModel, AnswersAsEvaluateForRandomModels) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     CDiscreteCombinations model;
     FillRandomModel(seed, {}, model);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, seed, rowCounts[seed % 6]));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluatedAtRandom(model, seed, rowCounts[seed % 6]));
   }
 }
 
 // More inputs and samples than the random models have, so that loops over samples go in parts.
 TEST(PreparedModel, AnswersAsTheEvaluatorOfEachFamily) {
+  const std::vector<E_DataType> families = RandomFamilies();
   for (int round = 0; round < 360; ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     Draw draw(static_cast<std::uint32_t>(round));
     const int inputs = draw.Int(1, 6);
-    const E_DataType family = RandomModelOptions().families[static_cast<std::size_t>(round % 6)];
+    const E_DataType family = families[static_cast<std::size_t>(round) % families.size()];
     const auto surface = RandomSurface(draw, family, inputs, draw.Int(60, 140), true);
     const std::size_t rows = 45;
     std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, 0, 1);
@@ -67,7 +69,7 @@ TEST(PreparedModel, AnswersAsTheEvaluatorOfEachFamily) {
 }
 
 TEST(PreparedModel, AnswersAsEvaluateForFittedModels) {
-  ForEachFittedModel([](const auto& model) { ExpectAsEvaluated(model, 5, 50); });
+  ForEachFittedModel([](const auto& model) { ExpectAsEvaluatedAtRandom(model, 5, 50); });
 }
 
 }  // namespace

@@ -7,8 +7,10 @@
 #include "batch/batch_cases.h"
 #include "pxrom/constant.h"
 #include "pxrom/linear_basis.h"
+#include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
 #include "pxrom/regression_terms.h"
+#include "support/source_path.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -23,7 +25,7 @@ CConstantData Constant(double value) {
 TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
   CPreparedModel prepared = Prepared(ModelOf(Constant(7.0)));
   CDiscreteCombinations beam;
-  ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
+  ReadModel(SourcePath("examples/beam.pxdb"), beam);
   const struct {
     DiscreteValues values;
     const char* reason;
@@ -61,7 +63,8 @@ TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
   EXPECT_EQ(moved.EvaluateGradients(&point, 1, nullptr, nullptr), 1);
   EXPECT_EQ(CPreparedModel().Evaluate(&point, 1, PrecisionExact, &value, nullptr, nullptr), 1);
   EXPECT_EQ(CPreparedModel().EvaluateGradients(&point, 1, &value, nullptr), 1);
-  EXPECT_TRUE(CPreparedModel().InputIDs().empty() && CPreparedModel().OutputIDs().empty());
+  EXPECT_TRUE(CPreparedModel().InputIDs().empty());
+  EXPECT_TRUE(CPreparedModel().OutputIDs().empty());
   EXPECT_EQ(value, -1.0);
 }
 
@@ -141,9 +144,10 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   const std::vector<CRSData*> surfaces = {&constants[0], &constants[1], &constants[2]};
   std::vector<double> offsets = {0.0, 0.7e-12, 1.5e-12, 2.2e-12};
   do {
-    for (const double odd : {1.0, kNaN}) {
+    // The number of inputs that the candidate states decides about the tolerance, not the point's.
+    for (const auto& [odd, inputs] : {std::pair(1.0, 1), std::pair(1.0, 4), std::pair(kNaN, 1)}) {
       CFittingCandidate candidate;
-      candidate.SetNumberOfInputVariables(1);
+      candidate.SetNumberOfInputVariables(inputs);
       candidate.SetInputScaleSlopes({1.0});
       candidate.SetInputScaleIntercepts({0.0});
       candidate.SetOutputScaleSlope(2.0);
@@ -163,9 +167,60 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   } while (std::next_permutation(offsets.begin(), offsets.end()));
 }
 
+// Records that no text gives: counts and lengths that the evaluators do not compare.
+TEST(PreparedModel, HandBuiltRecordsThatTheEvaluatorsTake) {
+  for (std::uint32_t seed = 1; seed <= 20; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Draw draw(seed);
+    const std::vector<double> points = draw.Reals(3 * 11, -0.2, 1.2);
+    for (const E_DataType type : {DT_KrigingData, DT_SVRData, DT_MLSData, DT_LBFData}) {
+      SCOPED_TRACE("family " + std::to_string(type));
+      const auto record = RandomSurface(draw, type, 3, 30, true);
+      if (type == DT_KrigingData || type == DT_SVRData) {
+        record->NumberOfSamples = -1;
+      } else {
+        record->InputSamples[static_cast<std::size_t>(draw.Int(0, 29))].push_back(0.5);
+      }
+      // A local problem that is solved to enough digits for differences.
+      if (auto* const local = dynamic_cast<CMLSData*>(record.get())) {
+        local->PolynomialType = PolyLinear;
+        local->NumberOfBasisFunctions = 4;
+        local->NumberOfUsedPoints = 30;
+        local->WeightFunction = WeightRational;
+      }
+      const CDiscreteCombinations model = ModelOf(*record);
+      ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(model, points, 11));
+      if (type != DT_MLSData) continue;
+      const std::vector<double> first(points.begin(), points.begin() + 3);
+      ASSERT_NO_FATAL_FAILURE(
+          ExpectGradientsAreDifferences(Prepared(model), first, std::vector<double>(3, 1.0)));
+    }
+  }
+}
+
+// Where the data of cross-validation don't fit, the errors are refused and the values are not.
+TEST(PreparedModel, CrossValidationThatDoesNotFit) {
+  CConstantData constants[] = {Constant(4.0), Constant(3.0), Constant(6.0)};
+  const std::vector<CRSData*> surfaces = {&constants[0], &constants[1], &constants[2]};
+  const std::vector<int> folds[] = {{1, 1}, {1}, {2, 1}, {1, 1, 1}, {-1, 3}, {0, 2}, {}};
+  for (std::vector<int> counts : folds) {
+    CFittingCandidate candidate;
+    candidate.SetNumberOfInputVariables(1);
+    candidate.SetInputScaleSlopes({1.0});
+    candidate.SetInputScaleIntercepts({0.0});
+    candidate.SetOutputScaleSlope(2.0);
+    ASSERT_EQ(candidate.SetRSAndWeights(surfaces, {1.0}, true), 0);
+    std::vector<std::vector<double>> rows = {{0.25}, {0.75}};
+    candidate.SetCrossValidationData(rows, counts);
+    double scale = 0.1;
+    candidate.SetDPMinDist(scale);
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidate, 1), {0.1, 0.5, 0.9}, 3));
+  }
+}
+
 // One sample of a linear basis is its value; a sum that is the mark of a hole has the answer of the
 // evaluator.
-TEST(PreparedModel, RecordsOfOneSampleOrTerm) {
+TEST(PreparedModel, RecordsOfOneSampleOrTermOrNoFamily) {
   CLBFData basis;
   CQRSData regression;
   for (CRSData* const record : std::initializer_list<CRSData*>{&basis, &regression}) {
@@ -177,7 +232,11 @@ TEST(PreparedModel, RecordsOfOneSampleOrTerm) {
   hole.SetParamVal(1, &mark);
   RegTerm* terms[] = {&hole};
   regression.SetRegTerm(terms, 1);
-  for (const CRSData* const record : std::initializer_list<const CRSData*>{&basis, &regression}) {
+  // A record of no family has no evaluator: its status is 1.
+  CRSData none;
+  MakeReady(none, 1, {{0.5}}, {3.0});
+  for (const CRSData* const record :
+       std::initializer_list<const CRSData*>{&basis, &regression, &none}) {
     ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(*record), {0.1, 0.5, 0.9}, 3));
   }
 }

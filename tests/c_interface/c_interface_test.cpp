@@ -14,6 +14,7 @@
 #include "pxrom/inspection.h"
 #include "pxrom/pxrom_c.h"
 #include "support/model_files.h"
+#include "support/source_path.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -25,7 +26,7 @@ struct Free {
 using ModelHandle = std::unique_ptr<pxrom_model, Free>;
 using PreparedHandle = std::unique_ptr<pxrom_prepared, Free>;
 
-const std::string kBeam = PXROM_EXAMPLES "/beam.pxdb";
+const std::string kBeam = SourcePath("examples/beam.pxdb");
 
 class CInterface : public testing::Test {
  protected:
@@ -148,6 +149,11 @@ TEST_F(CInterface, RefusesWithASentenceAndWritesNothing) {
   EXPECT_NE(std::string(message).find("line 1"), std::string::npos) << message;
   EXPECT_EQ(Read(""), nullptr);
   EXPECT_EQ(status, PXROM_REFUSED);
+  pxrom_model* nothing = nullptr;
+  EXPECT_EQ(Call(pxrom_model_read, "", static_cast<std::size_t>(-1), &nothing), PXROM_REFUSED);
+  EXPECT_EQ(std::string(message).substr(0, 10), "length is ") << message;
+  EXPECT_EQ(Call(pxrom_check, "", static_cast<std::size_t>(-1), nullptr, nullptr, nullptr),
+            PXROM_REFUSED);
 
   const ModelHandle model = Read(ContentOf(kBeam));
   ASSERT_EQ(status, PXROM_OK);
@@ -204,6 +210,32 @@ TEST_F(CInterface, RefusesWithASentenceAndWritesNothing) {
   EXPECT_EQ(results[0], -7);
 }
 
+TEST_F(CInterface, PreparesWithinALimit) {
+  const ModelHandle model = Read(ContentOf(kBeam));
+  const int32_t values[2] = {2, 1};
+  const std::size_t two = 2;
+  pxrom_cost cost = {};
+  const auto costOf = [&](const int32_t* key) {
+    return Call(pxrom_model_cost, model.get(), nullptr, key, two, &cost);
+  };
+  ASSERT_EQ(costOf(values), PXROM_OK) << message;
+  const auto prepare = [&](pxrom_cost limit) {
+    pxrom_prepared* made = nullptr;
+    status = Call(pxrom_model_prepare_within, model.get(), nullptr, values, two, &limit, &made);
+    return PreparedHandle(made);
+  };
+  EXPECT_NE(prepare(cost), nullptr) << message;
+  EXPECT_EQ(prepare({cost.operations, cost.bytes - 1}), nullptr);
+  EXPECT_EQ(status, PXROM_REFUSED);
+  EXPECT_NE(std::string(message).find(" bytes of memory, and the limit is "), std::string::npos);
+  EXPECT_EQ(prepare({cost.operations - 1, cost.bytes}), nullptr);
+  EXPECT_EQ(status, PXROM_REFUSED);
+  const int32_t unknown[2] = {2, 7};
+  cost.bytes = 1;
+  EXPECT_EQ(costOf(unknown), PXROM_REFUSED);
+  EXPECT_EQ(cost.bytes, 1U);
+}
+
 TEST_F(CInterface, RefusesNullByName) {
   const ModelHandle model = Read(ContentOf(kBeam));
   const PreparedHandle prepared = Prepare(model, {}, {2, 1});
@@ -232,15 +264,22 @@ TEST_F(CInterface, RefusesNullByName) {
   refuses("model", pxrom_model_parameter, nullptr, in, one, &parameter);
   refuses("parameter", pxrom_model_parameter, m, in, one, nullptr);
   refuses("model", pxrom_model_combination_count, nullptr, &count);
+  refuses("count", pxrom_model_combination_count, m, nullptr);
   refuses("model", pxrom_model_combination, nullptr, one, &key);
   refuses("values", pxrom_model_combination, m, one, nullptr);
   refuses("model", pxrom_model_prepare, nullptr, nullptr, values, two, &made);
   refuses("values", pxrom_model_prepare, m, nullptr, nullptr, two, &made);
   refuses("one of names", pxrom_model_prepare, m, names, values, two, &made);
   refuses("prepared", pxrom_model_prepare, m, nullptr, values, two, nullptr);
+  pxrom_cost cost = {};
+  refuses("cost", pxrom_model_cost, m, nullptr, values, two, nullptr);
+  refuses("model", pxrom_model_cost, nullptr, nullptr, values, two, &cost);
+  refuses("limit", pxrom_model_prepare_within, m, nullptr, values, two, nullptr, &made);
   refuses("prepared", pxrom_prepared_evaluate, nullptr, &x, one, exact, &x, nullptr, nullptr);
   refuses("points", pxrom_prepared_evaluate, p, nullptr, one, exact, &x, nullptr, nullptr);
   refuses("values", pxrom_prepared_evaluate, p, &x, one, exact, nullptr, nullptr, nullptr);
+  refuses("prepared", pxrom_prepared_gradients, nullptr, &x, one, &x, nullptr);
+  refuses("points", pxrom_prepared_gradients, p, nullptr, one, &x, nullptr);
   refuses("gradients", pxrom_prepared_gradients, p, &x, one, nullptr, nullptr);
   refuses("text", pxrom_check, nullptr, one, nullptr, nullptr, nullptr);
   EXPECT_EQ(pxrom_prepared_evaluate(prepared.get(), nullptr, 0, PXROM_EXACT, nullptr, nullptr,

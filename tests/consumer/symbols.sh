@@ -21,3 +21,11 @@ if others=$(grep -vE "$public" <<<"$exported" | grep -vE "^${about}([^(<]* )?(st
   echo "$others" >&2
   exit 1
 fi
+
+# What keeps a library in memory after dlclose, by the compilers that can do without: a symbol that
+# is unique in the process.
+if unique=$(nm -DC --defined-only "$library" | grep -E '^\S* u '); then
+  echo "symbols.sh: unique symbols keep the library loaded:" >&2
+  echo "$unique" >&2
+  exit 1
+fi

@@ -14,6 +14,9 @@ if(NOT PXROM_SANITIZE AND NOT PXROM_COVERAGE)
       shared ${PROJECT_BINARY_DIR})
     add_test(NAME consumer.symbols COMMAND
       ${folder}/symbols.sh ${PROJECT_SOURCE_DIR}/include/pxrom $<TARGET_FILE:pxrom>)
+    add_test(NAME consumer.hardened COMMAND
+      ${folder}/hardened.sh ${work}/hardened ${PROJECT_SOURCE_DIR}/include $<TARGET_FILE:pxrom>
+      $<TARGET_FILE:pxrom_command> ${pxrom_guards})
     find_program(PXROM_DPKG_SHLIBDEPS dpkg-shlibdeps)
     if(PXROM_DPKG_SHLIBDEPS)
       add_test(NAME consumer.package COMMAND

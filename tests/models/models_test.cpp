@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/model_files.h"
+#include "support/source_path.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -17,7 +18,7 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> Models() {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
+  for (const auto& entry : fs::directory_iterator(SourcePath("tests/data/models"))) {
     if (entry.is_directory()) names.push_back(entry.path().filename().string());
   }
   std::sort(names.begin(), names.end());
@@ -41,7 +42,7 @@ void ExpectNear(const NamedValues& got, const Json& want, double tolerance) {
 class FittedModel : public testing::TestWithParam<std::string> {};
 
 TEST_P(FittedModel, AnswersAsItsToolDoes) {
-  const fs::path folder = fs::path(PXROM_TEST_DATA "/models") / GetParam();
+  const fs::path folder = fs::path(SourcePath("tests/data/models")) / GetParam();
   CDiscreteCombinations model;
   ASSERT_NO_FATAL_FAILURE(ReadModel((folder / "model.pxdb").string(), model));
   const Json cases = Json::parse(ContentOf((folder / "cases.json").string()));

@@ -29,13 +29,18 @@ TEST(RSData, ANewOrResetRecordIsEmptyAndNotRight) {
   for (CRSData* data : {&reset, &fresh}) {
     EXPECT_EQ(data->NumberOfInputVariables, 0);
     EXPECT_EQ(data->NumberOfSamples, 0);
-    EXPECT_TRUE(data->InputSamples.empty() && data->OutputSamples.empty());
-    EXPECT_TRUE(data->InputScaleSlopes.empty() && data->InputScaleIntercepts.empty());
+    EXPECT_TRUE(data->InputSamples.empty());
+    EXPECT_TRUE(data->OutputSamples.empty());
+    EXPECT_TRUE(data->InputScaleSlopes.empty());
+    EXPECT_TRUE(data->InputScaleIntercepts.empty());
     EXPECT_EQ(data->OutputScaleSlope, 0.0);
     EXPECT_EQ(data->OutputScaleIntercept, 0.0);
-    EXPECT_FALSE(data->IsReadyForSolve() || data->IsReadyForEvaluation() || data->IsStopped());
+    EXPECT_FALSE(data->IsReadyForSolve());
+    EXPECT_FALSE(data->IsReadyForEvaluation());
+    EXPECT_FALSE(data->IsStopped());
     EXPECT_EQ(data->RSDataVersion(), RSDataVersion162);
-    EXPECT_FALSE(data->IsSamplingCorrect() || data->IsScalingCorrect());
+    EXPECT_FALSE(data->IsSamplingCorrect());
+    EXPECT_FALSE(data->IsScalingCorrect());
   }
 }
 

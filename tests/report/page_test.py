@@ -11,6 +11,7 @@ import os
 import pathlib
 import shlex
 import subprocess
+import sys
 import tempfile
 import unittest
 
@@ -22,6 +23,9 @@ from selenium.webdriver.common.keys import Keys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COMMAND = os.environ["PXROM_COMMAND"]
 PICTURES = pathlib.Path(os.environ["PXROM_PICTURES"])
+sys.path.append(str(ROOT / "tests/support"))
+from expensive_model import expensive_model  # noqa: E402
+
 BEAM = ROOT / "examples/beam.pxdb"
 CONSTANT = ROOT / "examples/constant.pxdb"
 TOLERANCE = 1e-12
@@ -204,6 +208,26 @@ class PageTest(unittest.TestCase):
         self.element("#reset").click()
         self.check_numbers()
 
+    def test_a_model_that_costs_too_much(self):
+        self.open_text("expensive.pxdb", expensive_model(40))
+        said = pxrom("eval", self.model, *self.command_line(), "--limit", "1e8")
+        reason = said.stderr.removeprefix("pxrom eval: ").removesuffix(" --limit sets it.\n")
+        self.assertEqual(
+            self.notes(), ["this page does not evaluate the model on its own. " + reason])
+        self.assertEqual([row[1] for row in self.rows()], [""])
+        self.assertFalse(self.element("#profiles").is_displayed())
+        self.type_input(0, "3")  # and it stays at hand
+        self.element("#evaluate-anyway").click()
+        self.check_numbers()
+        self.assertEqual(
+            self.notes(), ["the pictures are left out: they would take too long"])
+        self.assertFalse(self.element("#evaluate-anyway").is_displayed())
+
+        # The pictures of a model that takes some time are drawn piece by piece.
+        self.open_text("slow.pxdb", expensive_model(16))
+        self.browser.wait("document.querySelectorAll('.curve[d]').length === 16", 120)
+        self.check_numbers()
+
     def test_a_combination_that_was_not_fitted(self):
         text = BEAM.read_text(encoding="utf-8")
         lines = [line for line in text.split("\n") if "{Material;2},{Holes;4}" not in line]
@@ -231,6 +255,37 @@ class PageTest(unittest.TestCase):
             self.assertEqual(self.element(selector).get_attribute("textContent"), HOSTILE)
         self.assertEqual(self.element(".control .caption").get_attribute("textContent"), f" {HOSTILE}")
         self.assertEqual(self.element("h1").text, name[:-5])
+
+    def test_bounds_whose_distance_is_no_double(self):
+        text = CONSTANT.read_text(encoding="utf-8")
+        text = text.replace("LowerBounds={x;0}", "LowerBounds={x;-1.7e308}")
+        self.open_text("wide.pxdb", text.replace("UpperBounds={x;1}", "UpperBounds={x;1.7e308}"))
+        self.assertEqual(self.point(), {"x": "0"})
+        self.press(0, Keys.HOME)
+        self.assertEqual(self.point(), {"x": "-1.7e+308"})
+        self.press(0, Keys.ARROW_RIGHT * 100)
+        self.assertEqual(self.point(), {"x": "0"})
+        self.press(0, Keys.ARROW_RIGHT)
+        self.assertEqual(self.point(), {"x": "1.7e+306"})
+        self.check_numbers()
+        drawn = self.browser.run("return document.querySelector('.curve').getAttribute('d')")
+        self.assertEqual(drawn.count("L"), 60)
+        self.assertNotIn("NaN", self.browser.run("return document.querySelector('#profiles').innerHTML"))
+
+    def test_no_character_changes_the_direction(self):
+        text = CONSTANT.read_text(encoding="utf-8")
+        text = text.replace("IDs=x,", "IDs=x\u202ey,").replace("{x;", "{x\u202ey;")
+        self.open_text("turned.pxdb", text.replace("Length", "a\u2066b"))
+        shown = self.browser.run("return document.body.innerText")
+        self.assertIn("x\\u202Ey", shown)
+        self.assertIn("a\\u2066b", shown)
+        page = self.browser.run("return document.documentElement.innerHTML")
+        self.assertNotRegex(page, "[\u202e\u2066]")
+        # The command that is offered means the name all the same.
+        command = self.element("#command").get_attribute("textContent")
+        said = subprocess.run(["bash", "-c", command.replace("pxrom", shlex.quote(COMMAND), 1)],
+                              cwd=self.folder, capture_output=True, text=True)
+        self.assertEqual((said.returncode, said.stderr), (0, ""))
 
     def test_exceptions_of_the_library_become_sentences(self):
         page = self.folder / "damaged.html"

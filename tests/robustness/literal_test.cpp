@@ -7,15 +7,15 @@
 #include <memory>
 #include <sstream>
 
-#include "literal/evaluate_literal.h"
-#include "literal/kernel_local_literal.h"
-#include "literal/kriging_literal.h"
-#include "literal/reading_literal.h"
-#include "literal/regression_literal.h"
 #include "pxrom/writer.h"
-#include "reading/database_text.h"
-#include "support/random_models.h"
+#include "reference/evaluate_literal.h"
+#include "reference/kernel_local_literal.h"
+#include "reference/kriging_literal.h"
+#include "reference/reading_literal.h"
+#include "reference/regression_literal.h"
 #include "support/surfaces.h"
+#include "testing/random_models.h"
+#include "text/database_text.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -135,6 +135,13 @@ void Distort(Draw& draw, CSVRData& record) {
   // Lists that are too short end the sum.
   record.AlphasStar = draw.Reals(draw.Int(0, record.NumberOfSamples), 0, 3);
   record.Betas = draw.Reals(draw.Int(0, record.NumberOfSamples), -3, 3);
+  record.NumberOfSamples = draw.Int(-1, 40);
+}
+
+// What a row holds behind its inputs.
+void Lengthen(Draw& draw, CRSData& record) {
+  const int row = draw.Int(0, static_cast<int>(record.InputSamples.size()) - 1);
+  if (draw.Chance(30)) record.InputSamples[static_cast<std::size_t>(row)].push_back(0.25);
 }
 
 void Distort(Draw& draw, CMLSData& record) {
@@ -143,6 +150,7 @@ void Distort(Draw& draw, CMLSData& record) {
   const int fewest = std::max(1, record.NumberOfBasisFunctions - 1);
   record.NumberOfUsedPoints =
       draw.Int(std::min(record.NumberOfSamples, fewest), record.NumberOfSamples);
+  Lengthen(draw, record);
 }
 
 void Distort(Draw& draw, CLBFData& record) {
@@ -151,6 +159,7 @@ void Distort(Draw& draw, CLBFData& record) {
   const int most = record.PolynomialType < PolyLinear ? 1 : record.NumberOfInputVariables + 1;
   record.PolynomialCoefficients = draw.Reals(draw.Int(0, most), -3, 3);
   record.KernelCoefficients = draw.Reals(draw.Int(0, record.NumberOfSamples), -3, 3);
+  Lengthen(draw, record);
 }
 
 void ExpectSame(const Vector& got, const Vector& want) {
@@ -241,10 +250,12 @@ void ExpectLiteralSurfaces(E_DataType family, int rounds) {
     if (samples > 0 && draw.Chance(5)) record.InputSamples.back().back() = std::nan("");
     const bool onSample = samples > 0 && draw.Chance(20);
     Vector x = onSample ? record.InputSamples[0] : draw.Reals(inputs, -2, 2);
+    x.resize(static_cast<std::size_t>(inputs));  // a sample may be longer
     if (draw.Chance(10)) x.back() = draw.OneOf(kOddValues);
     refused += ExpectLiteral(record, x) != 0;
   }
-  EXPECT_TRUE(refused > rounds / 20 && refused < rounds * 2 / 3) << refused << " of " << rounds;
+  EXPECT_GT(refused, rounds / 20) << refused << " of " << rounds;
+  EXPECT_LT(refused, rounds * 2 / 3) << refused << " of " << rounds;
 }
 
 TEST(Literal, SurfacesOfEachFamilyAreTheSame) {

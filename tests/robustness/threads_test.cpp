@@ -8,8 +8,9 @@
 
 #include "pxrom/batch.h"
 #include "support/model_files.h"
-#include "support/random_models.h"
+#include "support/source_path.h"
 #include "support/surfaces.h"
+#include "testing/random_models.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -48,7 +49,7 @@ TEST(Threads, EvaluateOneObjectOfAnyFamily) {
     ExpectTheSameFromEightThreads([&] { return AnswersOf(crossed, true); });
   }
   CDiscreteCombinations beam;
-  ReadModel(PXROM_EXAMPLES "/beam.pxdb", beam);
+  ReadModel(SourcePath("examples/beam.pxdb"), beam);
   ExpectTheSameFromEightThreads([&] { return AnswersOf(beam, false); });
 }
 
@@ -76,7 +77,7 @@ TEST(Threads, EvaluateOnePreparedModel) {
 }
 
 TEST(Threads, ReadOneReaderIntoObjectsOfTheirOwn) {
-  std::string text = ContentOf(PXROM_EXAMPLES "/beam.pxdb");
+  std::string text = ContentOf(SourcePath("examples/beam.pxdb"));
   CReaderPXROMDatabase reader;
   reader.ReadDataStream(text);
   ExpectTheSameFromEightThreads([&] {

@@ -7,7 +7,8 @@
 
 #include "pxrom/batch.h"
 #include "support/model_files.h"
-#include "support/random_models.h"
+#include "support/source_path.h"
+#include "testing/random_models.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -46,7 +47,7 @@ void PrintAll() {
     PrintAnswers(model);
   }
   std::set<fs::path> folders;
-  for (const auto& entry : fs::directory_iterator(PXROM_TEST_DATA "/models")) {
+  for (const auto& entry : fs::directory_iterator(SourcePath("tests/data/models"))) {
     if (entry.is_directory()) folders.insert(entry.path());
   }
   for (const fs::path& folder : folders) {

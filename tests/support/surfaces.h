@@ -16,6 +16,7 @@
 
 #include "pxrom/database_reader.h"
 #include "pxrom/rs_evaluator.h"
+#include "support/source_path.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -37,7 +38,7 @@ inline bool SameBits(const Vector& a, const Vector& b) {
 
 /// Numbers that were computed without this library: a file of tests/data.
 inline nlohmann::json ReferenceData(const char* file) {
-  return nlohmann::json::parse(std::ifstream(std::string(PXROM_TEST_DATA "/") + file));
+  return nlohmann::json::parse(std::ifstream(SourcePath(std::string("tests/data/") + file)));
 }
 
 /// Takes an enumeration out of reference data, or one that there isn't.
@@ -74,7 +75,8 @@ inline void ExpectRefused(const CRSEvaluator& evaluator, const CRSData* record, 
   if (hasErrors) {
     EXPECT_EQ(evaluator.EvaluateResponseSurface(record, x, y, error), 1) << why;
   }
-  EXPECT_TRUE(y == kUntouched && error == kUntouched) << why;
+  EXPECT_EQ(y, kUntouched) << why;
+  EXPECT_EQ(error, kUntouched) << why;
 }
 
 /// One way to break a record.

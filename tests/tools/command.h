@@ -57,11 +57,17 @@ inline void Write(const std::string& name, const std::string& content) {
   std::ofstream(Here() / name, std::ios::binary) << content;
 }
 
+/// The command of this build, or of another one that the environment names.
+inline fs::path Command() {
+  const char* const other = std::getenv("PXROM_COMMAND");
+  return other != nullptr ? other : PXROM_COMMAND;
+}
+
 /// What comes of a line of the shell, as a person types it in the folder.
 inline Result Shell(const std::string& line) {
   Write(".line", line);
   const std::string call = "cd '" + Here().string() + "' && PATH='" +
-                           fs::path(PXROM_COMMAND).parent_path().string() +
+                           Command().parent_path().string() +
                            "':$PATH bash -o pipefail .line >.out 2>.err </dev/null";
   const int ended = std::system(call.c_str());
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, Contents(Here() / ".out"),

@@ -6,7 +6,8 @@
 
 #include "command.h"
 
-// The page as a text. tests/report has it in a browser, where it is evaluated.
+// The page where it depends on the build, and what a hostile model may not do. The session "pages"
+// has whole pages; tests/report has them in a browser, where they are evaluated.
 
 namespace {
 
@@ -33,8 +34,8 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 constexpr bool kLive = PXROM_REPORT_LIVE != 0;
 
 const std::string kWithoutLivePart =
-    "pxrom report: note: this build has no live part, so that the page doesn't evaluate; "
-    "script/bootstrap --report and another build add it\n";
+    "pxrom report: note: this build has no live part, so the page does not evaluate; "
+    "run script/bootstrap --report and build again to add it\n";
 
 bool Holds(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -66,26 +67,11 @@ std::vector<std::string> Addresses(const std::string& page) {
   return found;
 }
 
-TEST(Report, ShowsTheStudy) {
+TEST(Report, SaysWhetherItEvaluates) {
   const Result result = Pxrom("report examples/beam.pxdb");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, kLive ? "" : kWithoutLivePart);
   const std::string page = Visible(result.out);
-  for (const char* part :
-       {"4 continuous inputs, 2 discrete inputs, 6 combinations, 3 outputs",
-        "no errors, no warnings and 8 notes", "Nothing is wrong with the database.",
-        "<td class=\"id\">L</td><td>Beam length</td><td>continuous, manufacturable</td>"
-        "<td>1 to 2</td><td>m</td>",
-        "<td class=\"id\">Notch</td><td>Notch radius - not in the study</td>"
-        "<td>continuous, disabled</td>",
-        "<td class=\"id\">Holes</td><td>Number of holes</td><td>discrete</td><td>0, 2, 4</td>",
-        "<td>Holes=4, Material=2</td><td class=\"id\">mass</td>"
-        "<td>0.5 regression, 0.3 Kriging, 0.2 Kriging</td><td class=\"number\">42</td>"
-        "<td class=\"number\"></td><td>surface</td>",
-        "<td class=\"number\">5</td><td>cross-validation</td>", "<code>error-none</code>",
-        "beam.pxdb: 1170587 characters in 7021 lines."}) {
-    EXPECT_TRUE(Holds(page, part)) << part;
-  }
   EXPECT_EQ(Holds(page, "id=\"inputs\""), kLive);
   EXPECT_NE(Holds(page, "was built without the live part"), kLive);
 }
@@ -133,19 +119,15 @@ TEST(Report, HostileNamesStayText) {
 }
 
 TEST(Report, DamagedDatabasesAreReportedWithoutLivePart) {
-  const std::string out = Written("damaged.html", "");
   const std::string model =
       Written("damaged.pxdb", Replaced(ConstantModel(), "DataType=8", "DataType=9"));
-  const Result result = Pxrom("report " + model + " -o " + out);
+  const Result result = Pxrom("report " + model);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err,
-            "pxrom report: the database is damaged (1 error): the page has the findings and "
-            "doesn't evaluate\n");
-  const std::string page = Contents(out);
-  EXPECT_TRUE(Holds(page, "<span class=\"severity bad\">error</span></td><td class=\"number\">29"));
-  EXPECT_TRUE(Holds(page, "&quot;DataType=&quot; is 9, which is no family: reading is refused"));
-  EXPECT_TRUE(Holds(page, "The database is damaged"));
-  EXPECT_FALSE(Holds(page, "<script"));
+            "pxrom report: the database is damaged (1 error): the page shows the findings and "
+            "does not evaluate\n");
+  EXPECT_TRUE(Holds(result.out, "The database is damaged"));
+  EXPECT_FALSE(Holds(result.out, "<script"));
 }
 
 TEST(Report, RefusesInOneSentence) {
@@ -154,11 +136,11 @@ TEST(Report, RefusesInOneSentence) {
     std::string arguments;
     std::string sentence;
   } cases[] = {
-      {"/nowhere/x.pxdb", "can't read \"/nowhere/x.pxdb\": No such file or directory"},
+      {"/nowhere/x.pxdb", "can't read \"/nowhere/x.pxdb\": there is no such file or folder"},
       {"examples", "can't read \"examples\": it is a folder"},
-      {other, "\"" + other + "\" is no database of fitted models"},
+      {other, "\"" + other + "\" is not a database of fitted models"},
       {"examples/constant.pxdb -o /nowhere/x",
-       "can't write to \"/nowhere/x\": No such file or directory"},
+       "can't write to \"/nowhere/x\": there is no such file or folder"},
   };
   for (const auto& one : cases) {
     const Result result = Pxrom("report " + one.arguments);

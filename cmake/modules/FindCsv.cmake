@@ -1,0 +1,13 @@
+# libcsv, which brings no file for CMake: Csv::Csv.
+find_path(CSV_INCLUDE_DIR csv.h)
+find_library(CSV_LIBRARY csv)
+mark_as_advanced(CSV_INCLUDE_DIR CSV_LIBRARY)
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(Csv REQUIRED_VARS CSV_LIBRARY CSV_INCLUDE_DIR)
+if(Csv_FOUND AND NOT TARGET Csv::Csv)
+  add_library(Csv::Csv UNKNOWN IMPORTED)
+  set_target_properties(Csv::Csv PROPERTIES
+    IMPORTED_LOCATION ${CSV_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${CSV_INCLUDE_DIR})
+endif()

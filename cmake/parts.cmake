@@ -1,0 +1,37 @@
+# What is built beside the library, which itself needs nothing but a compiler.
+
+# pxrom_part(OPTION TEXT packages...): an option that is ON, OFF or AUTO. With AUTO, which is the
+# default unless a host adds the project as a subdirectory, the part is left out with a message
+# where a package that it needs is lacking; with ON that is an error. Afterwards it is ON or OFF.
+macro(pxrom_part option text)
+  if(PROJECT_IS_TOP_LEVEL)
+    set(${option} AUTO CACHE STRING "Build ${text}: ON, OFF, or AUTO for where its packages are found")
+  else()
+    set(${option} OFF CACHE STRING "Build ${text}: ON, OFF, or AUTO for where its packages are found")
+  endif()
+  set_property(CACHE ${option} PROPERTY STRINGS AUTO ON OFF)
+  if(${option} STREQUAL "AUTO")
+    set(lacking "")
+    foreach(package ${ARGN})
+      find_package(${package} QUIET)
+      if(NOT ${package}_FOUND)
+        list(APPEND lacking ${package})
+      endif()
+    endforeach()
+    if(lacking)
+      list(JOIN lacking ", " lacking)
+      message(STATUS "Without ${text}: not found: ${lacking}")
+      set(${option} OFF)
+    else()
+      set(${option} ON)
+    endif()
+  endif()
+endmacro()
+
+list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/modules)
+pxrom_part(PXROM_BUILD_TESTS "the tests" GTest nlohmann_json)
+pxrom_part(PXROM_BUILD_TOOLS "the pxrom command" CLI11 nlohmann_json Threads Csv)
+if(PXROM_BUILD_TOOLS AND NOT UNIX)
+  message(STATUS "Without the pxrom command: it needs a POSIX system")
+  set(PXROM_BUILD_TOOLS OFF)
+endif()

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "pxrom/inspection.h"
+#include "text/inspection/findings.h"
+#include "text/inspection/outline.h"
+
+namespace Tarvane::Plexura::PXROM::inspection {
+
+/// What the registry says, once for each ID.
+struct RegistryFacts {
+  struct Parameter {
+    int causality = 0;
+    int type = 0;
+    bool isEnabled = false;
+  };
+
+  bool IsDiscreteInput(const std::string& id) const;
+  bool IsOutput(const std::string& id) const;
+  /// "; did you mean "..."?" for the nearest ID, or nothing.
+  std::string DidYouMean(std::string_view typed) const;
+
+  /// False when its damage leaves open which parameters there are.
+  bool isKnown = false;
+  /// Of the IDs.
+  std::size_t offset = 0;
+  std::map<std::string, Parameter> parameters;
+  /// The enabled parameters that a line and an evaluation name.
+  std::vector<std::string> discreteInputs;
+  std::vector<std::string> continuousInputs;
+  std::vector<std::string> outputs;
+};
+
+/// What the checks of one text share.
+struct Context {
+  std::string_view text;
+  const LineTable& lines;
+  Findings& findings;
+  const Outline& outline;
+  CDatabaseOverview& overview;
+  RegistryFacts registry;
+  /// By number; each once.
+  std::map<int, const Group*> used;
+};
+
+// The checks, in the order in which they have to run.
+
+void CheckRegistry(Context& context);
+/// Needs the registry; fills `used`.
+void CheckDiscreteSets(Context& context);
+/// Needs both.
+void CheckEnsembles(Context& context);
+void CheckFmu(Context& context);
+/// Reads and evaluates the text, and reports what the library refuses without a word.
+void TryText(Context& context, const std::string& text);
+
+}  // namespace Tarvane::Plexura::PXROM::inspection

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "pxrom/fitting_candidates.h"
+#include "text/attribute_sink.h"
+
+namespace Tarvane::Plexura::PXROM::writing {
+
+/// The attributes and `Genome` groups of one `PlexuraData` group.
+void WriteFittingCandidates(AttributeSink& out, const CFittingCandidates& list);
+
+/// The `PlexuraData` groups of a database while they grow, numbered from 0. Lists of one content
+/// share a group as long as the reader, which reads a group anew for each use, bears that. The
+/// lists must stay as they are meanwhile.
+class CandidateGroups {
+ public:
+  /// The number of the group that holds `list`. It has no meaning once the sink is refused.
+  int NumberOf(const CFittingCandidates& list);
+
+  AttributeSink& Sink() { return sink_; }
+  const std::string& Text() const { return text_; }
+  /// What reading all groups as often as they are used is charged for.
+  std::size_t Work() const { return work_; }
+
+ private:
+  struct Group {
+    int number = 0;
+    /// Where the body stands in the text.
+    std::size_t start = 0;
+    std::size_t length = 0;
+    std::size_t work = 0;
+  };
+
+  std::string_view BodyOf(const Group& group) const;
+  Group Written(const CFittingCandidates& list);
+  int NumberOfUse(const Group& group);
+
+  std::string text_;
+  AttributeSink sink_{text_};
+  int count_ = 0;
+  std::size_t work_ = 0;
+  std::unordered_map<const CFittingCandidates*, Group> byList_;
+  std::unordered_multimap<std::size_t, Group> byHash_;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::writing

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "pxrom/rs_data.h"
+#include "pxrom/rs_evaluator.h"
+#include "records/prepared_surface.h"
+#include "records/surface_cost.h"
+#include "text/attribute_sink.h"
+#include "text/database_text.h"
+#include "text/key_facts.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace inspection {
+struct SurfaceText;
+}
+
+/// The keys of a family in a `Genome` group.
+struct FamilyKeys {
+  fields::KeyTable keys;
+  /// Those that only some of its records have.
+  fields::KeyTable keysOfPart;
+};
+
+/// What a derivative of a family is worth.
+enum class Derivative {
+  Refused,  ///< its status is 1
+  Silent,   ///< its status is 0, and nothing is written
+  OfValue,  ///< that of the value
+};
+
+/// What a family of surfaces is to the rest of the library. Each family has one, in its folder;
+/// families.h has the list.
+struct Family {
+  E_DataType type = DT_RSData;
+  /// For people, as an adjective: "Kriging".
+  const char* name = "";
+  /// For programs, which know a family by the class of its records: "CKrigingData".
+  const char* recordName = "";
+
+  std::unique_ptr<CRSData> (*newRecord)() = nullptr;
+  /// Evaluators have no state, so that one object serves every evaluation of every thread.
+  const CRSEvaluator& (*evaluator)() = nullptr;
+
+  /// Fills the record from the attributes of one `Genome` group. 1 when the record is null or of
+  /// another family, which leaves it alone, or when the content is refused; else 0.
+  int (*resume)(reading::AttributeRange&, CRSData*) = nullptr;
+  /// Puts the attributes of a record of the family into one `Genome` group, or refuses what
+  /// `resume` would not restore.
+  void (*write)(writing::AttributeSink&, const CRSData&) = nullptr;
+  const FamilyKeys& (*keys)() = nullptr;
+  /// The word of groups inside a `Genome` group and the keys in them; null without any.
+  const std::string& (*innerGroup)() = nullptr;
+  const fields::KeyTable& (*innerKeys)() = nullptr;
+
+  /// Whether a surface has a value at all: a plain record has none.
+  bool hasValue = true;
+  /// Whether the evaluator has a form with an error. If it has, a record may still lack the data.
+  bool hasErrorForm = false;
+  /// Whether that form may leave the record changed where it has no error.
+  bool changesRecordForError = false;
+  Derivative derivative = Derivative::Refused;
+  /// Whether a prediction uses the surface's own scaling.
+  bool scalesInput = false;
+  bool scalesOutput = false;
+
+  // What is null here is not asked.
+
+  /// The value where it does not depend on the point: what the evaluator does for a record that is
+  /// ready, without a point.
+  void (*constantValue)(const CRSData&, double& value) = nullptr;
+  /// The checks of an inspection beyond keys and their forms.
+  void (*check)(inspection::SurfaceText&) = nullptr;
+  /// Prepares a record for many points; null: its evaluator is called for each.
+  std::unique_ptr<const batch::PreparedSurface> (*prepare)(const CRSData&,
+                                                           std::size_t inputs) = nullptr;
+  /// Whether a point decides if the record gives a value, so that no trial can tell for all.
+  bool valueDependsOnPoint = false;
+  /// Whether a value is made from the outputs of samples, for a surface of so many.
+  bool (*needsOutputs)(int samples) = nullptr;
+  /// What an evaluation takes, of which only the sizes of what is there are believed: what a count
+  /// says beyond them is refused by the evaluator. `reach` is how large the coordinates of an
+  /// ordinary point are.
+  costing::SurfaceCost (*cost)(const CRSData&, double reach) = nullptr;
+  /// Whether a record lacks the data of the error that its family can have, so that the form with
+  /// an error is refused.
+  bool (*lacksErrorData)(const CRSData&) = nullptr;
+  /// Whether the derivative is not that of the value for this record.
+  bool (*isDerivativeOff)(const CRSData&) = nullptr;
+  /// What is left to refuse a value where every shape fits, as the end of a sentence; or "".
+  const char* (*causeOfRefusal)(const CRSData&) = nullptr;
+};
+
+struct FamilyList {
+  const Family* const* first = nullptr;
+  std::size_t count = 0;
+
+  const Family* const* begin() const { return first; }
+  const Family* const* end() const { return first + count; }
+};
+
+/// All families, by ascending number. It is defined in an object of its own (all_families.cpp), in
+/// place of which a test may link another one.
+extern const FamilyList kAllFamilies;
+
+/// The family of `type`, or null for a number that is none.
+inline const Family* FindFamily(E_DataType type) noexcept {
+  const FamilyList& families = kAllFamilies;
+  // The numbers follow each other, so that the first look finds it.
+  const auto place = static_cast<std::size_t>(std::int64_t{type} - families.first[0]->type);
+  if (place < families.count && families.first[place]->type == type) return families.first[place];
+  for (const Family* const family : families) {
+    if (family->type == type) return family;
+  }
+  return nullptr;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,249 @@
+#include "families/kernel_sum/kernel_surface.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "numerics/polynomial_basis.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+namespace {
+
+/// What an evaluation works on, laid out over a working area.
+struct KernelWork {
+  KernelWork(const KernelModel& model, bool withErrors, double* start) {
+    WorkArea area(start);
+    const std::size_t n = model.centreCount;
+    const std::size_t p = withErrors ? model.error->functions : 0;
+    x = area.Take((model.inputs + 1) * kBlock);
+    sums = area.Take(kBlock);
+    trend = area.Take(kBlock);
+    values = area.Take((withErrors ? n : std::min(n, kernels::kChunk)) * kBlock);
+    steps = area.Take(2 * model.inputs * kBlock);
+    v = area.Take(withErrors ? n * kBlock : 0);
+    f = area.Take(p * kBlock);
+    w = area.Take(2 * p * kBlock);
+    size = area.Used();
+  }
+
+  double* x;  ///< the scaled points, and a row of ones after them
+  double* sums;
+  double* trend;
+  double* values;
+  double* steps;
+  double* v;
+  double* f;
+  double* w;
+  std::size_t size;
+};
+
+class KernelSurface : public PreparedSurface {
+ public:
+  explicit KernelSurface(KernelModel model)
+      : model_(std::move(model)), fast_(FindFastKernels(model_)) {}
+
+  std::size_t WorkSize(bool withErrors) const override {
+    return KernelWork(model_, withErrors && model_.error != nullptr, nullptr).size;
+  }
+
+  std::size_t QuestionCount() const override {
+    return (std::min(model_.centreCount, kernels::kChunk) + model_.inputs) * kBlock;
+  }
+
+  void Evaluate(const Points& points, const Tools& tools, const Results& results) const override {
+    const bool withErrors = results.errors != nullptr;
+    if (withErrors && !model_.hasErrorForm) {
+      std::fill_n(results.statuses, points.count, 1);
+      return;
+    }
+    const bool hasError = withErrors && model_.error != nullptr;
+    const KernelWork work(model_, hasError, tools.work);
+    Scale(points, work);
+    SumExactly(points.count, tools, hasError, work);
+    FinishValues(points.count, *tools.exact, work, results.values);
+    std::fill_n(results.statuses, points.count, withErrors && !hasError ? -2 : 0);
+    if (hasError) FillErrors(points.count, *tools.exact, work, results.errors);
+  }
+
+  bool HasFastForm() const override { return !fast_.inputFactors.empty(); }
+
+  double FastDeviation(double magnitude) const override {
+    // Adding the trend and backscaling round both, in much the same way.
+    const double scaled =
+        magnitude * std::fabs(model_.outputSlope) + 2.0 * std::fabs(model_.outputIntercept);
+    return (fast_.deviation + 0x1p-50 * scaled) / std::fabs(model_.outputSlope);
+  }
+
+  void FastValues(const Points& points, const Tools& tools, const Results& results) const override {
+    const KernelWork work(model_, false, tools.work);
+    Scale(points, work);
+    // Where nothing is infinite or no number on the way, nothing has to be told apart.
+    const auto isModest = [](double value) { return std::fabs(value) <= kLargestFast; };
+    if (!HasFastForm() || !std::all_of(work.x, work.x + model_.inputs * kBlock, isModest)) {
+      Evaluate(points, tools, results);
+      return;
+    }
+    kernels::KernelSum call = Call(points.count, work);
+    // The trend is computed first, since the points are overwritten.
+    AddTrend(points.count, *tools.exact, work);
+    for (std::size_t i = 0; i < model_.inputs; ++i) {
+      for (std::size_t point = 0; point < kBlock; ++point) {
+        work.x[i * kBlock + point] *= fast_.inputFactors[i];
+      }
+    }
+    call.centres = fast_.centres.data();
+    call.centreScales = fast_.centreFactors.empty() ? nullptr : fast_.centreFactors.data();
+    tools.fast->byKernel[model_.kernel->index].fastSum(call);
+    Backscale(points.count, work, results.values);
+    std::fill_n(results.statuses, points.count, 0);
+  }
+
+  std::size_t GradientWorkSize() const override { return 5 * model_.inputs + 1; }
+
+  int Gradient(const double* x, double* work, double* gradient) const override {
+    const std::size_t d = model_.inputs;
+    double* const u = work;
+    double* const own = work + d + 1;
+    for (std::size_t i = 0; i < d; ++i) {
+      u[i] = IsScaled() ? model_.inputSlopes[i] * x[i] + model_.inputIntercepts[i] : x[i];
+      gradient[i] = 0.0;
+    }
+    u[d] = 1.0;
+    if (model_.kernel != nullptr) model_.kernel->addGradients(Centres(), u, own, gradient);
+    for (const Monomial& term : model_.trend) {
+      if (term.first < d) gradient[term.first] += term.coefficient * u[term.second];
+      if (term.second < d) gradient[term.second] += term.coefficient * u[term.first];
+    }
+    for (std::size_t i = 0; i < d; ++i) {
+      gradient[i] *= (IsScaled() ? model_.inputSlopes[i] : 1.0) / model_.outputSlope;
+    }
+    return 0;
+  }
+
+ private:
+  bool IsScaled() const { return !model_.inputSlopes.empty(); }
+
+  void Scale(const Points& points, const KernelWork& work) const {
+    for (std::size_t i = 0; i < model_.inputs; ++i) {
+      const double* const from = points.x + i * kBlock;
+      double* const to = work.x + i * kBlock;
+      if (!IsScaled()) {
+        std::copy_n(from, kBlock, to);
+        continue;
+      }
+      const double slope = model_.inputSlopes[i];
+      const double intercept = model_.inputIntercepts[i];
+      for (std::size_t point = 0; point < kBlock; ++point)
+        to[point] = slope * from[point] + intercept;
+    }
+    std::fill_n(work.x + model_.inputs * kBlock, kBlock, 1.0);
+  }
+
+  kernels::WeightedKernels Centres() const {
+    kernels::WeightedKernels call;
+    call.kernel = model_.kernel;
+    call.inputs = model_.inputs;
+    call.constants = model_.constants;
+    call.centreCount = model_.centreCount;
+    call.centres = model_.centres.data();
+    call.scales = model_.scales.data();
+    call.centreScales = model_.centreScales.empty() ? nullptr : model_.centreScales.data();
+    call.weights = model_.weights.data();
+    return call;
+  }
+
+  kernels::KernelSum Call(std::size_t count, const KernelWork& work) const {
+    kernels::KernelSum call;
+    static_cast<kernels::WeightedKernels&>(call) = Centres();
+    call.start = model_.start;
+    call.x = work.x;
+    call.points = count;
+    call.sums = work.sums;
+    call.values = work.values;
+    call.steps = work.steps;
+    return call;
+  }
+
+  void SumExactly(std::size_t count, const Tools& tools, bool keepsValues,
+                  const KernelWork& work) const {
+    if (model_.kernel == nullptr) {
+      std::fill_n(work.sums, kBlock, model_.start);
+      return;
+    }
+    kernels::KernelSum call = Call(count, work);
+    call.keepsValues = keepsValues;
+    call.questions = tools.questions;
+    tools.exact->byKernel[model_.kernel->index].sum(call);
+  }
+
+  void AddTrend(std::size_t count, const LoopTable& loops, const KernelWork& work) const {
+    if (!model_.hasTrend) return;
+    loops.polynomial({model_.trend.data(), model_.trend.size(), false}, work.x, count, work.trend);
+  }
+
+  void Backscale(std::size_t count, const KernelWork& work, double* values) const {
+    for (std::size_t point = 0; point < count; ++point) {
+      const double sum = model_.hasTrend ? work.trend[point] + work.sums[point] : work.sums[point];
+      values[point] = (sum - model_.outputIntercept) / model_.outputSlope;
+    }
+  }
+
+  void FinishValues(std::size_t count, const LoopTable& loops, const KernelWork& work,
+                    double* values) const {
+    AddTrend(count, loops, work);
+    Backscale(count, work, values);
+  }
+
+  void FillErrors(std::size_t count, const LoopTable& loops, const KernelWork& work,
+                  double* errors) const {
+    const KrigingErrorData& data = *model_.error;
+    loops.products({model_.trend.data(), model_.trend.size(), false}, work.x, count, work.f);
+    KrigingErrorSum call;
+    call.samples = model_.centreCount;
+    call.functions = data.functions;
+    call.invC = data.invC.data();
+    call.lengths = data.lengths.data();
+    call.invG = data.invG.data();
+    call.ft = data.ft.data();
+    call.sigma2 = data.sigma2;
+    call.r = work.values;
+    call.f = work.f;
+    call.points = count;
+    call.v = work.v;
+    call.w = work.w;
+    call.errors = errors;
+    loops.krigingError(call);
+  }
+
+  KernelModel model_;
+  FastKernels fast_;
+};
+
+}  // namespace
+
+std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
+                                 const std::vector<double>& coefficients) {
+  // The order is that of EvaluatePolynomialBasis.
+  const auto one = static_cast<std::uint32_t>(inputs);
+  std::vector<Monomial> terms;
+  terms.reserve(coefficients.size());
+  const auto add = [&](std::uint32_t first, std::uint32_t second) {
+    if (terms.size() < coefficients.size()) {
+      terms.push_back({coefficients[terms.size()], first, second});
+    }
+  };
+  if (type >= PolyConstant) add(one, one);
+  for (std::uint32_t i = 0; type >= PolyLinear && i < one; ++i) add(i, one);
+  for (std::uint32_t i = 0; type == PolyPureQuadratic && i < one; ++i) add(i, i);
+  for (std::uint32_t i = 0; type == PolyFullQuadratic && i < one; ++i) {
+    for (std::uint32_t j = i; j < one && terms.size() < coefficients.size(); ++j) add(i, j);
+  }
+  return terms;
+}
+
+std::unique_ptr<const PreparedSurface> MakeKernelSurface(KernelModel model) {
+  return std::make_unique<KernelSurface>(std::move(model));
+}
+
+}  // namespace Tarvane::Plexura::PXROM::batch

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "kernels/kernels.h"
+#include "pxrom/types.h"
+#include "records/prepared_surface.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+/// The data of a predictor error of a Kriging surface, each matrix in one piece.
+struct KrigingErrorData {
+  std::size_t functions = 0;
+  double sigma2 = 0.0;
+  std::vector<double> invC;
+  std::vector<std::size_t> lengths;  ///< after which a row of invC is zero
+  std::vector<double> invG;
+  std::vector<double> ft;
+};
+
+/// What Kriging, support vector and linear basis surfaces have in common:
+///
+///   y = (start + sum of weights[j] kernel(u, centre j) + trend(u) - intercept) / slope
+///
+/// with u the scaled point and the centres in that space.
+struct KernelModel {
+  std::size_t inputs = 0;
+  /// Empty where the point is not scaled.
+  std::vector<double> inputSlopes;
+  std::vector<double> inputIntercepts;
+
+  const kernels::Kernel* kernel = nullptr;  ///< null without a centre
+  kernels::Constants constants;
+  std::size_t centreCount = 0;
+  std::vector<double> centres;       ///< row by row
+  std::vector<double> scales;        ///< one per input
+  std::vector<double> centreScales;  ///< one per centre, or none
+  std::vector<double> weights;       ///< one per centre
+  double start = 0.0;
+
+  bool hasTrend = false;
+  std::vector<Monomial> trend;
+
+  double outputSlope = 1.0;
+  double outputIntercept = 0.0;
+
+  /// Whether the evaluator has a form with errors; else that form answers 1.
+  bool hasErrorForm = false;
+  /// The error itself; without it the form with errors answers -2.
+  std::unique_ptr<const KrigingErrorData> error;
+};
+
+/// The first `count` functions of a polynomial basis as products of variables, with coefficients.
+std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
+                                 const std::vector<double>& coefficients);
+
+std::unique_ptr<const PreparedSurface> MakeKernelSurface(KernelModel model);
+
+// One for each family of this kind, for points of `inputs` values; the record may go afterwards.
+std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& record, std::size_t inputs);
+std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& record,
+                                                            std::size_t inputs);
+std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& record,
+                                                          std::size_t inputs);
+
+/// A model in the form that the fast sums take: points and centres multiplied by a factor per
+/// input, the centres' scales replaced by the factor in front of the (squared) distance.
+struct FastKernels {
+  std::vector<double> inputFactors;  ///< empty when there is no fast form
+  std::vector<double> centres;
+  std::vector<double> centreFactors;
+  /// How far a sum of kernels may be from the exact one.
+  double deviation = 0.0;
+};
+
+/// No coordinate of a point or a centre in a fast sum is larger.
+constexpr double kLargestFast = 1e100;
+
+FastKernels FindFastKernels(const KernelModel& model);
+
+}  // namespace Tarvane::Plexura::PXROM::batch

@@ -1,0 +1,22 @@
+#include "families/linear_basis/lbf_fields.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+using namespace costing;
+
+SurfaceCost FamilyOf<CLBFData>::CostOf(const CRSData& base, double) {
+  const auto& record = static_cast<const CLBFData&>(base);
+  // A single sample is the value.
+  if (record.NumberOfSamples == 1) return {};
+  const auto centres =
+      static_cast<double>(std::min(record.KernelCoefficients.size(), record.InputSamples.size()));
+  constexpr double kPerInput = 3.0;
+  const bool isPlain =
+      record.BasisFunctionType == LBFCubic || record.BasisFunctionType == LBFRational;
+  SurfaceCost cost =
+      CostOfKernelSum(centres, InputsOf(record), kPerInput, isPlain ? 10.0 : 5.0 + kElementary);
+  AddTrend(static_cast<double>(record.PolynomialCoefficients.size()), cost);
+  return cost;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "records/prepared_surface.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+/// Prepares a moving least squares record for points of `inputs` values.
+std::unique_ptr<const PreparedSurface> PrepareMovingLeastSquares(const CRSData& record,
+                                                                 std::size_t inputs);
+
+}  // namespace Tarvane::Plexura::PXROM::batch

@@ -1,0 +1,19 @@
+#include "families/plain/plain_fields.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+constexpr Family Describe() {
+  Family family = StartFamily<CRSData, CRSEvaluator>();
+  // A record of any family takes the base's attributes.
+  family.resume = &reading::ResumeRSData;
+  family.hasValue = false;
+  return family;
+}
+
+}  // namespace
+
+const Family FamilyOf<CRSData>::family = Describe();
+
+}  // namespace Tarvane::Plexura::PXROM

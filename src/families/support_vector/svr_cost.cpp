@@ -1,0 +1,34 @@
+#include "families/support_vector/svr_fields.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+using namespace costing;
+
+/// The operations of a kernel beside its sum over the inputs.
+double PerCentre(E_SVRKernType type) {
+  switch (type) {
+    case SVRKernLinear:
+    case SVRKernQuadratic:
+    case SVRKernEpanechnikov:
+      return 4.0;
+    default:
+      return kElementary;
+  }
+}
+
+}  // namespace
+
+SurfaceCost FamilyOf<CSVRData>::CostOf(const CRSData& base, double) {
+  const auto& record = static_cast<const CSVRData&>(base);
+  const bool isPaired =
+      record.SVRLossFuncType == SVRLossFuncPaired3 || record.SVRLossFuncType == SVRLossFuncPaired4;
+  const std::vector<double>& multipliers = isPaired ? record.AlphasStar : record.Betas;
+  const auto centres =
+      static_cast<double>(std::min(multipliers.size(), record.InputSamples.size()));
+  constexpr double kPerInput = 6.0;
+  return CostOfKernelSum(centres, InputsOf(record), kPerInput, PerCentre(record.SVRKernType));
+}
+
+}  // namespace Tarvane::Plexura::PXROM

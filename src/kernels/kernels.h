@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "kernels/loops/loop_table.h"
+#include "pxrom/kriging.h"
+#include "pxrom/linear_basis.h"
+#include "pxrom/support_vector.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+/// How data are prepared for the fast form of a kernel, see shapes.h.
+struct FastForm {
+  std::size_t mostInputs;
+  double (*inputFactor)(double scale);
+  double (*centreFactor)(const Constants& constants, double scale);
+  double (*deviation)(double inputs, double norm1, double norm2);
+};
+
+/// A row of the table of kernels (table.h), for those who need no more than that: what was compiled
+/// from its formula for plain numbers.
+struct Kernel {
+  const char* name;
+  std::size_t index;  ///< its place in the table
+  Shape shape;
+  Constants (*constants)(double inputs);
+  /// The value for the last state of the steps; `scale` is that of the centre.
+  double (*value)(const Constants& constants, double state, double scale);
+  /// Overwrites `count` last states with their values; `scales` is one per state, or null.
+  void (*values)(const Constants& constants, const double* scales, std::size_t count,
+                 double* states);
+  /// The values between a point and rows, one after the other: as RowKernels says, but reads
+  /// nothing after `count`.
+  void (*rows)(const RowKernels& call);
+  /// Writes `value` for `count` questions to their places in call.values: `argument` is the last
+  /// state, kBlock places belong to each centre, from `firstCentre` on.
+  void (*answerValues)(const KernelSum& call, std::size_t firstCentre, const Question* questions,
+                       std::size_t count, double* values);
+  /// The same for the function that a step needs; null when it needs none.
+  void (*answerSteps)(const Question* questions, std::size_t count, double* values);
+  /// Adds the gradient at `u` of the weighted kernels to `gradient`. `work` has room for 3 values
+  /// per input.
+  void (*addGradients)(const WeightedKernels& call, const double* u, double* work,
+                       double* gradient);
+  const FastForm* fast;  ///< null without
+};
+
+/// The kernel that a number of a record means; null when there is none.
+const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept;
+const Kernel* FindKernel(E_SVRKernType type) noexcept;
+const Kernel* FindKernel(E_LinearBasisFunction type) noexcept;
+
+/// The numbers that mean a kernel, in ascending order.
+std::vector<int> NumbersOfCorrelations();
+std::vector<int> NumbersOfSupportVectorKernels();
+std::vector<int> NumbersOfRadialFunctions();
+
+}  // namespace Tarvane::Plexura::PXROM::kernels

@@ -1,0 +1,26 @@
+// Compiled with the instruction set switched on where the compiler has it (src/CMakeLists.txt), and
+// empty elsewhere.
+
+#include "kernels/loops/loop_table.h"
+
+#if defined(__AVX512F__)
+
+#define PXROM_SIMD PXROM_SIMD_AVX512
+
+#include "kernels/loops/all_loops.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+const LoopTable* Avx512Loops() noexcept { return &kTable; }
+
+}  // namespace Tarvane::Plexura::PXROM::kernels
+
+#else
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+const LoopTable* Avx512Loops() noexcept { return nullptr; }
+
+}  // namespace Tarvane::Plexura::PXROM::kernels
+
+#endif

@@ -1,0 +1,15 @@
+// On its own, so that a test program can choose otherwise.
+
+#include "kernels/loops/loop_table.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+const LoopTable* LoopsForRows() noexcept {
+  static const LoopTable* const loops =
+      BestInstructionSet() != simd::InstructionSet::Portable && AreHostFunctionsKnown()
+          ? FindLoops(BestInstructionSet())
+          : nullptr;
+  return loops;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::kernels

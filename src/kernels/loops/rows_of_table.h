@@ -1,0 +1,59 @@
+#pragma once
+
+// What the table of kernels holds for plain numbers, made from a kernel's class.
+
+#include "kernels/kernels.h"
+#include "kernels/loops/gradients.h"
+#include "kernels/loops/plain.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+template <class K>
+void ValuesOfStates(const Constants& constants, const double* scales, std::size_t count,
+                    double* states) {
+  const Constants own = constants;
+  for (std::size_t k = 0; k < count; ++k) {
+    states[k] = K::Value(own, states[k], scales != nullptr ? scales[k] : 1.0);
+  }
+}
+
+template <class K>
+void AnswerValues(const KernelSum& call, std::size_t firstCentre, const Question* questions,
+                  std::size_t count, double* values) {
+  for (const Question* question = questions; question != questions + count; ++question) {
+    const std::size_t centre = firstCentre + question->place / kBlock;
+    const double scale = call.centreScales != nullptr ? call.centreScales[centre] : 1.0;
+    values[question->place] = K::Value(call.constants, question->argument, scale);
+  }
+}
+
+template <class K>
+void AnswerSteps(const Question* questions, std::size_t count, double* values) {
+  for (const Question* question = questions; question != questions + count; ++question) {
+    values[question->place] = K::Inner(question->argument);
+  }
+}
+
+template <class Fast>
+constexpr FastForm kFastForm = {Fast::kMostInputs, &Fast::InputFactor, &Fast::CentreFactor,
+                                &Fast::Deviation};
+
+template <class K>
+constexpr Kernel KernelOf(std::size_t index) {
+  Kernel kernel = {K::kName,
+                   index,
+                   K::kShape,
+                   &K::ConstantsFor,
+                   &K::template Value<double>,
+                   &ValuesOfStates<K>,
+                   &PlainRows<K>,
+                   &AnswerValues<K>,
+                   nullptr,
+                   &AddGradients<K>,
+                   nullptr};
+  if constexpr (K::kAsksPerInput) kernel.answerSteps = &AnswerSteps<K>;
+  if constexpr (kHasFast<K>) kernel.fast = &kFastForm<typename K::Fast>;
+  return kernel;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::kernels

@@ -1,0 +1,183 @@
+#pragma once
+
+// The loops over centres and points.
+
+#include "kernels/kernels.h"
+#include "simd/groups.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+namespace {
+
+using namespace simd;
+
+/// The kernel for the last state of its steps.
+template <class K>
+PXROM_INLINE Exact ValueOf(const Constants& constants, Vector state, Vector scale) {
+  if constexpr (K::kHasVectorForm) {
+    return K::Value(constants, state, scale);
+  } else {
+    return {state, kAllLanes};
+  }
+}
+
+/// What waits for the host, and where the kernel values at hand go.
+struct Pending {
+  Question* questions;
+  std::size_t count;
+  double* values;
+};
+
+PXROM_INLINE void Ask(Pending& pending, unsigned open, Vector argument, std::size_t place) {
+  double arguments[kLanes];
+  Store(arguments, argument);
+  for (; open != 0; open &= open - 1U) {
+    const std::size_t lane = FirstOf(open);
+    pending.questions[pending.count++] = {arguments[lane], place + lane};
+  }
+}
+
+template <class K, class Size>
+PXROM_INLINE void FinishValues(const KernelSum& call, Pending& pending, std::size_t centre,
+                               std::size_t row, std::size_t point, const Vector* state, Size size) {
+  const Vector scale = call.centreScales != nullptr ? call.centreScales[centre] : 1.0;
+  for (std::size_t u = 0; u < size.count; ++u) {
+    const std::size_t place = row * kBlock + point + u * kLanes;
+    const Exact value = ValueOf<K>(call.constants, state[u], scale);
+    Store(pending.values + place, value.value);
+    if (value.open != 0) Ask(pending, value.open, state[u], place);
+  }
+}
+
+/// The values of one centre, all inputs at once.
+template <class K, class Size>
+PXROM_INLINE void ValuesOf(const KernelSum& call, Pending& pending, std::size_t centre,
+                           std::size_t row, std::size_t point, Size size) {
+  Vector state[size.count];
+  for (std::size_t u = 0; u < size.count; ++u) state[u] = K::kStart;
+  const double* const y = call.centres + centre * call.inputs;
+  for (std::size_t i = 0; i < call.inputs; ++i) {
+    const Vector yi = y[i];
+    const Vector scale = call.scales[i];
+    for (std::size_t u = 0; u < size.count; ++u) {
+      const Vector x = Load(call.x + i * kBlock + point + u * kLanes);
+      state[u] = Step<K>(call.constants, state[u], x, yi, scale);
+    }
+  }
+  FinishValues<K>(call, pending, centre, row, point, state, size);
+}
+
+/// What a step needs of the host, where it counts.
+template <class K>
+PXROM_INLINE Exact InnerOf(Vector distance, Vector argument) {
+  Exact answer = K::Inner(argument);
+  if constexpr (K::kHasEnd) answer.open &= Bits(K::Asks(distance));
+  return answer;
+}
+
+/// The values of one centre where each step needs a function that the host may have to be asked
+/// for.
+template <class K>
+PXROM_INLINE void ValuesByStep(const KernelSum& call, Pending& pending, std::size_t centre,
+                               std::size_t row) {
+  double* const distances = call.steps;
+  double* const answers = distances + call.inputs * kBlock;
+  const double* const y = call.centres + centre * call.inputs;
+  // After the questions about whole kernels, which wait.
+  Pending steps = {pending.questions + pending.count, 0, answers};
+  for (std::size_t i = 0; i < call.inputs; ++i) {
+    const Vector yi = y[i];
+    const Vector scale = call.scales[i];
+    for (std::size_t point = 0; point < call.points; point += kLanes) {
+      const std::size_t place = i * kBlock + point;
+      const Vector distance = K::Distance(Abs(Load(call.x + place) - yi), scale);
+      const Vector argument = K::Argument(distance);
+      const Exact answer = InnerOf<K>(distance, argument);
+      Store(distances + place, distance);
+      Store(answers + place, answer.value);
+      if (answer.open != 0) Ask(steps, answer.open, argument, place);
+    }
+  }
+  if (steps.count > 0) call.kernel->answerSteps(steps.questions, steps.count, answers);
+  ForAllPoints(call.points, [&](auto size, std::size_t point) {
+    Vector state[size.count];
+    for (std::size_t u = 0; u < size.count; ++u) state[u] = K::kStart;
+    for (std::size_t i = 0; i < call.inputs; ++i) {
+      for (std::size_t u = 0; u < size.count; ++u) {
+        const std::size_t place = i * kBlock + point + u * kLanes;
+        state[u] = Combine<K>(call.constants, state[u], Load(distances + place),
+                              [&] { return Load(answers + place); });
+      }
+    }
+    FinishValues<K>(call, pending, centre, row, point, state, size);
+  });
+}
+
+template <class K>
+void Sum(const KernelSum& call) {
+  for (std::size_t point = 0; point < call.points; point += kLanes) {
+    Store(call.sums + point, call.start);
+  }
+  for (std::size_t first = 0; first < call.centreCount; first += kChunk) {
+    const std::size_t left = call.centreCount - first;
+    const std::size_t count = left < kChunk ? left : kChunk;
+    double* const values = call.values + (call.keepsValues ? first * kBlock : 0);
+    Pending pending = {call.questions, 0, values};
+    if constexpr (K::kAsksPerInput) {
+      for (std::size_t row = 0; row < count; ++row) {
+        ValuesByStep<K>(call, pending, first + row, row);
+      }
+    } else {
+      ForAllPoints(call.points, [&](auto size, std::size_t point) {
+        for (std::size_t row = 0; row < count; ++row) {
+          ValuesOf<K>(call, pending, first + row, row, point, size);
+        }
+      });
+    }
+    if (pending.count > 0) {
+      call.kernel->answerValues(call, first, call.questions, pending.count, values);
+    }
+    ForAllPoints(call.points, [&](auto size, std::size_t point) {
+      Vector sum[size.count];
+      for (std::size_t u = 0; u < size.count; ++u) sum[u] = Load(call.sums + point + u * kLanes);
+      for (std::size_t row = 0; row < count; ++row) {
+        const Vector weight = call.weights[first + row];
+        for (std::size_t u = 0; u < size.count; ++u) {
+          const Vector value = Load(values + row * kBlock + point + u * kLanes);
+          sum[u] = sum[u] + value * weight;
+        }
+      }
+      for (std::size_t u = 0; u < size.count; ++u) Store(call.sums + point + u * kLanes, sum[u]);
+    });
+  }
+}
+
+template <class K>
+void FastSum(const KernelSum& call) {
+  using Fast = typename K::Fast;
+  using State = decltype(Fast::template Start<Vector>());
+  ForAllPoints(call.points, [&](auto size, std::size_t point) {
+    Vector sum[size.count];
+    for (std::size_t u = 0; u < size.count; ++u) sum[u] = call.start;
+    const double* y = call.centres;
+    for (std::size_t j = 0; j < call.centreCount; ++j, y += call.inputs) {
+      State state[size.count];
+      for (std::size_t u = 0; u < size.count; ++u) state[u] = Fast::template Start<Vector>();
+      for (std::size_t i = 0; i < call.inputs; ++i) {
+        const Vector yi = y[i];
+        for (std::size_t u = 0; u < size.count; ++u) {
+          const Vector x = Load(call.x + i * kBlock + point + u * kLanes);
+          state[u] = Fast::Step(state[u], x, yi);
+        }
+      }
+      const Vector scale = call.centreScales != nullptr ? call.centreScales[j] : 1.0;
+      const Vector weight = call.weights[j];
+      for (std::size_t u = 0; u < size.count; ++u) {
+        sum[u] = Fma(Fast::Value(call.constants, state[u], scale), weight, sum[u]);
+      }
+    }
+    for (std::size_t u = 0; u < size.count; ++u) Store(call.sums + point + u * kLanes, sum[u]);
+  });
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::kernels

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "kernels/shapes.h"
+#include "kernels/weights.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+/// 1 / (z^2 + 1), the inverse quadratic: the rational quadratic kernel for alpha = 1. Rasmussen and
+/// Williams, Gaussian Processes for Machine Learning (2006), equation 4.19.
+template <class N>
+PXROM_INLINE N RationalOf(N square) {
+  return 1.0 / (square + 1.0);
+}
+
+/// Of z = r / h.
+struct RadialRational : Radial {
+  static constexpr const char* kName = "radial rational";
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N r2, N h) {
+    return RationalOf(r2 / (h * h));
+  }
+  static double Slope(const Constants& constants, double r2, double h) {
+    const double value = Value(constants, r2, h);
+    return -2.0 / (h * h) * value * value;
+  }
+};
+
+/// Of z = r / rho; in the old version of z = r / 2, without rho.
+struct RationalWeight {
+  explicit RationalWeight(const WeightSetting& setting)
+      : dependsOnReference(!setting.isOld), scale(setting.isOld ? 2.0 : setting.rho) {}
+  double At(double r) const {
+    const double z = r / scale;
+    return RationalOf(z * z);
+  }
+  WeightSlopes SlopesAt(double r) const {
+    const double z = r / scale;
+    const double value = At(r);
+    const double slope = -2.0 * value * value;
+    return {value, slope / (scale * scale), dependsOnReference ? -slope * z * z / scale : 0.0};
+  }
+
+  bool dependsOnReference;
+  double scale;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::kernels

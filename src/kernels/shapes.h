@@ -1,0 +1,184 @@
+#pragma once
+
+// What a kernel is made of. Each kernel is one class in a file of its own, over a number type N:
+// with double it gives the plain loops, with simd::Vector the loops on vectors, with a dual number
+// the derivative that tests compare with. All have the same order of operations.
+//
+// A class derives from one of the shapes below and holds
+//   ExpOfSum   Term(difference, scale): exp(-sum of the terms)
+//   Product    Factor(distance, scale): the product of the factors. With kHasEnd also
+//              IsInside(distance, scale): outside, the product becomes 0
+//   Dot        Value(constants, x . y)
+//   Radial     Value(constants, squared distance, scale of the centre)
+// and beside it
+//   Descent or Slope, the derivative in closed form: better conditioned near a centre than the
+//   chain rule, and 0 at a kink, where a coordinate equals the centre's under an absolute value
+//   (the mean of both sides). At a cut-off it is that of the branch that the value takes. Fast the
+//   form for the fast mode and the bound of its error; none for plain arithmetic,
+//              which is as fast in its exact form.
+//
+// A kernel with kAsksPerInput needs a function in each step that the host may have to be asked for.
+// Its Distance gives what Argument makes the function's argument of, Inner is the function, and
+// Term or Factor get the distance and inner(), its value.
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+#include "simd/number.h"
+
+namespace Tarvane::Plexura::PXROM::kernels {
+
+using simd::Abs;
+using simd::ExpOfMinus;
+using simd::If;
+using simd::J0;
+using simd::Log;
+using simd::Power4;
+using simd::Select;
+using simd::Sin;
+using simd::Sqrt;
+using simd::Tanh;
+using simd::Third;
+
+/// What a kernel needs besides its arguments, by the number of inputs.
+struct Constants {
+  double shift = 0.0;     ///< of the functions that are shifted to end at 0
+  double perInput = 0.0;  ///< the factor of the functions that depend on the inputs' number
+};
+
+enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial };
+
+struct AnyShape {
+  static constexpr bool kAsksPerInput = false;
+  static constexpr bool kHasEnd = false;
+  /// Whether vectors can give the value for the last state; else the host is asked for each one.
+  static constexpr bool kHasVectorForm = true;
+  /// The same of the function in each step, or of the step without one.
+  static constexpr bool kHasVectorSteps = true;
+  using Fast = void;
+  static Constants ConstantsFor(double /*inputs*/) { return {}; }
+};
+
+struct ExpOfSum : AnyShape {
+  static constexpr Shape kShape = Shape::ExpOfSum;
+  static constexpr double kStart = 0.0;
+  template <class N>
+  PXROM_INLINE static auto Value(const Constants&, N sum, N) {
+    return ExpOfMinus(sum);
+  }
+};
+
+struct Product : AnyShape {
+  static constexpr Shape kShape = Shape::Product;
+  static constexpr double kStart = 1.0;
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N product, N) {
+    return product;
+  }
+};
+
+struct Dot : AnyShape {
+  static constexpr Shape kShape = Shape::Dot;
+  static constexpr double kStart = 0.0;
+};
+
+struct Radial : AnyShape {
+  static constexpr Shape kShape = Shape::Radial;
+  static constexpr double kStart = 0.0;
+};
+
+/// Not the smaller of both, but as std::min picks: a NaN stays one.
+template <class N>
+PXROM_INLINE N UpTo1(N z) {
+  return Select(1.0 < z, N(1.0), z);
+}
+
+/// The next state of a kernel that asks per input, from the distance and inner().
+template <class K, class N, class Inner>
+PXROM_INLINE N Combine(const Constants& constants, N state, N distance, const Inner& inner) {
+  if constexpr (K::kShape == Shape::ExpOfSum) {
+    return state + K::Term(distance, inner);
+  } else {
+    // An end assigns 0. That differs from a factor of 0 only once an infinity or a NaN is in the
+    // product, and the loops go on after it for the same reason.
+    return If(
+        K::IsInside(distance), [&] { return state * K::Factor(constants, distance, inner); }, 0.0);
+  }
+}
+
+/// The next state: what one input adds. The first state is K::kStart, and K::Value gives the kernel
+/// of the last one.
+template <class K, class N>
+PXROM_INLINE N Step([[maybe_unused]] const Constants& constants, N state, N x, N y,
+                    [[maybe_unused]] N scale) {
+  if constexpr (K::kAsksPerInput) {
+    const N distance = K::Distance(Abs(x - y), scale);
+    return Combine<K>(constants, state, distance, [&] { return K::Inner(K::Argument(distance)); });
+  } else if constexpr (K::kShape == Shape::ExpOfSum) {
+    return state + K::Term(x - y, scale);
+  } else if constexpr (K::kShape == Shape::Product) {
+    const N distance = Abs(x - y);
+    if constexpr (K::kHasEnd) {
+      return If(
+          K::IsInside(distance, scale), [&] { return state * K::Factor(distance, scale); }, 0.0);
+    } else {
+      return state * K::Factor(distance, scale);
+    }
+  } else if constexpr (K::kShape == Shape::Dot) {
+    return state + x * y;
+  } else {
+    const N difference = x - y;
+    return state + difference * difference;
+  }
+}
+
+// The fast forms. Points and centres come multiplied by InputFactor(scale), and the scale of a
+// centre as CentreFactor(scale), the factor of the distance or of its square. Start, Step and Value
+// are as above. Deviation bounds how far one kernel may be from the exact one, in units of 2^-53
+// (what one rounding may do, relative); `norm1` and `norm2` are the largest norms of a multiplied
+// centre, since a rounding there does not shrink with the difference of point and centre. The
+// factors in it bound what a function's slope times its argument comes to.
+
+constexpr double kLog2OfE = 0x1.71547652b82fep+0;
+
+struct AnyFast {
+  static constexpr std::size_t kMostInputs = std::numeric_limits<std::size_t>::max();
+  static double InputFactor(double /*scale*/) { return 1.0; }
+  static double CentreFactor(const Constants&, double /*scale*/) { return 1.0; }
+};
+
+struct FastSum : AnyFast {
+  template <class N>
+  PXROM_INLINE static N Start() {
+    return 0.0;
+  }
+};
+
+struct FastProduct : AnyFast {
+  template <class N>
+  PXROM_INLINE static N Start() {
+    return 1.0;
+  }
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N product, N) {
+    return product;
+  }
+};
+
+struct FastSquaredDistance : FastSum {
+  template <class N>
+  PXROM_INLINE static N Step(N sum, N x, N y) {
+    const N a = x - y;
+    return Fma(a, a, sum);
+  }
+};
+
+template <class K>
+constexpr bool kHasFast = !std::is_void_v<typename K::Fast>;
+
+inline double SignOf(double value) { return value > 0.0 ? 1.0 : value < 0.0 ? -1.0 : 0.0; }
+
+}  // namespace Tarvane::Plexura::PXROM::kernels

@@ -1,0 +1,150 @@
+#include "families/family.h"
+#include "model/candidate_access.h"
+#include "model/candidate_evaluation.h"
+#include "model/cross_validation.h"
+#include "pxrom/fitting_candidates.h"
+#include "records/evaluation_frame.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+using Surfaces = std::vector<std::shared_ptr<CRSData>>;
+using Access = CandidateAccess;
+
+// The value of one surface at the candidate's scaled point, starting from 0.0 for an evaluator that
+// succeeds without writing. False when it refuses.
+bool Predict(const CRSData& surface, EvaluationPoint& point, double& value) {
+  value = 0.0;
+  const Family* const family = FindFamily(surface.DataType());
+  if (family == nullptr) return false;
+  if (family->constantValue != nullptr) {
+    // What the evaluator does, for which no point has to be made.
+    if (!IsReadyFor(surface, point.Size())) return false;
+    family->constantValue(surface, value);
+    return true;
+  }
+  return family->evaluator().EvaluateResponseSurface(&surface, point.Scaled(), value) != 1;
+}
+
+// Adds the weighted predictions of all surfaces to `sum`. False at the first that refuses.
+bool AddPredictions(const Surfaces& surfaces, const std::vector<double>& weights,
+                    EvaluationPoint& point, double& sum) {
+  for (std::size_t i = 0; i < surfaces.size(); ++i) {
+    double value = 0.0;
+    if (!Predict(*surfaces[i], point, value)) return false;
+    sum += weights[i] * value;
+  }
+  return true;
+}
+
+// The same with each surface's own predictor error, which it writes over `error`: the errors are
+// not combined, the last one stands. `hasError` becomes false when a surface has none.
+bool AddPredictionsWithErrors(const Surfaces& surfaces, const std::vector<double>& weights,
+                              EvaluationPoint& point, double& sum, double& error, bool& hasError) {
+  for (std::size_t i = 0; i < surfaces.size(); ++i) {
+    const Family* const family = FindFamily(surfaces[i]->DataType());
+    if (family == nullptr) return false;
+    double value = 0.0;
+    const int status = family->evaluator().EvaluateResponseSurface(surfaces[i].get(),
+                                                                   point.Scaled(), value, error);
+    if (status == 1) return false;
+    if (status == -2) hasError = false;
+    sum += weights[i] * value;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool EvaluationPoint::TurnTo(const CFittingCandidate& candidate) {
+  candidate_ = &candidate;
+  isScaled_ = false;
+  return size_ == Access::InputScaleSlopes(candidate).size() &&
+         size_ == Access::InputScaleIntercepts(candidate).size();
+}
+
+const std::vector<double>& EvaluationPoint::Scaled() {
+  if (!isScaled_) {
+    scaled_.assign(x_, x_ + size_);
+    candidate_->ScaleAndOverwriteInputSample(scaled_);
+    isScaled_ = true;
+  }
+  return scaled_;
+}
+
+int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& point, double& value) {
+  const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
+  if (candidate == nullptr || !point.TurnTo(*candidate)) return 1;
+  value = 0.0;
+  const Surfaces& surfaces = Access::Surfaces(*candidate);
+  const std::vector<double>& weights = Access::Weights(*candidate);
+  if (weights.size() < surfaces.size() || !AddPredictions(surfaces, weights, point, value)) {
+    return 1;
+  }
+  return candidate->BackscaleAndOverwriteOutputSample(value);
+}
+
+int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& point, double& value,
+                      double& error) {
+  const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
+  if (candidate == nullptr || !point.TurnTo(*candidate)) return 1;
+  value = 0.0;
+  const Surfaces& surfaces = Access::Surfaces(*candidate);
+  const Surfaces& subSurfaces = Access::SubSurfaces(*candidate);
+  const std::vector<double>& weights = Access::Weights(*candidate);
+  if (weights.size() < surfaces.size()) return 1;
+
+  bool hasError = true;
+  if (!candidate->GetIsErrPredRequired()) {
+    if (!AddPredictionsWithErrors(surfaces, weights, point, value, error, hasError)) return 1;
+  } else {
+    if (surfaces.empty() || subSurfaces.size() % surfaces.size() != 0) return 1;
+    const std::size_t folds = subSurfaces.size() / surfaces.size();
+    double slope = 0.0;
+    int inputs = 0;
+    candidate->GetOutputScaleSlope(slope);
+    candidate->GetNumberOfInputVariables(inputs);
+    const CrossValidation validation{Access::SortedInput(*candidate),
+                                     Access::FoldCounts(*candidate), candidate->GetDPMinDist(),
+                                     slope, inputs};
+    if (!validation.Fits(folds, point.Size())) return 1;
+    if (!AddPredictions(surfaces, weights, point, value)) return 1;
+    // Sub surfaces stand surface by surface, and within each fold by fold.
+    std::vector<double> foldPredictions(folds, 0.0);
+    for (std::size_t k = 0; k < subSurfaces.size(); ++k) {
+      double prediction = 0.0;
+      if (!Predict(*subSurfaces[k], point, prediction)) return 1;
+      foldPredictions[k % folds] += weights[k / folds] * prediction;
+    }
+    if (validation.EvaluateError(point.Scaled(), foldPredictions, value, error) != 0) return 1;
+  }
+
+  const int status = candidate->BackscaleAndOverwriteOutputSample(value);
+  return hasError ? status : -2;
+}
+
+CFittingCandidatesEvaluator::CFittingCandidatesEvaluator() = default;
+CFittingCandidatesEvaluator::CFittingCandidatesEvaluator(const CFittingCandidatesEvaluator&) =
+    default;
+CFittingCandidatesEvaluator& CFittingCandidatesEvaluator::operator=(
+    const CFittingCandidatesEvaluator&) = default;
+CFittingCandidatesEvaluator* CFittingCandidatesEvaluator::Clone() const {
+  return new CFittingCandidatesEvaluator(*this);
+}
+CFittingCandidatesEvaluator::~CFittingCandidatesEvaluator() = default;
+
+int CFittingCandidatesEvaluator::EvaluateResponseSurfaceCandidate(
+    const CFittingCandidates& candidates, const std::vector<double>& x, double& value) const {
+  EvaluationPoint point(x.data(), x.size());
+  return EvaluateCandidate(candidates, point, value);
+}
+
+int CFittingCandidatesEvaluator::EvaluateResponseSurfaceCandidate(
+    const CFittingCandidates& candidates, const std::vector<double>& x, double& value,
+    double& error) const {
+  EvaluationPoint point(x.data(), x.size());
+  return EvaluateCandidate(candidates, point, value, error);
+}
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,121 @@
+#include "model/cross_validation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+constexpr double kSortTolerance = 1.0e-12;
+constexpr std::uint64_t kLongestSort = 100'000'000;
+
+// Whether nothing but copies of the least value lies within `threshold` of it. It then passes every
+// other value and ends up in front, and no sort is needed to know that. NaN anywhere says no.
+bool HasClearLeast(const double* values, std::size_t count, double threshold, double& least) {
+  least = *std::min_element(values, values + count);
+  return std::all_of(values, values + count,
+                     [&](double value) { return value == least || value - least > threshold; });
+}
+
+}  // namespace
+
+double SortThreshold(int inputs) {
+  return 2.0 * std::sqrt(static_cast<double>(inputs)) * kSortTolerance;
+}
+
+int FirstAfterTolerantSort(double* values, std::size_t count, double threshold, double& first) {
+  if (HasClearLeast(values, count, threshold, first)) return 0;
+  std::uint64_t comparisons = 0;
+  for (std::size_t pass = count - 1; pass > 0; --pass) {
+    comparisons += pass;
+    if (comparisons > kLongestSort) return 1;
+    bool swapped = false;
+    double carried = values[0];
+    for (std::size_t i = 0; i < pass; ++i) {
+      const double next = values[i + 1];
+      const bool swap = carried - next > threshold;
+      values[i] = swap ? next : carried;
+      carried = swap ? carried : next;
+      swapped = swapped || swap;
+    }
+    values[pass] = carried;
+    if (!swapped) break;
+  }
+  first = values[0];
+  return 0;
+}
+
+double MostOfTolerantSort(double count) {
+  return std::min(count * (count + 1.0) / 2.0, static_cast<double>(kLongestSort));
+}
+
+bool CrossValidation::Fits(std::size_t folds, std::size_t columns) const {
+  if (foldCounts.size() < folds) return false;
+  std::size_t rows = 0;
+  for (std::size_t f = 0; f < folds; ++f) {
+    if (foldCounts[f] <= 0) return false;
+    rows += static_cast<std::size_t>(foldCounts[f]);
+  }
+  return rows <= sortedInput.size() &&
+         std::all_of(sortedInput.begin(), sortedInput.end(),
+                     [&](const std::vector<double>& row) { return row.size() >= columns; });
+}
+
+int CrossValidation::EvaluateError(const std::vector<double>& point,
+                                   const std::vector<double>& foldPredictions, double prediction,
+                                   double& error) const {
+  const std::size_t folds = foldPredictions.size();
+  std::vector<double> work(sortedInput.size() + folds);
+  double* const distances = work.data();
+  double* const weights = distances + sortedInput.size();
+
+  // Squared distances take the place of distances here and below, as the distance scale is one too:
+  // the constants belong to that.
+  double nearest = -1.0;
+  for (std::size_t r = 0; r < sortedInput.size(); ++r) {
+    const double* const row = sortedInput[r].data();
+    double sum = 0.0;
+    for (std::size_t k = 0; k < point.size(); ++k) {
+      const double difference = point[k] - row[k];
+      sum += difference * difference;
+    }
+    distances[r] = sum;
+    if (r == 0 || sum < nearest) nearest = sum;
+  }
+
+  // A fold whose samples are near gets little weight: its prediction misses what is known here.
+  const double threshold = SortThreshold(inputs);
+  double total = 0.0;
+  double* start = distances;
+  for (std::size_t f = 0; f < folds; ++f) {
+    const auto count = static_cast<std::size_t>(foldCounts[f]);
+    double closest = 0.0;
+    if (FirstAfterTolerantSort(start, count, threshold, closest) != 0) return 1;
+    const double ratio = closest / distanceScale;
+    weights[f] = 1.0 - std::exp(-10.0 * ratio * ratio);
+    total += weights[f];
+    start += count;
+  }
+
+  double weightedMean = 0.0;
+  for (std::size_t f = 0; f < folds; ++f) {
+    weights[f] = weights[f] / total;
+    weightedMean += weights[f] * foldPredictions[f];
+  }
+  const auto foldCount = static_cast<double>(folds);
+  const double mean = (foldCount * weightedMean + prediction) / (foldCount + 1.0);
+  double variance = 0.0;
+  for (std::size_t f = 0; f < folds; ++f) {
+    const double deviation = foldPredictions[f] - mean;
+    variance += weights[f] * (deviation * deviation);
+  }
+
+  // Near a sample the prediction is known well: the error fades to 0 there.
+  const double damping = std::min(1.0, std::log(1.0 + 10.0 * nearest / (distanceScale + 0.0001)));
+  error = ((0.005 * nearest + std::sqrt(variance)) * damping / outputScaleSlope) * 3.0;
+  return 0;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

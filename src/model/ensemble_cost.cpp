@@ -1,0 +1,114 @@
+#include "model/ensemble_cost.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "families/family.h"
+#include "kernels/loops/loop_table.h"
+#include "model/candidate_access.h"
+#include "model/cross_validation.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+using Access = CandidateAccess;
+using costing::SurfaceCost;
+
+// Coordinates of ordinary points, in the scaled space of a candidate.
+constexpr double kOrdinary = 100.0;
+// Calls and allocations round an evaluation, whatever its surfaces are.
+constexpr double kFrame = 200.0;
+// What a prepared surface and its place in an ensemble hold, whatever the surface is.
+constexpr double kBytesPerSurface = 1000.0;
+// The blocks of a working area, by input and beside them, and the questions of a block of kernels.
+constexpr double kBlock = kernels::kBlock;
+constexpr double kWorkPerInput = 3.0 * sizeof(double);
+constexpr double kWorkOfBlock = kernels::kChunk * sizeof(kernels::Question);
+
+std::uint64_t AsCount(double amount) {
+  constexpr double kTooLarge = 18446744073709551616.0;
+  return amount < kTooLarge ? static_cast<std::uint64_t>(std::ceil(amount))
+                            : std::numeric_limits<std::uint64_t>::max();
+}
+
+SurfaceCost CostOfSurface(const CRSData& surface, double reach) {
+  const Family* const family = FindFamily(surface.DataType());
+  const bool isKnown = family != nullptr && family->cost != nullptr;
+  return isKnown ? family->cost(surface, reach) : SurfaceCost();
+}
+
+/// Adds the value of a surface, weighted; returns the rest.
+SurfaceCost AddValue(const CRSData& surface, double reach, EnsembleCost& cost) {
+  const SurfaceCost own = CostOfSurface(surface, reach);
+  cost.operations += own.value + 2.0;
+  cost.held += own.held + kBytesPerSurface;
+  cost.work = std::max(cost.work, own.perPoint * kBlock + own.once);
+  return own;
+}
+
+/// Adds the error from cross-validation, beside the predictions without each fold.
+void AddCrossValidation(const CFittingCandidate& candidate, double inputs, EnsembleCost& cost) {
+  const auto rows = static_cast<double>(Access::SortedInput(candidate).size());
+  const std::vector<int>& counts = Access::FoldCounts(candidate);
+  cost.operations += rows * (3.0 * inputs + 2.0);
+  for (const int count : counts) {
+    const double size = std::min(std::max(0.0, static_cast<double>(count)), rows);
+    cost.operations += MostOfTolerantSort(size) + costing::kElementary + 10.0;
+  }
+  const auto folds = static_cast<double>(counts.size());
+  cost.held += costing::kBytesPerNumber * rows * inputs;
+  cost.work += costing::kBytesPerNumber * (kBlock * (rows + 2.0 * folds) + rows);
+}
+
+}  // namespace
+
+EnsembleCost& EnsembleCost::operator+=(const EnsembleCost& other) {
+  operations += other.operations;
+  gradientOperations += other.gradientOperations;
+  held += other.held;
+  work = std::max(work, other.work);
+  return *this;
+}
+
+CEvaluationCost EnsembleCost::OfEvaluation() const {
+  return {AsCount(operations), AsCount(held + work)};
+}
+
+CEvaluationCost EnsembleCost::OfGradients() const {
+  return {AsCount(gradientOperations), AsCount(held + work)};
+}
+
+EnsembleCost CostOf(const CFittingCandidate& candidate) {
+  EnsembleCost cost;
+  const auto inputs = static_cast<double>(Access::InputScaleSlopes(candidate).size());
+  double reach = kOrdinary;
+  for (const double intercept : Access::InputScaleIntercepts(candidate)) {
+    reach = std::max(reach, kOrdinary + std::fabs(intercept));
+  }
+  cost.operations = cost.gradientOperations = kFrame + 2.0 * inputs;
+  const bool isValidated = candidate.GetIsErrPredRequired();
+  for (const auto& surface : Access::Surfaces(candidate)) {
+    const SurfaceCost own = AddValue(*surface, reach, cost);
+    if (!isValidated) cost.operations += own.error;
+    cost.gradientOperations += own.gradient + 2.0 * inputs;
+  }
+  if (isValidated) {
+    for (const auto& surface : Access::SubSurfaces(candidate)) AddValue(*surface, reach, cost);
+    AddCrossValidation(candidate, inputs, cost);
+  }
+  cost.work += kBlock * (kWorkPerInput * inputs + kWorkOfBlock);
+  return cost;
+}
+
+EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs) {
+  EnsembleCost cost;
+  for (const auto& [id, candidates] : outputs) {
+    const CFittingCandidate* const candidate = candidates->GetEvaluationCandidatePtr();
+    if (candidate != nullptr) cost += CostOf(*candidate);
+  }
+  return cost;
+}
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "kernels/loops/loop_table.h"
+#include "pxrom/rs_data.h"
+
+namespace Tarvane::Plexura::PXROM::batch {
+
+using kernels::Question;
+using simd::kBlock;
+using simd::KrigingErrorSum;
+using simd::LoopTable;
+using simd::Monomial;
+using simd::Polynomial;
+
+/// Hands out parts of a working area, each a whole number of cache lines. Without an area it only
+/// counts, so that one function tells both how much is needed and what stands where.
+class WorkArea {
+ public:
+  explicit WorkArea(double* start = nullptr) : start_(start) {}
+  double* Take(std::size_t count) {
+    constexpr std::size_t kLine = 8;
+    double* const part = start_ != nullptr ? start_ + used_ : nullptr;
+    used_ += (count + kLine - 1) / kLine * kLine;
+    return part;
+  }
+  std::size_t Used() const { return used_; }
+
+ private:
+  double* start_;
+  std::size_t used_ = 0;
+};
+
+/// What a surface works with, besides its own data: the loops and a working area.
+struct Tools {
+  const kernels::LoopTable* exact = nullptr;
+  const kernels::LoopTable* fast = nullptr;
+  double* work = nullptr;         ///< WorkSize values
+  Question* questions = nullptr;  ///< QuestionCount of them
+};
+
+/// The points of one block, in the space that the candidate hands to its surfaces.
+struct Points {
+  const double* x = nullptr;  ///< input by input, see kBlock
+  std::size_t count = 0;      ///< 1 to kBlock; after them come copies of the last one
+};
+
+/// What an evaluation of a block fills: kBlock values each, of which the first Points::count are
+/// meant.
+struct Results {
+  double* values = nullptr;
+  double* errors = nullptr;  ///< null for the form without errors
+  int* statuses = nullptr;   ///< as the evaluator's: 0, 1 or, with errors, -2
+};
+
+/// One surface, prepared for many points. It never changes.
+class PreparedSurface {
+ public:
+  PreparedSurface() = default;
+  PreparedSurface(const PreparedSurface&) = delete;
+  PreparedSurface& operator=(const PreparedSurface&) = delete;
+  virtual ~PreparedSurface() = default;
+
+  virtual std::size_t WorkSize(bool /*withErrors*/) const { return 0; }
+  virtual std::size_t QuestionCount() const { return 0; }
+  /// As the surface's evaluator at each of the points. Where a status is 1 the rest is open.
+  virtual void Evaluate(const Points& points, const Tools& tools, const Results& results) const = 0;
+
+  /// Whether FastValues is something else than Evaluate without errors.
+  virtual bool HasFastForm() const { return false; }
+  /// How far the two may be apart, for values of no more than `magnitude`.
+  virtual double FastDeviation(double /*magnitude*/) const { return 0.0; }
+  virtual void FastValues(const Points& points, const Tools& tools, const Results& results) const {
+    Evaluate(points, tools, results);
+  }
+
+  virtual std::size_t GradientWorkSize() const { return 0; }
+  /// The derivative of the value at `x` with respect to `x`, in the candidate's space. 1 where the
+  /// value has the status 1 or no derivative, `gradient` then open.
+  virtual int Gradient(const double* x, double* work, double* gradient) const = 0;
+};
+
+/// A surface that answers 1 at every point, as the evaluator of a record does that is not ready,
+/// stopped, or inconsistent.
+std::unique_ptr<const PreparedSurface> PrepareRefused();
+
+}  // namespace Tarvane::Plexura::PXROM::batch

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "pxrom/rs_data.h"
+#include "pxrom/types.h"
+
+namespace Tarvane::Plexura::PXROM::costing {
+
+// What the evaluation of one surface takes. Numbers are estimates and kept as doubles, which no
+// product of sizes can overflow.
+
+/// Operations that exp, log, pow, a sine or a hyperbolic tangent count as.
+constexpr double kElementary = 40.0;
+constexpr double kBytesPerNumber = 8.0;
+/// What a row of samples costs beside its numbers.
+constexpr double kBytesPerRow = 32.0;
+
+struct SurfaceCost {
+  /// Operations at one point: of the value, of the surface's own error beside it, of the gradient.
+  double value = 1.0;
+  double error = 0.0;
+  double gradient = 1.0;
+  /// Bytes that a prepared copy holds.
+  double held = 0.0;
+  /// Bytes that an evaluation works with: for each point of a block, and once.
+  double perPoint = 0.0;
+  double once = 0.0;
+};
+
+/// The smaller of a count and what is there.
+inline double Counted(int count, std::size_t there) {
+  return std::min(static_cast<double>(std::max(count, 0)), static_cast<double>(there));
+}
+
+/// The inputs that an evaluation of the record can have.
+inline double InputsOf(const CRSData& record) {
+  const std::size_t width = record.InputSamples.empty() ? 0 : record.InputSamples.front().size();
+  return Counted(record.NumberOfInputVariables, std::max(width, record.InputScaleSlopes.size()));
+}
+
+/// What a sum of kernels takes that has `centres` terms. A kernel has `perInput` operations for
+/// each input and `perCentre` beside them.
+inline SurfaceCost CostOfKernelSum(double centres, double inputs, double perInput,
+                                   double perCentre) {
+  SurfaceCost cost;
+  cost.value = 2.0 * inputs + centres * (inputs * perInput + perCentre + 2.0);
+  // The slopes take about what the values do, which are needed too.
+  cost.gradient = 2.0 * cost.value + centres * inputs * 3.0;
+  // Centres are kept twice, exact and multiplied for the fast mode.
+  cost.held = kBytesPerNumber * (centres * (2.0 * inputs + 3.0) + 5.0 * inputs);
+  cost.perPoint = kBytesPerNumber * (5.0 * inputs + 2.0 * std::min(centres, 64.0) + 4.0);
+  return cost;
+}
+
+/// Adds a polynomial trend of `functions` functions.
+inline void AddTrend(double functions, SurfaceCost& cost) {
+  cost.value += 4.0 * functions;
+  cost.gradient += 6.0 * functions;
+  cost.held += 2.0 * kBytesPerNumber * functions;
+  cost.perPoint += kBytesPerNumber * functions;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::costing

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "simd/functions.h"
+#include "simd/loop_table.h"
+
+namespace Tarvane::Plexura::PXROM::simd {
+namespace {
+
+/// As many vectors of points go through a loop together, so that the chains of additions of one
+/// point hide behind those of the others.
+constexpr std::size_t kGroup = 4;
+
+/// How many vectors, as a type.
+template <std::size_t kCount>
+struct Vectors {
+  static constexpr std::size_t count = kCount;
+};
+
+/// Calls body(size, first) for all points, group by group and then vector by vector: `size` is a
+/// Vectors, `first` the first point.
+template <class Body>
+PXROM_INLINE void ForAllPoints(std::size_t points, const Body& body) {
+  std::size_t first = 0;
+  // After the last point come copies of it, up to the end of the block.
+  for (; first < points && points - first > (kGroup - 1) * kLanes; first += kGroup * kLanes) {
+    body(Vectors<kGroup>(), first);
+  }
+  for (; first < points; first += kLanes) body(Vectors<1>(), first);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM::simd

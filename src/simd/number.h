@@ -1,0 +1,38 @@
+#pragma once
+
+// The operations of a formula on a plain double. A vector has the same ones (vector.h,
+// functions.h), so that one template serves both.
+
+#include <cmath>
+
+#include "numerics/bessel.h"
+
+#if defined(__GNUC__)
+#define PXROM_INLINE inline __attribute__((always_inline))
+#else
+#define PXROM_INLINE inline
+#endif
+
+namespace Tarvane::Plexura::PXROM::simd {
+
+PXROM_INLINE double Abs(double v) { return std::fabs(v); }
+PXROM_INLINE double Sqrt(double v) { return std::sqrt(v); }
+PXROM_INLINE double Third(double v) { return v / 3.0; }
+PXROM_INLINE double ExpOfMinus(double s) { return std::exp(-s); }
+PXROM_INLINE double Log(double x) { return std::log(x); }
+PXROM_INLINE double Power4(double x) { return std::pow(x, 4.0); }
+PXROM_INLINE double Sin(double x) { return std::sin(x); }
+PXROM_INLINE double Tanh(double x) { return std::tanh(x); }
+PXROM_INLINE double J0(double x) { return BesselJ0(x); }
+
+PXROM_INLINE double Select(bool condition, double yes, double no) { return condition ? yes : no; }
+
+/// yes() where `condition` holds, else `no`. A vector computes yes() for all lanes and picks; a
+/// plain number computes it only when it counts.
+template <class Yes>
+PXROM_INLINE auto If(bool condition, const Yes& yes, double no) -> decltype(yes()) {
+  if (condition) return yes();
+  return no;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::simd

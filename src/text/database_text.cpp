@@ -1,0 +1,224 @@
+#include "text/database_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+
+namespace Tarvane::Plexura::PXROM::reading {
+
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+// A list takes up to four times its text in memory, so that these keep a reader below four times
+// as much.
+constexpr std::size_t kWorkForAnyText = std::size_t{16} << 20;
+constexpr std::size_t kWorkPerCharacter = 16;
+// Longer than any tag of the format can be.
+constexpr std::size_t kLongestTag = 64;
+// What the object of a group takes besides its lists.
+constexpr std::size_t kGroupOverhead = 512;
+// What a row of a matrix takes besides its values.
+constexpr std::size_t kRowOverhead = sizeof(std::vector<double>) + 16;
+
+}  // namespace
+
+std::string OpeningTag(const std::string& word) { return "<" + word + ">"; }
+
+std::string OpeningTag(const std::string& word, int id) {
+  return "<" + word + " " + Labels::attID() + std::to_string(id) + ">";
+}
+
+std::string ClosingTag(const std::string& word) { return "</" + word + ">"; }
+
+std::string_view ViewOf(std::string_view text, std::size_t lower, std::size_t upper) {
+  if (lower > text.size()) throw std::out_of_range("PXROM: a range begins behind the text's end");
+  // Not `upper - lower + 1` alone: that wraps to nothing for npos and 0.
+  return text.substr(lower, upper == kNone ? kNone : upper - lower + 1);
+}
+
+std::string_view RestOfLine(std::string_view text, std::size_t position) {
+  const std::string_view rest = text.substr(position);
+  return rest.substr(0, rest.find(Labels::strEOL()[0]));
+}
+
+std::size_t CountLinesWith(std::string_view range, const std::string& key) {
+  std::size_t count = 0;
+  std::size_t position = range.find(key);
+  while (position != kNone) {
+    ++count;
+    const std::size_t lineEnd = range.find(Labels::strEOL(), position);
+    // At least one on, so that a key which begins with a line end can't be found twice at one
+    // place.
+    position = lineEnd == kNone ? kNone : range.find(key, std::max(lineEnd, position + 1));
+  }
+  return count;
+}
+
+std::size_t WorkAllowedFor(std::size_t length) {
+  return kWorkForAnyText + kWorkPerCharacter * length;
+}
+
+std::size_t WorkOfGroup(std::size_t characters) { return characters + kGroupOverhead; }
+
+std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
+  return rows * (columns * sizeof(double) + kRowOverhead);
+}
+
+namespace {
+
+bool IsMark(char c) { return c == '=' || c == '<'; }
+
+/// Whether a mark is among `kCount` characters. Without a branch and of a fixed size, so that
+/// compilers make vector code of it.
+template <std::size_t kCount>
+bool HasMark(const char* text) {
+  unsigned char any = 0;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    any = static_cast<unsigned char>(any | (IsMark(text[i]) ? 1 : 0));
+  }
+  return any != 0;
+}
+
+void NoteMarks(std::string_view text, std::size_t first, std::size_t end, Marks& marks) {
+  for (std::size_t at = first; at < end; ++at) {
+    const char c = text[at];
+    if (!IsMark(c)) continue;
+    (c == '=' ? marks.equalSigns : marks.brackets).push_back(at);
+  }
+}
+
+}  // namespace
+
+Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
+  // The long lists of numbers, which are nearly all of a text, hold neither.
+  constexpr std::size_t kBlock = 64;
+  constexpr std::size_t kPart = 16;
+  Marks marks;
+  std::size_t at = lower;
+  for (; at < end && end - at >= kBlock; at += kBlock) {
+    if (!HasMark<kBlock>(&text[at])) continue;
+    for (std::size_t part = at; part < at + kBlock; part += kPart) {
+      if (HasMark<kPart>(&text[part])) NoteMarks(text, part, part + kPart, marks);
+    }
+  }
+  NoteMarks(text, at, end, marks);
+  return marks;
+}
+
+DatabaseText::DatabaseText(std::string_view text)
+    : text_(text), limit_(WorkAllowedFor(text.size())) {}
+
+void DatabaseText::Index() {
+  indexed_ = true;
+  marks_ = FindMarks(text_, 0, text_.size());
+  for (const std::size_t at : marks_.brackets) {
+    const std::size_t length = text_.substr(at, kLongestTag).find('>');
+    if (length != kNone) tags_[text_.substr(at, length + 1)].push_back(at);
+  }
+}
+
+std::size_t DatabaseText::Find(std::string_view tag, std::size_t from) const {
+  if (!indexed_ || tag.size() > kLongestTag) return text_.find(tag, from);
+  const auto places = tags_.find(tag);
+  if (places == tags_.end()) return kNone;
+  const auto place = std::lower_bound(places->second.begin(), places->second.end(), from);
+  return place == places->second.end() ? kNone : *place;
+}
+
+int DatabaseText::SearchBounds(const std::string& opening, const std::string& closing,
+                               std::size_t from, Bounds& bounds) const {
+  bounds.lower = Find(opening, from) + opening.size();
+  bounds.upper = Find(closing, bounds.lower);
+  return bounds.upper > bounds.lower ? 0 : 1;
+}
+
+bool DatabaseText::FindGroupInside(const std::string& word, int id, const Bounds& outer,
+                                   Bounds& bounds) const {
+  SearchBounds(OpeningTag(word, id), ClosingTag(word), outer.lower, bounds);
+  return bounds.lower >= outer.lower && bounds.lower <= outer.upper;
+}
+
+bool DatabaseText::Charge(std::size_t bytes) {
+  // Saturates one beyond the limit, so that no sum can wrap.
+  charged_ = bytes > limit_ - std::min(charged_, limit_) ? limit_ + 1 : charged_ + bytes;
+  return !IsExhausted();
+}
+
+AttributeRange::Places AttributeRange::PlacesInside(const std::vector<std::size_t>& places,
+                                                    std::size_t begin, std::size_t end) {
+  const auto first = std::lower_bound(places.begin(), places.end(), begin);
+  const auto last = std::lower_bound(first, places.end(), end);
+  return {places.data() + (first - places.begin()), places.data() + (last - places.begin())};
+}
+
+void AttributeRange::LookThrough() {
+  lookedThrough_ = true;
+  const std::string_view view = ViewOf(text_.View(), bounds_.lower, bounds_.upper);
+  begin_ = bounds_.lower;
+  end_ = begin_ + view.size();
+  marks_ = text_.AllMarks();
+  // The bill is that of a look through the range, which each search of a key may come to.
+  if (!text_.Charge(WorkOfGroup(view.size()))) return;
+  if (marks_ == nullptr) {
+    ownMarks_ = FindMarks(text_.View(), begin_, end_);
+    marks_ = &ownMarks_;
+  }
+  equalSigns_ = PlacesInside(marks_->equalSigns, begin_, end_);
+}
+
+bool AttributeRange::Find(const std::string& key, std::string_view& value) {
+  if (!lookedThrough_) LookThrough();
+  if (text_.IsExhausted()) return false;
+  const std::string_view text = text_.View();
+  for (const std::size_t* place = equalSigns_.first; place != equalSigns_.last; ++place) {
+    const std::size_t behind = *place + 1;
+    if (behind - begin_ < key.size()) continue;
+    // The first characters tell most keys apart.
+    const char* const front = text.data() + (behind - key.size());
+    if (!key.empty() && (*front != key[0] || std::memcmp(front, key.data(), key.size()) != 0)) {
+      continue;
+    }
+    value = text.substr(behind, LineEnd(behind) - behind);
+    return true;
+  }
+  return false;
+}
+
+// Line ends are not among the marks: a text of blank lines has nothing else. Keys of one long line
+// search for its end once.
+std::size_t AttributeRange::LineEnd(std::size_t from) {
+  if (from < lineFrom_ || from > lineEnd_) {
+    lineFrom_ = from;
+    lineEnd_ = std::min(text_.View().find(Labels::strEOL()[0], from), end_);
+  }
+  return lineEnd_;
+}
+
+std::string_view AttributeRange::ListValue(const std::string& key) {
+  std::string_view value;
+  if (!Find(key, value) || !text_.Charge(value.size())) return {};
+  return EmptyIfBlank(value);
+}
+
+int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
+                                std::vector<std::vector<double>>& target) {
+  if (rows < 0 || columns < 0) return 1;
+  const auto rowCount = static_cast<std::size_t>(rows);
+  const auto columnCount = static_cast<std::size_t>(columns);
+  const char separator = Labels::strSep()[0];
+  std::string_view list = ListValue(key);
+  // Both counts are below 2^31, so that their product fits in 64 bits.
+  if (std::uint64_t{rowCount} * columnCount > CountTokens(list, separator)) return 1;
+  if (columnCount == 0 && rowCount > end_ - begin_) return 1;
+  if (!text_.Charge(WorkOfMatrix(rowCount, columnCount))) return 1;
+  std::vector<std::vector<double>> matrix(rowCount);
+  for (std::vector<double>& row : matrix) {
+    row.resize(columnCount);
+    ExtractTokens(list, separator, row.data(), columnCount);
+  }
+  target = std::move(matrix);
+  return 0;
+}
+
+}  // namespace Tarvane::Plexura::PXROM::reading

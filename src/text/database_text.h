@@ -1,0 +1,182 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "pxrom/database_labels.h"
+#include "text/number_text.h"
+#include "text/tokens.h"
+
+namespace Tarvane::Plexura::PXROM::reading {
+
+/// Short for the table of words.
+using Labels = CPXROMDatabaseLabels;
+
+/// A piece of a text: `lower` its first character; `upper` its last character, which for the body
+/// of a group is the "<" of the closing tag.
+struct Bounds {
+  std::size_t lower = 0;
+  std::size_t upper = 0;
+};
+
+/// The opening tags "<word>" and "<word ID=n>".
+std::string OpeningTag(const std::string& word);
+std::string OpeningTag(const std::string& word, int id);
+std::string ClosingTag(const std::string& word);
+
+/// The view of `text` from `lower` to `upper` inclusive; npos means to the end. Throws
+/// std::out_of_range when `lower` lies behind the text's end.
+std::string_view ViewOf(std::string_view text, std::size_t lower, std::size_t upper);
+
+/// The line that begins at `position`, without its end.
+std::string_view RestOfLine(std::string_view text, std::size_t position);
+
+/// The number of lines of `range` that hold `key`.
+std::size_t CountLinesWith(std::string_view range, const std::string& key);
+
+/// How much work a text of `length` characters may ask for, counted in bytes as
+/// DatabaseText::Charge does; what one use of a group of `characters` counts, and what a matrix
+/// counts besides the text of its values.
+std::size_t WorkAllowedFor(std::size_t length);
+std::size_t WorkOfGroup(std::size_t characters);
+std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
+
+/// Where the characters stand that the searches of a text stop at, in ascending order.
+struct Marks {
+  /// Every key ends in one.
+  std::vector<std::size_t> equalSigns;
+  /// What begins every tag.
+  std::vector<std::size_t> brackets;
+};
+
+/// The marks of `text` from `lower` to the one before `end`, as places in the whole text.
+Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end);
+
+/// The text of one database while it is read: a view, an index of its tags and line ends, and an
+/// account of the work that it has asked for. It lives for one Resume call and is not shared.
+class DatabaseText {
+ public:
+  /// `text` must outlive the object and stay as it is.
+  explicit DatabaseText(std::string_view text);
+
+  std::string_view View() const { return text_; }
+
+  /// Lists the places of all tags and keys in one pass, so that no later search walks through the
+  /// text. Without it searches walk, with the same results.
+  void Index();
+  /// The marks of the whole text; null before Index.
+  const Marks* AllMarks() const { return indexed_ ? &marks_ : nullptr; }
+
+  /// The body of the first group opened at or behind `from`. There is no test that either tag was
+  /// found, and the positions wrap as unsigned sums do: that decides what a damaged text means, so
+  /// the arithmetic stays. 1 when the body is empty or ends before it starts, else 0.
+  int SearchBounds(const std::string& opening, const std::string& closing, std::size_t from,
+                   Bounds& bounds) const;
+  /// The body of group `id` inside `outer`, with the search of SearchBounds. False when it begins
+  /// outside of `outer`, so that nothing was found. A body whose closing tag is missing or lies
+  /// further on still counts.
+  bool FindGroupInside(const std::string& word, int id, const Bounds& outer, Bounds& bounds) const;
+
+  /// Books work in proportion to `bytes`: text looked through or memory taken. False once the sum
+  /// is beyond what a text of this length may ask for; see CReaderPXROMDatabase. Groups can be used
+  /// any number of times, so the length of the text alone doesn't bound the work.
+  bool Charge(std::size_t bytes);
+  bool IsExhausted() const { return charged_ > limit_; }
+
+ private:
+  std::size_t Find(std::string_view tag, std::size_t from) const;
+
+  std::string_view text_;
+  std::size_t charged_ = 0;
+  std::size_t limit_ = 0;
+  bool indexed_ = false;
+  Marks marks_;
+  std::unordered_map<std::string_view, std::vector<std::size_t>> tags_;
+};
+
+/// The attributes of one group: finds a key's first place in the range and converts its value. It
+/// works on views, copies nothing, and looks through the text once for all keys.
+///
+/// Scalars stay as they were when the key is missing or its value is blank; lists are always
+/// replaced. Once the text is exhausted nothing is found any more; who reads groups in a loop asks
+/// DatabaseText::IsExhausted and gives up with status 1.
+class AttributeRange {
+ public:
+  AttributeRange(DatabaseText& text, Bounds bounds) : text_(text), bounds_(bounds) {}
+  AttributeRange(const AttributeRange&) = delete;
+  AttributeRange& operator=(const AttributeRange&) = delete;
+
+  DatabaseText& Text() { return text_; }
+  const Bounds& Range() const { return bounds_; }
+
+  /// The value behind the first `key`, to the end of its line or of the range.
+  bool Find(const std::string& key, std::string_view& value);
+
+  void Catch(const std::string& key, int& target) { CatchScalar(key, target); }
+  void Catch(const std::string& key, double& target) { CatchScalar(key, target); }
+  void Catch(const std::string& key, bool& target) { CatchScalar(key, target); }
+
+  /// A list of double, int or std::string.
+  template <class Value>
+  void Catch(const std::string& key, std::vector<Value>& target) {
+    Tokenize(ListValue(key), Labels::strSep()[0], target);
+  }
+
+  /// A list of pairs from std::string to double, int or std::string.
+  template <class Value>
+  void Catch(const std::string& key, std::vector<std::pair<std::string, Value>>& target) {
+    TokenizePairs(ListValue(key), Labels::strSep()[0], Labels::strSubSep()[0], target);
+  }
+
+  /// The int attribute `key` as an enumeration, taken as it stands; 0 when there is none.
+  template <class Enum>
+  Enum CatchEnum(const std::string& key) {
+    int number = 0;
+    Catch(key, number);
+    return static_cast<Enum>(number);
+  }
+
+  /// A matrix, stored flat by rows. 1 with `target` untouched when a count is negative, when the
+  /// list holds fewer than rows * columns values, or when rows of no columns outnumber the
+  /// characters of the range. Values beyond are ignored.
+  [[nodiscard]] int CatchMatrix(const std::string& key, int rows, int columns,
+                                std::vector<std::vector<double>>& target);
+
+ private:
+  template <class Scalar>
+  void CatchScalar(const std::string& key, Scalar& target) {
+    std::string_view value;
+    if (Find(key, value)) Extract(value, target);
+  }
+  std::string_view ListValue(const std::string& key);
+  void LookThrough();
+  /// The end of the line, or of the range, at or after `from`.
+  std::size_t LineEnd(std::size_t from);
+
+  /// Some of the marks, from the first to the one before the last.
+  struct Places {
+    const std::size_t* first = nullptr;
+    const std::size_t* last = nullptr;
+  };
+  static Places PlacesInside(const std::vector<std::size_t>& places, std::size_t begin,
+                             std::size_t end);
+
+  DatabaseText& text_;
+  Bounds bounds_;
+  bool lookedThrough_ = false;
+  // The range as places in the text, its end the one behind its last character.
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  const Marks* marks_ = nullptr;
+  Marks ownMarks_;
+  // Those of the range.
+  Places equalSigns_;
+  // A piece of a line, as the last search found it.
+  std::size_t lineFrom_ = 1;
+  std::size_t lineEnd_ = 0;
+};
+
+}  // namespace Tarvane::Plexura::PXROM::reading

@@ -1,0 +1,135 @@
+// What the inspection says, to the letter: of sound models, of each damage of a table, and of texts
+// that are damaged at random. tests/data/damaged/reports.txt has the whole of it.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <locale>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "database/inspection/test_texts.h"
+#include "support/source_path.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+std::vector<std::string> FindingsOf(const CInspectionReport& report) {
+  std::vector<std::string> lines;
+  for (const CFinding& f : report.findings) {
+    std::ostringstream line;
+    line.imbue(std::locale::classic());
+    line << f.line << ':' << f.column << " severity " << f.severity << ' '
+         << FindingCodeName(f.code) << " | " << f.group << " | " << f.key << " | " << f.found
+         << " | " << f.expected << " | " << f.sentence << '\n';
+    lines.push_back(line.str());
+  }
+  return lines;
+}
+
+std::string OverviewOf(const CDatabaseOverview& o) {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << o.characters << " characters, " << o.lines << " lines\n";
+  for (const CParameterOverview& p : o.parameters) {
+    text << p.id << " | " << p.caption << " | " << p.unit << " | " << p.causality << ' ' << p.type
+         << ' ' << p.enabled << ' ' << p.rank << ' ' << p.hasBounds << ' ' << p.lowerBound << ' '
+         << p.upperBound;
+    for (const int value : p.values) text << " {" << value << '}';
+    text << '\n';
+  }
+  for (const CCombinationOverview& c : o.combinations) {
+    text << "line " << c.line;
+    for (const auto& [id, value] : c.discreteValues) text << ' ' << id << '=' << value;
+    for (const auto& [id, ensemble] : c.outputs) text << ' ' << id << ':' << ensemble;
+    text << '\n';
+  }
+  for (const CEnsembleOverview& e : o.ensembles) {
+    text << "ensemble " << e.id << ": " << e.inputs << ' ' << e.samples << ' ' << e.subSurfaces
+         << ' ' << e.folds << ' ' << e.errorKind << ' ' << e.characters << ',';
+    for (const CSurfaceOverview& s : e.surfaces) {
+      text << ' ' << s.genome << ' ' << s.type << ' ' << s.weight << ' ' << s.samples << ';';
+    }
+    text << '\n';
+  }
+  return text.str();
+}
+
+class Reports {
+ public:
+  explicit Reports(std::string& all) : all_(all) {}
+
+  /// Everything that a sound model has.
+  void AddSound(const std::string& name, const std::string& text) {
+    const CInspectionReport report = InspectPXROMDatabase(text);
+    Begin(name, report);
+    all_ += OverviewOf(report.overview);
+    for (const std::string& line : FindingsOf(report)) all_ += line;
+  }
+
+  /// What a damage adds to the findings of its sound model.
+  void AddDamaged(const std::string& name, const std::string& sound, const std::string& text) {
+    if (sound != sound_) {
+      sound_ = sound;
+      const auto lines = FindingsOf(InspectPXROMDatabase(sound));
+      known_ = {lines.begin(), lines.end()};
+    }
+    const CInspectionReport report = InspectPXROMDatabase(text);
+    Begin(name, report);
+    for (const std::string& line : FindingsOf(report)) {
+      if (known_.count(line) == 0) all_ += line;
+    }
+  }
+
+ private:
+  void Begin(const std::string& name, const CInspectionReport& report) {
+    all_ += "\n# " + name + ": " + std::to_string(report.errors) + " errors, " +
+            std::to_string(report.warnings) + " warnings, " + std::to_string(report.notes) +
+            " notes\n";
+  }
+
+  std::string& all_;
+  std::string sound_;
+  std::set<std::string> known_;
+};
+
+TEST(Reports, SayTheSameToTheLetter) {
+  std::string all;
+  Reports reports(all);
+  for (const std::string& path : GoodModels()) {
+    reports.AddSound(path.substr(SourcePath("").size()), ContentOf(path));
+  }
+  for (const Damage& damage : Damages()) {
+    reports.AddDamaged(damage.name, ContentOf(SourcePath(damage.model)), damage.text);
+  }
+
+  std::mt19937 random(15);
+  const std::pair<const char*, int> models[] = {
+      {"examples/constant.pxdb", 120},
+      {"tests/data/models/constant_sk_dummy/model.pxdb", 40},
+      {"tests/data/models/qrs_sm_stackloss/model.pxdb", 40},
+      {"tests/data/models/mls_np_franke_linear_gauss/model.pxdb", 20},
+      {"tests/data/models/svr_sk_version170/model.pxdb", 20},
+  };
+  for (const auto& [path, count] : models) {
+    const std::string sound = ContentOf(SourcePath(path));
+    for (int round = 0; round < count; ++round) {
+      std::string text = sound;
+      for (int damages = 1 + round % 2; damages > 0; --damages) DamageAtRandom(text, random);
+      reports.AddDamaged(std::string(path) + ' ' + std::to_string(round), sound, text);
+    }
+  }
+
+  const std::string file = "tests/data/damaged/reports.txt";
+  const std::string kept = ContentOf(SourcePath(file));
+  if (all == kept) return;
+  const std::string now = testing::TempDir() + "reports.txt";
+  std::ofstream(now, std::ios::binary) << all;
+  ADD_FAILURE() << "diff " << SourcePath(file) << ' ' << now
+                << "\nshows what changed; copy the new "
+                << "one over the old one where that is meant.";
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

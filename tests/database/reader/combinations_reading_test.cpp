@@ -1,0 +1,238 @@
+// Reading of whole databases: what a text means, and what a damaged one does.
+
+#include <stdexcept>
+
+#include "model/test_candidates.h"
+#include "pxrom/discrete_combinations.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+using NamedValues = std::vector<std::pair<std::string, double>>;
+
+std::string Genome(int id, const std::string& value, const std::string& more = "") {
+  return "<Genome ID=" + std::to_string(id) + ">\n" + more + "DataType=8\nGenomeWeight=0.5\n" +
+         "NumberOfInputVariables=1\nNumberOfSamples=1\nInputSamples=0.5\nOutputSamples=7.5\n"
+         "InputScaleSlopes=1\nInputScaleIntercepts=0\nOutputScaleSlope=1\nOutputScaleIntercept=0\n"
+         "IsReadyForSolve=1\nIsReadyForEvaluation=1\nIsStopped=0\nConstantVersion=170\n"
+         "ConstantValue=" +
+         value + "\n</Genome>\n";
+}
+
+const char kCandidate[] =
+    "CandidateVersion=192\nCandidateNumberOfInputVariables=1\nCandidateNumberOfSamples=2\n"
+    "CandidateInputSamples=0.5,0.75\nCandidateOutputSamples=7.5,8\nCandidateInputScaleSlopes=1\n"
+    "CandidateInputScaleIntercepts=0\nCandidateOutputScaleSlope=1\n"
+    "CandidateOutputScaleIntercept=0\n";
+
+const char kRegistry[] =
+    "<ParameterRegistry>\nParameterRegistryVersion=170\nIDs=x,y\nCausalities=0,1\nTypes=0,0\n"
+    "Availability=1,1\nDiscreteIndexing=\nRegistrationRank={x;0},{y;1}\nUnits={x;m},{y;N}\n"
+    "Captions={x;Length},{y;Force}\nLowerBounds={x;0},{y;0}\nUpperBounds={x;1},{y;10}\n"
+    "</ParameterRegistry>\n";
+
+std::string Database() {
+  return std::string(kRegistry) + "<DiscreteSets>\nDiscreteSet={y;3}\n</DiscreteSets>\n" +
+         "<PlexuraData ID=3>\n" + kCandidate + "CandidateRSCardinality=2\n" +
+         "GARS_ExportPredictionOfError=1\nCardinalOfEachFold=1,1\nRho=0.25\n" +
+         "attScInputPoints=0.5,0.75\nCandidateSubRSCardinality=4\n" + Genome(0, "6") +
+         Genome(1, "8") + Genome(2, "6.5") + Genome(3, "5.5") + Genome(4, "8.25") +
+         Genome(5, "7.75") + "</PlexuraData>\n";
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return text.replace(at, from.size(), to);
+}
+
+int Read(std::string text, CDiscreteCombinations& out) {
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  return reader.ResumeDiscreteCombinations(out);
+}
+
+int Status(const std::string& text) {
+  CDiscreteCombinations model;
+  return Read(text, model);
+}
+
+TEST(Database, ReadsWholeWhateverTheOrderOfItsGroupsAndItsLineEnds) {
+  const std::string groups = Database();
+  const std::size_t data = groups.find("<PlexuraData");
+  std::string windows;
+  for (const char c : groups) windows += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  for (const std::string& text : {windows, groups.substr(data) + groups.substr(0, data)}) {
+    CDiscreteCombinations model;
+    ASSERT_EQ(Read(text, model), 0);
+    const CFittingCandidate& candidate =
+        *model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetEvaluationCandidatePtr();
+    ASSERT_EQ(candidate.GetSubRSCounts(), 4u);
+    EXPECT_EQ(ValueOf(candidate.GetSubRSPtr(2)), 8.25);
+    EXPECT_EQ(candidate.GetDPMinDist(), 0.25);
+    EXPECT_EQ(candidate.GetviNumPtsPerFold(), (std::vector<int>{1, 1}));
+    EXPECT_EQ(candidate.GetvvdScSortedInput(), (Matrix{{0.5}, {0.75}}));
+    EXPECT_EQ(model.ListUpperBound({"y"}), (NamedValues{{"y", 10}}));
+    NamedValues outputs;
+    EXPECT_EQ(model.Evaluate({}, {{"x", 0.6}}, outputs), 0);
+    EXPECT_EQ(outputs, (NamedValues{{"y", 7}}));
+    // A second read adds to the first.
+    EXPECT_EQ(Read(text, model), 0);
+    EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
+  }
+}
+
+TEST(Database, VersionAndFlagDecideAboutCrossValidation) {
+  for (const auto& [from, to] :
+       {std::pair("CandidateVersion=192", "CandidateVersion=170"),
+        std::pair("OfError=1", "OfError=0"), std::pair("GARS_", "gone_")}) {
+    CDiscreteCombinations model;
+    // What is not asked for isn't looked at.
+    const std::string text = Replaced(Replaced(Database(), from, to), "InputPoints=0.5,", "bad=");
+    ASSERT_EQ(Read(text, model), 0) << from;
+    const auto* candidate = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
+    EXPECT_FALSE(candidate->GetIsErrPredRequired());
+    EXPECT_EQ(candidate->GetSubRSCounts(), 0u);
+  }
+}
+
+TEST(Database, WhatCannotBeHonouredIsRefused) {
+  const std::pair<const char*, const char*> damages[] = {
+      {"IDs=x,y", "IDs="},
+      {"IDs=x,y\n", "IDs=\r\n"},
+      {"IDs=", "Ids="},
+      {"Causalities=0,1", "Causalities=0"},
+      {"Types=0,0", "Types="},
+      {"Availability=1,1", "Availability=1"},
+      {"{x;0},{y;1}", "{x;0}"},
+      {"{x;0},{y;1}", "{x;0},{z;1}"},
+      {"Types=0,0", "Types=2,0"},
+      {"{y;3}", "{y;3},{y;3}"},
+      {"{y;3}", ""},
+      {"\nDiscreteSet={y;3}\n", ""},
+      {"CandidateNumberOfSamples=2", "CandidateNumberOfSamples=3"},
+      {"CandidateNumberOfSamples=2", "CandidateNumberOfSamples=-2"},
+      {"CandidateRSCardinality=2", "CandidateRSCardinality=-1"},
+      {"CandidateRSCardinality=2", "CandidateRSCardinality=7"},
+      {"CandidateSubRSCardinality=4", "CandidateSubRSCardinality=5"},
+      {"CandidateSubRSCardinality=4", "CandidateSubRSCardinality=2147483647"},
+      {"attScInputPoints=0.5,0.75", "attScInputPoints=0.5"},
+      {"DataType=8", "DataType=9"},
+      {"DataType=8", "DataType=0"},
+      {"DataType=8", "Data"},
+      {"\nNumberOfSamples=1", "\nNumberOfSamples=2"},
+      {"<Genome ID=0>", "<Genome  ID=0>"},
+  };
+  for (const auto& [from, to] : damages) {
+    EXPECT_EQ(Status(Replaced(Database(), from, to)), 1) << from << " -> " << to;
+  }
+}
+
+TEST(Database, ANegativeNumberOfSurfacesCountsAsNone) {
+  const auto countsOf = [](const std::string& text) {
+    CDiscreteCombinations model;
+    EXPECT_EQ(Read(text, model), 0);
+    const auto* candidate = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
+    return std::pair(candidate->GetRSCount(), candidate->GetSubRSCounts());
+  };
+  std::string text = Replaced(Database(), "SubRSCardinality=4", "SubRSCardinality=-4");
+  EXPECT_EQ(countsOf(text), std::pair(std::size_t{2}, std::size_t{0}));
+  text = Replaced(text, "RSCardinality=2", "RSCardinality=-2");
+  EXPECT_EQ(countsOf(text), std::pair(std::size_t{0}, std::size_t{0}));
+}
+
+TEST(Database, SearchesThatFindSomethingElseAreKept) {
+  // A missing group of that number finds the first one in its place.
+  EXPECT_EQ(Status(Replaced(Database(), "{y;3}", "{y;4}")), 0);
+  // A surface without its closing tag reaches to the next one.
+  EXPECT_EQ(Status(Replaced(Database(), "</Genome>", "")), 0);
+  // A surface behind the candidate's closing tag isn't part of it.
+  EXPECT_EQ(Status(Replaced(Database(), "<Genome ID=0>", "</PlexuraData><Genome ID=0>")), 1);
+  // Without a line end the last line's value ends with the range.
+  EXPECT_EQ(Status(Replaced(Database(), "\n</DiscreteSets>", "</DiscreteSets>")), 0);
+}
+
+TEST(Database, ExceptionsComeFromEmptyPairsAndFromTextsThatEndTooSoon) {
+  CDiscreteCombinations model;
+  EXPECT_THROW(Read("", model), std::out_of_range);
+  EXPECT_THROW(Read(Replaced(Database(), "{x;0},{y", "{x;0},,{y"), model), std::out_of_range);
+  EXPECT_THROW(Read(Replaced(Database(), "{y;3}", ",{y;3}"), model), std::out_of_range);
+  // Nothing is done with the indexing; it is read.
+  const std::string indexing = "DiscreteIndexing=";
+  EXPECT_THROW(Read(Replaced(Database(), indexing, indexing + "{k;0},,{m;1}"), model),
+               std::out_of_range);
+  EXPECT_EQ(Status(Replaced(Database(), indexing, indexing + "{k;0},{m;1}")), 0);
+  // A list of candidates has lost what it held, and got no part of another.
+  CFittingCandidates list = OneConstant(1, 1);
+  EXPECT_THROW(OpenReader("").ResumeFittingCandidates(list, 3), std::out_of_range);
+  EXPECT_EQ(list.GetCandidateCount(), 0u);
+  CDiscreteCombinations after;
+  EXPECT_EQ(Read(Database(), after), 0);
+}
+
+TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
+  std::string text = Database();
+  for (const auto& [from, more] :
+       {std::pair("IDs=x,y", ",k"), std::pair("Causalities=0,1", ",0"),
+        std::pair("Types=0,0", ",2"), std::pair("Availability=1,1", ",2"),
+        std::pair("{y;1}", ",{k;2}"), std::pair("{y;N}", ",{k;kind}"),
+        std::pair("LowerBounds={x;0},{y;0}", ",{k;1}")}) {
+    text = Replaced(text, from, std::string(from) + more);
+  }
+  CDiscreteCombinations model;
+  ASSERT_EQ(Read(text, model), 0);
+  EXPECT_EQ(model.ListParameterUnit({"k"})[0].second, "");
+  EXPECT_EQ(model.ListLowerBound({"k"}), (NamedValues{{"k", 0}}));
+  // Only 1 is enabled.
+  EXPECT_FALSE(model.IsEnabled("k"));
+  // Once it is, a combination without its value is refused.
+  text = Replaced(text, "Availability=1,1,2", "Availability=1,1,1");
+  EXPECT_EQ(Status(Replaced(text, "DiscreteSet={y;3}", "DiscreteSet=")), 1);
+}
+
+TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {
+  OpenReader reader(Replaced(Database(), "DataType=8", "DataType=9"));
+  CFittingCandidates list = OneConstant(1, 1);
+  EXPECT_EQ(reader.ResumeFittingCandidates(list, 3), 1);
+  EXPECT_EQ(list.GetCandidateCount(), 0u);
+  std::string empty = "<PlexuraData ID=3></PlexuraData>";
+  reader.ReadDataStream(empty);
+  list = OneConstant(1, 1);
+  EXPECT_EQ(reader.ResumeFittingCandidates(list, 3), 1);
+  EXPECT_EQ(list.GetCandidateCount(), 1u);
+}
+
+// Groups that are used again and again must not multiply the work without limit.
+TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
+  const auto statusOf = [](int uses, const std::string& group) {
+    std::string sets;
+    for (int i = 0; i < uses; ++i) sets += "DiscreteSet={y;3}\n";
+    return Status(kRegistry +
+                  ("<DiscreteSets>\n" + sets + "</DiscreteSets>\n<PlexuraData ID=3>\n") + group +
+                  "</PlexuraData>\n");
+  };
+  const auto genomes = [](int count, const char* content) {
+    std::string text = kCandidate + ("CandidateRSCardinality=" + std::to_string(count) + "\n");
+    for (int i = 0; i < count; ++i) text += "<Genome ID=" + std::to_string(i) + ">" + content;
+    return text;
+  };
+  std::string samples = "InputSamples=";
+  for (int i = 0; i < 40000; ++i) samples += "1,";
+  EXPECT_EQ(statusOf(20000,
+                     "CandidateVersion=170\nCandidateNumberOfInputVariables=1\n"
+                     "CandidateNumberOfSamples=40000\nCandidateRSCardinality=0\nCandidate" +
+                         samples + "\n"),
+            1);
+  // Surfaces opened inside each other all see the same attributes.
+  EXPECT_EQ(statusOf(1, genomes(20000, "") +
+                            "\nDataType=8\nNumberOfSamples=40000\nNumberOfInputVariables=1\n" +
+                            samples + "\n</Genome>\n"),
+            1);
+  // Many small groups take more memory as objects than their text shows.
+  const std::string many = genomes(300, "\nDataType=8\n</Genome>\n");
+  EXPECT_EQ(statusOf(10, many), 0);
+  EXPECT_EQ(statusOf(3000, many), 1);
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,19 @@
+// In place of the library's: its families, and one row more.
+
+#include "extra_family/plane.h"
+#include "families/families.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+template <class... Records>
+constexpr FamilyList WithPlane(RecordList<Records...>) noexcept {
+  return FamiliesOf(RecordList<Records..., CPlaneData>());
+}
+
+}  // namespace
+
+const FamilyList kAllFamilies = WithPlane(AllRecords());
+
+}  // namespace Tarvane::Plexura::PXROM

@@ -1,0 +1,70 @@
+// The one list of families, and what goes by it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "families/families.h"
+#include "support/model_files.h"
+#include "support/source_path.h"
+#include "testing/random_models.h"
+
+namespace Tarvane::Plexura::PXROM {
+namespace {
+
+TEST(Families, AreAscendingSoThatTheLastNumberIsTheLargest) {
+  const FamilyList families = kAllFamilies;
+  EXPECT_TRUE(std::is_sorted(families.begin(), families.end(),
+                             [](const Family* a, const Family* b) { return a->type < b->type; }));
+}
+
+TEST(Families, HaveRecordsOfTheirType) {
+  for (const Family* const family : kAllFamilies) {
+    EXPECT_EQ(family->newRecord()->DataType(), family->type) << family->name;
+    EXPECT_EQ(FindFamily(family->type), family) << family->name;
+  }
+}
+
+// Those that prepare nothing share one copy of the record among threads.
+TEST(Families, PrepareTheirRecordsIfTheyChangeThem) {
+  for (const Family* const family : kAllFamilies) {
+    if (!family->changesRecordForError) continue;
+    EXPECT_NE(family->prepare, nullptr) << family->name;
+  }
+}
+
+// Without it an evaluation would pass for almost free.
+TEST(Families, SayWhatAnEvaluationCosts) {
+  for (const Family* const family : kAllFamilies) {
+    EXPECT_EQ(family->cost != nullptr, family->hasValue) << family->name;
+  }
+}
+
+TEST(Families, HaveAMakerOfRandomSurfaces) {
+  const std::vector<E_DataType> made = tests::RandomModelOptions().families;
+  for (const Family* const family : kAllFamilies) {
+    const auto count = std::count(made.begin(), made.end(), family->type);
+    EXPECT_EQ(count, family->hasValue ? 1 : 0) << family->name;
+  }
+}
+
+TEST(Families, AreInTheHeaderOfAllHeaders) {
+  const std::string all = ContentOf(SourcePath("include/pxrom/pxrom.h"));
+  const std::string shipped = ContentOf(SourcePath("src/families/families.h"));
+  // Each description includes the public header of its record.
+  std::size_t at = 0;
+  int headers = 0;
+  while ((at = shipped.find("#include \"", at)) != std::string::npos) {
+    at += 10;
+    const std::string path = shipped.substr(at, shipped.find('"', at) - at);
+    const std::string description = ContentOf(SourcePath("src/" + path));
+    const std::size_t header = description.find("#include \"pxrom/");
+    const std::string line = description.substr(header, description.find('\n', header) - header);
+    EXPECT_NE(all.find(line), std::string::npos) << line;
+    ++headers;
+  }
+  EXPECT_EQ(headers, static_cast<int>(kAllFamilies.count));
+}
+
+}  // namespace
+}  // namespace Tarvane::Plexura::PXROM
