@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <string_view>
+#include <unordered_set>
 
 #include "numbers.h"
 #include "refusal.h"
@@ -14,16 +16,15 @@ namespace {
 
 using Texts = std::map<std::string, std::string>;
 
-void RequireInput(const Model& model, const std::vector<Input>& inputs, const std::string& name) {
+[[noreturn]] void RefuseInput(const Model& model, const std::vector<Input>& inputs,
+                              const std::string& name) {
   std::vector<std::string> names;
-  for (const Input& input : inputs) {
-    if (input.id == name) return;
-    names.push_back(input.id);
-  }
+  names.reserve(inputs.size());
+  for (const Input& input : inputs) names.push_back(input.id);
   if (!model.IsRegistered(name)) {
     throw Refusal("the model has no parameter " + Quoted(name) + Suggestion(name, names));
   }
-  throw Refusal(Quoted(name) + " takes no value, it is a parameter of kind " +
+  throw Refusal(Quoted(name) + " takes no value: it is a parameter of kind " +
                 Quoted(KindOf(model, name)));
 }
 
@@ -43,8 +44,8 @@ double RealOf(const std::string& name, const std::string& text) {
   const std::optional<double> value = ParseReal(text);
   if (!value.has_value()) {
     const bool comma = text.find(',') != std::string::npos;
-    throw Refusal("the value of " + name + " is no finite number: " + Quoted(text) +
-                  (comma ? " (decimals take a point)" : ""));
+    throw Refusal("the value of " + name + " is not a finite number: " + Quoted(text) +
+                  (comma ? " (use a decimal point)" : ""));
   }
   return *value;
 }
@@ -84,15 +85,17 @@ std::string Point::CombinationText() const {
 
 std::map<std::string, std::string> TextsByName(const Model& model, const std::vector<Input>& inputs,
                                                const std::vector<std::string>& assignments) {
+  std::unordered_set<std::string_view> known;
+  for (const Input& input : inputs) known.insert(input.id);
   Texts texts;
   for (const std::string& assignment : assignments) {
     // The last "=", since a name may hold one and a number can't.
     const std::size_t equals = assignment.rfind('=');
     if (equals == std::string::npos || equals == 0) {
-      throw Refusal(Quoted(assignment) + " is no assignment of the form NAME=VALUE");
+      throw Refusal(Quoted(assignment) + " is not an assignment of the form NAME=VALUE");
     }
     const std::string name = assignment.substr(0, equals);
-    RequireInput(model, inputs, name);
+    if (known.count(name) == 0) RefuseInput(model, inputs, name);
     if (!texts.emplace(name, assignment.substr(equals + 1)).second) {
       throw Refusal(Quoted(name) + " is given twice");
     }
@@ -117,25 +120,12 @@ bool IsFitted(const Model& model, const Point& point) {
   return model.GetDiscreteCombinationsIndexingPtr()->count(point.Combination()) > 0;
 }
 
-std::string FittedCombinations(const Model& model) {
-  std::string known;
-  const std::vector<std::string> combinations = CombinationsOf(model);
-  constexpr std::size_t kMost = 20;
-  for (std::size_t i = 0; i < std::min(combinations.size(), kMost); ++i) {
-    known += (i > 0 ? "; " : "") + combinations[i];
-  }
-  if (combinations.size() > kMost) {
-    known += "; and " + std::to_string(combinations.size() - kMost) + " more";
-  }
-  return known;
-}
-
 void RequireCombination(const Model& model, const Point& point) {
   if (IsFitted(model, point)) return;
-  const std::string wanted = point.CombinationText();
+  const std::string wanted = Cut(point.CombinationText(), kLongestCombination);
   throw Refusal("there is no model for the combination " +
                 (wanted.empty() ? std::string("without discrete values") : wanted) +
-                "; those that exist are: " + FittedCombinations(model));
+                "; the fitted combinations are: " + FittedCombinations(model));
 }
 
 Point PointOf(const Model& model, const std::vector<std::string>& assignments) {

@@ -21,13 +21,13 @@ struct Point {
   std::string CombinationText() const;
 };
 
-/// The point that assignments such as "L=1.5" name, in any order. Refusal at what is no assignment,
-/// an unknown name, one that is no input or stands twice, a value of the wrong kind, a missing
-/// input and a combination that was not fitted.
+/// The point that assignments such as "L=1.5" name, in any order. Refusal for a text that is not an
+/// assignment, a name that is unknown, not an input or repeated, a value of the wrong kind, a
+/// missing input and a combination that was not fitted.
 Point PointOf(const Model& model, const std::vector<std::string>& assignments);
 
-/// The values of assignments such as "L=1.5", by name and as they were typed. Refusal at what is no
-/// assignment, an unknown name and one that is none of `inputs` or stands twice.
+/// The values of assignments such as "L=1.5", by name and as they were typed. Refusal for a text
+/// that is not an assignment, and for a name that is unknown, not one of `inputs` or repeated.
 std::map<std::string, std::string> TextsByName(const Model& model, const std::vector<Input>& inputs,
                                                const std::vector<std::string>& assignments);
 /// Adds the value of `input` to `point`. Refusal when `text` is of the wrong kind.
@@ -40,8 +40,6 @@ void SortByRank(const Model& model, Point& point);
 /// Refusal when the combination of `point`, which is by rank, was not fitted.
 void RequireCombination(const Model& model, const Point& point);
 bool IsFitted(const Model& model, const Point& point);
-/// "Holes=0, Material=1; Holes=2, Material=1; and 40 more".
-std::string FittedCombinations(const Model& model);
 
 /// The inputs whose value lies outside its bounds, where the surfaces extrapolate.
 std::vector<Input> OutsideBounds(const Model& model, const Point& point);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "command.h"
+#include "json_text.h"
 #include "model_file.h"
 #include "overview.h"
 #include "pxrom/inspection.h"
@@ -26,13 +27,14 @@ bool IsShown(const CheckOptions& options, const pxrom::CFinding& finding) {
 }
 
 void PrintLines(const CheckOptions& options, const pxrom::CInspectionReport& report) {
+  const std::string model = Printed(options.model);
   for (const pxrom::CFinding& finding : report.findings) {
     if (!IsShown(options, finding)) continue;
-    std::cout << options.model << ':' << finding.line << ':' << finding.column << ": "
+    std::cout << model << ':' << finding.line << ':' << finding.column << ": "
               << WordOf(finding.severity) << ": " << finding.sentence << " ["
               << pxrom::FindingCodeName(finding.code) << "]\n";
   }
-  std::cout << options.model << ": " << Counted(report.errors, "error") << ", "
+  std::cout << model << ": " << Counted(report.errors, "error") << ", "
             << Counted(report.warnings, "warning") << ", " << Counted(report.notes, "note") << '\n';
 }
 
@@ -58,9 +60,7 @@ void PrintJson(const CheckOptions& options, const pxrom::CInspectionReport& repo
   document["warnings"] = report.warnings;
   document["notes"] = report.notes;
   document["findings"] = findings;
-  // A text of another encoding than UTF-8 must not cost the report.
-  constexpr int kIndent = 2;
-  std::cout << document.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  PrintDocument(document);
 }
 
 void Check(const CheckOptions& options) {
@@ -79,10 +79,10 @@ void AddCheck(CLI::App& app) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* check = app.add_subcommand("check", "Find what is wrong with a database, by line");
   check->add_option("MODEL", options->model, "Database of fitted models")->required();
-  check->add_flag("-q,--quiet", options->quiet, "Leave out the notes, where nothing is wrong");
+  check->add_flag("-q,--quiet", options->quiet, "Leave out the notes, which report nothing wrong");
   check->add_flag("--json", options->json, "Print JSON, for programs");
   check->footer(
-      "Ends with status 0 when there is no error, else with 1.\n"
+      "The status is 0 without errors, else 1.\n"
       "docs/database-format.md explains the codes in brackets.\n"
       "Example:\n"
       "  pxrom check examples/beam.pxdb");

@@ -4,8 +4,8 @@
 
 namespace pxrom_command {
 
-// Each subcommand adds itself to `app` and runs as the callback of its own parse. It writes its
-// result to the standard output and throws a Refusal when there is none.
+// Each subcommand adds itself to `app` and runs as a callback when it is parsed. It writes its
+// result to the standard output, or throws a Refusal if it has none.
 
 void AddCheck(CLI::App& app);
 void AddEval(CLI::App& app);

@@ -13,15 +13,15 @@ namespace {
 
 using Traits = std::char_traits<char>;
 
-// A quotation mark that is never closed swallows what follows: no further than this.
+// An unclosed quotation mark would include all that follows: this limits it.
 constexpr std::size_t kLongestRow = std::size_t{1} << 20U;
 
-// Some programs begin a text with it.
+// Some programs write it at the start of a text.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 const char* const kUnclosed = "a quotation mark is never closed";
 const char* const kMisplaced =
-    "a quotation mark stands inside a value (a value with one is quoted, and the mark doubled)";
+    "a quotation mark is inside a value (put the value in quotation marks and double the mark)";
 
 }  // namespace
 
@@ -55,7 +55,7 @@ bool CsvReader::NextInputLine(Line& line) {
       line.text += byte;
       if (line.text.size() > kLongestRow) {
         throw Refusal(name_ + ":" + std::to_string(line_ + 1) +
-                      ": the line is longer than a mebibyte: this is no table of points");
+                      ": the line is longer than a mebibyte: this is not a table of points");
       }
     }
   } catch (const std::ios_base::failure&) {
@@ -95,7 +95,7 @@ const char* CsvReader::Feed(const Line& line) {
   return fault;
 }
 
-/// The first line is the row; those behind it are read again.
+/// The first line is the row; the lines after it are read again.
 void CsvReader::EndAsFault(CsvRow& row, const std::vector<Line>& lines, const char* fault) {
   row.text = lines.front().text;
   row.line_end = lines.front().end;

@@ -13,21 +13,21 @@ namespace pxrom_command {
 struct CsvRow {
   /// Where it begins, from 1.
   std::size_t line = 0;
-  /// As it stands there, without its line end, which is empty at the end of some files.
+  /// Unchanged, without its line end, which is empty at the end of some files.
   std::string text;
   std::string line_end;
   /// The values alone: without quotation marks, and without the blanks around a bare value.
   std::vector<std::string> fields;
-  /// What is wrong with its quotation marks, or empty. `fields` then says nothing.
+  /// What is wrong with its quotation marks, or empty. With a fault, `fields` has no meaning.
   std::string fault;
 };
 
-/// Reads rows one by one, however many there are. Lines end with "\n", "\r\n" or "\r"; blank ones
-/// are skipped. A quoted value may hold commas, line ends and doubled quotation marks. A row whose
-/// quotation marks don't fit is one line with a fault, and the next line begins anew.
+/// Reads any number of rows, one by one. Lines end with "\n", "\r\n" or "\r"; blank lines are
+/// skipped. A quoted value may hold commas, line ends and doubled quotation marks. A row whose
+/// quotation marks don't fit is one line with a fault, and the next line begins a new row.
 class CsvReader {
  public:
-  /// `input` has to outlive the reader; `name` is what refusals call it.
+  /// `input` has to outlive the reader; refusals call it `name`.
   CsvReader(std::istream& input, std::string name);
   CsvReader(const CsvReader&) = delete;
   CsvReader& operator=(const CsvReader&) = delete;

@@ -2,16 +2,20 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "assignments.h"
 #include "command.h"
+#include "cost.h"
 #include "eval_points.h"
+#include "json_text.h"
 #include "model_file.h"
 #include "numbers.h"
 #include "parameters.h"
 #include "prediction.h"
 #include "table.h"
+#include "wording.h"
 
 namespace pxrom_command {
 
@@ -20,11 +24,12 @@ namespace {
 struct EvalOptions {
   std::string model;
   std::vector<std::string> assignments;
+  std::string limit;
   bool json = false;
   PointsOptions points;
 };
 
-/// The error of one row; `*` marks those that are not in the unit of the output.
+/// The error of one row; `*` marks an error that is not in the unit of the output.
 std::string ErrorCell(const PredictedOutput& output) {
   constexpr int kDigits = 3;
   if (!output.error.has_value()) return "-";
@@ -53,7 +58,7 @@ void PrintTable(const Model& model, const Point& point,
   }
 
   const std::string combination = point.CombinationText();
-  if (!combination.empty()) std::cout << "At " << combination << ":\n\n";
+  if (!combination.empty()) std::cout << "At " << Printed(combination) << ":\n\n";
   table.Print(std::cout);
   if (scaled || absent) std::cout << '\n';
   if (scaled) {
@@ -64,9 +69,9 @@ void PrintTable(const Model& model, const Point& point,
 
 void PrintJson(const EvalOptions& options, const Model& model, const Point& point,
                const std::vector<PredictedOutput>& outputs) {
-  nlohmann::ordered_json inputs = nlohmann::ordered_json::object();
-  for (const auto& [id, value] : point.discrete) inputs[id] = value;
-  for (const auto& [id, value] : point.continuous) inputs[id] = value;
+  std::vector<std::pair<std::string, nlohmann::ordered_json>> inputs;
+  inputs.insert(inputs.end(), point.discrete.begin(), point.discrete.end());
+  inputs.insert(inputs.end(), point.continuous.begin(), point.continuous.end());
   nlohmann::ordered_json outside = nlohmann::ordered_json::array();
   for (const Input& input : OutsideBounds(model, point)) outside.push_back(input.id);
 
@@ -87,21 +92,19 @@ void PrintJson(const EvalOptions& options, const Model& model, const Point& poin
   }
   nlohmann::ordered_json document;
   document["model"] = options.model;
-  document["inputs"] = inputs;
+  document["inputs"] = ObjectOf(inputs);
   document["outside_bounds"] = outside;
   document["outputs"] = list;
-  // Captions of another encoding than UTF-8 must not cost the numbers.
-  constexpr int kIndent = 2;
-  std::cout << document.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  PrintDocument(document);
 }
 
 void Eval(const EvalOptions& options) {
   const std::unique_ptr<Model> model = ReadModel(options.model);
   const Point point = PointOf(*model, options.assignments);
-  const std::vector<PredictedOutput> outputs = Predict(*model, point);
+  const std::vector<PredictedOutput> outputs = Predict(*model, point, LimitOf(options.limit));
   for (const Input& input : OutsideBounds(*model, point)) {
-    std::cerr << "pxrom eval: note: " << input.id << " lies outside its bounds, " << input.Bounds()
-              << ": the surfaces extrapolate\n";
+    std::cerr << "pxrom eval: note: " << Printed(input.id) << " lies outside its bounds, "
+              << Printed(input.Bounds()) << ": the surfaces extrapolate\n";
   }
   if (options.json) {
     PrintJson(options, *model, point, outputs);
@@ -118,30 +121,30 @@ void AddEval(CLI::App& app) {
       app.add_subcommand("eval", "Evaluate a model at one point or at those of a table");
   eval->add_option("MODEL", options->model, "Database of fitted models")->required();
   eval->add_option("NAME=VALUE", options->assignments,
-                   "Each input once, in any order; those that are missing are listed");
+                   "Each input once, in any order; the command lists missing inputs");
   CLI::Option* json =
       eval->add_flag("--json", options->json, "Print JSON with all digits, for programs");
+  eval->add_option("--limit", options->limit, kLimitHelp)->type_name("OPERATIONS");
   PointsOptions& points = options->points;
   CLI::Option* table = eval->add_option("--points", points.table,
                                         "Table of points, comma-separated; - is the standard input")
                            ->excludes(json);
-  eval->add_option("-o,--out", points.out, "File for the result; else the standard output")
+  eval->add_option("-o,--out", points.out, "File for the result; default: the standard output")
       ->needs(table);
-  eval->add_option("--jobs", points.jobs, "Threads to evaluate with; the result is the same")
+  eval->add_option("--jobs", points.jobs, "Number of threads; the result is the same")
       ->needs(table)
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
   eval->add_flag("--fast", points.fast,
-                 "Faster where kernels are summed, within 1e-11 of the largest value")
+                 "Faster for surfaces that sum kernels, within 1e-11 of the largest value")
       ->needs(table);
   eval->footer(
-      "A table begins with a line of IDs, one column for each input; inputs without a column are\n"
-      "given as NAME=VALUE for all rows. Each row is written as it stood, with new columns behind\n"
-      "it, in all digits: the output by its ID, its predicted error in its unit as \"ID error\", "
-      "or\n"
-      "as \"ID scaled error\" where surfaces report it in a scaled space. What there isn't is "
-      "left\n"
-      "empty. A bad row is told by its line, and the rest goes on; the status is then 1.\n"
+      "A table begins with a line of IDs, one column for each input; give inputs without a column\n"
+      "as NAME=VALUE for all rows. The result has each row unchanged, followed by new columns in\n"
+      "all digits: the output with its ID as heading, and its predicted error as \"ID error\" in\n"
+      "the unit of the output, or as \"ID scaled error\" if a surface reports it in a scaled\n"
+      "space. Missing errors are empty. A bad row is reported by its line, and the other rows are\n"
+      "evaluated; the status is then 1.\n"
       "\n"
       "Example:\n"
       "  pxrom eval examples/beam.pxdb Material=1 Holes=2 L=1.5 b=45 h=90 F=3000\n"
@@ -154,6 +157,7 @@ void AddEval(CLI::App& app) {
     }
     options->points.model = options->model;
     options->points.assignments = options->assignments;
+    options->points.limit = LimitOf(options->limit);
     EvalPoints(options->points);
   });
 }

@@ -1,10 +1,7 @@
 #include "eval_points.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstring>
 #include <deque>
-#include <filesystem>
 #include <fstream>
 #include <future>
 #include <iostream>
@@ -13,6 +10,7 @@
 
 #include "csv_reader.h"
 #include "model_file.h"
+#include "output_file.h"
 #include "point_columns.h"
 #include "point_evaluator.h"
 #include "progress.h"
@@ -25,8 +23,8 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
-// A part of the table that is worked on at once: its size doesn't depend on the number of jobs,
-// for results of the fast mode may depend on the rows that are evaluated together.
+// The size of a block of rows. It does not depend on the number of jobs, since results of the fast
+// mode may depend on the rows that are evaluated together.
 constexpr std::size_t kRows = 2048;
 constexpr std::size_t kCharacters = std::size_t{1} << 22U;
 
@@ -35,7 +33,7 @@ class Source {
  public:
   explicit Source(const std::string& path) : name_(path == "-" ? "<stdin>" : path) {
     if (path != "-") file_ = OpenFile(path);
-    // Else the standard input is read character by character.
+    // Otherwise the standard input is read character by character.
     std::ios::sync_with_stdio(false);
   }
 
@@ -45,45 +43,6 @@ class Source {
  private:
   std::string name_;
   std::ifstream file_;
-};
-
-/// Where the results go.
-class Out {
- public:
-  Out(const std::string& path, const PointsOptions& options) : path_(path) {
-    if (path.empty()) return;
-    for (const std::string& other : {options.table, options.model}) {
-      std::error_code ignored;
-      if (std::filesystem::equivalent(path, other, ignored)) {
-        throw Refusal(Quoted(path) + " is read: the result needs another file");
-      }
-    }
-    errno = 0;
-    file_.open(path, std::ios::binary);
-    Check();
-  }
-
-  void Write(const std::string& text) {
-    errno = 0;
-    Stream() << text;
-    Check();
-  }
-  void Finish() {
-    errno = 0;
-    Stream().flush();
-    Check();
-  }
-
- private:
-  std::ostream& Stream() { return path_.empty() ? std::cout : file_; }
-  void Check() {
-    if (Stream()) return;
-    throw Refusal("can't write to " + (path_.empty() ? "the standard output" : Quoted(path_)) +
-                  ": " + (errno != 0 ? std::strerror(errno) : "writing failed"));
-  }
-
-  std::string path_;
-  std::ofstream file_;
 };
 
 std::vector<CsvRow> NextRows(CsvReader& reader) {
@@ -97,19 +56,19 @@ std::vector<CsvRow> NextRows(CsvReader& reader) {
   return rows;
 }
 
-/// Sees results through in the order of the table, and counts.
+/// Writes results in the order of the table, and counts.
 class Delivery {
  public:
-  Delivery(Out& out, std::string name, bool prints)
-      : out_(out), name_(std::move(name)), progress_(prints) {}
+  Delivery(OutputFile& out, const std::string& name, bool prints)
+      : out_(out), name_(Printed(name)), progress_(prints) {}
 
   void Take(const EvaluatedRows& done) {
     out_.Write(done.text);
     for (const EvaluatedRows::Fault& fault : done.faults) {
-      if (told_ == PointEvaluator::kMostFaults) break;
+      if (listed_ == PointEvaluator::kMostFaults) break;
       progress_.Clear();
-      std::cerr << name_ << ':' << fault.line << ": " << fault.sentence << '\n';
-      ++told_;
+      std::cerr << name_ << ':' << fault.line << ": " << Printed(fault.sentence) << '\n';
+      ++listed_;
     }
     rows_ += done.rows;
     bad_ += done.bad;
@@ -120,8 +79,8 @@ class Delivery {
   void Finish() {
     progress_.Clear();
     out_.Finish();
-    if (bad_ > told_) {
-      std::cerr << name_ << ": " << bad_ - told_ << " more bad rows are not listed\n";
+    if (bad_ > listed_) {
+      std::cerr << name_ << ": " << bad_ - listed_ << " more bad rows are not listed\n";
     }
     std::cerr << "pxrom eval: " << Counted(rows_, "row") << ", "
               << (bad_ == 0 ? "none" : std::to_string(bad_)) << " bad";
@@ -134,16 +93,16 @@ class Delivery {
   }
 
  private:
-  Out& out_;
+  OutputFile& out_;
   std::string name_;
   Progress progress_;
-  std::size_t told_ = 0;
+  std::size_t listed_ = 0;
   std::size_t rows_ = 0;
   std::size_t bad_ = 0;
   std::size_t outside_bounds_ = 0;
 };
 
-/// The header as it stood, with the new headings behind it.
+/// The header unchanged, followed by the new headings.
 std::string HeaderText(const Model& model, const CsvRow& header) {
   std::string text = header.text;
   for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
@@ -163,11 +122,11 @@ void EvalPoints(const PointsOptions& options) {
     throw Refusal(Quoted(table.Name()) + " is empty: its first line has to name the columns");
   }
   const PointColumns columns(*model, header, options.assignments, Quoted(table.Name()));
-  Out out(options.out, options);
+  OutputFile out(options.out, {options.table, options.model});
   out.Write(HeaderText(*model, header));
 
-  PointEvaluator evaluator(*model, columns,
-                           options.fast ? pxrom::PrecisionFast : pxrom::PrecisionExact);
+  PointEvaluator evaluator(
+      *model, columns, options.fast ? pxrom::PrecisionFast : pxrom::PrecisionExact, options.limit);
   Delivery delivery(out, table.Name(), options.out.empty());
   const auto launch = options.jobs > 1 ? std::launch::async : std::launch::deferred;
   std::deque<std::future<EvaluatedRows>> pending;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "pxrom/evaluation_cost.h"
+
 namespace pxrom_command {
 
 struct PointsOptions {
@@ -14,12 +16,13 @@ struct PointsOptions {
   std::string table;
   /// The result; empty is the standard output.
   std::string out;
+  Tarvane::Plexura::PXROM::CEvaluationLimit limit;
   bool fast = false;
   std::size_t jobs = 1;
 };
 
-/// Evaluates a table of points row by row: pxrom eval --points. Refusal when that can't begin or
-/// go on; ends with status 1 by CLI::RuntimeError after rows that were bad.
+/// Evaluates a table of points row by row: pxrom eval --points. Refusal when it can't begin or
+/// continue; CLI::RuntimeError with status 1 at the end if rows were bad.
 void EvalPoints(const PointsOptions& options);
 
 }  // namespace pxrom_command

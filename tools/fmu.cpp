@@ -38,13 +38,15 @@ Description ReadDescription(const std::string& path) {
   std::string text = ReadTextFile(path);
   const std::string root = RootElement(text);
   if (root.empty()) {
-    throw Refusal(Quoted(path) + " is no FMI model description: it has no <fmiModelDescription>");
+    throw Refusal(Quoted(path) +
+                  " is not an FMI model description: it has no <fmiModelDescription>");
   }
   for (const char* version : {"fmiVersion=\"3", "fmiVersion='3"}) {
     if (root.find(version) != std::string::npos) {
-      throw Refusal(Quoted(path) +
-                    " is an FMI 3 description, in which the library finds nothing: it reads the "
-                    "ScalarVariable elements of FMI 1 and 2");
+      throw Refusal(
+          Quoted(path) +
+          " is an FMI 3 description; the library reads only the ScalarVariable elements of "
+          "FMI 1 and 2");
     }
   }
   Description description;
@@ -81,7 +83,7 @@ std::string WordOf(const WordByName& words, const std::string& name) {
 }
 
 void PrintDescription(Description& description) {
-  std::cout << "GUID               " << description.GetGUID() << '\n'
+  std::cout << "GUID               " << Printed(description.GetGUID()) << '\n'
             << "Continuous states  " << description.GetNumberOfContinuousStates() << '\n'
             << "Reals              " << description.GetNumberOfReals()
             << " (2 for each Real variable)\n"
@@ -113,8 +115,8 @@ void PrintLinks(const Description& description, const Model& model, const std::s
     }
   }
   const std::size_t linked = model.ParameterCount() - unlinked.size();
-  std::cout << "\nOf the " << model.ParameterCount() << " parameters of " << path << ", " << linked
-            << (linked == 1 ? " has" : " have") << " a variable of the same name";
+  std::cout << "\nOf the " << model.ParameterCount() << " parameters of " << Printed(path) << ", "
+            << linked << (linked == 1 ? " has" : " have") << " a variable of the same name";
   if (linked > 0) {
     std::cout << ":\n\n";
     table.Print(std::cout);
@@ -122,7 +124,8 @@ void PrintLinks(const Description& description, const Model& model, const std::s
     std::cout << ".\n";
   }
   if (!unlinked.empty()) {
-    std::cout << "\nWithout such a variable: " << Listed(unlinked, unlinked.size()) << '\n';
+    std::cout << "\nWithout such a variable: " << Printed(Listed(unlinked, unlinked.size()))
+              << '\n';
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "model_file.h"
+#include "output_file.h"
 #include "pxrom/database_labels.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/writer.h"
@@ -23,10 +24,10 @@ struct FormatOptions {
 };
 
 [[noreturn]] void RefuseToWrite(const std::string& path, const std::string& reason) {
-  throw Refusal("can't write " + Quoted(path) + " anew: " + reason);
+  throw Refusal("can't format " + Quoted(path) + ": " + reason);
 }
 
-/// The `FMU` group of `text`, written anew; empty when it has none.
+/// The `FMU` group of `text`, written again; empty if it has none.
 std::string FmuGroup(const std::string& path, std::string text) {
   if (text.find('<' + pxrom::CPXROMDatabaseLabels::tagFMU() + '>') == std::string::npos) return "";
   pxrom::CReaderPXROMDatabase reader;
@@ -65,14 +66,14 @@ void Format(const FormatOptions& options) {
 
 void AddFormat(CLI::App& app) {
   const auto options = std::make_shared<FormatOptions>();
-  CLI::App* format = app.add_subcommand("format", "Write a model anew, in one canonical form");
+  CLI::App* format = app.add_subcommand("format", "Write a model again in one canonical form");
   format->add_option("MODEL", options->model, "Database of fitted models")->required();
   format->add_option("-o,--out", options->out,
-                     "File to write, which may be MODEL itself; else the standard output");
+                     "File to write, which may be MODEL itself; default: the standard output");
   format->footer(
-      "The result holds what the library reads of MODEL, so that it evaluates the same to the "
-      "last\n"
-      "bit. What it does not read is left out. Formatting a result again changes nothing.\n"
+      "The result holds what the library reads from MODEL, so it evaluates the same to the last\n"
+      "bit. It leaves out what the library does not read. Formatting a result again changes "
+      "nothing.\n"
       "\n"
       "Example:\n"
       "  pxrom format examples/constant.pxdb");

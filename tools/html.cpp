@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "pxrom/inspection.h"
+
 namespace pxrom_command {
 
 namespace {
@@ -13,8 +15,8 @@ unsigned char At(std::string_view text, std::size_t i) {
   return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
 }
 
-/// The length of the UTF-8 sequence at `i`, or 0 for what is none: RFC 3629, with its exclusion of
-/// surrogates, overlong forms and what lies behind U+10FFFF.
+/// The length of the UTF-8 sequence at `i`, or 0 if there is none: RFC 3629, which excludes
+/// surrogates, overlong forms and everything after U+10FFFF.
 std::size_t SequenceLength(std::string_view text, std::size_t i) {
   struct Form {
     unsigned char first;
@@ -64,7 +66,8 @@ bool IsControl(char c) {
 
 }  // namespace
 
-std::string Escaped(std::string_view text) {
+std::string Escaped(std::string_view given) {
+  const std::string text = Tarvane::Plexura::PXROM::VisibleText(std::string(given));
   std::string escaped;
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t length = SequenceLength(text, i);
@@ -74,7 +77,7 @@ std::string Escaped(std::string_view text) {
     } else if (!entity.empty()) {
       escaped += entity;
     } else {
-      escaped += text.substr(i, length);
+      escaped.append(text, i, length);
     }
     i += length == 0 ? 1 : length;
   }

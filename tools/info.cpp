@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "command.h"
+#include "cost.h"
+#include "json_text.h"
 #include "model_file.h"
 #include "overview.h"
 #include "pxrom/inspection.h"
@@ -32,7 +34,9 @@ void PrintParameters(const ParametersByRank& parameters) {
   table.Print(std::cout);
 }
 
-void PrintCombinations(const pxrom::CDatabaseOverview& overview, const ParametersByRank& by_rank) {
+void PrintCombinations(const pxrom::CDatabaseOverview& overview,
+                       const ParametersByRank& parameters) {
+  const RanksById ranks = RanksOf(parameters);
   const EnsemblesById ensembles = ById(overview);
   Table table({{"Combination"},
                {"Output"},
@@ -41,19 +45,22 @@ void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameter
                {"Samples", Align::Right},
                {"Folds", Align::Right},
                {"Error"},
+               {"Operations", Align::Right},
+               {"Memory", Align::Right},
                {"Size", Align::Right}});
   for (const auto& combination : overview.combinations) {
-    std::string text = TextOf(combination, by_rank);
+    std::string text = TextOf(combination, ranks);
     for (const auto& [output, id] : combination.outputs) {
       std::vector<std::string> row = {text, output, std::to_string(id)};
       const auto found = ensembles.find(id);
       if (found == ensembles.end()) {
-        row.insert(row.end(), {"damaged or missing", "", "", "", ""});
+        row.insert(row.end(), {"damaged or missing", "", "", "", "", "", ""});
       } else {
         const pxrom::CEnsembleOverview& ensemble = *found->second;
         row.insert(row.end(), {SurfacesOf(ensemble), std::to_string(ensemble.samples),
                                ensemble.folds == 0 ? "" : std::to_string(ensemble.folds),
-                               ErrorKindOf(ensemble), std::to_string(ensemble.characters)});
+                               ErrorKindOf(ensemble), OperationsOf(ensemble.cost),
+                               MemoryOf(ensemble.cost), std::to_string(ensemble.characters)});
       }
       table.Add(std::move(row));
       text.clear();
@@ -64,7 +71,7 @@ void PrintCombinations(const pxrom::CDatabaseOverview& overview, const Parameter
 
 void PrintText(const InfoOptions& options, const pxrom::CDatabaseOverview& overview) {
   const ParametersByRank parameters = ByRank(overview);
-  std::cout << options.model << ": " << Counted(overview.characters, "character") << " in "
+  std::cout << Printed(options.model) << ": " << Counted(overview.characters, "character") << " in "
             << Counted(overview.lines, "line") << ", "
             << Counted(overview.parameters.size(), "parameter") << ", "
             << Counted(overview.combinations.size(), "combination") << ", "
@@ -93,7 +100,7 @@ nlohmann::ordered_json JsonOf(const pxrom::CEnsembleOverview& ensemble) {
   nlohmann::ordered_json surfaces = nlohmann::ordered_json::array();
   for (const auto& surface : ensemble.surfaces) {
     surfaces.push_back({{"genome", surface.genome},
-                        {"family", FamilyOf(surface.type)},
+                        {"family", surface.family},
                         {"weight", surface.weight},
                         {"samples", surface.samples}});
   }
@@ -104,6 +111,8 @@ nlohmann::ordered_json JsonOf(const pxrom::CEnsembleOverview& ensemble) {
           {"sub_surfaces", ensemble.subSurfaces},
           {"folds", ensemble.folds},
           {"error", ErrorKindOf(ensemble)},
+          {"operations", ensemble.cost.operations},
+          {"bytes", ensemble.cost.bytes},
           {"characters", ensemble.characters}};
 }
 
@@ -120,17 +129,12 @@ void PrintJson(const InfoOptions& options, const pxrom::CInspectionReport& repor
   for (const auto& parameter : ByRank(overview))
     document["parameters"].push_back(JsonOf(parameter));
   for (const auto& combination : overview.combinations) {
-    nlohmann::ordered_json values = nlohmann::ordered_json::object();
-    for (const auto& [id, value] : combination.discreteValues) values[id] = value;
-    nlohmann::ordered_json outputs = nlohmann::ordered_json::object();
-    for (const auto& [id, group] : combination.outputs) outputs[id] = group;
-    document["combinations"].push_back(
-        {{"line", combination.line}, {"discrete", values}, {"outputs", outputs}});
+    document["combinations"].push_back({{"line", combination.line},
+                                        {"discrete", ObjectOf(combination.discreteValues)},
+                                        {"outputs", ObjectOf(combination.outputs)}});
   }
   for (const auto& ensemble : overview.ensembles) document["ensembles"].push_back(JsonOf(ensemble));
-  // A text of another encoding than UTF-8 must not cost the rest.
-  constexpr int kIndent = 2;
-  std::cout << document.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  PrintDocument(document);
 }
 
 void Info(const InfoOptions& options) {
@@ -142,7 +146,7 @@ void Info(const InfoOptions& options) {
   }
   if (report.errors > 0) {
     std::cerr << "pxrom info: note: the database is damaged (" << Counted(report.errors, "error")
-              << "), pxrom check tells where\n";
+              << "); pxrom check says where\n";
   }
 }
 
@@ -154,8 +158,9 @@ void AddInfo(CLI::App& app) {
   info->add_option("MODEL", options->model, "Database of fitted models")->required();
   info->add_flag("--json", options->json, "Print JSON with all digits, for programs");
   info->footer(
-      "Weights stand before the families of the surfaces that they belong to. Errors come from\n"
-      "cross-validation data or from a surface; sizes are characters of the file.\n"
+      "The weight of a surface is in front of its family. Errors come from cross-validation data\n"
+      "or from a surface. Operations and memory are estimates of what an evaluation takes at each\n"
+      "point; sizes are characters of the file.\n"
       "Example:\n"
       "  pxrom info examples/beam.pxdb");
   info->callback([options] { Info(*options); });

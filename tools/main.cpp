@@ -1,4 +1,4 @@
-// pxrom: fitted response surfaces from the command line, by the library's public headers alone.
+// pxrom: fitted response surfaces on the command line. It uses only the library's public headers.
 
 #include <algorithm>
 #include <exception>
@@ -14,15 +14,21 @@
 
 namespace {
 
-/// One sentence on the standard error, begun with the command that it comes from.
+/// One sentence on the standard error, after the name of the command.
 int Fail(const CLI::App& app, const std::string& sentence) {
   std::string name = app.get_name();
   for (const CLI::App* chosen : app.get_subcommands()) name += ' ' + chosen->get_name();
-  std::cerr << name << ": " << sentence << '\n';
+  std::cerr << name << ": " << pxrom_command::Printed(sentence) << '\n';
   return 1;
 }
 
-/// The parser would only say that a command is missing.
+/// The status, after all output has been written.
+int Ended(const CLI::App& app, int status) {
+  std::cout.flush();
+  return std::cout ? status : Fail(app, "can't write to the standard output");
+}
+
+/// Without this the parser would only say that a command is missing.
 void RequireKnownCommand(const CLI::App& app, int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return;
   std::vector<std::string> names;
@@ -37,7 +43,7 @@ int Run(int argc, char** argv) {
   CLI::App app("Evaluates fitted response surfaces.", "pxrom");
   app.set_version_flag("--version", PXROM_VERSION_STRING);
   app.require_subcommand(1);
-  app.footer("pxrom COMMAND --help tells more, with an example.");
+  app.footer("pxrom COMMAND --help shows its options and an example.");
   pxrom_command::AddEval(app);
   pxrom_command::AddInfo(app);
   pxrom_command::AddCheck(app);
@@ -48,16 +54,13 @@ int Run(int argc, char** argv) {
   try {
     RequireKnownCommand(app, argc, argv);
     app.parse(argc, argv);
-    std::cout.flush();
-    return std::cout ? 0 : Fail(app, "can't write the result to the standard output");
+    return Ended(app, 0);
   } catch (const CLI::RuntimeError& ended) {
     // The result is printed; the command ends with a status of its own.
-    std::cout.flush();
-    return std::cout ? ended.get_exit_code()
-                     : Fail(app, "can't write the result to the standard output");
+    return Ended(app, ended.get_exit_code());
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);  // --help or --version
-    return Fail(app, std::string(error.what()) + " (--help tells more)");
+    if (error.get_exit_code() == 0) return Ended(app, app.exit(error));  // --help or --version
+    return Fail(app, std::string(error.what()) + " (see --help)");
   } catch (const pxrom_command::Refusal& refusal) {
     return Fail(app, refusal.what());
   } catch (const std::bad_alloc&) {
@@ -71,7 +74,7 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {
-    std::cerr << "pxrom: " << error.what() << '\n';
+    std::cerr << "pxrom: " << pxrom_command::Printed(error.what()) << '\n';
     return 1;
   }
 }

@@ -1,13 +1,12 @@
 #include "model_file.h"
 
 #include <cerrno>
-#include <cstring>
+#include <cstdio>
 #include <filesystem>
-#include <iostream>
-#include <iterator>
 
 #include "pxrom/database_labels.h"
 #include "refusal.h"
+#include "system_reason.h"
 #include "wording.h"
 
 namespace pxrom_command {
@@ -16,59 +15,59 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
-/// The reader takes any text and tells a failure by a status alone, so the group that every
-/// database has is looked for first.
+/// The reader accepts any text and reports a failure only by a status, so this first looks for a
+/// group that every database has.
 void RequireGroup(const std::string& path, const std::string& text, const std::string& tag) {
   if (text.find('<' + tag + '>') == std::string::npos) {
-    throw Refusal(Quoted(path) + " is no database of fitted models: it has no <" + tag + "> group");
+    throw Refusal(Quoted(path) + " is not a database of fitted models: it has no <" + tag +
+                  "> group");
   }
 }
 
-[[noreturn]] void RefuseToRead(const std::string& path) {
-  throw Refusal("can't read " + Quoted(path) + ": " +
-                (errno != 0 ? std::strerror(errno) : "reading failed"));
+[[noreturn]] void RefuseToRead(const std::string& path, int error) {
+  throw Refusal("can't read " + Quoted(path) + ": " + ReasonOf(error, "read it"));
 }
+
+struct Close {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
 
 }  // namespace
 
 std::ifstream OpenFile(const std::string& path) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    throw Refusal("can't read " + Quoted(path) + ": it is a folder");
-  }
+  if (std::filesystem::is_directory(path, ignored)) RefuseToRead(path, EISDIR);
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  if (!file.is_open()) RefuseToRead(path);
+  if (!file.is_open()) RefuseToRead(path, errno);
   return file;
 }
 
 std::string ReadTextFile(const std::string& path) {
-  std::ifstream file = OpenFile(path);
   errno = 0;
-  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (file.bad()) RefuseToRead(path);
+  const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "rb"));
+  if (file == nullptr) RefuseToRead(path, errno);
+  std::string text;
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+  // One more, so that the end is met without another allocation. A device has no size.
+  constexpr std::uintmax_t kLargest = std::uintmax_t{1} << 40U;
+  if (!unknown && size < kLargest) text.reserve(static_cast<std::size_t>(size) + 1);
+  constexpr std::size_t kPiece = std::size_t{1} << 16U;
+  for (std::size_t read = 1; read > 0;) {
+    const std::size_t before = text.size();
+    text.resize(before + kPiece);
+    read = std::fread(&text[before], 1, kPiece, file.get());
+    text.resize(before + read);
+  }
+  if (std::ferror(file.get()) != 0) RefuseToRead(path, errno);
   return text;
-}
-
-void WriteTextFile(const std::string& path, const std::string& text) {
-  if (path.empty()) {
-    std::cout << text;
-    return;
-  }
-  errno = 0;
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) {
-    throw Refusal("can't write to " + Quoted(path) + ": " +
-                  (errno != 0 ? std::strerror(errno) : "writing failed"));
-  }
 }
 
 pxrom::CInspectionReport InspectModel(const std::string& path, const std::string& text) {
   pxrom::CInspectionReport report = pxrom::InspectPXROMDatabase(text);
   if (report.overview.parameters.empty() && report.overview.combinations.empty()) {
-    throw Refusal(Quoted(path) + " is no database of fitted models");
+    throw Refusal(Quoted(path) + " is not a database of fitted models");
   }
   return report;
 }

@@ -11,15 +11,12 @@ namespace pxrom_command {
 
 using Model = Tarvane::Plexura::PXROM::CDiscreteCombinations;
 
-/// A file to be read. Refusal when it can't be.
+/// Opens a file for reading. Refusal when that fails.
 std::ifstream OpenFile(const std::string& path);
 /// The bytes of a file. Refusal when it can't be read.
 std::string ReadTextFile(const std::string& path);
-/// Writes a file anew, or to the standard output where `path` is empty. Refusal when it can't be.
-void WriteTextFile(const std::string& path, const std::string& text);
-
-/// What an inspection finds in the text of the file `path`. Refusal when that is no database at
-/// all.
+/// What an inspection finds in the text of the file `path`. Refusal when the file is not a
+/// database at all.
 Tarvane::Plexura::PXROM::CInspectionReport InspectModel(const std::string& path,
                                                         const std::string& text);
 /// The model of a database file. Refusal when the file can't be read or holds no model.

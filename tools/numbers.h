@@ -5,11 +5,11 @@
 
 namespace pxrom_command {
 
-// Numbers of the command line and of the tables, with a decimal point whatever the locale.
+// Numbers of the command line and of the tables, with a decimal point in any locale.
 
-/// The whole of `text` as a finite number; a leading plus is taken.
+/// All of `text` as a finite number; a leading plus is accepted.
 std::optional<double> ParseReal(const std::string& text);
-/// The whole of `text` as an integer; a leading plus is taken.
+/// All of `text` as an integer; a leading plus is accepted.
 std::optional<int> ParseInteger(const std::string& text);
 
 /// At most `digits` significant digits, without trailing zeros.

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iterator>
 #include <map>
+#include <utility>
 
 #include "numbers.h"
 
@@ -21,25 +22,6 @@ const char* WordOf(pxrom::E_FindingSeverity severity) {
       break;
   }
   return "note";
-}
-
-std::string FamilyOf(pxrom::E_DataType type) {
-  switch (type) {
-    case pxrom::DT_QRSData:
-      return "regression";
-    case pxrom::DT_KrigingData:
-      return "Kriging";
-    case pxrom::DT_SVRData:
-      return "support vector";
-    case pxrom::DT_MLSData:
-      return "moving least squares";
-    case pxrom::DT_LBFData:
-      return "linear basis";
-    case pxrom::DT_ConstantData:
-      return "constant";
-    default:
-      return "type " + std::to_string(type);
-  }
 }
 
 std::string TypeOf(pxrom::E_ParameterType type) {
@@ -92,15 +74,21 @@ EnsemblesById ById(const pxrom::CDatabaseOverview& overview) {
   return ensembles;
 }
 
-std::string TextOf(const pxrom::CCombinationOverview& combination,
-                   const ParametersByRank& by_rank) {
-  const std::map<std::string, int> values(combination.discreteValues.begin(),
-                                          combination.discreteValues.end());
+RanksById RanksOf(const ParametersByRank& by_rank) {
+  RanksById ranks;
+  for (std::size_t i = 0; i < by_rank.size(); ++i) ranks.emplace(by_rank[i].id, i);
+  return ranks;
+}
+
+std::string TextOf(const pxrom::CCombinationOverview& combination, const RanksById& ranks) {
+  std::map<std::size_t, const std::pair<std::string, int>*> by_rank;
+  for (const auto& named : combination.discreteValues) {
+    const auto rank = ranks.find(named.first);
+    if (rank != ranks.end()) by_rank.emplace(rank->second, &named);
+  }
   std::string text;
-  for (const auto& parameter : by_rank) {
-    const auto value = values.find(parameter.id);
-    if (value == values.end()) continue;
-    text += (text.empty() ? "" : ", ") + parameter.id + '=' + std::to_string(value->second);
+  for (const auto& [rank, named] : by_rank) {
+    text += (text.empty() ? "" : ", ") + named->first + '=' + std::to_string(named->second);
   }
   return text;
 }
@@ -108,7 +96,7 @@ std::string TextOf(const pxrom::CCombinationOverview& combination,
 std::string SurfacesOf(const pxrom::CEnsembleOverview& ensemble) {
   std::string text;
   for (const auto& surface : ensemble.surfaces) {
-    text += (text.empty() ? "" : ", ") + Shown(surface.weight) + ' ' + FamilyOf(surface.type);
+    text += (text.empty() ? "" : ", ") + Shown(surface.weight) + ' ' + surface.family;
   }
   return text;
 }

@@ -29,10 +29,12 @@ std::string Input::Bounds() const {
 std::string Input::Described() const {
   std::string range;
   if (discrete) {
-    for (std::size_t i = 0; i < values.size(); ++i) {
+    constexpr std::size_t kMost = 20;
+    for (std::size_t i = 0; i < std::min(values.size(), kMost); ++i) {
       if (i > 0) range += i + 1 == values.size() ? " or " : ", ";
       range += std::to_string(values[i]);
     }
+    if (values.size() > kMost) range += " and " + std::to_string(values.size() - kMost) + " more";
   } else {
     range = HasBounds() ? Bounds() : unit;
   }
@@ -82,17 +84,25 @@ std::string UnitOf(const Model& model, const std::string& id) {
   return Only(model.ListParameterUnit({id}));
 }
 
-std::vector<std::string> CombinationsOf(const Model& model) {
+std::string FittedCombinations(const Model& model) {
+  constexpr std::size_t kMost = 20;
   const std::vector<std::string> names = model.ListEnabledDiscreteParameterWrtRegistrationRank();
-  std::vector<std::string> combinations;
-  for (const auto& [values, position] : *model.GetDiscreteCombinationsIndexingPtr()) {
+  const auto& combinations = *model.GetDiscreteCombinationsIndexingPtr();
+  std::string known;
+  std::size_t shown = 0;
+  for (auto entry = combinations.begin(); entry != combinations.end() && shown < kMost; ++entry) {
+    const std::vector<int>& values = entry->first;
     std::string text;
     for (std::size_t i = 0; i < values.size() && i < names.size(); ++i) {
+      if (text.size() > kLongestCombination) break;
       text += (i > 0 ? ", " : "") + names[i] + '=' + std::to_string(values[i]);
     }
-    combinations.push_back(std::move(text));
+    known += (shown++ > 0 ? "; " : "") + Cut(std::move(text), kLongestCombination);
   }
-  return combinations;
+  if (combinations.size() > shown) {
+    known += "; and " + std::to_string(combinations.size() - shown) + " more";
+  }
+  return known;
 }
 
 }  // namespace pxrom_command

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ struct Input {
   /// The values that the fitted combinations have; for a discrete input.
   std::vector<int> values;
 
-  /// A database without bounds says 0 and 0.
+  /// Without bounds both are 0.
   bool HasBounds() const { return lower < upper; }
   /// "L (1 to 2 m)" or "Material (1 or 2)".
   std::string Described() const;
@@ -30,11 +31,14 @@ std::vector<Input> InputsOf(const Model& model);
 
 /// "disabled input", "derived input", "discrete input", "continuous input", "output" ...
 std::string KindOf(const Model& model, const std::string& id);
-/// Empty where the database has none.
+/// Empty if the database has none.
 std::string CaptionOf(const Model& model, const std::string& id);
 std::string UnitOf(const Model& model, const std::string& id);
 
-/// "Material=1, Holes=2" for each fitted combination, in the order of their values.
-std::vector<std::string> CombinationsOf(const Model& model);
+/// "Material=1, Holes=2; Material=1, Holes=4": the first of the fitted combinations, in the order
+/// of their values, and how many more there are.
+std::string FittedCombinations(const Model& model);
+/// A combination in words is cut after so many bytes.
+constexpr std::size_t kLongestCombination = 1000;
 
 }  // namespace pxrom_command

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
+#include <unordered_map>
 
 #include "numbers.h"
 #include "prediction.h"
@@ -12,37 +14,66 @@ namespace pxrom_command {
 
 namespace {
 
-/// What stands in a file, fit for one line on a terminal.
+/// A text of a file, fit for one line on a terminal.
 std::string Excerpt(const std::string& text) {
   constexpr std::size_t kMost = 40;
-  std::string shown = text.size() > kMost ? text.substr(0, kMost) + "..." : text;
-  for (char& c : shown) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-  }
-  return Quoted(shown);
+  return Quoted(Printed(Cut(text, kMost)));
 }
 
 std::string FaultOf(const Input& input, const std::string& text) {
-  return "column " + input.id + ": found " + (text.empty() ? "nothing" : Excerpt(text)) +
-         ", expected " +
+  constexpr std::size_t kLongestName = 64;
+  constexpr std::size_t kLongestInput = 400;
+  return "column " + Cut(input.id, kLongestName) + ": found " +
+         (text.empty() ? "nothing" : Excerpt(text)) + ", expected " +
          (input.discrete ? "an integer that selects a model: " : "a finite number: ") +
-         input.Described();
+         Cut(input.Described(), kLongestInput);
 }
 
+// A table can have a fault in each of its rows: what is said of one must not grow with the number
+// or the length of the names.
 std::string NamesOf(const std::vector<std::pair<std::string, int>>& named) {
+  constexpr std::size_t kMost = 12;
+  constexpr std::size_t kLongest = 64;
   std::vector<std::string> names;
   names.reserve(named.size());
-  for (const auto& [name, value] : named) names.push_back(name);
-  return Listed(names, names.size());
+  for (const auto& [name, value] : named) {
+    names.push_back(names.size() < kMost ? Cut(name, kLongest) : "");
+  }
+  return Listed(names, kMost);
 }
+
+/// The fields of a header by name: where the first of a name is, and how many there are.
+class HeaderNames {
+ public:
+  explicit HeaderNames(const std::vector<std::string>& fields) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      ++names_.emplace(fields[i], Place{i, 0}).first->second.times;
+    }
+  }
+  std::size_t Times(const std::string& name) const {
+    const auto found = names_.find(name);
+    return found == names_.end() ? 0 : found->second.times;
+  }
+  std::size_t First(const std::string& name) const { return names_.at(name).first; }
+
+ private:
+  struct Place {
+    std::size_t first;
+    std::size_t times;
+  };
+  std::unordered_map<std::string_view, Place> names_;
+};
 
 void RequireNone(const std::vector<Input>& missing, const CsvRow& header, const std::string& name) {
   if (missing.empty()) return;
+  constexpr std::size_t kMostTried = 12;
   std::vector<std::string> described;
   std::string suggestion;
   for (const Input& input : missing) {
+    if (suggestion.empty() && described.size() < kMostTried) {
+      suggestion = Suggestion(input.id, header.fields);
+    }
     described.push_back(input.Described());
-    if (suggestion.empty()) suggestion = Suggestion(input.id, header.fields);
   }
   const bool other =
       header.fields.size() == 1 && header.fields.front().find_first_of(";\t") != std::string::npos;
@@ -61,45 +92,45 @@ PointColumns::PointColumns(const Model& model, const CsvRow& header,
   if (!header.fault.empty()) throw Refusal("the header of " + name + ": " + header.fault);
   const std::vector<Input> inputs = InputsOf(model);
   const std::map<std::string, std::string> texts = TextsByName(model, inputs, assignments);
+  const HeaderNames names(header.fields);
   std::vector<Input> missing;
   for (const Input& input : inputs) {
-    const auto begin = header.fields.begin();
-    const auto at = std::find(begin, header.fields.end(), input.id);
+    const std::size_t times = names.Times(input.id);
     const auto text = texts.find(input.id);
-    if (at != header.fields.end()) {
-      if (std::find(at + 1, header.fields.end(), input.id) != header.fields.end()) {
+    if (times > 0) {
+      if (times > 1) {
         throw Refusal("the header of " + name + " has two columns " + Quoted(input.id));
       }
       if (text != texts.end()) {
         throw Refusal(Quoted(input.id) + " is given twice: as a column of " + name +
                       " and as NAME=VALUE");
       }
-      columns_.push_back({static_cast<std::size_t>(at - begin), input});
+      columns_.push_back({names.First(input.id), input});
     } else if (text != texts.end()) {
       Assign(fixed_, input, text->second);
     } else {
       missing.push_back(input);
     }
-    if (!input.discrete && input.HasBounds()) bounded_.push_back(input);
+    if (!input.discrete && input.HasBounds()) {
+      bounds_.emplace(input.id, std::pair(input.lower, input.upper));
+    }
   }
   RequireNone(missing, header, name);
-  // Where no row chooses the combination, none can be wrong about it.
+  // If no row chooses the combination, no row can report a wrong one.
   if (std::none_of(columns_.begin(), columns_.end(),
                    [](const Column& column) { return column.input.discrete; })) {
     Point point = fixed_;
     SortByRank(model, point);
     RequireCombination(model, point);
   }
-  // The first fault of a row is the one that a reader of the table comes to first.
+  // A row reports its leftmost fault.
   std::sort(columns_.begin(), columns_.end(),
             [](const Column& a, const Column& b) { return a.index < b.index; });
 
   for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
-    if (std::find(header.fields.begin(), header.fields.end(), heading) == header.fields.end()) {
-      continue;
-    }
-    throw Refusal("the header of " + name + " has a column " + Quoted(heading) +
-                  " already, which the result would have twice; give it another name");
+    if (names.Times(heading) == 0) continue;
+    throw Refusal("the header of " + name + " already has a column " + Quoted(heading) +
+                  ", which the result adds; give it another name");
   }
 }
 
@@ -126,15 +157,15 @@ std::string PointColumns::Read(const Model& model, const CsvRow& row, Point& poi
   SortByRank(model, point);
   if (IsFitted(model, point)) return "";
   return (point.discrete.size() == 1 ? "column " : "columns ") + NamesOf(point.discrete) +
-         ": found " + point.CombinationText() +
+         ": found " + Cut(point.CombinationText(), kLongestCombination) +
          ", for which there is no model, expected one of: " + FittedCombinations(model);
 }
 
 bool PointColumns::IsOutsideBounds(const Point& point) const {
-  return std::any_of(bounded_.begin(), bounded_.end(), [&point](const Input& input) {
-    const auto at = std::find_if(point.continuous.begin(), point.continuous.end(),
-                                 [&input](const auto& named) { return named.first == input.id; });
-    return at->second < input.lower || at->second > input.upper;
+  return std::any_of(point.continuous.begin(), point.continuous.end(), [this](const auto& named) {
+    const auto bounds = bounds_.find(named.first);
+    return bounds != bounds_.end() &&
+           (named.second < bounds->second.first || named.second > bounds->second.second);
   });
 }
 

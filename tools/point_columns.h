@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "assignments.h"
@@ -10,17 +12,17 @@
 
 namespace pxrom_command {
 
-/// What the columns of a table of points mean: from its header and from the inputs that have one
+/// The meaning of the columns of a table of points, from its header and from the inputs with one
 /// value for all rows.
 class PointColumns {
  public:
-  /// Refusal that begins with `name`, the table's, when an input has no column and no assignment,
-  /// or more than one of them, and when a column has the name of one that is to be added.
+  /// Refusal that names the table, `name`, when an input has no column and no assignment, or more
+  /// than one of them, and when a column has the name of a column that the result adds.
   PointColumns(const Model& model, const CsvRow& header,
                const std::vector<std::string>& assignments, const std::string& name);
 
-  /// The point of a row, by rank, into `point`; or what is wrong with the row, as a part of a
-  /// sentence.
+  /// Writes the point of a row, by rank, to `point`. Returns what is wrong with the row, as a part
+  /// of a sentence, or an empty string.
   std::string Read(const Model& model, const CsvRow& row, Point& point) const;
   /// Whether a value of the point of such a row lies outside its bounds.
   bool IsOutsideBounds(const Point& point) const;
@@ -37,11 +39,12 @@ class PointColumns {
   std::size_t count_;
   std::vector<Column> columns_;
   Point fixed_;
-  std::vector<Input> bounded_;
+  /// The bounds of the inputs that have some, by ID.
+  std::unordered_map<std::string, std::pair<double, double>> bounds_;
 };
 
-/// The columns that an output adds to a table. An error in the output's unit and one in a scaled
-/// space are different things, and which of them there is depends on the combination.
+/// The columns that an output adds to a table. An error in the output's unit and an error in a
+/// scaled space are different, and the combination decides which of them there is.
 struct OutputColumns {
   std::string id;
   bool has_error = false;

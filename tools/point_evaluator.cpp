@@ -12,11 +12,16 @@ namespace pxrom_command {
 
 namespace pxrom = Tarvane::Plexura::PXROM;
 
+namespace {
+constexpr std::size_t kLongestName = 64;
+}
+
 PointEvaluator::PointEvaluator(const Model& model, const PointColumns& columns,
-                               pxrom::E_PrecisionMode mode)
+                               pxrom::E_PrecisionMode mode, const pxrom::CEvaluationLimit& limit)
     : model_(model),
       columns_(columns),
       mode_(mode),
+      limit_(limit),
       outputs_(OutputColumnsOf(model)),
       headings_(HeadingsOf(outputs_).size()) {}
 
@@ -28,6 +33,7 @@ const PointEvaluator::Combination& PointEvaluator::Prepared(const Point& point) 
 
   Combination combination;
   std::string reason;
+  RequireWithin(limit_, model_, point);
   if (pxrom::CPreparedModel::Prepare(model_, point.discrete, combination.model, &reason) != 0) {
     throw Refusal("the library can't prepare " + point.CombinationText() + ": " + reason);
   }
@@ -56,7 +62,7 @@ void PointEvaluator::EvaluateGroup(const Group& group, Results& results) const {
   std::vector<int> statuses(rows * ids.size());
   model.Evaluate(group.points.data(), rows, mode_, values.data(), errors.data(), statuses.data());
   if (std::find(statuses.begin(), statuses.end(), 1) != statuses.end()) {
-    // Families that know no error have values for those who don't ask for one.
+    // Families without an error have values if they are not asked for one.
     std::vector<double> alone(values.size());
     std::vector<int> again(statuses.size());
     model.Evaluate(group.points.data(), rows, mode_, alone.data(), nullptr, again.data());
@@ -74,7 +80,8 @@ void PointEvaluator::EvaluateGroup(const Group& group, Results& results) const {
       const std::size_t k = r * ids.size() + o;
       if (statuses[k] == 1) {
         if (results.faults[row].empty()) {
-          results.faults[row] = "the library can't evaluate the output " + Quoted(ids[o]) + " here";
+          results.faults[row] = "the library can't evaluate the output " +
+                                Quoted(Cut(ids[o], kLongestName)) + " here";
         }
         continue;
       }
@@ -87,7 +94,7 @@ void PointEvaluator::EvaluateGroup(const Group& group, Results& results) const {
 void PointEvaluator::Append(const CsvRow& row, const std::optional<double>* cells,
                             std::string& text) const {
   text += row.text;
-  // A row that is too short must not have its results in the columns that it lacks.
+  // The results of a row that is too short must not go to the columns that it lacks.
   if (row.fault.empty() && row.fields.size() < columns_.Count()) {
     text.append(columns_.Count() - row.fields.size(), ',');
   }

@@ -21,7 +21,7 @@ struct EvaluatedRows {
     std::string sentence;
   };
 
-  /// Every row as it stood, with one cell more per heading; those of a bad row are empty.
+  /// Every row unchanged, with one more cell per heading; the new cells of a bad row are empty.
   std::string text;
   std::size_t rows = 0;
   std::size_t bad = 0;
@@ -30,22 +30,24 @@ struct EvaluatedRows {
   std::size_t outside_bounds = 0;
 };
 
-/// Evaluates rows of points, each with the combination of discrete values that it names. What it
-/// prepares for a combination is kept. Any number of threads may use one; the results don't depend
-/// on them.
+/// Evaluates rows of points, each with the combination of discrete values that it names, and keeps
+/// what it prepares for a combination. Any number of threads may use one; the results do not depend
+/// on their number.
 class PointEvaluator {
  public:
-  /// At most so many faults are put in words.
+  /// The largest number of faults that are put in words.
   static constexpr std::size_t kMostFaults = 20;
 
-  /// Both have to outlive the evaluator.
+  /// The model and the columns have to outlive the evaluator, which refuses combinations that cost
+  /// more than `limit`.
   PointEvaluator(const Model& model, const PointColumns& columns,
-                 Tarvane::Plexura::PXROM::E_PrecisionMode mode);
+                 Tarvane::Plexura::PXROM::E_PrecisionMode mode,
+                 const Tarvane::Plexura::PXROM::CEvaluationLimit& limit);
 
   EvaluatedRows Evaluate(const std::vector<CsvRow>& rows);
 
  private:
-  /// What is prepared for one combination, and to which heading each number goes.
+  /// What is prepared for one combination, and the heading for each number.
   struct Combination {
     Tarvane::Plexura::PXROM::CPreparedModel model;
     std::vector<std::size_t> value_headings;
@@ -70,6 +72,7 @@ class PointEvaluator {
   const Model& model_;
   const PointColumns& columns_;
   Tarvane::Plexura::PXROM::E_PrecisionMode mode_;
+  Tarvane::Plexura::PXROM::CEvaluationLimit limit_;
   std::vector<OutputColumns> outputs_;
   std::size_t headings_ = 0;
   std::mutex mutex_;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "pxrom/batch.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -15,7 +16,8 @@ namespace {
 
 using Values = std::vector<std::pair<std::string, double>>;
 
-/// The library names no culprit, but it stops at it: the first output without a value.
+/// The library does not name the output that fails, but it stops there: the first output without a
+/// value.
 [[noreturn]] void RefuseOutput(const Model::OutputsByID& outputs, const Values& done,
                                const Point& point) {
   std::string culprit;
@@ -32,7 +34,7 @@ using Values = std::vector<std::pair<std::string, double>>;
 std::optional<double> ErrorAt(const pxrom::CFittingCandidates& candidates, const Point& point) {
   std::vector<double> x;
   for (const auto& [name, value] : point.continuous) x.push_back(value);
-  // A Kriging surface writes its record when it is asked for an error: a copy takes that.
+  // A Kriging surface can write its record when it computes an error, so this works on a copy.
   const std::unique_ptr<pxrom::CFittingCandidates> copy(candidates.Clone());
   double value = 0.0;
   double error = 0.0;
@@ -55,7 +57,18 @@ ErrorSpace ErrorSpaceOf(const pxrom::CFittingCandidates& candidates) {
   return physical ? ErrorSpace::Physical : ErrorSpace::Scaled;
 }
 
-std::vector<PredictedOutput> Predict(const Model& model, const Point& point) {
+void RequireWithin(const pxrom::CEvaluationLimit& limit, const Model& model, const Point& point) {
+  pxrom::CEvaluationCost cost;
+  std::string reason;
+  const bool isKnown =
+      pxrom::CPreparedModel::EstimateCost(model, point.discrete, cost, &reason) == 0;
+  if (isKnown && CheckEvaluationCost(cost, limit, &reason) == 0) return;
+  throw Refusal(reason + " --limit sets it.");
+}
+
+std::vector<PredictedOutput> Predict(const Model& model, const Point& point,
+                                     const pxrom::CEvaluationLimit& limit) {
+  RequireWithin(limit, model, point);
   const Model::OutputsByID& outputs = OutputsAt(model, point);
   Values values;
   if (model.Evaluate(point.discrete, point.continuous, values) != 0) {

@@ -24,7 +24,7 @@ void Progress::Show(std::size_t rows) {
 }
 
 void Progress::Clear() {
-  // To the start of the line, and what is behind that goes.
+  // Moves to the start of the line and clears the line.
   if (shown_) std::cerr << "\r\x1B[K" << std::flush;
   shown_ = false;
 }

@@ -5,15 +5,15 @@
 
 namespace pxrom_command {
 
-/// A line on the standard error that counts rows while they are worked on: only on a terminal, and
-/// not on one that shows the rows themselves.
+/// A line on the standard error that counts rows during the work: only on a terminal, and not on a
+/// terminal that shows the rows themselves.
 class Progress {
  public:
   explicit Progress(bool prints_rows);
 
   /// `rows` are done so far.
   void Show(std::size_t rows);
-  /// Takes the line away, for something else to be printed.
+  /// Removes the line, so that something else can be printed.
   void Clear();
 
  private:

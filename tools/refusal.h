@@ -5,7 +5,7 @@
 namespace pxrom_command {
 
 /// Ends the command with exit status 1. what() is one sentence for the person who typed it: it
-/// names what was wrong and, where there is one, the way out.
+/// says what was wrong and, if possible, what to do.
 struct Refusal : std::runtime_error {
   using std::runtime_error::runtime_error;
 };

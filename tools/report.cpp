@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "model_file.h"
+#include "output_file.h"
 #include "report_page.h"
 #include "wording.h"
 
@@ -18,20 +19,23 @@ struct ReportOptions {
 };
 
 void Report(const ReportOptions& options) {
+  // Opened first: a model that is given as the page, too, is refused before any work.
+  OutputFile out(options.out, {options.model});
   ReportedStudy study;
   study.file = std::filesystem::path(options.model).filename().string();
   study.text = ReadTextFile(options.model);
   study.inspection = InspectModel(options.model, study.text);
-  WriteTextFile(options.out, ReportPage(study));
+  out.Write(ReportPage(study));
+  out.Finish();
   if (study.inspection.errors > 0) {
     std::cerr << "pxrom report: the database is damaged ("
               << Counted(study.inspection.errors, "error")
-              << "): the page has the findings and doesn't evaluate\n";
+              << "): the page shows the findings and does not evaluate\n";
     throw CLI::RuntimeError(1);
   }
   if (!CanReportLive()) {
-    std::cerr << "pxrom report: note: this build has no live part, so that the page doesn't "
-                 "evaluate; script/bootstrap --report and another build add it\n";
+    std::cerr << "pxrom report: note: this build has no live part, so the page does not evaluate; "
+                 "run script/bootstrap --report and build again to add it\n";
   }
 }
 
@@ -41,12 +45,12 @@ void AddReport(CLI::App& app) {
   const auto options = std::make_shared<ReportOptions>();
   CLI::App* report = app.add_subcommand("report", "Write a page about a model, to send and to try");
   report->add_option("MODEL", options->model, "Database of fitted models")->required();
-  report->add_option("-o,--out", options->out, "File to write; else the standard output");
+  report->add_option("-o,--out", options->out, "File to write; default: the standard output");
   report->footer(
-      "The page is one HTML file that needs no network: the inputs and outputs, the surfaces, "
-      "what\n"
-      "pxrom check finds, and the library itself, which evaluates the model in the browser.\n"
-      "Ends with status 1 for a damaged database; the page then has the findings alone.\n"
+      "The page is one HTML file that needs no network. It shows the inputs and outputs, the\n"
+      "surfaces and what pxrom check finds, and holds the library itself, which evaluates the\n"
+      "model in the browser. The status is 1 for a damaged database; the page then shows only\n"
+      "the findings.\n"
       "Example:\n"
       "  pxrom report examples/beam.pxdb -o beam.html");
   report->callback([options] { Report(*options); });

@@ -85,6 +85,7 @@ std::string ParametersSection(const ParametersByRank& parameters,
 
 std::string EnsemblesSection(const pxrom::CDatabaseOverview& overview,
                              const ParametersByRank& parameters) {
+  const RanksById ranks = RanksOf(parameters);
   const EnsemblesById ensembles = ById(overview);
   HtmlTable table{"Surfaces",
                   {{"Combination", ""},
@@ -95,7 +96,7 @@ std::string EnsemblesSection(const pxrom::CDatabaseOverview& overview,
                    {"Error from", ""}},
                   {}};
   for (const auto& combination : overview.combinations) {
-    std::string text = TextOf(combination, parameters);
+    std::string text = TextOf(combination, ranks);
     for (const auto& [output, id] : combination.outputs) {
       Row row = {{text, ""}, {output, "id"}};
       const auto found = ensembles.find(id);
@@ -146,11 +147,11 @@ std::string FindingsTable(const std::vector<pxrom::CFinding>& findings, bool not
   return "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Findings\"><table "
          "class=\"findings\">\n<thead><tr><th scope=\"col\">Severity</th><th scope=\"col\" "
          "class=\"number\">Line</th><th scope=\"col\">Where</th><th scope=\"col\">What</th><th "
-         "scope=\"col\">Right would be</th><th scope=\"col\">Code</th></tr></thead>\n<tbody>\n" +
+         "scope=\"col\">Expected</th><th scope=\"col\">Code</th></tr></thead>\n<tbody>\n" +
          rows + "</tbody></table></div>\n";
 }
 
-/// Notes tell of nothing wrong: they are folded away.
+/// Notes report nothing wrong, so they are folded away.
 std::string FindingsSection(const pxrom::CInspectionReport& inspection) {
   std::string content;
   if (inspection.errors + inspection.warnings == 0) {
@@ -192,14 +193,14 @@ std::string SummaryOf(const pxrom::CDatabaseOverview& overview) {
 std::string LiveSection(const ReportedStudy& study) {
   if (study.inspection.errors > 0) {
     return Section("live", "Try it",
-                   "<p>The database is damaged, so that this page doesn't evaluate it: the "
-                   "findings tell where.</p>\n");
+                   "<p>The database is damaged, so this page does not evaluate it. The "
+                   "findings say where.</p>\n");
   }
   if (!CanReportLive()) {
     return Section("live", "Try it",
-                   "<p>This page doesn't evaluate: the <code>pxrom</code> that wrote it was built "
-                   "without the live part. <code>script/bootstrap --report</code> and another "
-                   "build add it.</p>\n");
+                   "<p>This page does not evaluate: the <code>pxrom</code> that wrote it was built "
+                   "without the live part. Run <code>script/bootstrap --report</code> and build "
+                   "again to add it.</p>\n");
   }
   return std::string(report_assets::kLive);
 }
@@ -215,7 +216,7 @@ std::string DataOf(const ReportedStudy& study) {
          Element(R"(type="module")", report_assets::kScript);
 }
 
-/// Replaces each "@NAME@" of a known name, once: what is put in is not looked at again.
+/// Replaces each "@NAME@" with a known name, once: the inserted text is not searched again.
 std::string Filled(std::string_view text, const std::map<std::string_view, std::string>& parts) {
   std::string filled;
   while (true) {

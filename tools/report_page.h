@@ -16,8 +16,8 @@ struct ReportedStudy {
 /// Whether this build can write pages that evaluate.
 bool CanReportLive();
 
-/// A page on a study, complete in itself: what the database holds, what is wrong with it, and, for
-/// one without errors, the library with the database to evaluate it in the browser.
+/// A complete page about a study: what the database holds, what is wrong with it, and, if it has no
+/// errors, the library and the database, so that the browser can evaluate it.
 std::string ReportPage(const ReportedStudy& study);
 
 }  // namespace pxrom_command

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "wording.h"
+
 namespace pxrom_command {
 
 namespace {
@@ -14,7 +16,7 @@ struct CodePoints {
   std::uint32_t last;
 };
 
-/// Marks that stand on the letter before them.
+/// Marks that combine with the letter before them.
 constexpr CodePoints kCombining[] = {
     {0x300, 0x36F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}};
 /// Letters of East Asian scripts and pictures, which terminals draw two columns wide.
@@ -29,7 +31,7 @@ bool IsIn(const CodePoints (&ranges)[N], std::uint32_t code) {
   });
 }
 
-/// The code point that begins at `text[i]`, with `i` moved behind it. A byte that begins none, as
+/// The code point that begins at `text[i]`; moves `i` past it. A byte that begins no code point, as
 /// in a text of another encoding, counts as one.
 std::uint32_t NextCodePoint(const std::string& text, std::size_t& i) {
   const auto byte = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
@@ -53,6 +55,10 @@ std::size_t Width(const std::string& text) {
   return width;
 }
 
+/// A cell that is wider moves the rest of its own line: to fill up all others to its width would
+/// take their number times that.
+constexpr std::size_t kWidest = 300;
+
 std::string Padded(const std::string& text, std::size_t width, Align align) {
   const std::string blanks(width - std::min(width, Width(text)), ' ');
   return align == Align::Left ? text + blanks : blanks + text;
@@ -61,11 +67,7 @@ std::string Padded(const std::string& text, std::size_t width, Align align) {
 }  // namespace
 
 void Table::Add(std::vector<std::string> cells) {
-  for (std::string& cell : cells) {
-    for (char& c : cell) {
-      if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-    }
-  }
+  for (std::string& cell : cells) cell = Printed(std::move(cell));
   rows_.push_back(std::move(cells));
 }
 
@@ -73,8 +75,13 @@ void Table::Print(std::ostream& out) const {
   std::vector<std::string> lines(rows_.size() + 2);
   for (std::size_t c = 0; c < columns_.size(); ++c) {
     std::size_t width = 0;
-    for (const auto& row : rows_) width = std::max(width, Width(row[c]));
-    if (width == 0) continue;
+    bool empty = true;
+    for (const auto& row : rows_) {
+      const std::size_t own = Width(row[c]);
+      if (own <= kWidest) width = std::max(width, own);
+      empty = empty && own == 0;
+    }
+    if (empty) continue;
     width = std::max(width, Width(columns_[c].heading));
 
     const std::string gap = lines[0].empty() ? "" : "  ";

@@ -18,8 +18,8 @@ class Table {
 
   explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
-  /// One cell per column. Control characters are replaced, so that no text of a file can steer the
-  /// terminal.
+  /// One cell per column. They are shown as Printed makes them, so that no text of a file can steer
+  /// the terminal.
   void Add(std::vector<std::string> cells);
   void Print(std::ostream& out) const;
 

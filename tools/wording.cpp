@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
+
+#include "pxrom/inspection.h"
 
 namespace pxrom_command {
 
@@ -27,6 +30,20 @@ std::size_t EditDistance(const std::string& a, const std::string& b) {
 
 }  // namespace
 
+std::string Printed(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+  }
+  return Tarvane::Plexura::PXROM::VisibleText(std::move(text));
+}
+
+std::string Cut(std::string text, std::size_t most) {
+  if (text.size() <= most) return text;
+  while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0U) == 0x80U) --most;
+  text.resize(most);
+  return text + "...";
+}
+
 std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
 std::string Counted(std::size_t count, const std::string& one) {
@@ -48,10 +65,16 @@ std::string Listed(const std::vector<std::string>& items, std::size_t most) {
 }
 
 std::string Suggestion(const std::string& typed, const std::vector<std::string>& names) {
+  // Names of a file may be many and long, but those that people type are neither.
+  constexpr std::size_t kLongest = 64;
+  constexpr std::size_t kMostNames = 1000;
+  if (typed.size() > kLongest) return "";
   // A third of the letters may be wrong, but never all of them.
   std::size_t best = (typed.size() + 2) / 3 + 1;
   const std::string* nearest = nullptr;
-  for (const std::string& name : names) {
+  for (std::size_t i = 0; i < std::min(names.size(), kMostNames); ++i) {
+    const std::string& name = names[i];
+    if (name.size() > kLongest) continue;
     const std::size_t distance = EditDistance(typed, name);
     if (distance < best && distance < std::max(typed.size(), name.size())) {
       best = distance;

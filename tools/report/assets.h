@@ -2,15 +2,15 @@
 
 #include <string_view>
 
-// What the page of `pxrom report` consists of: the files of this folder as they stand, embedded by
-// the build.
+// The parts of the page of `pxrom report`: the files of this folder, which the build embeds
+// unchanged.
 
 namespace pxrom_command::report_assets {
 
 extern const std::string_view kPage;
 extern const std::string_view kLive;
 extern const std::string_view kStyle;
-/// All scripts in one, and its SHA-256 by which a Content-Security-Policy lets it run.
+/// All scripts in one, and its SHA-256, with which a Content-Security-Policy allows it.
 extern const std::string_view kScript;
 extern const std::string_view kScriptHash;
 /// The library as a WebAssembly module, compressed by gzip; empty in a build without it.

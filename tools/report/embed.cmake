@@ -1,7 +1,7 @@
 # Writes ${assets}, the source that embeds the page's parts of ${folder} and the file ${module},
 # compressed, unless that is empty.
 
-# A constant as bytes: no compiler limits those, as it may the length of a literal.
+# A constant as bytes, since compilers may limit the length of a literal.
 function(append_bytes name hex)
   string(LENGTH "${hex}" digits)
   math(EXPR size "${digits} / 2")
@@ -29,7 +29,7 @@ function(append_text name text)
   set(source "${source}" PARENT_SCOPE)
 endfunction()
 
-# In one file, as the page has them: the hash is that of all bytes of the script element.
+# In one file, as in the page: the hash covers all bytes of the script element.
 set(script "${assets}.js")
 file(WRITE "${script}" "\"use strict\";\n")
 foreach(part library numbers profile page)

@@ -1,16 +1,21 @@
-// The library as a WebAssembly module, by its C interface (include/pxrom/pxrom_c.h). All formulas
-// are the library's own: nothing here computes with the numbers of a model.
+// The library as a WebAssembly module, through its C interface (include/pxrom/pxrom_c.h). The library
+// holds all formulas: nothing here computes with the numbers of a model.
 
 const LIST = {inputs: 1, discrete: 2, outputs: 3};
 const POINT = {ok: 0, withoutError: -2, failed: 1};
 const EXACT = 0;
 const MESSAGE_SIZE = 512;
 const EBADF = 8;
+const UNLIMITED = {operations: Infinity, bytes: Infinity};
 
-// Places of the fields of pxrom_parameter; module.cpp makes sure of them.
+// Offsets of the fields of pxrom_parameter; module.cpp checks them.
 const PARAMETER = {
   size: 56, id: 0, unit: 4, caption: 8, hasBounds: 28, lower: 32, upper: 40, values: 48, count: 52,
 };
+
+// Of pxrom_cost.
+const COST = {size: 16, operations: 0, bytes: 8};
+const LARGEST_COUNT = (1n << 64n) - 1n;
 
 function bytesOfBase64(text) {
   return Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0));
@@ -21,7 +26,7 @@ async function unzipped(bytes) {
   return new Uint8Array(await new Response(stream).arrayBuffer());
 }
 
-// The library reads no files and prints nothing, so that what it would need of a system is refused.
+// The library reads no files and prints nothing, so all calls of the system are refused.
 function importsOf(module) {
   const imports = {};
   for (const {module: from, name} of WebAssembly.Module.imports(module)) {
@@ -46,7 +51,7 @@ class Library {
     this.#message = this.allocate(MESSAGE_SIZE);
   }
 
-  // Memory may grow with every call, so that views of it are never kept.
+  // Memory may grow with every call, so views of it are never kept.
   get #view() {
     return new DataView(this.#exports.memory.buffer);
   }
@@ -85,12 +90,21 @@ class Library {
     return this.#view.getFloat64(address, true);
   }
 
+  /// A count of 64 bits, as a number.
+  countAt(address) {
+    return Number(this.#view.getBigUint64(address, true));
+  }
+
+  setCountAt(address, count) {
+    this.#view.setBigUint64(address, count === Infinity ? LARGEST_COUNT : BigInt(count), true);
+  }
+
   textAt(address) {
     const bytes = new Uint8Array(this.#exports.memory.buffer, address);
     return new TextDecoder().decode(bytes.slice(0, bytes.indexOf(0)));
   }
 
-  /// Calls an operation that answers a plain value.
+  /// Calls an operation that returns a plain value.
   ask(name, ...given) {
     return this.#exports[name](...given);
   }
@@ -102,7 +116,7 @@ class Library {
     }
   }
 
-  /// Calls an operation that writes one result of `size` bytes, and answers read(address).
+  /// Calls an operation that writes one result of `size` bytes, and returns read(address).
   result(size, read, name, ...given) {
     const address = this.allocate(size);
     try {
@@ -142,18 +156,49 @@ class Model {
   /// The values of each combination, in the order of the discrete inputs.
   combinations(width) {
     const count = this.#count("pxrom_model_combination_count");
-    return Array.from({length: count}, (_, index) => this.#library.result(
-      4, (at) => this.#integers(this.#library.sizeAt(at), width),
-      "pxrom_model_combination", this.#model, index));
+    const library = this.#library;
+    // One place for all results: there may be a great many.
+    const at = library.allocate(4);
+    try {
+      return Array.from({length: count}, (_, index) => {
+        library.call("pxrom_model_combination", this.#model, index, at);
+        return this.#integers(library.sizeAt(at), width);
+      });
+    } finally {
+      library.free(at);
+    }
   }
 
-  prepare(combination) {
+  /// The cost of an evaluation: {operations, bytes}.
+  cost(combination) {
+    const library = this.#library;
+    const costAt = (at) => ({
+      operations: library.countAt(at + COST.operations), bytes: library.countAt(at + COST.bytes)});
+    return this.#withValues(combination, (values) => library.result(
+      COST.size, costAt, "pxrom_model_cost", this.#model, 0, values, combination.length));
+  }
+
+  /// Throws the message of the library if an evaluation costs more than `limit`.
+  prepare(combination, limit) {
+    const library = this.#library;
+    const most = library.allocate(COST.size);
+    library.setCountAt(most + COST.operations, limit.operations);
+    library.setCountAt(most + COST.bytes, limit.bytes);
+    try {
+      const handle = this.#withValues(combination, (values) => library.result(
+        4, (at) => library.sizeAt(at), "pxrom_model_prepare_within", this.#model, 0, values,
+        combination.length, most));
+      return new Prepared(library, handle);
+    } finally {
+      library.free(most);
+    }
+  }
+
+  #withValues(combination, call) {
     const values = this.#library.allocate(4 * combination.length);
     this.#library.integersAt(values, combination.length).set(combination);
     try {
-      const handle = this.#library.result(4, (at) => this.#library.sizeAt(at),
-        "pxrom_model_prepare", this.#model, 0, values, combination.length);
-      return new Prepared(this.#library, handle);
+      return call(values);
     } finally {
       this.#library.free(values);
     }
@@ -169,10 +214,13 @@ class Model {
 
   #parameterAt(at) {
     const library = this.#library;
+    const [name, unit, caption] = [PARAMETER.id, PARAMETER.unit, PARAMETER.caption].map(
+      (place) => library.textAt(library.sizeAt(at + place)));
     return {
-      id: library.textAt(library.sizeAt(at + PARAMETER.id)),
-      unit: library.textAt(library.sizeAt(at + PARAMETER.unit)),
-      caption: library.textAt(library.sizeAt(at + PARAMETER.caption)),
+      name, // as the library knows it; the others are shown
+      id: visible(name),
+      unit: visible(unit),
+      caption: visible(caption),
       hasBounds: library.integerAt(at + PARAMETER.hasBounds) === 1,
       lower: library.doubleAt(at + PARAMETER.lower),
       upper: library.doubleAt(at + PARAMETER.upper),
@@ -181,7 +229,7 @@ class Model {
   }
 }
 
-/// One combination, prepared to answer.
+/// One combination, prepared for evaluation.
 class Prepared {
   #library;
   #handle;
@@ -199,12 +247,12 @@ class Prepared {
     this.#library.ask("pxrom_prepared_free", this.#handle);
   }
 
-  /// For each of `rows` points a row of answers: {status, value, error}, where a value or an error
-  /// that there isn't is NaN.
+  /// For each of `rows` points a row of answers: {status, value, error}; a missing value or error is
+  /// NaN.
   predict(points, rows) {
     const answers = this.#evaluate(points, rows, true);
     if (answers.every((answer) => answer.status !== POINT.failed)) return this.#byRow(answers);
-    // Families that know no error have values for those who don't ask for one.
+    // Families without an error have values if they are not asked for one.
     const alone = this.#evaluate(points, rows, false);
     answers.forEach((answer, k) => {
       if (answer.status !== POINT.failed || alone[k].status !== POINT.ok) return;

@@ -2,6 +2,10 @@
 
 const SLIDER_STEPS = 200;
 const FRAME_BUDGET = 12; // milliseconds of slices between two frames
+// About a tenth of a second for a point; half a minute for all pictures; what is computed at a time.
+const LIMIT = {operations: 1e8, bytes: 256e6};
+const MOST_FOR_SLICES = 3e10;
+const PIECE = 1e7;
 const SPEAK_AFTER = 600; // milliseconds without a change
 const MOST_NAMED = 20;
 const DECIMAL = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i;
@@ -27,8 +31,11 @@ function boundsOf(input) {
   return `${lower} to ${upper}${input.unit && ` ${input.unit}`}`;
 }
 
-/// A word that a shell takes as it stands.
+/// A word that a shell takes unchanged.
 function shellWord(text) {
+  if (visible(text) !== text) {
+    return `$'${visible(text.replace(/['\\]/g, "\\$&"))}'`;
+  }
   return /^[\w.,:@%+=/-]+$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`;
 }
 
@@ -36,10 +43,11 @@ function shellWord(text) {
 function roundedWithin({hasBounds, lower, upper}, value) {
   if (!hasBounds) return Number(value.toPrecision(4));
   if (value <= lower || value >= upper) return value <= lower ? lower : upper;
+  if (!Number.isFinite(upper - lower)) return Number(value.toPrecision(4));
   return Math.min(upper, Math.max(lower, roundedTo(value, roundStep(upper - lower, 1000))));
 }
 
-/// What the controls have chosen.
+/// The choices made with the controls.
 class Choice {
   constructor(model) {
     this.inputs = model.parameters(LIST.inputs);
@@ -63,7 +71,7 @@ class Choice {
     return this.combinations.some((values) => values.every((value, k) => value === this.combination[k]));
   }
 
-  /// Why there is no answer for this combination, as the command says it.
+  /// Why this combination has no results, in the words of the command.
   refusal() {
     const known = this.combinations.slice(0, MOST_NAMED).map((values) => this.combinationText(values));
     const more = this.combinations.length - known.length;
@@ -79,8 +87,8 @@ class Choice {
 
   commandLine(file) {
     const named = [
-      ...this.discrete.map(({id}, k) => `${id}=${this.combination[k]}`),
-      ...this.inputs.map(({id}, k) => `${id}=${this.point[k]}`),
+      ...this.discrete.map(({name}, k) => `${name}=${this.combination[k]}`),
+      ...this.inputs.map(({name}, k) => `${name}=${this.point[k]}`),
     ];
     const path = file.startsWith("-") ? `./${file}` : file;
     return ["pxrom", "eval", path, ...named].map(shellWord).join(" ");
@@ -118,22 +126,22 @@ class Control {
     const {lower, upper} = this.input;
     const step = Number(this.slider.value);
     if (step === SLIDER_STEPS) return upper;
-    return roundedWithin(this.input, lower + ((upper - lower) * step) / SLIDER_STEPS);
+    return roundedWithin(this.input, between(lower, upper, step, SLIDER_STEPS));
   }
 
-  /// The number in the field; null, and marked, where it is none.
+  /// The number in the field; null, and marked, if it is not a number.
   #read() {
     const text = this.field.value.trim();
     const value = DECIMAL.test(text) ? Number(text) : NaN;
     const good = Number.isFinite(value);
     this.field.setAttribute("aria-invalid", String(!good));
-    this.field.title = good ? "" : "this is no finite number (decimals take a point)";
+    this.field.title = good ? "" : "this is not a finite number (use a decimal point)";
     return good ? value : null;
   }
 
   show(value) {
     const {lower, upper, unit} = this.input;
-    this.slider.value = Math.round(((value - lower) / (upper - lower)) * SLIDER_STEPS);
+    this.slider.value = Math.round(partOf(value, lower, upper) * SLIDER_STEPS);
     this.slider.setAttribute("aria-valuetext", `${value} ${unit}`.trim());
     this.field.value = String(value);
     this.field.setAttribute("aria-invalid", "false");
@@ -195,12 +203,16 @@ class Answers {
   }
 }
 
-/// Holds the parts together: a change of the choice shows everywhere.
+/// Connects the parts: a change of the choice shows everywhere.
 class Page {
   #prepared = null;
+  #cost = null;
+  #refusal = ""; // why the chosen combination isn't evaluated, though it was fitted
+  #limit = LIMIT;
   #slices = [];
+  #begunSlice = []; // the rows of the slice that is computed at the moment
   #answers = null;
-  #begun = false; // whether the ranges of the pictures are to be chosen anew
+  #begun = false; // whether the ranges of the pictures are to be chosen again
   #frame = 0;
   #speaking = 0;
 
@@ -242,6 +254,10 @@ class Page {
       this.#restart();
     });
     byId("copy").addEventListener("click", copyCommand);
+    byId("evaluate-anyway").addEventListener("click", () => {
+      this.#limit = UNLIMITED;
+      this.prepare();
+    });
     let width = 0;
     new ResizeObserver(() => {
       const room = byId("profiles").clientWidth;
@@ -255,19 +271,32 @@ class Page {
   /// The chosen combination, made ready; or why there is none.
   prepare() {
     this.#prepared?.free();
-    this.#prepared = this.choice.isFitted() ? this.model.prepare(this.choice.combination) : null;
+    this.#prepared = null;
+    this.#refusal = "";
+    if (this.choice.isFitted()) this.#prepareFitted(this.choice.combination);
+    byId("evaluate-anyway").hidden = this.#refusal === "";
     this.selects.forEach((select, k) => {
       select.value = this.choice.combination[k];
     });
     this.#restart();
   }
 
+  #prepareFitted(combination) {
+    try {
+      this.#cost = this.model.cost(combination);
+      this.#prepared = this.model.prepare(combination, this.#limit);
+    } catch (error) {
+      this.#refusal = `this page does not evaluate the model on its own. ${error.message}`;
+    }
+  }
+
   move(index, value, settled) {
     if (value !== this.choice.point[index]) {
       this.choice.point[index] = value;
-      // The slice along an input doesn't depend on it, but for how far it reaches.
+      // The slice along an input does not depend on its value, except for its range.
       this.#slices = this.#slices.map((slice, k) => (
         k === index && slice !== null && this.#covers(slice, k) ? slice : null));
+      this.#begunSlice = [];
       this.#show();
     }
     if (settled) {
@@ -283,6 +312,7 @@ class Page {
 
   #restart() {
     this.#slices = this.choice.inputs.map(() => null);
+    this.#begunSlice = [];
     this.#begun = true;
     this.#show();
   }
@@ -309,46 +339,58 @@ class Page {
   /// In the words of the command.
   #notes() {
     const {choice} = this;
-    if (this.#prepared === null) return [choice.refusal()];
+    if (this.#prepared === null) return [this.#refusal || choice.refusal()];
     const combination = choice.combinationText();
     const failed = choice.outputs.filter((_, k) => this.#answers[k].status === POINT.failed).map(({id}) => (
       `the library can't evaluate the output "${id}"${combination && ` of ${combination}`}: `
       + "one of its surfaces is damaged, stopped or not ready"));
     const outside = choice.outsideBounds().map((input) => (
       `${input.id} lies outside its bounds, ${boundsOf(input)}: the surfaces extrapolate`));
-    return [...failed, ...outside];
+    const pictures = this.#hasSlices() ? [] : ["the pictures are left out: they would take too long"];
+    return [...failed, ...outside, ...pictures];
   }
 
-  /// Computes slices for as long as a frame has time, and goes on in the next.
+  #hasSlices() {
+    const points = this.choice.inputs.length * POINTS_PER_SLICE;
+    return this.#prepared !== null && this.#cost.operations * points <= MOST_FOR_SLICES;
+  }
+
+  /// Computes slices for as long as a frame has time, and continues in the next.
   #continueSlices() {
-    byId("profiles").hidden = this.#prepared === null;
-    if (this.#prepared === null) return;
+    byId("profiles").hidden = !this.#hasSlices();
+    if (!this.#hasSlices()) return;
     const end = performance.now() + FRAME_BUDGET;
     let missing = this.#slices.indexOf(null);
     while (missing >= 0 && performance.now() < end) {
-      this.#slices[missing] = this.#slice(missing);
+      this.#continueSlice(missing);
       missing = this.#slices.indexOf(null);
     }
     this.#draw();
     if (missing >= 0) this.#frame = requestAnimationFrame(() => this.#continueSlices());
   }
 
-  #slice(index) {
+  /// Computes some more points of a slice, as many as are computed at a time.
+  #continueSlice(index) {
     const {inputs, point} = this.choice;
     const [low, high] = rangeOf(inputs[index], point[index]);
     const last = POINTS_PER_SLICE - 1;
     const ats = Array.from({length: POINTS_PER_SLICE},
-      (_, k) => (k === last ? high : low + ((high - low) * k) / last));
-    const points = ats.flatMap((at) => point.map((value, k) => (k === index ? at : value)));
+      (_, k) => (k === last ? high : between(low, high, k, last)));
+    const done = this.#begunSlice.length;
+    const piece = ats.slice(done, done + Math.max(1, Math.floor(PIECE / this.#cost.operations)));
+    const points = piece.flatMap((at) => point.map((value, k) => (k === index ? at : value)));
     const {errorInUnit} = this.#prepared;
-    return this.#prepared.predict(points, POINTS_PER_SLICE).map((row, k) => ({
-      at: ats[k],
+    this.#begunSlice.push(...this.#prepared.predict(points, piece.length).map((row, k) => ({
+      at: piece[k],
       answers: row.map(({value, error}, output) => ({value, error: errorInUnit[output] ? error : NaN})),
-    }));
+    })));
+    if (this.#begunSlice.length < POINTS_PER_SLICE) return;
+    this.#slices[index] = this.#begunSlice;
+    this.#begunSlice = [];
   }
 
   #draw() {
-    if (this.#prepared === null) return;
+    if (!this.#hasSlices()) return;
     const complete = !this.#slices.includes(null);
     this.profiles.draw(this.#slices, this.choice.point, this.#answers, this.#begun && complete);
     if (complete) this.#begun = false;
@@ -385,7 +427,7 @@ async function start() {
   }
 }
 
-// A page on paper shows what is folded away on the screen.
+// A printed page shows what is folded on the screen.
 addEventListener("beforeprint", () => {
   document.querySelectorAll("details").forEach((details) => {
     details.open = true;

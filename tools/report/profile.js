@@ -1,6 +1,6 @@
 // Small pictures of one output over one input, as SVG.
 
-// Without an address in the page: who searches it for one shall find none.
+// The namespace comes from the page, so that the page holds no address.
 const SVG = document.querySelector("#profiles svg").namespaceURI;
 const CELL = {height: 118, top: 6, left: 50, gap: 18, ticks: 16, name: 17, narrowest: 128};
 const LETTER = 6.5; // about the width of one, in pixels
@@ -13,7 +13,7 @@ function svg(name, attributes = {}, text = "") {
   return element;
 }
 
-/// What the slice along an input spans: its bounds, widened to the point.
+/// The range of the slice along an input: its bounds, widened to the point.
 function rangeOf(input, value) {
   if (!input.hasBounds) {
     const reach = Math.abs(value) || 1;
@@ -22,7 +22,7 @@ function rangeOf(input, value) {
   return [Math.min(input.lower, value), Math.max(input.upper, value)];
 }
 
-/// Pieces of consecutive finite points, as the command of an SVG path.
+/// Pieces of consecutive finite points, as the commands of an SVG path.
 function pathOf(points) {
   let path = "";
   let open = false;
@@ -71,18 +71,18 @@ class Cell {
     this.element.append(this.frame, this.back, this.band, this.curve, this.here, this.dot);
   }
 
-  /// The input's value under a pointer, by the part of the width.
+  /// The input's value under a pointer, from its position in the width.
   valueAt(clientX) {
     const box = this.frame.getBoundingClientRect();
     const part = Math.min(1, Math.max(0, (clientX - box.left) / box.width));
-    return this.range[0] + part * (this.range[1] - this.range[0]);
+    return between(...this.range, part, 1);
   }
 
-  /// `slice` is a list of {at, answers}; `here` the chosen point. What didn't change stays.
+  /// `slice` is a list of {at, answers}; `here` is the chosen point. Draws only what changed.
   draw({slice, output, values, here, title}) {
     const range = [slice[0].at, slice[slice.length - 1].at];
-    const x = (at) => this.left + ((at - range[0]) / (range[1] - range[0])) * this.width;
-    const y = (value) => CELL.top + ((values[1] - value) / (values[1] - values[0])) * CELL.height;
+    const x = (at) => this.left + partOf(at, ...range) * this.width;
+    const y = (value) => CELL.top + (1 - partOf(value, ...values)) * CELL.height;
     const frame = [...range, ...values].join();
     if (frame !== this.drawnFrame) {
       this.range = range;
@@ -127,7 +127,7 @@ class Cell {
     this.back.replaceChildren(...drawn);
   }
 
-  /// As many round numbers as have room for a label within the width: {tick, text, middle}.
+  /// As many round numbers as there is space for labels: {tick, text, middle}.
   #labelsBelow(x, range) {
     let labels = [];
     for (let count = Math.floor(this.width / 45); count > 0; --count) {
@@ -144,7 +144,7 @@ class Cell {
     return labels;
   }
 
-  /// What of the range lies outside the bounds.
+  /// The parts of the range outside the bounds.
   #beyond(x, range) {
     const {hasBounds, lower, upper} = this.input;
     if (!hasBounds) return [];
@@ -164,7 +164,7 @@ function labelOf(parameter) {
   return parameter.unit === "" ? parameter.id : `${parameter.id} [${parameter.unit}]`;
 }
 
-/// As much of a text as a width of pixels has room for.
+/// As much of a text as fits into a width in pixels.
 function shortened(text, width) {
   const most = Math.max(4, Math.floor(width / LETTER));
   const letters = Array.from(text);
@@ -184,13 +184,13 @@ class Profiles {
     this.values = outputs.map(() => null);
   }
 
-  /// Lays the pictures out anew for the width that there is.
+  /// Lays out the pictures for the current width.
   layOut() {
-    const room = this.place.clientWidth;
-    const most = Math.floor((room - CELL.left + CELL.gap) / (CELL.narrowest + CELL.gap));
+    const available = this.place.clientWidth;
+    const most = Math.floor((available - CELL.left + CELL.gap) / (CELL.narrowest + CELL.gap));
     this.#columns = Math.max(1, Math.min(this.inputs.length, most));
     this.#columns = Math.ceil(this.inputs.length / Math.ceil(this.inputs.length / this.#columns));
-    const width = Math.floor((room - CELL.left - 8 - (this.#columns - 1) * CELL.gap) / this.#columns);
+    const width = Math.floor((available - CELL.left - 8 - (this.#columns - 1) * CELL.gap) / this.#columns);
     this.#blocks = this.outputs.map((output, index) => this.#block(output, index, Math.min(width, 360)));
     this.place.replaceChildren(...this.#blocks.map((block) => block.element));
   }
@@ -232,7 +232,7 @@ class Profiles {
     });
   }
 
-  /// Widens the range of each output to what is shown, or begins it anew.
+  /// Widens the range of each output to the values shown, or starts a new range.
   #spread(slices, here, anew) {
     this.outputs.forEach((_, output) => {
       const range = anew || this.values[output] === null ? [Infinity, -Infinity] : this.values[output].slice();
@@ -274,8 +274,9 @@ class Profiles {
   }
 }
 
-/// A little room above and below; a flat curve lies in the middle.
+/// A margin above and below; a flat curve is in the middle.
 function padded([low, high]) {
-  const room = (high - low) * 0.06 || Math.abs(high) * 0.1 || 1;
-  return [low - room, high + room];
+  const margin = (high - low) * 0.06 || Math.abs(high) * 0.1 || 1;
+  const largest = Number.MAX_VALUE;
+  return [Math.max(low - margin, -largest), Math.min(high + margin, largest)];
 }

@@ -1,5 +1,5 @@
-// The module exports the C interface as it stands (CMakeLists.txt names the operations). Here is
-// made sure of what ../library.js knows of its structures.
+// The module exports the C interface unchanged (CMakeLists.txt names the operations). The checks
+// here make sure that ../library.js knows the layout of its structures.
 
 #include <cstddef>
 
@@ -15,3 +15,6 @@ static_assert(offsetof(pxrom_parameter, lower_bound) == 32, "PARAMETER.lower");
 static_assert(offsetof(pxrom_parameter, upper_bound) == 40, "PARAMETER.upper");
 static_assert(offsetof(pxrom_parameter, values) == 48, "PARAMETER.values");
 static_assert(offsetof(pxrom_parameter, value_count) == 52, "PARAMETER.count");
+static_assert(sizeof(pxrom_cost) == 16, "COST.size");
+static_assert(offsetof(pxrom_cost, operations) == 0, "COST.operations");
+static_assert(offsetof(pxrom_cost, bytes) == 8, "COST.bytes");
