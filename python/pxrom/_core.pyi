@@ -10,7 +10,13 @@ class Combinations:
     def samples(
         self, key: Sequence[int], output: str
     ) -> Tuple[List[List[float]], List[float]]: ...
-    def prepare(self, values: Sequence[Tuple[str, int]]) -> Prepared: ...
+    def cost(self, values: Sequence[Tuple[str, int]]) -> Tuple[int, int]: ...
+    def prepare(
+        self,
+        values: Sequence[Tuple[str, int]],
+        operations: Optional[int],
+        bytes: Optional[int],
+    ) -> Prepared: ...
     def to_text(self) -> str: ...
 
 def read(text: str) -> Combinations: ...
@@ -26,61 +32,23 @@ class Prepared:
 def inspect(text: str) -> List[Dict[str, Any]]: ...
 
 class CRSData:
-    NumberOfInputVariables: int
-    NumberOfSamples: int
-    InputSamples: Any
-    OutputSamples: Any
-    InputScaleSlopes: Any
-    InputScaleIntercepts: Any
-    OutputScaleSlope: float
-    OutputScaleIntercept: float
-    ReadyForSolve: bool
-    ReadyForEvaluation: bool
+    """The attributes of a record are the fields of its class in the library."""
 
-class CKrigingData(CRSData):
-    PolynomialType: int
-    PolynomialCoefficients: Any
-    CorrelationFunctionType: int
-    CorrelationCoefficients: Any
-    CorrelationKernels: Any
-    SavePredictorError: bool
-    NumberOfPolyCoeff: int
-    Sigma2: float
-    InvC: Any
-    InvG: Any
-    Ft: Any
+    def __getattr__(self, name: str) -> Any: ...
+    def __setattr__(self, name: str, value: Any) -> None: ...
+
+class CKrigingData(CRSData): ...
 
 class CQRSData(CRSData):
-    RegTermFilterConfVal: float
-    InputTransformType: int
-    InputTransformValues: Any
-    InputLambdas: Any
-    OutputTransformType: int
-    OutputTransformValue: float
-    OutputLambda: float
-    SavePredictorError: bool
-    Sigma2: float
-    InvXtX: Any
     def SetTerms(self, terms: Sequence[Tuple[Sequence[int], float]]) -> None: ...
 
 class CSVRData(CRSData):
-    SVRKernType: int
-    SVRLossFuncType: int
-    Alphas: Any
-    AlphasStar: Any
-    Betas: Any
-    ConstantCoefficient: float
-    KernelArray: Any
     def SetEpsVal(self, epsilon: float) -> int: ...
     def SetNuVal(self, nu: float) -> int: ...
     def SetConstVal(self, constant: float) -> int: ...
 
-class CLBFData(CRSData):
-    BasisFunctionType: int
-    PolynomialType: int
-    KernelValues: Any
-    PolynomialCoefficients: Any
-    KernelCoefficients: Any
+class CMLSData(CRSData): ...
+class CLBFData(CRSData): ...
 
 class CConstantData(CRSData):
     def SetConstantValue(self, value: float) -> int: ...

@@ -1,19 +1,20 @@
 """What is wrong with a text."""
 
+import os
 from dataclasses import dataclass
-from typing import List
+from typing import List, Union
 
-from . import _core
+from . import _core, _files
 
 
 @dataclass(frozen=True)
 class Finding:
-    """One thing that an inspection found.
+    """One finding of an inspection.
 
-    ``severity`` is "error" for damage, "warning" for what reads and evaluates but was probably not
-    meant so, "note" for what is worth knowing. ``code`` is a name that never changes. ``line`` and
-    ``column`` count from 1, columns in bytes. ``group``, ``key``, ``found`` and ``expected`` may be
-    empty. ``str(finding)`` is the line that the command prints.
+    ``severity`` is "error" for damage, "warning" for a text that reads and evaluates but probably
+    not as its author meant, "note" for what is worth knowing. ``code`` is a name that never
+    changes. ``line`` and ``column`` count from 1, columns in bytes. ``group``, ``key``, ``found``
+    and ``expected`` may be empty. ``str(finding)`` is the line that the command prints.
     """
 
     severity: str
@@ -30,10 +31,26 @@ class Finding:
         return f"{self.line}:{self.column}: {self.severity}: {self.sentence} [{self.code}]"
 
 
-def check(text: str) -> List[Finding]:
-    """Says what is wrong with the text of a database, where reading is silent.
+def require_text(text: object) -> None:
+    """Refuses an object that is not a text, and says how to get the text."""
+    if isinstance(text, str):
+        return
+    hint = ""
+    if isinstance(text, os.PathLike):
+        hint = f"; to read a file, call pxrom.load({os.fspath(text)!r})"
+    elif isinstance(text, (bytes, bytearray)):
+        hint = "; call decode('utf-8', 'surrogateescape') first"
+    raise TypeError(f"the text of a database is a str, not {type(text).__name__}{hint}")
 
-    Any text will do. The findings come by place; without one of severity "error" the text is read,
-    and each of its combinations evaluates in the middle of its bounds.
+
+def check(text: Union[str, "os.PathLike[str]"]) -> List[Finding]:
+    """Says what is wrong with the text of a database, which reading does not report.
+
+    Accepts any text: a ``str`` is the text itself, a ``pathlib.Path`` names a file. The findings
+    are in the order of the text. Without a finding of severity "error", the text can be read, and
+    each of its combinations evaluates in the middle of its bounds.
     """
+    if isinstance(text, os.PathLike):
+        text = _files.read(text)
+    require_text(text)
     return [Finding(**found) for found in _core.inspect(text)]

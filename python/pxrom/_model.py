@@ -3,25 +3,27 @@
 import os
 import threading
 from dataclasses import dataclass
-from typing import Any, Dict, List, Mapping, Optional, Tuple, Union
+from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Tuple, Union
 
 import numpy as np
 
-from . import _core, _html, _points
+from . import _core, _files, _findings, _html, _points
 from ._prediction import Prediction
-from ._wording import did_you_mean, listed
+from ._wording import did_you_mean, listed, visible
 
+_HOW_TO_RAISE = "(limit= and memory_limit= of pxrom.load set them.)"
 _KINDS = ("continuous", "continuous", "discrete", "derived")
+_MOST_SHOWN = 20
 
 
 @dataclass(frozen=True)
 class Parameter:
     """One parameter of a model.
 
-    ``kind`` is "continuous", "discrete" or "derived". ``lower`` and ``upper`` are ``None`` where
-    the database has no bounds; they are shown and never enforced. ``values`` are those that the
-    combinations of a discrete input have, ascending. Disabled and derived parameters are carried
-    and take no part in a prediction.
+    ``kind`` is "continuous", "discrete" or "derived". ``lower`` and ``upper`` are ``None`` if the
+    database has no bounds; bounds are shown and never enforced. ``values`` are the values of a
+    discrete input in the combinations, ascending. Disabled and derived parameters are kept and take
+    no part in a prediction.
     """
 
     name: str
@@ -48,24 +50,34 @@ class Parameter:
         return self.name, self.caption, domain, self.unit
 
 
+class Cost(NamedTuple):
+    """The cost of an evaluation, estimated from the sizes of what a model holds: floating-point
+    operations at each point, with errors, and bytes of memory in addition to the model."""
+
+    operations: int
+    bytes: int
+
+
 class Combination(Dict[str, int]):
     """The values of the discrete inputs of one fitted combination, by name. A dict that can be
-    handed to :meth:`Model.predict`."""
+    passed to :meth:`Model.predict`."""
 
 
 class Model:
-    """A database of fitted models; made by :func:`load` and :func:`loads`.
+    """A database of fitted models; :func:`load` and :func:`loads` make it.
 
     Attributes:
-        text: the text that it was read from.
+        text: the text that the model was read from.
         inputs: the continuous inputs, in the order of the columns of points.
         discrete: the discrete inputs; a prediction names one value of each.
-        outputs: what a prediction answers, in the order of its columns.
-        parameters: all of them by rank, also disabled and derived ones.
+        outputs: the outputs of a prediction, in the order of its columns.
+        parameters: all parameters by rank, also disabled and derived ones.
         combinations: the fitted combinations of discrete values, ascending.
+        limit: the largest number of operations that a point may take, or ``None``.
+        memory_limit: the largest number of bytes that an evaluation may take, or ``None``.
 
-    A model never changes. Any number of threads may use one, and predictions release the
-    interpreter's lock. It pickles by its text.
+    A model never changes. Any number of threads may use it, and predictions release the
+    interpreter's lock. It pickles as its text.
     """
 
     text: str
@@ -74,13 +86,28 @@ class Model:
     discrete: Tuple[Parameter, ...]
     outputs: Tuple[Parameter, ...]
     combinations: Tuple[Combination, ...]
+    limit: Optional[int]
+    memory_limit: Optional[int]
 
-    def __init__(self, text: str) -> None:
-        if not isinstance(text, str):
-            raise TypeError(f"the text of a database is a str, not {type(text).__name__}")
+    def __init__(
+        self,
+        text: str,
+        *,
+        limit: Optional[float] = None,
+        memory_limit: Optional[float] = None,
+    ) -> None:
+        _findings.require_text(text)
         self.text = text
-        self._model = _core.read(text)
-        # By name, and by rank where that decides: the library's own order.
+        self.limit = _amount("limit", limit)
+        self.memory_limit = _amount("memory_limit", memory_limit)
+        try:
+            self._model = _core.read(text)
+        except ValueError as error:
+            if text and "\n" not in text and "<" not in text:
+                hint = f"; to read a file, call pxrom.load({text[:200]!r})"
+                raise ValueError(f"{error}{hint}") from None
+            raise
+        # The library orders by name; where ranks decide, it orders by rank.
         raws = self._model.parameters()
         named = [_parameter(raw) for raw in raws]
         ranked = sorted(named, key=lambda parameter: parameter.rank)
@@ -101,7 +128,7 @@ class Model:
 
     def predict(
         self,
-        discrete: Optional[Mapping[str, int]] = None,
+        discrete: Any = None,
         X: Any = None,
         *,
         return_error: bool = False,
@@ -112,26 +139,32 @@ class Model:
 
         Args:
             discrete: the value of each discrete input by name, such as
-                ``{"Material": 1, "Holes": 2}``; ``None`` or ``{}`` for a model without.
+                ``{"Material": 1, "Holes": 2}``. A model without discrete inputs needs none:
+                ``predict(X)`` takes only the points.
             X: the points in physical units: an array of the shape (n, d) with a column per input in
                 the order of :attr:`inputs`; or a mapping from input name to n values, where a
-                single value stands for all points; or a pandas frame with a column per input, in
-                any order and with others beside them.
-            return_error: also the predicted errors. Values are the same with and without.
+                single value is used for all points; or a pandas frame with a column per input, in
+                any order, which may have other columns; a column of a discrete input must agree
+                with ``discrete``. A point with a NaN in any input has the status 1 and NaN results,
+                in every family.
+            return_error: also the predicted errors. The values are the same either way.
             gradient: also the derivatives with respect to the inputs.
             mode: "exact" gives the same bits on every machine; "fast" gives values, and errors from
                 cross-validation, within 1e-11 of the largest one that an output has in the batch,
-                two to three times as fast where kernels are summed.
+                two to three times as fast for surfaces that sum kernels.
 
         Returns:
             A :class:`Prediction` with ``values``, ``errors``, ``statuses`` and ``gradients`` by
             output name.
 
         Raises:
-            ValueError: when names, values or shapes don't fit; the message says what would.
+            ValueError: when names, values or shapes don't fit, or when a point costs more than the
+                limit of the model; the message says what would be enough.
         """
         if mode not in ("exact", "fast"):
             raise ValueError(f"mode has to be 'exact' or 'fast', not {mode!r}")
+        if X is None and not self.discrete and _is_points(discrete):
+            discrete, X = None, discrete
         key = self._key({} if discrete is None else discrete)
         prepared = self._prepare(key)
         names = tuple(parameter.name for parameter in self.inputs)
@@ -139,16 +172,25 @@ class Model:
             if names:
                 raise ValueError(f"X is missing: points with the inputs {listed(names)}")
             X = np.empty((1, 0))
+        _points.require_key(X, dict(zip((parameter.name for parameter in self.discrete), key)))
         points = _points.table(X, names)
 
         values, errors, statuses = prepared.evaluate(points, mode == "fast", return_error)
         if return_error and (statuses == 1).any():
-            # A family without errors refuses the form with errors: the value is good all the same.
+            # A family without errors refuses the form with errors, but its value is valid.
             plain, _, plain_statuses = prepared.evaluate(points, mode == "fast", False)
             mended = (statuses == 1) & (plain_statuses == 0)
             values[mended] = plain[mended]
             statuses[mended] = -2
-        gradients = prepared.gradients(points)[0] if gradient else None
+        gradients = self._gradients(prepared, points) if gradient else None
+        unknown = _points.rows_with_nan(points)
+        if unknown is not None:
+            # Some families would refuse the point, others would give NaN as a value, or would not
+            # read the input.
+            statuses[unknown] = 1
+            for results in (values, errors, gradients):
+                if results is not None:
+                    results[unknown] = np.nan
         return Prediction(
             outputs=prepared.outputs,
             inputs=names,
@@ -160,34 +202,46 @@ class Model:
             index=X.index if _points.is_frame(X) else None,
         )
 
+    def cost(self, discrete: Optional[Mapping[str, int]] = None) -> Cost:
+        """The cost of :meth:`predict` for a combination: all outputs together, without gradients.
+        Evaluates nothing."""
+        return Cost(*self._model.cost(self._named(self._key({} if discrete is None else discrete))))
+
     def samples(
         self, discrete: Optional[Mapping[str, int]] = None, *, output: str
     ) -> Tuple[np.ndarray, np.ndarray]:
         """The samples that the database keeps for one output of a combination: inputs of the shape
-        (n, d), with the columns of :attr:`inputs`, and outputs of the shape (n,). n is 0 where it
+        (n, d), with the columns of :attr:`inputs`, and outputs of the shape (n,). n is 0 if it
         keeps none."""
         names = [parameter.name for parameter in self.outputs]
         if output not in names:
             raise ValueError(f"there is no output {output!r}{did_you_mean(output, names)}")
         rows, values = self._model.samples(self._key({} if discrete is None else discrete), output)
-        X = np.array(rows, dtype=float).reshape(len(rows), -1)
-        y = np.array(values, dtype=float)
-        if X.shape != (len(y), len(self.inputs)):
-            return np.empty((0, len(self.inputs))), np.empty(0)
-        return X, y
+        if len(rows) != len(values) or any(len(row) != len(self.inputs) for row in rows):
+            rows, values = [], []  # incomplete samples don't count
+        X = np.array(rows, dtype=float).reshape(len(rows), len(self.inputs))
+        return X, np.array(values, dtype=float)
 
     def to_text(self) -> str:
         """The database in its canonical form, as ``pxrom format`` writes it. :attr:`text` is what
-        was read. ValueError where the text would not read back as the same model."""
+        was read. ValueError if the text would not read back as the same model."""
         return str(self._model.to_text())
 
     def _key(self, discrete: Mapping[str, int]) -> Tuple[int, ...]:
         names = [parameter.name for parameter in self.discrete]
+        known = set(names)
         if not isinstance(discrete, Mapping):
             wanted = "{" + ", ".join(f"{name!r}: ..." for name in names) + "}"
-            raise ValueError(f"discrete values go by name: {wanted}, not {discrete!r}")
+            raise ValueError(
+                f"the combination comes before the points and is a mapping by name: {wanted}, not "
+                f"{type(discrete).__name__}"
+                if names
+                else "the model has no discrete inputs: pass None, or only the points"
+            )
         for name in discrete:
-            if name not in names:
+            if name not in known:
+                if any(name == parameter.name for parameter in self.inputs):
+                    raise ValueError(f"{name!r} is a continuous input: it goes into the points X")
                 raise ValueError(f"there is no discrete input {name!r}{did_you_mean(name, names)}")
         key: List[int] = []
         for parameter in self.discrete:
@@ -197,34 +251,53 @@ class Model:
                     f"{listed(parameter.values, 'or')}"
                 )
             value = discrete[parameter.name]
+            if np.ndim(value) != 0:
+                raise ValueError(
+                    f"{parameter.name!r} takes one value, not {type(value).__name__}; predict one "
+                    "combination after the other"
+                )
             if value not in parameter.values:
                 raise ValueError(
-                    f"{parameter.name}={value!r} was not fitted; it takes "
+                    f"{visible(parameter.name)}={value!r} was not fitted; it takes "
                     f"{listed(parameter.values, 'or')}"
                 )
             key.append(int(value))
         if tuple(key) not in self._keys:
             fitted = "; ".join(
                 ", ".join(f"{name}={value}" for name, value in combination.items())
-                for combination in self.combinations
+                for combination in self.combinations[:_MOST_SHOWN]
             )
+            more = len(self.combinations) - _MOST_SHOWN
+            fitted += f"; and {more} more" if more > 0 else ""
             raise ValueError(
-                f"the combination {dict(discrete)!r} was not fitted; there are: {fitted}"
+                f"the combination {dict(discrete)!r} was not fitted; there are: {visible(fitted)}"
             )
         return tuple(key)
 
     def _prepare(self, key: Tuple[int, ...]) -> _core.Prepared:
         prepared = self._prepared.get(key)
         if prepared is None:
-            values = list(zip((parameter.name for parameter in self.discrete), key))
             # Two threads may prepare one combination; the first to be ready is kept.
-            made = self._model.prepare(values)
+            try:
+                made = self._model.prepare(self._named(key), self.limit, self.memory_limit)
+            except ValueError as error:
+                raise ValueError(f"{error} {_HOW_TO_RAISE}") from None
             with self._lock:
                 prepared = self._prepared.setdefault(key, made)
         return prepared
 
+    def _named(self, key: Tuple[int, ...]) -> List[Tuple[str, int]]:
+        return list(zip((parameter.name for parameter in self.discrete), key))
+
+    @staticmethod
+    def _gradients(prepared: _core.Prepared, points: np.ndarray) -> np.ndarray:
+        try:
+            return prepared.gradients(points)[0]
+        except ValueError as error:
+            raise ValueError(f"Gradients: {error} {_HOW_TO_RAISE}") from None
+
     def __reduce__(self) -> Tuple[Any, ...]:
-        return Model, (self.text,)
+        return _restored, (self.text, self.limit, self.memory_limit)
 
     def __eq__(self, other: object) -> bool:
         return isinstance(other, Model) and self.text == other.text
@@ -237,7 +310,7 @@ class Model:
         outputs = ", ".join(parameter.name for parameter in self.outputs)
         count = len(self.combinations)
         extra = f" in {count} combinations" if self.discrete else ""
-        return f"<Model {outputs} of {inputs}{extra}>"
+        return visible(f"<Model {outputs} of {inputs}{extra}>")
 
     def _repr_html_(self) -> str:
         head = ["", "Name", "Caption", "Bounds or values", "Unit"]
@@ -251,8 +324,12 @@ class Model:
         return _html.table(head, rows, f"Model with {len(self.combinations)} combination(s)")
 
 
+def _is_points(given: Any) -> bool:
+    return given is not None and not (isinstance(given, Mapping) and len(given) == 0)
+
+
 def _parameter(raw: Mapping[str, Any]) -> Parameter:
-    # A database without bounds says 0 and 0.
+    # Without bounds both are 0.
     bounded = raw["lower"] < raw["upper"]
     return Parameter(
         name=raw["name"],
@@ -268,25 +345,52 @@ def _parameter(raw: Mapping[str, Any]) -> Parameter:
     )
 
 
-def loads(text: str) -> Model:
+def _amount(name: str, given: Optional[float]) -> Optional[int]:
+    """A limit in the form of the library."""
+    if given is None:
+        return None
+    if not 0 <= given < 2.0**64:
+        raise ValueError(f"{name} has to be a number from 0, or None for none, not {given!r}")
+    return int(given)
+
+
+def _restored(text: str, limit: Optional[int], memory_limit: Optional[int]) -> Model:
+    return Model(text, limit=limit, memory_limit=memory_limit)
+
+
+def loads(
+    text: str, *, limit: Optional[float] = None, memory_limit: Optional[float] = None
+) -> Model:
     """Reads the text of a database.
 
-    Reading is silent about damage that has a meaning of its own; :func:`check` tells.
+    Reading does not report damage that can still be read; :func:`check` does.
+
+    Args:
+        text: what the file holds.
+        limit: the largest number of floating-point operations that a prediction may take at each
+            point, such as ``2e9``. :meth:`Model.predict` refuses a higher cost before it evaluates.
+            Set a limit for models from strangers. :meth:`Model.cost` gives the cost of a model.
+        memory_limit: the same for bytes of memory.
 
     Raises:
         ValueError: when the text can't be read, with the first thing that is wrong with it.
     """
-    return Model(text)
+    return Model(text, limit=limit, memory_limit=memory_limit)
 
 
-def load(path: Union[str, "os.PathLike[str]"]) -> Model:
-    """Reads a database file; see :func:`loads`. OSError where there is no such file."""
-    with open(path, encoding="utf-8", errors="surrogateescape", newline="") as file:
-        text = file.read()
+def load(
+    path: Union[str, "os.PathLike[str]"],
+    *,
+    limit: Optional[float] = None,
+    memory_limit: Optional[float] = None,
+) -> Model:
+    """Reads a database file; see :func:`loads`. OSError, with a sentence that says why,
+    if the file can't be read."""
+    text = _files.read(path)
     try:
-        return Model(text)
+        return Model(text, limit=limit, memory_limit=memory_limit)
     except ValueError as error:
-        raise ValueError(f"{os.fspath(path)}: {error}") from None
+        raise ValueError(f"{_files.shown(path)}: {error}") from None
 
 
 def format(text: str) -> str:

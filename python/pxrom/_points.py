@@ -1,6 +1,7 @@
-"""From what a caller has for points to a table with one column per input."""
+"""Turns the points of a caller into a table with one column per input."""
 
-from typing import Any, Dict, Mapping, Sequence
+from collections import Counter
+from typing import Any, Dict, List, Mapping, Sequence
 
 import numpy as np
 
@@ -12,13 +13,55 @@ def is_frame(points: Any) -> bool:
     return hasattr(points, "columns") and hasattr(points, "index") and hasattr(points, "loc")
 
 
+def has_names(given: Any) -> bool:
+    """Whether it is a pandas frame or Series."""
+    return is_frame(given) or (hasattr(given, "name") and hasattr(given, "loc"))
+
+
+def names_of(given: Any) -> List[str]:
+    """The names that a caller gives: a str is one name; a frame gives the names of its columns, a
+    Series its own name, anything else its items."""
+    if isinstance(given, str):
+        return [given]
+    if is_frame(given):
+        return [str(column) for column in given.columns]
+    if has_names(given):
+        return [] if given.name is None else [str(given.name)]
+    return [str(name) for name in given]
+
+
+def require_key(points: Any, key: Mapping[str, int]) -> None:
+    """Refuses a frame that has a column of a discrete input with other values than ``key``."""
+    if not is_frame(points):
+        return
+    for name, value in key.items():
+        if name not in points.columns:
+            continue
+        held = list(dict.fromkeys(np.ravel(points[name].to_numpy()).tolist()))
+        if any(one != value for one in held):
+            shown = listed(held) if len(held) <= 4 else f"{len(held)} different values"
+            raise ValueError(
+                f"the frame's column {name!r} holds {shown}, but the combination says "
+                f"{name}={value}; pass the rows of that combination alone: "
+                f"frame[frame[{name!r}] == {value}]"
+            )
+
+
+def rows_with_nan(points: np.ndarray) -> Any:
+    """The rows (n,) in which an input is NaN; None, after one pass without a copy, if there are
+    none."""
+    if points.size == 0 or not np.isnan(points.min()):
+        return None
+    return np.isnan(points).any(axis=1)
+
+
 def table(points: Any, inputs: Sequence[str]) -> np.ndarray:
     """``points`` as a C-contiguous float array of the shape (rows, len(inputs))."""
     if is_frame(points):
         return _of_frame(points, inputs)
     if isinstance(points, Mapping):
         return _of_mapping(points, inputs)
-    made = _floats(points, "points")
+    made = floats(points, "points")
     if made.ndim != 2:
         raise ValueError(
             f"points have to be a table with rows of points, but have {made.ndim} dimension(s); "
@@ -32,7 +75,10 @@ def table(points: Any, inputs: Sequence[str]) -> np.ndarray:
     return np.ascontiguousarray(made)
 
 
-def _floats(values: Any, what: str) -> np.ndarray:
+def floats(values: Any, what: str) -> np.ndarray:
+    """Real numbers; ``what`` names them in a refusal."""
+    if hasattr(values, "toarray"):
+        raise ValueError(f"a sparse matrix was given for {what}; pass its toarray()")
     try:
         made = np.asarray(values)
         if made.dtype.kind == "c":
@@ -44,26 +90,28 @@ def _floats(values: Any, what: str) -> np.ndarray:
 
 def _of_frame(frame: Any, inputs: Sequence[str]) -> np.ndarray:
     made = np.empty((len(frame), len(inputs)))
+    counts = Counter(frame.columns)
     for place, name in enumerate(inputs):
-        count = sum(1 for column in frame.columns if column == name)
+        count = counts[name]
         if count != 1:
             many = "no column" if count == 0 else f"{count} columns"
             strings = [str(column) for column in frame.columns]
             hint = did_you_mean(name, strings) if count == 0 else ""
             raise ValueError(f"the frame has {many} for the input {name!r}{hint}")
-        made[:, place] = _floats(frame[name].to_numpy(), f"column {name!r}")
+        made[:, place] = floats(frame[name].to_numpy(), f"column {name!r}")
     return made
 
 
 def _of_mapping(points: Mapping[str, Any], inputs: Sequence[str]) -> np.ndarray:
+    known = set(inputs)
     for name in points:
-        if name not in inputs:
+        if name not in known:
             raise ValueError(f"there is no input {name!r}{did_you_mean(name, inputs)}")
     columns: Dict[str, np.ndarray] = {}
     for name in inputs:
         if name not in points:
-            raise ValueError(f"the input {name!r} is missing; needed are {listed(inputs)}")
-        columns[name] = _floats(points[name], f"input {name!r}")
+            raise ValueError(f"the input {name!r} is missing; the inputs are {listed(inputs)}")
+        columns[name] = floats(points[name], f"input {name!r}")
         if columns[name].ndim > 1:
             raise ValueError(
                 f"input {name!r} has {columns[name].ndim} dimensions; give one value per point"

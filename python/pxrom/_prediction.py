@@ -1,11 +1,11 @@
-"""What a prediction answers."""
+"""The results of a prediction."""
 
 from typing import Any, FrozenSet, Iterator, List, Mapping, Optional, Tuple
 
 import numpy as np
 
 from . import _html
-from ._wording import did_you_mean
+from ._wording import did_you_mean, visible
 
 
 class Columns(Mapping[str, np.ndarray]):
@@ -17,12 +17,13 @@ class Columns(Mapping[str, np.ndarray]):
 
     def __init__(self, names: Tuple[str, ...], array: np.ndarray) -> None:
         self._names = names
+        self._places = {name: place for place, name in enumerate(names)}
         self.array = array
 
     def __getitem__(self, name: str) -> np.ndarray:
         try:
-            return self.array[:, self._names.index(name)]
-        except ValueError:
+            return self.array[:, self._places[name]]
+        except KeyError:
             raise KeyError(
                 f"there is no output {name!r}{did_you_mean(name, self._names)}"
             ) from None
@@ -39,7 +40,7 @@ class Columns(Mapping[str, np.ndarray]):
         return np.asarray(self.array, dtype=dtype)
 
     def __repr__(self) -> str:
-        return f"Columns({', '.join(self._names)}; shape {self.array.shape})"
+        return visible(f"Columns({', '.join(self._names)}; shape {self.array.shape})")
 
 
 class Prediction:
@@ -50,12 +51,12 @@ class Prediction:
         inputs: the d names, in the order of the last axis of gradients.
         values: :class:`Columns` of the shape (n, m). NaN where the status is 1.
         errors: the same for predicted errors, NaN where there is none; ``None`` unless asked for.
-        statuses: integers (n, m): 0 good; -2 the value is good, there is no predicted error; 1
-            there is no value. Without errors there is no -2.
+        statuses: integers (n, m): 0 success; -2 the value is valid, and there is no predicted
+            error; 1 there is no value. Without errors there is no -2.
         gradients: (n, m, d), the derivative of output j with respect to input k at point i in
             physical units, NaN where there is none; ``None`` unless asked for.
-        scaled_errors: the outputs whose error is **not in their unit**: it is what the surface
-            reports, in its own scaled space. Errors from cross-validation are in the unit.
+        scaled_errors: the outputs whose error is **not in their unit**: the surface reports it in
+            its own scaled space. Errors from cross-validation are in the unit.
     """
 
     def __init__(
@@ -86,10 +87,20 @@ class Prediction:
         """The values of one output: ``prediction["mass"]``, of the shape (n,)."""
         return self.values[output]
 
+    def __array__(self, dtype: Any = None, copy: Optional[bool] = None) -> np.ndarray:
+        """The values (n, m), for ``numpy.asarray(prediction)``."""
+        return self.values.__array__(dtype, copy)
+
+    def __iter__(self) -> Iterator[Any]:
+        raise TypeError(
+            "a prediction has points and outputs and can't be iterated: use "
+            "prediction.values.array, prediction[output], or prediction.frame()"
+        )
+
     def frame(self) -> Any:
         """A pandas frame: the outputs by name, then ``"<output> error"`` and
-        ``"d<output>/d<input>"`` where they were asked for. A frame that was predicted at passes
-        its index on."""
+        ``"d<output>/d<input>"`` if they were asked for. It has the index of the frame of
+        points, if they were a frame."""
         import pandas
 
         return pandas.DataFrame(dict(self._columns()), index=self._index)
@@ -107,7 +118,7 @@ class Prediction:
     def __repr__(self) -> str:
         asked = [word for word in ("errors", "gradients") if getattr(self, word) is not None]
         extra = f" with {' and '.join(asked)}" if asked else ""
-        return f"<Prediction of {', '.join(self.outputs)} at {len(self)} point(s){extra}>"
+        return visible(f"<Prediction of {', '.join(self.outputs)} at {len(self)} point(s){extra}>")
 
     def _repr_html_(self) -> str:
         shown = 12

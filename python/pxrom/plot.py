@@ -5,19 +5,21 @@
 
 :func:`slices` varies one input at a time through a point, for one output or all of them;
 :func:`contour` varies two. Both return a matplotlib figure and show nothing. Inputs that the point
-leaves out stand in the middle of their bounds.
+leaves out are in the middle of their bounds.
 """
 
-from typing import Any, Dict, Mapping, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, List, Mapping, Optional, Sequence, Tuple
 
 import numpy as np
 
 from ._model import Model, Parameter
-from ._wording import did_you_mean
+from ._points import names_of
+from ._wording import did_you_mean, visible
 
 __all__ = ["contour", "slices"]
 
 _STEPS = 101
+_ACROSS = 5
 _COLOURS = {"line": "#1f4e79", "band": "#9dc3e6", "sample": "#c55a11", "point": "#404040"}
 
 
@@ -26,28 +28,30 @@ def slices(
     discrete: Optional[Mapping[str, int]] = None,
     point: Optional[Mapping[str, float]] = None,
     *,
-    outputs: Union[str, Sequence[str], None] = None,
-    inputs: Union[str, Sequence[str], None] = None,
-    samples: float = 0.15,
+    outputs: Any = None,
+    inputs: Any = None,
+    samples: int = 12,
 ) -> Any:
-    """Slices through a point: a row per output and a column per input.
+    """Slices through a point, which is marked: a row per output and a column per input; with more
+    than five inputs there are further rows.
 
-    The band is the predicted error to both sides, where the database has one in the unit of the
-    output. Samples are shown where they lie near: within ``samples``, as a part of the bounds'
-    width, of the point in every other input (0 for none); the nearer, the darker.
+    The band is the predicted error to both sides, if the database has one in the unit of the
+    output. Each slice shows the ``samples`` that lie nearest to it (0 for none), by their distance
+    in the other inputs, each as a part of its bounds' width: the nearer, the darker.
     """
-    rows = _chosen(outputs, [p.name for p in model.outputs], "output")
-    columns = _chosen(inputs, [p.name for p in model.inputs], "input")
+    shown = _chosen(outputs, [p.name for p in model.outputs], "output")
+    varied = _chosen(inputs, [p.name for p in model.inputs], "input")
     centre, ranges = _centre(model, point)
-    figure, axes = _figure(len(rows), len(columns))
-    for column, name in enumerate(columns):
+    at_point = model.predict(discrete, centre[None])
+    figure, axes = _grid(len(shown), len(varied))
+    for column, name in enumerate(varied):
         place = [p.name for p in model.inputs].index(name)
         X = np.tile(centre, (_STEPS, 1))
         X[:, place] = np.linspace(ranges[place, 0], ranges[place, 1], _STEPS)
         result = model.predict(discrete, X, return_error=True)
         assert result.errors is not None
-        for row, output in enumerate(rows):
-            ax = axes[row, column]
+        for row, output in enumerate(shown):
+            ax = axes[row][column]
             values = result.values[output]
             if output not in result.scaled_errors:
                 error = np.abs(result.errors[output])
@@ -56,11 +60,13 @@ def slices(
                 )
             ax.plot(X[:, place], values, color=_COLOURS["line"])
             ax.axvline(centre[place], color=_COLOURS["point"], lw=0.6, ls=":")
-            if samples > 0:
-                _show_samples(ax, model, discrete, output, place, centre, ranges, samples)
-            if row == len(rows) - 1:
+            inputs_of, outputs_of = model.samples(discrete, output=output)
+            near, shade = _nearest(inputs_of, [place], centre, ranges, samples)
+            _dots(ax, inputs_of[near, place], outputs_of[near], shade)
+            _mark(ax, centre[place], at_point.values[output][0])
+            if row == len(shown) - 1 or len(varied) > _ACROSS:
                 ax.set_xlabel(_label(model.inputs[place]))
-            if column == 0:
+            if column % _ACROSS == 0:
                 ax.set_ylabel(_label(_named(model.outputs, output)))
     _share_rows(axes)
     figure.suptitle(_title(discrete))
@@ -75,7 +81,7 @@ def contour(
     output: str,
     x: str,
     y: str,
-    samples: float = 0.15,
+    samples: int = 12,
     steps: int = 61,
 ) -> Any:
     """One output over two inputs, the others as in ``point``; samples as in :func:`slices`."""
@@ -92,15 +98,14 @@ def contour(
     X = np.tile(centre, (U.size, 1))
     X[:, i], X[:, j] = U.ravel(), V.ravel()
     values = model.predict(discrete, X).values[output].reshape(U.shape)
-    figure, axes = _figure(1, 1, (5.2, 4.2))
-    ax = axes[0, 0]
+    figure = _figure(5.2, 4.2)
+    ax = figure.subplots()
     drawn = ax.contourf(U, V, values, levels=14, cmap="Blues")
     figure.colorbar(drawn, ax=ax, label=_label(_named(model.outputs, output)))
-    if samples > 0:
-        points, _ = model.samples(discrete, output=output)
-        near = _nearness(points, [i, j], centre, ranges, samples)
-        _dots(ax, points[:, i], points[:, j], near)
-    ax.plot(centre[i], centre[j], "+", color=_COLOURS["point"])
+    points, _ = model.samples(discrete, output=output)
+    near, shade = _nearest(points, [i, j], centre, ranges, samples)
+    _dots(ax, points[near, i], points[near, j], shade)
+    _mark(ax, centre[i], centre[j])
     ax.set_xlabel(_label(model.inputs[i]))
     ax.set_ylabel(_label(model.inputs[j]))
     figure.suptitle(_title(discrete))
@@ -131,60 +136,69 @@ def _centre(model: Model, point: Optional[Mapping[str, float]]) -> Tuple[np.ndar
     return np.array(centre), np.array(ranges, dtype=float).reshape(-1, 2)
 
 
-def _nearness(
-    points: np.ndarray, varied: Sequence[int], centre: np.ndarray, ranges: np.ndarray, reach: float
-) -> np.ndarray:
-    """1 for samples in the plane that is shown, falling to 0 at ``reach`` from it."""
+def _nearest(
+    points: np.ndarray, varied: Sequence[int], centre: np.ndarray, ranges: np.ndarray, count: int
+) -> Tuple[np.ndarray, np.ndarray]:
+    """The rows of the ``count`` points nearest to the picture, the nearest last so that it is drawn
+    on top, and how dark each is: from 1 in the picture's own plane, falling with the mean
+    distance per input."""
+    if count < 0 or count != int(count):
+        raise ValueError(f"samples={count!r} has to be a number of samples, 0 for none")
     others = [k for k in range(len(centre)) if k not in varied]
-    if len(points) == 0 or not others:
-        return np.ones(len(points))
-    widths = ranges[others, 1] - ranges[others, 0]
-    away = np.abs((points[:, others] - centre[others]) / widths).max(axis=1)
-    return np.clip(1.0 - away / reach, 0.0, 1.0)
+    away = np.zeros(len(points))
+    if others:
+        widths = ranges[others, 1] - ranges[others, 0]
+        away = np.sqrt((((points[:, others] - centre[others]) / widths) ** 2).mean(axis=1))
+    near = np.argsort(away, kind="stable")[: int(count)][::-1]
+    return near, 1.0 / (1.0 + (away[near] / 0.2) ** 2)
 
 
-def _show_samples(
-    ax: Any,
-    model: Model,
-    discrete: Optional[Mapping[str, int]],
-    output: str,
-    place: int,
-    centre: np.ndarray,
-    ranges: np.ndarray,
-    reach: float,
-) -> None:
-    points, values = model.samples(discrete, output=output)
-    near = _nearness(points, [place], centre, ranges, reach)
-    _dots(ax, points[:, place], values, near)
+def _dots(ax: Any, x: np.ndarray, y: np.ndarray, shade: np.ndarray) -> None:
+    if len(x) > 0:
+        ax.scatter(x, y, s=14, color=_COLOURS["sample"], alpha=shade)
 
 
-def _dots(ax: Any, x: np.ndarray, y: np.ndarray, near: np.ndarray) -> None:
-    shown = near > 0
-    if shown.any():
-        ax.scatter(x[shown], y[shown], s=14, color=_COLOURS["sample"], alpha=near[shown])
+def _mark(ax: Any, x: float, y: float) -> None:
+    """Draws the point itself on top."""
+    ax.plot(x, y, "o", ms=5, mfc="white", mec=_COLOURS["point"], zorder=5)
 
 
-def _share_rows(axes: np.ndarray) -> None:
-    """One range of values for each output, so that its slices compare."""
+def _share_rows(axes: Sequence[Sequence[Any]]) -> None:
+    """Sets one range of values for each output, so that its slices can be compared."""
     for row in axes:
         low = min(ax.get_ylim()[0] for ax in row)
         high = max(ax.get_ylim()[1] for ax in row)
         for column, ax in enumerate(row):
             ax.set_ylim(low, high)
-            if column > 0:
+            if column % _ACROSS > 0:
                 ax.tick_params(labelleft=False)
 
 
-def _figure(rows: int, columns: int, size: Optional[Tuple[float, float]] = None) -> Any:
+def _figure(width: float, height: float) -> Any:
     # The figure alone, without pyplot: nothing opens a window or stays in a global list.
     from matplotlib.figure import Figure
 
-    figure = Figure(figsize=size or (2.4 * columns + 0.8, 2.0 * rows + 0.6), layout="constrained")
-    return figure, figure.subplots(rows, columns, squeeze=False)
+    return Figure(figsize=(width, height), layout="constrained")
 
 
-def _chosen(asked: Union[str, Sequence[str], None], names: Sequence[str], what: str) -> list:
-    chosen = list(names) if asked is None else [asked] if isinstance(asked, str) else list(asked)
+def _grid(outputs: int, inputs: int) -> Tuple[Any, List[List[Any]]]:
+    """A figure, and its axes by output and input."""
+    across = min(inputs, _ACROSS)
+    down = -(-inputs // _ACROSS)
+    figure = _figure(2.4 * across + 0.8, 2.0 * outputs * down + 0.6)
+    cells = figure.add_gridspec(outputs * down, across)
+    axes = [
+        [
+            figure.add_subplot(cells[row * down + column // _ACROSS, column % _ACROSS])
+            for column in range(inputs)
+        ]
+        for row in range(outputs)
+    ]
+    return figure, axes
+
+
+def _chosen(asked: Any, names: Sequence[str], what: str) -> List[str]:
+    chosen = list(names) if asked is None else names_of(asked)
     for name in chosen:
         if name not in names:
             raise ValueError(f"there is no {what} {name!r}{did_you_mean(name, names)}")
@@ -198,8 +212,8 @@ def _named(parameters: Sequence[Parameter], name: str) -> Parameter:
 
 
 def _label(parameter: Parameter) -> str:
-    return f"{parameter.name} [{parameter.unit}]" if parameter.unit else parameter.name
+    return visible(f"{parameter.name} [{parameter.unit}]" if parameter.unit else parameter.name)
 
 
 def _title(discrete: Optional[Mapping[str, int]]) -> str:
-    return ", ".join(f"{name}={value}" for name, value in (discrete or {}).items())
+    return visible(", ".join(f"{name}={value}" for name, value in (discrete or {}).items()))

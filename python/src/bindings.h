@@ -8,13 +8,13 @@ class CDiscreteCombinations;
 
 namespace pxrom_python {
 
-// One per file: what it adds to the module.
+// One per file: adds its part to the module.
 void BindModel(pybind11::module_& module);
 void BindInspection(pybind11::module_& module);
 void BindRecords(pybind11::module_& module);
 void BindWriter(pybind11::module_& module);
 
-/// The text of a model; ValueError with the writer's reason where there is none.
+/// The text of a model; ValueError with the writer's reason if it can't be written.
 pybind11::str ToText(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model);
 
 }  // namespace pxrom_python

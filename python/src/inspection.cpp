@@ -14,7 +14,7 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 namespace pxrom_python {
 namespace {
 
-/// One dict per finding, by place.
+/// One dict per finding, in the order of the text.
 py::list Inspect(const py::str& given) {
   const std::string text = ToBytes(given);
   pxrom::CInspectionReport report;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +25,7 @@ namespace {
 using Table = py::array_t<double, py::array::c_style>;
 using Statuses = py::array_t<int, py::array::c_style>;
 
-/// The objects of a text, never changed after they were read, so that threads may share them.
+/// The objects of a text. They never change after they are read, so threads may share them.
 std::shared_ptr<pxrom::CDiscreteCombinations> ReadModel(const py::str& given) {
   const std::string text = ToBytes(given);
   std::string reason;
@@ -58,7 +59,8 @@ py::list Parameters(const pxrom::CDiscreteCombinations& model) {
     parameter["lower"] = Only(model.ListLowerBound({id}));
     parameter["upper"] = Only(model.ListUpperBound({id}));
     py::tuple values(0);
-    if (model.IsDiscrete(id)) {
+    // Of any other parameter the library would list the values of the first discrete one.
+    if (model.IsInput(id) && model.IsDiscrete(id) && model.IsEnabled(id)) {
       values = py::tuple(py::cast(model.ListRegisteredValuesForDiscreteParameter(id)));
     }
     parameter["values"] = values;
@@ -104,17 +106,40 @@ py::tuple Samples(const pxrom::CDiscreteCombinations& model, const std::vector<i
   return py::make_tuple(inputs, outputs);
 }
 
-pxrom::CPreparedModel Prepare(const pxrom::CDiscreteCombinations& model,
-                              const std::vector<std::pair<py::str, int>>& given) {
-  std::vector<std::pair<std::string, int>> values;
+using DiscreteValues = std::vector<std::pair<std::string, int>>;
+
+DiscreteValues NamedValues(const std::vector<std::pair<py::str, int>>& given) {
+  DiscreteValues values;
   values.reserve(given.size());
   for (const auto& [id, value] : given) values.emplace_back(ToBytes(id), value);
+  return values;
+}
+
+/// (operations, bytes)
+py::tuple CostOf(const pxrom::CDiscreteCombinations& model,
+                 const std::vector<std::pair<py::str, int>>& given) {
+  pxrom::CEvaluationCost cost;
+  std::string reason;
+  if (pxrom::CPreparedModel::EstimateCost(model, NamedValues(given), cost, &reason) != 0) {
+    throw py::value_error(reason);
+  }
+  return py::make_tuple(cost.operations, cost.bytes);
+}
+
+pxrom::CPreparedModel Prepare(const pxrom::CDiscreteCombinations& model,
+                              const std::vector<std::pair<py::str, int>>& given,
+                              std::optional<std::uint64_t> operations,
+                              std::optional<std::uint64_t> bytes) {
+  const DiscreteValues values = NamedValues(given);
+  pxrom::CEvaluationLimit limit;
+  if (operations.has_value()) limit.operations = *operations;
+  if (bytes.has_value()) limit.bytes = *bytes;
   pxrom::CPreparedModel prepared;
   std::string reason;
   int status = 1;
   {
     const py::gil_scoped_release unlocked;
-    status = pxrom::CPreparedModel::Prepare(model, values, prepared, &reason);
+    status = pxrom::CPreparedModel::Prepare(model, values, prepared, &reason, limit);
   }
   if (status != 0) throw py::value_error(reason);
   return prepared;
@@ -167,10 +192,12 @@ py::tuple EvaluateGradients(const pxrom::CPreparedModel& model, const Table& poi
   const double* const x = points.data();
   double* const g = gradients.mutable_data();
   int* const s = statuses.mutable_data();
+  std::string reason;
   {
     const py::gil_scoped_release unlocked;
-    model.EvaluateGradients(x, static_cast<std::size_t>(rows), g, s);
+    model.EvaluateGradients(x, static_cast<std::size_t>(rows), g, s, &reason);
   }
+  if (!reason.empty()) throw py::value_error(reason);
   return py::make_tuple(gradients, statuses);
 }
 
@@ -194,7 +221,8 @@ void BindModel(py::module_& module) {
       .def("parameters", &Parameters)
       .def("combinations", &Combinations)
       .def("samples", &Samples, py::arg("key"), py::arg("output"))
-      .def("prepare", &Prepare, py::arg("values"))
+      .def("cost", &CostOf, py::arg("values"))
+      .def("prepare", &Prepare, py::arg("values"), py::arg("operations"), py::arg("bytes"))
       .def("to_text", &ToText);
   module.def("read", &ReadModel, py::arg("text"));
 

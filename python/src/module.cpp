@@ -1,5 +1,5 @@
-// pxrom._core: the library as the pure package needs it. Checks of arguments that a person passes,
-// and the wording of what is wrong with them, stand there.
+// pxrom._core: the library as the pure Python package needs it. That package checks the arguments
+// of users and words the refusals.
 
 #include <pybind11/pybind11.h>
 

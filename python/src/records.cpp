@@ -1,19 +1,19 @@
-// The record of each family that an exporter fills, with the library's own names for its fields.
+// The record of each family, with the library's own names for its fields: attributes are made from
+// the description that reader and writer go by.
 
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include <memory>
+#include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "bindings.h"
-#include "pxrom/constant.h"
-#include "pxrom/kriging.h"
-#include "pxrom/linear_basis.h"
-#include "pxrom/regression.h"
+#include "families/families.h"
 #include "pxrom/regression_terms.h"
-#include "pxrom/support_vector.h"
+#include "records/rs_fields.h"
 
 namespace py = pybind11;
 namespace pxrom = Tarvane::Plexura::PXROM;
@@ -21,15 +21,99 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 namespace pxrom_python {
 namespace {
 
-/// An enumeration goes by its number, as in a database.
-template <class Record, class Enum, class... Options>
-void DefineNumber(py::class_<Record, Options...>& bound, const char* name, Enum Record::*field) {
-  bound.def_property(
-      name, [field](const Record& record) { return static_cast<int>(record.*field); },
-      [field](Record& record, int number) { record.*field = static_cast<Enum>(number); });
+/// A visitor of fields (text/fields.h) that shows each to `Visit` with its name. Every record has
+/// every field here, whatever its version and flags.
+template <class Visit>
+class FieldVisitor {
+ public:
+  static constexpr bool kReads = false;
+  static constexpr bool kWrites = false;
+
+  explicit FieldVisitor(Visit visit) : visit_(std::move(visit)) {}
+
+  template <class Version>
+  bool HasSince(Version, Version) const {
+    return true;
+  }
+  bool HasPart(bool) const { return true; }
+  template <class Field>
+  void operator()(const pxrom::fields::Key&, const char* name, Field& field) {
+    visit_(name, field, [&field](const Field& value) { field = value; });
+  }
+  template <class Field>
+  void Kept(const pxrom::fields::Key& key, const char* name, Field& field) {
+    (*this)(key, name, field);
+  }
+  template <class Field, class Shared>
+  void Repeated(const pxrom::fields::Key& key, const char* name, Field& field, const Shared&) {
+    (*this)(key, name, field);
+  }
+  template <class Record, class Value, class Set>
+  void Property(const pxrom::fields::Key&, const char* name, Record& record, const Value& value,
+                const Set& set, const char* = nullptr) {
+    visit_(name, value, [&](const Value& given) {
+      if (set(record, given) != 0) throw py::value_error(std::string(name) + " can't be that");
+    });
+  }
+  int Matrix(const pxrom::fields::Key& key, const char* name, pxrom::fields::MatrixField& field,
+             int, int) {
+    (*this)(key, name, field);
+    return 0;
+  }
+  void Unread(const pxrom::fields::Key&) {}
+
+ private:
+  Visit visit_;
+};
+
+template <class Record, class Visit>
+void VisitBase(Record& record, Visit visit) {
+  FieldVisitor<Visit> visitor(std::move(visit));
+  static_cast<void>(pxrom::BaseFields(visitor, record));
 }
 
-/// Terms by their lists of inputs: none, one, or two. Refused is an input that isn't there.
+template <class Record, class Visit>
+void VisitFields(Record& record, Visit visit) {
+  FieldVisitor<Visit> visitor(std::move(visit));
+  static_cast<void>(pxrom::FamilyOf<Record>::Fields(visitor, record));
+}
+
+/// An enumeration is its number, as in a database.
+template <class Field>
+using Shown = std::conditional_t<std::is_enum_v<Field>, int, Field>;
+
+/// An attribute for each field that `visitFields` shows of a record.
+template <class Record, class Class, class VisitAll>
+void DefineAttributes(Class& bound, VisitAll visitAll) {
+  std::vector<std::string> names;
+  Record sample;
+  visitAll(sample, [&](const char* name, const auto&, const auto&) { names.emplace_back(name); });
+  for (const std::string& name : names) {
+    if (name.empty()) continue;
+    const auto get = [name, visitAll](Record& record) {
+      py::object result;
+      visitAll(record, [&](const char* other, const auto& field, const auto&) {
+        using Field = std::decay_t<decltype(field)>;
+        if (name == other) result = py::cast(static_cast<Shown<Field>>(field));
+      });
+      return result;
+    };
+    const auto set = [name, visitAll](Record& record, const py::object& value) {
+      visitAll(record, [&](const char* other, const auto& field, const auto& store) {
+        using Field = std::decay_t<decltype(field)>;
+        if (name != other) return;
+        try {
+          store(static_cast<Field>(value.cast<Shown<Field>>()));
+        } catch (const py::cast_error&) {
+          throw py::type_error("a value of this type can't be stored in " + name);
+        }
+      });
+    };
+    bound.def_property(name.c_str(), get, set);
+  }
+}
+
+/// Terms by their lists of inputs: none, one, or two. Refuses an input that doesn't exist.
 void SetTerms(pxrom::CQRSData& record,
               const std::vector<std::pair<std::vector<int>, double>>& given) {
   std::vector<std::unique_ptr<RegTerm>> terms;
@@ -66,98 +150,45 @@ void SetTerms(pxrom::CQRSData& record,
   record.NumberOfSelectedRegTerms = static_cast<int>(bare.size());
 }
 
-void BindBase(py::module_& module) {
-  using pxrom::CRSData;
-  py::class_<CRSData>(module, "CRSData")
-      .def_readwrite("NumberOfInputVariables", &CRSData::NumberOfInputVariables)
-      .def_readwrite("NumberOfSamples", &CRSData::NumberOfSamples)
-      .def_readwrite("InputSamples", &CRSData::InputSamples)
-      .def_readwrite("OutputSamples", &CRSData::OutputSamples)
-      .def_readwrite("InputScaleSlopes", &CRSData::InputScaleSlopes)
-      .def_readwrite("InputScaleIntercepts", &CRSData::InputScaleIntercepts)
-      .def_readwrite("OutputScaleSlope", &CRSData::OutputScaleSlope)
-      .def_readwrite("OutputScaleIntercept", &CRSData::OutputScaleIntercept)
-      .def_readwrite("ReadyForSolve", &CRSData::ReadyForSolve)
-      .def_readwrite("ReadyForEvaluation", &CRSData::ReadyForEvaluation);
+/// What a record offers besides its fields. Most have nothing.
+template <class Class>
+void DefineOperations(Class&) {}
+void DefineOperations(py::class_<pxrom::CQRSData, pxrom::CRSData>& bound) {
+  bound.def("SetTerms", &SetTerms, py::arg("terms"));
 }
 
-void BindKriging(py::module_& module) {
-  using pxrom::CKrigingData;
-  py::class_<CKrigingData, pxrom::CRSData> bound(module, "CKrigingData");
-  bound.def(py::init<>())
-      .def_readwrite("PolynomialCoefficients", &CKrigingData::PolynomialCoefficients)
-      .def_readwrite("CorrelationCoefficients", &CKrigingData::CorrelationCoefficients)
-      .def_readwrite("CorrelationKernels", &CKrigingData::CorrelationKernels)
-      .def_readwrite("SavePredictorError", &CKrigingData::SavePredictorError)
-      .def_readwrite("NumberOfPolyCoeff", &CKrigingData::NumberOfPolyCoeff)
-      .def_readwrite("Sigma2", &CKrigingData::Sigma2)
-      .def_readwrite("InvC", &CKrigingData::InvC)
-      .def_readwrite("InvG", &CKrigingData::InvG)
-      .def_readwrite("Ft", &CKrigingData::Ft);
-  DefineNumber(bound, "PolynomialType", &CKrigingData::PolynomialType);
-  DefineNumber(bound, "CorrelationFunctionType", &CKrigingData::CorrelationFunctionType);
+void DefineOperations(py::class_<pxrom::CSVRData, pxrom::CRSData>& bound) {
+  bound.def("SetEpsVal", &pxrom::CSVRData::SetEpsVal)
+      .def("SetNuVal", &pxrom::CSVRData::SetNuVal)
+      .def("SetConstVal", &pxrom::CSVRData::SetConstVal);
+}
+void DefineOperations(py::class_<pxrom::CConstantData, pxrom::CRSData>& bound) {
+  bound.def("SetConstantValue", &pxrom::CConstantData::SetConstantValue);
 }
 
-void BindRegression(py::module_& module) {
-  using pxrom::CQRSData;
-  py::class_<CQRSData, pxrom::CRSData> bound(module, "CQRSData");
-  bound.def(py::init<>())
-      .def_readwrite("RegTermFilterConfVal", &CQRSData::RegTermFilterConfVal)
-      .def_readwrite("InputTransformValues", &CQRSData::InputTransformValues)
-      .def_readwrite("InputLambdas", &CQRSData::InputLambdas)
-      .def_readwrite("OutputTransformValue", &CQRSData::OutputTransformValue)
-      .def_readwrite("OutputLambda", &CQRSData::OutputLambda)
-      .def_readwrite("SavePredictorError", &CQRSData::SavePredictorError)
-      .def_readwrite("Sigma2", &CQRSData::Sigma2)
-      .def_readwrite("InvXtX", &CQRSData::InvXtX)
-      .def("SetTerms", &SetTerms, py::arg("terms"));
-  DefineNumber(bound, "InputTransformType", &CQRSData::InputTransformType);
-  DefineNumber(bound, "OutputTransformType", &CQRSData::OutputTransformType);
+template <class Record>
+void BindRecord(py::module_& module) {
+  if constexpr (std::is_same_v<Record, pxrom::CRSData>) {
+    py::class_<Record> bound(module, pxrom::FamilyOf<Record>::kRecordName);
+    DefineAttributes<Record>(
+        bound, [](Record& record, auto visit) { VisitBase(record, std::move(visit)); });
+  } else {
+    py::class_<Record, pxrom::CRSData> bound(module, pxrom::FamilyOf<Record>::kRecordName);
+    bound.def(py::init<>());
+    DefineAttributes<Record>(
+        bound, [](Record& record, auto visit) { VisitFields(record, std::move(visit)); });
+    DefineOperations(bound);
+  }
 }
 
-void BindSupportVector(py::module_& module) {
-  using pxrom::CSVRData;
-  py::class_<CSVRData, pxrom::CRSData> bound(module, "CSVRData");
-  bound.def(py::init<>())
-      .def("SetEpsVal", &CSVRData::SetEpsVal)
-      .def("SetNuVal", &CSVRData::SetNuVal)
-      .def("SetConstVal", &CSVRData::SetConstVal)
-      .def_readwrite("Alphas", &CSVRData::Alphas)
-      .def_readwrite("AlphasStar", &CSVRData::AlphasStar)
-      .def_readwrite("Betas", &CSVRData::Betas)
-      .def_readwrite("ConstantCoefficient", &CSVRData::ConstantCoefficient)
-      .def_readwrite("KernelArray", &CSVRData::KernelArray);
-  DefineNumber(bound, "SVRKernType", &CSVRData::SVRKernType);
-  DefineNumber(bound, "SVRLossFuncType", &CSVRData::SVRLossFuncType);
-}
-
-void BindLinearBasis(py::module_& module) {
-  using pxrom::CLBFData;
-  py::class_<CLBFData, pxrom::CRSData> bound(module, "CLBFData");
-  bound.def(py::init<>())
-      .def_readwrite("KernelValues", &CLBFData::KernelValues)
-      .def_readwrite("PolynomialCoefficients", &CLBFData::PolynomialCoefficients)
-      .def_readwrite("KernelCoefficients", &CLBFData::KernelCoefficients);
-  DefineNumber(bound, "BasisFunctionType", &CLBFData::BasisFunctionType);
-  DefineNumber(bound, "PolynomialType", &CLBFData::PolynomialType);
-}
-
-void BindConstant(py::module_& module) {
-  using pxrom::CConstantData;
-  py::class_<CConstantData, pxrom::CRSData>(module, "CConstantData")
-      .def(py::init<>())
-      .def("SetConstantValue", &CConstantData::SetConstantValue);
+/// The base stands first in the list, as the classes derived from it need.
+template <class... Records>
+void BindAll(py::module_& module, pxrom::RecordList<Records...>) {
+  (BindRecord<Records>(module), ...);
 }
 
 }  // namespace
 
-void BindRecords(py::module_& module) {
-  BindBase(module);
-  BindKriging(module);
-  BindRegression(module);
-  BindSupportVector(module);
-  BindLinearBasis(module);
-  BindConstant(module);
-}
+void BindRecords(py::module_& module) { BindAll(module, pxrom::AllRecords()); }
 
 }  // namespace pxrom_python

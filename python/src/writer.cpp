@@ -1,4 +1,4 @@
-// From records to a text: ensembles, the registry, and the writer.
+// Turns records into a text: ensembles, the registry, and the writer.
 
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>

@@ -3,12 +3,16 @@
 import json
 import os
 import pathlib
+import sys
 
 import pytest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BEAM = ROOT / "examples" / "beam.pxdb"
 MODELS = sorted(path.parent.name for path in (ROOT / "tests/data/models").glob("*/model.pxdb"))
+
+
+sys.path.append(str(ROOT / "tests" / "support"))
 
 
 def cases_of(name):

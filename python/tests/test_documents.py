@@ -2,7 +2,9 @@
 
 A block whose first line names a file is written there; one of `console` runs the lines that begin
 with "$ ", and what follows each is its output; Python blocks of a page run one after the other, and
-a `text` block behind one is what it printed.
+a `text` block behind one is what it printed. The lines of `sh` are typed in the checkout, in a new
+account; what they export holds for the commands of the page. Those that build have run: this is what
+they built.
 """
 
 import contextlib
@@ -41,6 +43,20 @@ def installed(tmp_path_factory):
     }
 
 
+def account(blocks, home):
+    """The environment after the lines of the `sh` blocks."""
+    lines = "".join(body for language, _, body in blocks if language == "sh")
+    built = re.sub(r"^(script/|cmake --preset|cmake --build).*\n", "", lines, flags=re.MULTILINE)
+    built = re.sub(r"\bbuild/(demo|python)(?=\s)", os.environ["PXROM_BUILD"], built)
+    names = ("LD_LIBRARY_PATH", "PKG_CONFIG_PATH", "CMAKE_PREFIX_PATH", "PYTHONPATH")
+    clean = {key: value for key, value in os.environ.items() if key not in names}
+    run = subprocess.run(
+        ["bash", "-c", f"set -e\n{{\n{built}}} >/dev/null\nenv -0"],
+        cwd=ROOT, env={**clean, "HOME": str(home)}, check=True, capture_output=True, text=True,
+    )
+    return dict(pair.split("=", 1) for pair in run.stdout.split("\0") if pair)
+
+
 def commands(block):
     """(command, output) of each line that begins with "$ "."""
     for part in re.split(r"^\$ ", block, flags=re.MULTILINE)[1:]:
@@ -59,6 +75,9 @@ def test_blocks_of(page, installed, tmp_path, monkeypatch):
     blocks = BLOCK.findall((ROOT / page).read_text())
     assert blocks
     names, printed, ran = {}, None, 0
+    environment = installed
+    if any(language == "sh" for language, _, _ in blocks):
+        environment = account(blocks, tmp_path / "home")
     for language, file, body in blocks:
         if file:
             pathlib.Path(file).write_text(body)
@@ -73,7 +92,7 @@ def test_blocks_of(page, installed, tmp_path, monkeypatch):
         elif body.startswith("$ "):
             for command, output in commands(body):
                 run = subprocess.run(
-                    ["bash", "-c", command], env=installed, capture_output=True, text=True
+                    ["bash", "-c", command], env=environment, capture_output=True, text=True
                 )
                 assert run.returncode == 0, f"{command}\n{run.stdout}{run.stderr}"
                 assert run.stdout == output, command

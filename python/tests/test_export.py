@@ -1,5 +1,7 @@
 """Each exporter against the live tool: what it predicts, at points that the fit did not see."""
 
+import json
+import subprocess
 import warnings
 
 import numpy as np
@@ -13,8 +15,10 @@ from sklearn import decomposition, dummy, ensemble, kernel_ridge, linear_model, 
 from sklearn.compose import TransformedTargetRegressor as Target
 from sklearn.gaussian_process import GaussianProcessRegressor as Process
 from sklearn.gaussian_process.kernels import RBF, ConstantKernel, DotProduct, Matern, WhiteKernel
+from sklearn.model_selection import GridSearchCV
 from sklearn.pipeline import make_pipeline as pipe
-from sklearn.preprocessing import MaxAbsScaler, MinMaxScaler, PolynomialFeatures, RobustScaler
+from sklearn.preprocessing import MaxAbsScaler, MinMaxScaler, PolynomialFeatures, PowerTransformer
+from sklearn.preprocessing import RobustScaler
 from sklearn.preprocessing import StandardScaler as Standard
 
 import pxrom
@@ -161,6 +165,128 @@ def test_several_outputs_and_names():
     assert np.all(got == np.median(both, 0))
 
 
+def ols(columns, y=Y, **options):
+    return sm.OLS(y, sm.add_constant(columns)).fit(**options)
+
+
+KEPT = svm.SVR(C=10).fit(X, Y)
+LINE = linear_model.LinearRegression().fit(X, Y)
+KRIGED = Process(RBF([1, 10, 1]) + WhiteKernel(0.1), optimizer=None, normalize_y=True).fit(X, Y)
+
+
+@pytest.mark.parametrize(
+    "fitted, given, stored",
+    [
+        (KEPT, (), 0),
+        (KEPT, (X,), 0),
+        (KEPT, (X, Y), 40),
+        (kernel_ridge.KernelRidge().fit(X, Y), (), 0),
+        (LINE, (X,), 0),
+        (LINE, (X, Y), 40),
+        (KRIGED, (), 40),
+        (KRIGED, (X,), 40),
+        (ols(X), (X,), 40),
+    ],
+)
+def test_samples_are_stored_with_their_outputs_or_not_at_all(
+    fitted, given, stored, command, tmp_path
+):
+    path = tmp_path / "model.pxdb"
+    pxrom.export.save(path, fitted, *given)
+    model = read(path.read_text())
+    points, outputs = model.samples(output="y")
+    assert len(points) == stored
+    assert np.allclose(points, X[:stored], rtol=1e-14)
+    assert np.allclose(outputs, Y[:stored], rtol=1e-14)
+    # Everything else that reads a model copes without.
+    assert read(model.to_text()).samples(output="y")[0].shape == (stored, 3)
+    page = tmp_path / "page.html"
+    for arguments in (["info", "--json", path], ["check", path], ["report", path, "-o", page]):
+        run = subprocess.run([command, *arguments], capture_output=True, text=True)
+        assert run.returncode == 0, run.stderr
+        if arguments[0] == "info":
+            assert json.loads(run.stdout)["ensembles"][0]["samples"] == stored
+
+
+@pytest.mark.parametrize(
+    "fitted, given, said",
+    [
+        (KEPT, (2 * X, Y), "X is not what the SVR was fitted to: it holds"),
+        (KEPT, (X[:30], Y[:30]), "X has 30 rows, but the SVR was fitted to 40 samples"),
+        (KEPT, (X, 7 * Y), "X and y are not what the SVR was fitted to: a new fit"),
+        (LINE, (2 * X, Y), "X and y are not what the LinearRegression was fitted to"),
+        (LINE, (X, 7 * Y), "X and y are not what the LinearRegression was fitted to"),
+        (linear_model.GammaRegressor().fit(X, Y), (X, -Y), "since a fit to them fails (Some"),
+        (KRIGED, (X[::-1], Y[::-1]), "X is not what the GaussianProcessRegressor was fitted to"),
+        (KRIGED, (X, 7 * Y), "y is not what the GaussianProcessRegressor was fitted to"),
+        (ols(X), (X, 7 * Y), "y is not what the RegressionResultsWrapper was fitted to"),
+    ],
+)
+def test_what_is_given_beside_a_fit_is_compared_with_it(fitted, given, said):
+    with pytest.raises(NotExportable) as refusal:
+        to_text(fitted, *given)
+    assert said in str(refusal.value)
+    assert "or leave X and y out" in str(refusal.value)
+
+
+def test_weights_of_samples_are_no_contradiction():
+    weights = np.linspace(0.1, 5, 40)
+    for kind in (linear_model.LinearRegression(), svm.SVR(C=10), kernel_ridge.KernelRidge()):
+        read(to_text(kind.fit(X, Y, sample_weight=weights), X, Y))
+
+
+def noise_free(n, length):
+    """One input, evenly spaced: coefficients of 1e9 cancel."""
+    line = np.linspace(0, 1, n)[:, None]
+    kernel = RBF(length, "fixed")
+    return Process(kernel, normalize_y=True).fit(line, np.sin(4 * line[:, 0]))
+
+
+@pytest.mark.parametrize("n", [20, 30, 60])
+def test_what_rounding_explains_is_exported_with_a_warning(n):
+    fitted = noise_free(n, 3.0)
+    with pytest.warns(UserWarning, match="agrees with the tool to .* is only defined to"):
+        model = read(to_text(fitted))
+    line = np.linspace(0, 1, 37)[:, None]
+    # In long doubles, of which the library's and the tool's values are both roundings.
+    distances = (line.astype(np.longdouble) - fitted.X_train_.T) / fitted.kernel_.length_scale
+    sums = (np.exp(-0.5 * distances**2) * fitted.alpha_).sum(axis=1)
+    wanted = sums * fitted._y_train_std + fitted._y_train_mean
+    sizes = np.abs(fitted.alpha_).sum() * fitted._y_train_std
+    assert np.abs(model.predict(line).values["y"] - wanted).max() <= 2.3e-16 * (n + 8) * sizes
+
+    # What it does not explain is refused in such a fit as well.
+    fitted.alpha_ = fitted.alpha_.copy()
+    fitted.predict = (
+        Process(fitted.kernel, normalize_y=True)
+        .fit(fitted.X_train_, np.sin(4.001 * fitted.X_train_[:, 0]))
+        .predict
+    )
+    with pytest.raises(NotExportable, match="and rounding explains"):
+        to_text(fitted)
+
+
+FRAME = pandas.DataFrame(X, columns=["a", "b", "c"])
+BOTH = pandas.DataFrame({"u": Y, "v": 2 * Y})
+PAIR = linear_model.LinearRegression().fit(X, BOTH.to_numpy())
+
+
+@pytest.mark.parametrize(
+    "fitted, given, named, inputs, outputs",
+    [
+        (LINE, (FRAME, pandas.Series(Y, name="flow")), {}, ["a", "b", "c"], ["flow"]),
+        (LINE, (X, pandas.Series(Y)), {}, ["x0", "x1", "x2"], ["y"]),
+        (LINE, (), {"inputs": FRAME.columns, "outputs": "flow"}, ["a", "b", "c"], ["flow"]),
+        (PAIR, (X, BOTH), {}, ["x0", "x1", "x2"], ["u", "v"]),
+        (PAIR, (X, BOTH[["v", "u"]]), {"outputs": ["u", "v"]}, ["x0", "x1", "x2"], ["u", "v"]),
+    ],
+)
+def test_names_come_from_where_there_are_some(fitted, given, named, inputs, outputs):
+    model = read(to_text(fitted, *given, **named))
+    assert [p.name for p in model.inputs] == inputs
+    assert [p.name for p in model.outputs] == outputs
+
+
 def test_every_export_checks_itself():
     fitted = svm.SVR(C=10).fit(X, Y)
     fitted.dual_coef_ = fitted.dual_coef_ * (1 + 1e-9)  # libsvm goes on with its own copy
@@ -263,10 +389,6 @@ def test_scipy(kernel, degree):
         assert_near(result.values[name], fitted(NEW)[:, column])
 
 
-def ols(columns, y=Y, **options):
-    return sm.OLS(y, sm.add_constant(columns)).fit(**options)
-
-
 @pytest.mark.parametrize("level", [0.5, 0.95, 0.99])
 def test_statsmodels_interval(level):
     def design(P):
@@ -316,7 +438,7 @@ def rbf(**options):
 
 REFUSED = [
     # What can't be exported once it is fitted,
-    (Process(Matern(nu=2.5)), "takes the distance over all inputs"),
+    (Process(Matern(nu=2.5)), "[(0.01, 100), (1e12, 1e12)], nu=2.5) * Matern([1e12, 1]"),
     (Process(Matern(nu=1.5)), "nu=1.5 has no counterpart"),
     (Process(RBF() + RBF(9.0)), "2 correlations in its sum"),
     (Process(RBF() * Matern([1, INF, INF], "fixed", nu=2.5)), "of different kinds"),
@@ -325,11 +447,20 @@ REFUSED = [
     (svm.SVR(kernel="poly", degree=3, gamma=1e-3), "degree 3 has no counterpart"),
     (svm.SVR(kernel="sigmoid"), "coef0 has to be -e"),
     (kernel_ridge.KernelRidge(kernel="cosine"), "'cosine' has no counterpart"),
+    (kernel_ridge.KernelRidge(kernel=np.dot), "a kernel that is a function of one's own has no"),
+    (svm.SVR(kernel=lambda a, b: a @ b.T), "a kernel that is a function of one's own has no"),
+    (lambda: to_text(svm.SVR(kernel="precomputed").fit(X @ X.T, Y)), "a precomputed kernel has no"),
+    (pipe(PowerTransformer(), svm.SVR()), "a PowerTransformer, is not a slope and an intercept"),
+    (
+        ensemble.VotingRegressor([("a", svm.SVR()), ("b", svm.SVR())]),
+        "pass the weighted ensemble list(zip(voting.estimators_, [1 / 2] * 2))",
+    ),
+    (GridSearchCV(svm.SVR(), {"C": [1, 2]}), "pass its best_estimator_"),
     (pipe(PolynomialFeatures(3), linear_model.LinearRegression()), "has the degree 3"),
     (pipe(PolynomialFeatures(2), svm.SVR()), "has to be a linear model"),
     (
         pipe(decomposition.PCA(2), svm.SVR()),
-        "'pca', a PCA, does not scale each input by itself",
+        "'pca', a PCA, is not a slope and an intercept per input",
     ),
     (Target(svm.SVR(), func=np.log, inverse_func=np.exp), "has to be a linear model"),
     (Target(svm.SVR(), func=np.cbrt, inverse_func=lambda t: t**3), "has no counterpart"),
@@ -339,24 +470,49 @@ REFUSED = [
     (lambda: to_text(Process()), "is not fitted; call fit first"),
     (lambda: to_text(linear_model.LinearRegression()), "is not fitted; call fit first"),
     (lambda: to_text(svm.SVR()), "is not fitted; call fit first"),
-    (lambda: to_text(object()), "of no tool that is known"),
+    (lambda: to_text(object()), "not from a known tool"),
     (lambda: to_text(svm.SVR().fit(X, Y), error=True), "no predicted error to export"),
     (
         lambda: to_text(svm.SVR().fit(X, Y), X[:, :2], Y),
         "X has 2 columns, but the fit has 3 inputs",
     ),
     (all_distances, "takes the distance over all inputs"),
-    (odd_trend, "a function of the trend is no constant"),
-    (lambda: rbf(kernel="thin_plate_spline"), "'thin_plate_spline' is none of"),
+    (odd_trend, "a function of the trend is not a constant"),
+    (lambda: rbf(kernel="thin_plate_spline"), "'thin_plate_spline' is not one of"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, neighbors=9), "neighbors=None"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, degree=3), "has the degree 3"),
-    (lambda: to_text(ols(np.c_[X, X[:, 0] ** 3]), X), "'x4' is no constant, input, square"),
+    (lambda: to_text(ols(np.c_[X, X[:, 0] ** 3]), X), "'x4' is not a constant, an input, a square"),
     (lambda: to_text(ols(X, cov_type="HC3"), error=True), "'HC3' has no counterpart"),
     (
+        lambda: to_text(sm.OLS(Y, X).fit_regularized(alpha=0.1), X),
+        "what OLS.fit_regularized returns has no counterpart; call fit()",
+    ),
+    (
+        lambda: to_text(ols(np.c_[np.log(X[:, 0]), X[:, 1:]]), X),
+        "takes log of some inputs, 'x1', and the others unchanged",
+    ),
+    (
         lambda: to_text(sm.Logit(Y > Y.mean(), X).fit(disp=0)),
-        "no counterpart; exported are the results of OLS",
+        "no counterpart; the exporter accepts the results of OLS",
     ),
 ]
+
+
+def test_what_refusals_advise_works():
+    """The code in a message, unchanged."""
+    two, names = X[:, [0, 2]], {"Matern": Matern, "numpy": np}
+    weighted = ensemble.VotingRegressor([("a", svm.SVR(C=9)), ("b", LINE)], weights=[3, 1])
+    with pytest.raises(NotExportable) as refusal:
+        to_text(quiet(Process(Matern(nu=2.5)).fit, two, Y))
+    kernel = eval(str(refusal.value).partition("for two inputs ")[2], names)
+    fitted = quiet(Process(kernel, alpha=0.01, normalize_y=True).fit, two, Y)
+    model = read(to_text(fitted))
+    assert_near(model.predict(NEW[:, [0, 2]]).values["y"], fitted.predict(NEW[:, [0, 2]]))
+    names["voting"] = weighted.fit(X, Y)
+    with pytest.raises(NotExportable) as refusal:
+        to_text(weighted)
+    members = eval(str(refusal.value).partition("the weighted ensemble ")[2], names)
+    assert_near(read(to_text(members)).predict(NEW).values["y"], weighted.predict(NEW))
 
 
 @pytest.mark.parametrize("refused, said", REFUSED)

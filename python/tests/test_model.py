@@ -3,12 +3,15 @@
 import concurrent.futures
 import json
 import pickle
+import re
 import subprocess
 
 import numpy as np
 import pandas
 import pytest
+import scipy.sparse
 from conftest import BEAM, MODELS, cases_of
+from expensive_model import expensive_model
 
 import pxrom
 
@@ -49,6 +52,47 @@ def test_predicts_what_the_tools_predict(name):
                 assert abs(result.errors[output][0] - wanted) <= allowed
 
 
+def test_a_model_that_costs_too_much_is_refused_before_it_is_evaluated(command, tmp_path):
+    path = tmp_path / "expensive.pxdb"
+    path.write_text(expensive_model(60))
+    said = (
+        "An evaluation takes about 9.1e9 floating-point operations at each point, and the limit is "
+        "2e9: the model is evaluated with a limit of 9.1e9 operations or more, or with none."
+    )
+    model = pxrom.load(path, limit=2e9)
+    assert 9e9 < model.cost().operations < 9.1e9
+    for limited in (model, pickle.loads(pickle.dumps(model))):
+        with pytest.raises(ValueError, match=re.escape(said + " (limit= and memory_limit= of ")):
+            limited.predict(X=np.zeros((1000000, 60)))
+    with pytest.raises(ValueError, match="bytes of memory, and the limit is 1e7"):
+        pxrom.load(path, memory_limit=1e7).predict(X=np.zeros((1, 60)))
+    with pytest.raises(ValueError, match="limit has to be a number from 0"):
+        pxrom.loads("", limit=-1)
+
+    names = [f"x{k}" for k in range(60)]
+    table = tmp_path / "points.csv"
+    table.write_text(",".join(names) + "\n" + "0," * 59 + "0\n")
+    for points in ([f"{name}=0" for name in names], ["--points", table]):
+        run = subprocess.run([command, "eval", path, *points], capture_output=True, text=True)
+        assert (run.returncode, run.stderr) == (1, f"pxrom eval: {said} --limit sets it.\n")
+
+    # A limit above the cost changes nothing, and gradients have a cost of their own.
+    small = tmp_path / "small.pxdb"
+    small.write_text(expensive_model(3))
+    point = [*(f"{name}=1" for name in names[:3])]
+    evaluated = [command, "eval", small, *point]
+    free = subprocess.run([*evaluated, "--limit", "none"], capture_output=True, check=True)
+    assert subprocess.run([*evaluated, "--limit", "1e5"], capture_output=True).stdout == free.stdout
+    assert subprocess.run([*evaluated, "--limit", "1e3"], capture_output=True).returncode == 1
+    assert b'"many" is not a number' in subprocess.run(
+        [*evaluated, "--limit", "many"], capture_output=True
+    ).stderr
+    within = pxrom.load(small, limit=pxrom.load(small).cost().operations)
+    assert within.predict(X=[[1, 1, 1]]).statuses["f"][0] == 0
+    with pytest.raises(ValueError, match="Gradients: An evaluation takes about"):
+        within.predict(X=[[1, 1, 1]], gradient=True)
+
+
 def test_equals_the_command_to_the_last_bit(beam, command):
     arguments = [f"{name}={value}" for name, value in {**STEEL, **POINT}.items()]
     run = subprocess.run(
@@ -82,7 +126,7 @@ def test_takes_arrays_mappings_and_frames(beam):
     assert list(made.index) == list("abcdefg")
     assert ",".join(made.columns[:5]) == "deflection,mass,stress,deflection error,mass error"
     assert np.array_equal(made["dstress/dL"], of_frame.gradients["stress"][:, 2])
-    # A single value stands for all points.
+    # A single value is used for all points.
     one = beam.predict(STEEL, {**dict(zip(names, X.T)), "L": 1.25}).values["mass"]
     X[:, 2] = 1.25
     assert np.array_equal(one, beam.predict(STEEL, X)["mass"])
@@ -117,7 +161,7 @@ def test_values_do_not_depend_on_asking_for_errors():
     assert plain.errors is None and np.all(plain.statuses.array == 0)
 
 
-def test_tells_errors_in_a_scaled_space(beam):
+def test_reports_errors_in_a_scaled_space(beam):
     assert beam.predict(STEEL, POINT, return_error=True).scaled_errors == {"mass"}
 
 
@@ -142,7 +186,12 @@ def test_lists_what_the_model_holds(beam):
         ({"Material": 1}, POINT, "'Holes' is missing; it takes 0, 2 or 4"),
         ({"Material": 3, "Holes": 2}, POINT, "Material=3 was not fitted; it takes 1 or 2"),
         ({"Material": 1.5, "Holes": 2}, POINT, "Material=1.5 was not fitted"),
-        ([1, 2], POINT, "go by name: {'Holes': ..., 'Material': ...}"),
+        ([1, 2], POINT, "is a mapping by name: {'Holes': ..., 'Material': ...}, not list"),
+        (np.ones((2, 4)), None, "points and is a mapping by name: {'Holes': ..., 'Material'"),
+        ({**STEEL, "L": 1}, POINT, "'L' is a continuous input: it goes into the points X"),
+        ({**STEEL, "Holes": np.array([2, 4])}, POINT, "predict one combination after the other"),
+        (STEEL, pandas.DataFrame({"Material": [1, 2]}), "'Material' holds 1 and 2, but the"),
+        (STEEL, scipy.sparse.eye(4), "a sparse matrix was given for points; pass its toarray()"),
         (STEEL, None, "X is missing"),
         (STEEL, [[1, 2, 3]], "3 columns, but the model has 4 inputs, in this order: 'h', 'F'"),
         (STEEL, [1, 2, 3, 4], "1 dimension(s); for one point write [[...]]"),
@@ -171,8 +220,52 @@ def test_refuses_other_arguments(beam):
         beam.predict(STEEL, POINT, mode="quick")
     with pytest.raises(KeyError, match="did you mean 'mass'"):
         beam.predict(STEEL, POINT)["Mass"]
-    with pytest.raises(TypeError):
-        pxrom.loads(b"bytes")
+    for act, said in (
+        (lambda: pxrom.loads(b"bytes"), "not bytes; call decode('utf-8', 'surrogateescape')"),
+        (lambda: pxrom.loads(BEAM), f"call pxrom.load('{BEAM}')"),
+        (lambda: pxrom.check(7), "the text of a database is a str, not int"),
+        (lambda: list(beam.predict(STEEL, POINT)), "use prediction.values.array, prediction[outpu"),
+    ):
+        with pytest.raises(TypeError) as refusal:
+            act()
+        assert said in str(refusal.value)
+    with pytest.raises(ValueError, match=r"to read a file, call pxrom.load\('beam.pxdb'\)"):
+        pxrom.loads("beam.pxdb")
+
+
+def test_takes_what_is_clear(beam):
+    """A path to check, points alone without discrete inputs, a frame that agrees."""
+    assert pxrom.check(BEAM) == pxrom.check(beam.text)
+    result = beam.predict(STEEL, POINT)
+    assert np.array_equal(np.asarray(result), result.values.array)
+    agrees = beam.predict(STEEL, pandas.DataFrame({**POINT, "Material": [1]}))
+    assert np.array_equal(agrees.values.array, result.values.array)
+    alone = pxrom.load(cases_of("svr_sk_eps_rbf")[0])
+    X = points(alone, 3)
+    wanted = alone.predict(None, X).values.array
+    assert np.array_equal(alone.predict(X).values.array, wanted)
+    named = dict(zip((parameter.name for parameter in alone.inputs), X.T))
+    assert np.array_equal(alone.predict(named).values.array, wanted)
+
+
+@pytest.mark.parametrize("name", MODELS)
+@pytest.mark.parametrize("return_error", [False, True])
+def test_a_point_with_nan_has_no_value_from_any_family(name, return_error):
+    model = pxrom.load(cases_of(name)[0])
+    combination = model.combinations[0]
+    X = np.vstack([points(model, 2)] * 2)
+    wanted = model.predict(combination, X, return_error=return_error, gradient=True)
+    X[1, -1] = np.nan
+    result = model.predict(combination, X, return_error=return_error, gradient=True)
+    assert np.all(result.statuses.array[1] == 1)
+    for got, was in zip(
+        (result.values, result.errors, result.gradients),
+        (wanted.values, wanted.errors, wanted.gradients),
+    ):
+        if got is not None:
+            assert np.all(np.isnan(got.array[1]))
+            assert np.array_equal(got.array[[0, 2, 3]], was.array[[0, 2, 3]], equal_nan=True)
+    assert np.array_equal(result.statuses.array[[0, 2, 3]], wanted.statuses.array[[0, 2, 3]])
 
 
 def test_says_why_a_text_is_refused(tmp_path, beam):
@@ -183,8 +276,21 @@ def test_says_why_a_text_is_refused(tmp_path, beam):
     broken.write_text("nothing")
     with pytest.raises(ValueError, match="broken.pxdb: line 1"):
         pxrom.load(broken)
-    with pytest.raises(OSError):
+    with pytest.raises(FileNotFoundError, match="^can't read .*: there is no such file or folder$"):
         pxrom.load(tmp_path / "absent.pxdb")
+    with pytest.raises(IsADirectoryError, match="it is a folder$"):
+        pxrom.load(tmp_path)
+
+
+def test_shows_no_character_that_changes_the_direction(beam):
+    turned = pxrom.loads(beam.text.replace("Beam length", "a\u202eb").replace("Holes", "Ho\u2066"))
+    assert turned.inputs[2].caption == "a\u202eb"
+    with pytest.raises(ValueError) as refused:
+        turned.predict({"Material": 1, "Ho\u2066": 7}, [[1, 1, 1, 1]])
+    findings = " ".join(map(str, pxrom.check(turned.text.replace("{Ho\u2066;2}", "{Hx\u2066;2}"))))
+    assert "Hx\\u2066" in findings
+    for shown in (repr(turned), turned._repr_html_(), str(refused.value), findings):
+        assert "\u202e" not in shown and "\u2066" not in shown
 
 
 def test_pickles_by_its_text(beam):

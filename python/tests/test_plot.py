@@ -3,8 +3,10 @@
 import numpy as np
 import pytest
 from conftest import BEAM
+from sklearn.svm import SVR
 
 import pxrom
+import pxrom.export
 import pxrom.plot
 
 STEEL = {"Material": 1, "Holes": 2}
@@ -16,7 +18,7 @@ def beam():
 
 
 def test_slices_show_values_errors_and_near_samples(beam, tmp_path):
-    figure = pxrom.plot.slices(beam, STEEL, {"L": 1.5, "h": 90}, samples=0.3)
+    figure = pxrom.plot.slices(beam, STEEL, {"L": 1.5, "h": 90}, samples=5)
     axes = np.array(figure.axes).reshape(len(beam.outputs), len(beam.inputs))
     centre = {p.name: np.mean(p.bounds) for p in beam.inputs} | {"L": 1.5, "h": 90}
     for column, varied in enumerate(beam.inputs):
@@ -36,14 +38,33 @@ def test_slices_show_values_errors_and_near_samples(beam, tmp_path):
                 assert np.isclose(
                     top, (result.values[output.name] + abs(result.errors[output.name])).max()
                 )
-            # Only samples whose other inputs lie near are there, with their own values.
+            # The nearest samples in the other inputs are there, the nearest the darkest.
             X, y = beam.samples(STEEL, output=output.name)
-            shown = np.asarray(dots.get_offsets())
-            assert len(shown) <= len(X)
-            for x, value in shown:
-                assert ((X[:, column] == x) & (y == value)).any()
+            bounds = np.array([p.bounds for p in beam.inputs])
+            away = (X - list(centre.values())) / np.ptp(bounds, axis=1)
+            away[:, column] = 0.0
+            near = np.argsort((away**2).sum(axis=1))[:5]
+            assert np.array_equal(dots.get_offsets(), np.c_[X[near, column], y[near]][::-1])
+            assert np.all(np.diff(dots.get_alpha()) > 0)
+            # So is the point.
+            mark = axes[row, column].lines[-1]
+            assert mark.get_xdata() == centre[varied.name]
+            at = beam.predict(STEEL, centre).values[output.name]
+            assert np.array_equal(np.ravel(mark.get_ydata()), at)
     figure.savefig(tmp_path / "slices.png")
     assert (tmp_path / "slices.png").stat().st_size > 10000
+
+
+def test_many_inputs_go_on_in_further_rows():
+    X = np.random.default_rng(5).random((50, 12))
+    model = pxrom.loads(pxrom.export.to_text(SVR().fit(X, X.sum(axis=1)), X, X.sum(axis=1)))
+    figure = pxrom.plot.slices(model)
+    assert max(figure.get_size_inches()) < 14
+    assert len(figure.axes) == 12
+    assert all(len(ax.collections[-1].get_offsets()) == 12 for ax in figure.axes)
+    # Without samples there is the line alone.
+    bare = pxrom.plot.slices(pxrom.loads(pxrom.export.to_text(SVR().fit(X, X.sum(axis=1)))))
+    assert all(ax.collections[1:] == [] for ax in bare.axes)
 
 
 def test_contour_is_the_prediction_over_two_inputs(beam, tmp_path):
@@ -61,6 +82,8 @@ def test_refuses_what_there_is_not(beam):
         pxrom.plot.slices(beam, STEEL, outputs="stres")
     with pytest.raises(ValueError, match="no input 'l'"):
         pxrom.plot.slices(beam, STEEL, {"l": 1.5})
+    with pytest.raises(ValueError, match="samples=0.15 has to be a number of samples, 0 for none"):
+        pxrom.plot.slices(beam, STEEL, samples=0.15)
     with pytest.raises(ValueError, match="two inputs"):
         pxrom.plot.contour(beam, STEEL, output="mass", x="L", y="L")
     with pytest.raises(ValueError, match="was not fitted"):

@@ -1,8 +1,13 @@
 """A whole study: parameters, combinations, ensembles, errors from cross-validation."""
 
+import os
+import resource
+import stat
+
 import numpy as np
 import pandas
 import pytest
+import scipy.sparse
 import sklearn
 from sklearn.dummy import DummyRegressor
 from sklearn.gaussian_process import GaussianProcessRegressor
@@ -36,12 +41,39 @@ def two_inputs():
     return Study().input("L").input("b").output("mass")
 
 
+def at_of(*materials):
+    return pandas.DataFrame(X, columns=["L", "b"]).assign(Material=np.resize(materials, len(X)))
+
+
 def declared():
     study = Study()
     study.input("L", unit="m", caption="Length", bounds=(1, 2)).input("b", unit="mm")
     study.discrete("Material", caption="1 steel - 2 aluminium")
     study.output("mass", unit="kg", caption="Mass").output("cost")
     return study
+
+
+def test_saves_as_a_whole_or_not_at_all(tmp_path):
+    study = two_inputs().add("mass", LinearRegression().fit(X, X[:, 0]), X, X[:, 0])
+    path, link = tmp_path / "study.pxdb", tmp_path / "link.pxdb"
+    path.write_text("kept")
+    path.chmod(0o640)
+    link.symlink_to("study.pxdb")
+    limits = resource.getrlimit(resource.RLIMIT_FSIZE)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (100, limits[1]))
+    try:
+        with pytest.raises(OSError, match="^can't write .*: the file would be larger than"):
+            study.save(link)
+    finally:
+        resource.setrlimit(resource.RLIMIT_FSIZE, limits)
+    assert path.read_text() == "kept"
+    study.save(link)
+    assert pxrom.load(path).text == study.to_text()
+    assert link.is_symlink()
+    assert stat.S_IMODE(path.stat().st_mode) == 0o640
+    assert sorted(os.listdir(tmp_path)) == ["link.pxdb", "study.pxdb"]
+    with pytest.raises(FileNotFoundError, match="there is no such file or folder$"):
+        study.save(tmp_path / "nowhere" / "study.pxdb")
 
 
 def test_holds_what_was_declared(tmp_path):
@@ -51,7 +83,10 @@ def test_holds_what_was_declared(tmp_path):
         y = mass(X, material)
         fits = {"mass": SVR(C=100).fit(X, y), "cost": LinearRegression().fit(X, 2 * y)}
         for name, fitted in fits.items():
-            study.add(name, fitted, {"b": X[:, 1], "L": X[:, 0]}, y, at={"Material": material})
+            observed = y if name == "mass" else 2 * y
+            study.add(
+                name, fitted, {"b": X[:, 1], "L": X[:, 0]}, observed, at={"Material": material}
+            )
             wanted[material, name] = fitted.predict(NEW)
     study.save(tmp_path / "study.pxdb")
     model = pxrom.load(tmp_path / "study.pxdb")
@@ -157,21 +192,53 @@ def test_an_ensemble_has_no_error_of_its_own():
     study = two_inputs()
     result = study.add("mass", pair).to_model().predict(None, NEW, return_error=True)
     assert np.all(result.statuses.array == -2)
-    with pytest.raises(NotExportable, match="no error but from cross-validation"):
+    with pytest.raises(NotExportable, match="error only from cross-validation"):
         study.add("mass", pair, error=True)
 
 
 @pytest.mark.parametrize(
     "act, said",
     [
-        (lambda s, f, y: s.input("L"), "there is a parameter 'L' already"),
+        (lambda s, f, y: s.input("L"), "there is already a parameter 'L'"),
         (lambda s, f, y: s.input("w", bounds=(2, 1)), "have to be (lower, upper)"),
+        (lambda s, f, y: s.input("w", bounds=(0, np.inf)), "have to be (lower, upper)"),
+        (lambda s, f, y: s.input(""), "a parameter needs a name"),
         (lambda s, f, y: s.to_text(), "has no fitted model"),
         (lambda s, f, y: s.add("Mass", f, at={"Material": 1}), "did you mean 'mass'?"),
         (lambda s, f, y: s.add("mass", f), "lacks a value of the discrete input 'Material'"),
         (lambda s, f, y: s.add("mass", f, at={"Materials": 1}), "did you mean 'Material'?"),
         (lambda s, f, y: s.add("mass", f, at={"Material": 1.5}), "has to be a whole number"),
-        (lambda s, f, y: s.add(["mass", "cost"], f, at={"Material": 1}), "1 outputs, but 2"),
+        (
+            lambda s, f, y: s.add("mass", f, at={"Material": "steel"}),
+            "Material='steel' has to be a whole number, such as at={'Material': 1}",
+        ),
+        (
+            lambda s, f, y: s.discrete("Alloy", caption="1 steel, 2 aluminium"),
+            'the caption of "Alloy" holds ",", which separates values',
+        ),
+        (lambda s, f, y: s.input("w", unit="N;m"), 'the unit of "w" holds ";"'),
+        (lambda s, f, y: s.output("a,b"), 'the ID "a,b" holds ","'),
+        (
+            lambda s, f, y: two_inputs().add("mass", f, scipy.sparse.csr_matrix(X), y),
+            "a sparse matrix was given for points; pass its toarray()",
+        ),
+        (
+            lambda s, f, y: s.add("mass", f, at_of(1, 2), y, at={"Material": 1}),
+            "column 'Material' holds 1 and 2, but the combination says Material=1",
+        ),
+        (
+            lambda s, f, y: s.add("mass", f, X, pandas.Series(y, name="cost"), at={"Material": 1}),
+            "y holds 'cost' where the output 'mass' is added",
+        ),
+        (lambda s, f, y: s.add("mass", f, y=y, at={"Material": 1}), "pass X as well"),
+        (
+            lambda s, f, y: Study().input("ab").output("mass").add("mass", f),
+            "the fit has 2 inputs, but the inputs are 'ab'; name each, as in inputs=['x0'",
+        ),
+        (
+            lambda s, f, y: s.add(["mass", "cost"], f, at={"Material": 1}),
+            "has 1 output, but the outputs are 'mass' and 'cost'",
+        ),
         (lambda s, f, y: s.add("mass", [(f, 0.5)], at={"Material": 1}), "add up to 1, not 0.5"),
         (lambda s, f, y: s.add("mass", [f], at={"Material": 1}), "pairs (fitted, weight)"),
         (lambda s, f, y: s.add("mass", f, X, y[:9], at={"Material": 1}), "one row per point"),
@@ -182,7 +249,6 @@ def test_an_ensemble_has_no_error_of_its_own():
             "output 'cost' at Material=1",
         ),
         (lambda s, f, y: s.add("mass", f, at={"Material": 1}).input("w"), "before the first model"),
-        (lambda s, f, y: s.output("a,b").add("a,b", f, at={"Material": 1}), "a,b"),
     ],
 )
 def test_refusals_say_what_would_be_right(act, said):

@@ -1,4 +1,4 @@
-"""Turns fitted models into databases, so that C++ and any other host predicts what the tool does.
+"""Turns fitted models into databases, so that C++ and any other host predict the same as the tool.
 
 One fitted object, in one line::
 
@@ -14,15 +14,16 @@ errors from cross-validation: :class:`Study`.
 | scipy        | ``RBFInterpolator`` (:mod:`pxrom.export.scipy_rbf`)             |
 | statsmodels  | results of ``OLS`` (:mod:`pxrom.export.statsmodels`)            |
 
-**Every export checks itself**: at the samples and at points between and a little beyond them, the
-exported text is asked what the tool predicts. Where the answers differ by more than the tolerance,
-or where something has no counterpart in a database, :class:`NotExportable` says why; nothing is
+**Every export checks itself**: it compares the predictions of the exported text and of the tool, at
+the samples and at points between and a little beyond them. If they differ by more than the
+tolerance and more than rounding explains, if ``X`` and ``y`` are not those of the fit, or if
+something has no counterpart in a database, :class:`NotExportable` says why. Nothing is
 approximated.
 
-**Errors.** A predicted error goes along where the tool has one and it maps: the standard deviation
-of a Gaussian process, the root of OpenTURNS' conditional variance, the half-width of statsmodels'
-prediction interval. It is exported in the unit of the output, although ``Prediction.scaled_errors``
-names it: the format can't say so.
+**Errors.** A predicted error is exported if the tool has one that maps: the standard deviation of a
+Gaussian process, the root of OpenTURNS' conditional variance, the half-width of statsmodels'
+prediction interval. It is exported in the unit of the output. ``Prediction.scaled_errors`` still
+names the output, because the format can't express that.
 """
 
 from ._surface import NotExportable

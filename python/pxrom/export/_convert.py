@@ -5,6 +5,7 @@ from typing import Any, List, Optional
 
 import numpy as np
 
+from ._given import require_samples_of
 from ._options import Options
 from ._surface import NotExportable, Surface
 from ._verify import check_points, verify
@@ -26,10 +27,10 @@ def convert(
     error_tolerance: float,
     bounds: Optional[np.ndarray] = None,
 ) -> List[Surface]:
-    """One surface per output of ``fitted``, each of which predicts what the tool does.
+    """One surface per output of ``fitted``, which predicts the same as the tool.
 
-    ``error``: "auto" exports a predicted error where there is one that maps, True insists on it,
-    False leaves it out. ``bounds`` (2, d): where to check when samples aren't known.
+    ``error``: "auto" exports a predicted error if there is one that maps, True requires it, False
+    leaves it out. ``bounds`` (2, d): where to check if the samples aren't known.
     """
     if error not in ("auto", True, False):
         raise ValueError(f"error has to be 'auto', True or False, not {error!r}")
@@ -43,6 +44,13 @@ def convert(
             raise NotExportable(
                 f"X has {options.X.shape[1]} columns, but the fit has {surface.inputs} inputs"
             )
+    if options.are_given:
+        require_samples_of(fitted, surfaces, options)
+    for column, surface in enumerate(surfaces):
+        if options.y is not None and surface.outputs is None:
+            surface.targets = (
+                options.y[:, column] if surface.rows is None else (options.y[surface.rows, column])
+            )
         samples = options.X if options.X is not None else surface.physical_samples()
         verify(surface, check_points(samples, surface.inputs, bounds), tolerance, error_tolerance)
     return surfaces
@@ -54,6 +62,6 @@ def _exporter(fitted: Any) -> Any:
         if module is not None:
             return importlib.import_module(f".{module}", __package__)
     raise NotExportable(
-        f"a {type(fitted).__module__}.{type(fitted).__qualname__} is of no tool that is known; "
-        "exported are fitted objects of scikit-learn, OpenTURNS, scipy and statsmodels"
+        f"a {type(fitted).__module__}.{type(fitted).__qualname__} is not from a known tool; "
+        "the exporter accepts fitted objects of scikit-learn, OpenTURNS, scipy and statsmodels"
     )

@@ -1,4 +1,4 @@
-"""Cross-validation data: each member of an ensemble fitted anew without each fold."""
+"""Cross-validation data: each member of an ensemble is fitted again without each fold."""
 
 from dataclasses import dataclass
 from typing import Any, Callable, List, Optional, Sequence
@@ -14,7 +14,7 @@ Convert = Callable[[Any, Options], List[Surface]]
 
 @dataclass
 class Folds:
-    """``surfaces``: by member, in each by fold. ``sorted_inputs`` (n, d) in physical units, fold
+    """``surfaces``: by member, then by fold. ``sorted_inputs`` (n, d) in physical units, fold
     by fold, ``counts`` of them in each; ``outputs`` (n,)."""
 
     surfaces: List[List[Surface]]
@@ -35,7 +35,7 @@ def make(
 ) -> Folds:
     """``column``: which of the outputs ``y`` (n, k) the ensemble predicts."""
     if X is None or y is None:
-        raise ValueError("cross-validation fits anew: pass X and y")
+        raise ValueError("cross-validation needs new fits: pass X and y")
     parts = _parts(folds, X)
     if sorted(int(i) for part in parts for i in part) != list(range(len(X))):
         raise ValueError("the folds have to hold each sample once")
@@ -47,7 +47,7 @@ def make(
         for part in parts:
             rest = np.setdiff1d(np.arange(len(X)), part)
             fitted = fit(member, X[rest], targets[rest])
-            given = Options(X[rest], y[rest], None, options.level, options.output_transform)
+            given = Options(X[rest], y[rest], None, False, options.level, options.output_transform)
             of_member.append(convert(fitted, given)[column])
         surfaces.append(of_member)
     order = np.concatenate(parts)
@@ -55,8 +55,8 @@ def make(
 
 
 def unit_scale(folds: Folds) -> EnsembleScale:
-    """Inputs and output from 0 to 1 over the samples: distances between points and the part of an
-    error that grows with them have no unit then."""
+    """Scales inputs and output from 0 to 1 over the samples, so that distances between points, and
+    the part of an error that grows with them, have no unit."""
     lower, width = folds.sorted_inputs.min(axis=0), np.ptp(folds.sorted_inputs, axis=0)
     slopes = 1.0 / np.where(width > 0.0, width, 1.0)
     spread = float(np.ptp(folds.outputs)) or 1.0
@@ -80,8 +80,8 @@ def _parts(folds: Any, X: np.ndarray) -> List[np.ndarray]:
 def _refit_by_clone(member: Any, X: np.ndarray, y: np.ndarray) -> Any:
     if not hasattr(member, "get_params") or not hasattr(member, "fit"):
         raise NotExportable(
-            f"a {type(member).__name__} can't be fitted anew by itself: pass refit=, a function of "
-            "(fitted, X, y) that returns a new fit"
+            f"a {type(member).__name__} can't be fitted again automatically: pass refit=, a "
+            "function of (fitted, X, y) that returns a new fit"
         )
     from sklearn.base import clone
 

@@ -1,4 +1,4 @@
-"""What a caller tells an exporter beside the fitted object."""
+"""What a caller passes to an exporter in addition to the fitted object."""
 
 from dataclasses import dataclass
 from typing import Optional, Sequence
@@ -14,5 +14,6 @@ class Options:
     X: Optional[np.ndarray] = None
     y: Optional[np.ndarray] = None
     names: Optional[Sequence[str]] = None
+    are_given: bool = True  # by the caller, so that they have to be compared with the fit
     level: float = 0.95
     output_transform: Optional[str] = None

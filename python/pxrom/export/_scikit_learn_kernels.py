@@ -25,6 +25,17 @@ class _Mapped(NamedTuple):
     constant: float = 0.0
 
 
+def _require_name(kernel: Any) -> None:
+    if callable(kernel) or kernel == "precomputed":
+        kind = (
+            "kernel that is a function of one's own" if callable(kernel) else "precomputed kernel"
+        )
+        raise NotExportable(
+            f"a {kind} has no counterpart; fit with kernel='rbf', kernel='linear', or "
+            "kernel='poly' with degree=2"
+        )
+
+
 def _mapped(name: Any, gamma: float, coef0: float, degree: float, inputs: int) -> _Mapped:
     if name == "rbf":
         return _Mapped(_GAUSSIAN, width=gamma)
@@ -49,12 +60,12 @@ def _mapped(name: Any, gamma: float, coef0: float, degree: float, inputs: int) -
         if abs(coef0 + np.e) > 1e-12:
             raise NotExportable(
                 f"the kernel tanh(gamma x y + coef0) with coef0={coef0:g} has no counterpart: the "
-                "library's is tanh((e / d) x y - e), so that coef0 has to be -e"
+                "library's is tanh((e / d) x y - e), so coef0 has to be -e"
             )
         return _Mapped(_SIGMOID, scale=float(np.sqrt(gamma * inputs / np.e)))
     raise NotExportable(
-        f"the kernel {name!r} has no counterpart; exported are rbf, laplacian, linear, polynomial "
-        "up to the degree 2, and sigmoid with coef0=-e"
+        f"the kernel {name!r} has no counterpart; the exporter accepts rbf, laplacian, linear, "
+        "polynomial up to the degree 2, and sigmoid with coef0=-e"
     )
 
 
@@ -77,6 +88,7 @@ def vectors(fitted: Any, options: Options) -> List[Surface]:
     """SVR and NuSVR."""
     if not hasattr(fitted, "dual_coef_"):
         raise NotExportable(f"the {type(fitted).__name__} is not fitted; call fit first")
+    _require_name(fitted.kernel)
     X = fitted.support_vectors_
     X = np.asarray(X.todense() if hasattr(X, "todense") else X, dtype=float)
     duals = fitted.dual_coef_
@@ -85,6 +97,7 @@ def vectors(fitted: Any, options: Options) -> List[Surface]:
         raise NotExportable("the fit has no support vector: it is a constant")
     mapped = _mapped(fitted.kernel, fitted._gamma, fitted.coef0, fitted.degree, X.shape[1])
     surface = _surface(mapped, X, duals.ravel(), float(fitted.intercept_[0]))
+    surface.rows, surface.sample_count = fitted.support_, int(fitted.shape_fit_[0])
     for name in ("epsilon", "nu", "C"):
         value = getattr(fitted, name, None)
         if isinstance(value, (int, float)):
@@ -100,8 +113,15 @@ def ridge(fitted: Any, options: Options) -> List[Surface]:
     """KernelRidge: one surface per output, without a bias."""
     if not hasattr(fitted, "dual_coef_"):
         raise NotExportable("the KernelRidge is not fitted; call fit first")
-    X = np.asarray(fitted.X_fit_, dtype=float)
+    _require_name(fitted.kernel)
+    X = fitted.X_fit_
+    X = np.asarray(X.todense() if hasattr(X, "todense") else X, dtype=float)
     gamma = 1.0 / X.shape[1] if fitted.gamma is None else float(fitted.gamma)
     mapped = _mapped(fitted.kernel, gamma, fitted.coef0, fitted.degree, X.shape[1])
     duals = np.asarray(fitted.dual_coef_, dtype=float).reshape(len(X), -1)
-    return [_surface(mapped, X, column, 0.0) for column in duals.T]
+    made: List[Surface] = []
+    for column in duals.T:
+        surface = _surface(mapped, X, column, 0.0)
+        surface.by_products = True
+        made.append(surface)
+    return made

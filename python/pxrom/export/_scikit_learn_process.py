@@ -1,7 +1,7 @@
 """scikit-learn's Gaussian processes as Kriging surfaces.
 
 The posterior mean is a sum of kernels with the coefficients ``alpha_``: a Kriging surface without a
-trend. Of a kernel one correlation may be left, times a constant, plus white noise, plus constants.
+trend. A kernel has to reduce to one correlation times a constant, plus white noise, plus constants.
 """
 
 from dataclasses import dataclass, field
@@ -10,6 +10,7 @@ from typing import Any, List, Optional
 import numpy as np
 
 from ._options import Options
+from ._rounding import UNIT
 from ._surface import KrigingErrorData, KrigingSurface, NotExportable, Surface, identity
 
 _GAUSSIAN, _EXPONENTIAL, _MATERN52 = 2, 1, 8
@@ -64,7 +65,7 @@ class _Parts:
 
 
 def _parts(kernel: Any, widths: np.ndarray) -> _Parts:
-    """``widths``: the range of the samples by input, to tell a length scale without effect."""
+    """``widths``: the range of the samples by input, to recognise a length scale without effect."""
     from sklearn.gaussian_process import kernels as k
 
     if isinstance(kernel, k.Sum):
@@ -78,8 +79,8 @@ def _parts(kernel: Any, widths: np.ndarray) -> _Parts:
     if isinstance(kernel, k.RBF):  # Matern derives from it
         return _Parts(correlations=[_stationary(kernel, widths)])
     raise NotExportable(
-        f"the kernel {type(kernel).__name__} has no counterpart; exported are RBF, Matern with "
-        "nu=2.5 of one input each, ConstantKernel and WhiteKernel"
+        f"the kernel {type(kernel).__name__} has no counterpart; the exporter accepts RBF, Matern "
+        "with nu=2.5 of one input each, ConstantKernel and WhiteKernel"
     )
 
 
@@ -92,10 +93,14 @@ def _stationary(kernel: Any, widths: np.ndarray) -> _Correlation:
         raise NotExportable(f"a Matern kernel with nu={nu:g} has no counterpart; nu=2.5 has one")
     inverse = np.where(inverse * widths < 1e-9, 0.0, inverse)
     if np.count_nonzero(inverse) > 1:
+        # The tool's own optimizer refuses infinite bounds.
+        far = f"1e{int(np.ceil(np.log10(widths.max()))) + 10}"
         raise NotExportable(
             f"a Matern kernel with nu={nu:g} takes the distance over all inputs, and the library "
             "multiplies one factor per input: fit a product of Matern kernels of one input each, "
-            "such as Matern([0.5, inf], nu=2.5) * Matern([inf, 0.5], nu=2.5)"
+            "in which a fixed, huge length takes the others out, for two inputs "
+            f"Matern([1, {far}], [(0.01, 100), ({far}, {far})], nu=2.5) * "
+            f"Matern([{far}, 1], [({far}, {far}), (0.01, 100)], nu=2.5)"
         )
     return _Correlation(_MATERN52 if nu == 2.5 else _EXPONENTIAL, inverse)
 
@@ -131,6 +136,8 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
             kernels=correlation.kernels,
             error_data=error_data,
         )
+        # The constant of the kernel makes a sum of coefficients that cancel.
+        surface.off = len(alpha) * UNIT * abs(parts.constant) * float(np.abs(alpha).sum())
         surface.predict_error = _Deviation(fitted, column)
         if error_data is None:
             surface.drop_error("a constant added to the kernel has no place in the error's data")

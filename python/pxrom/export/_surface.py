@@ -1,23 +1,28 @@
 """A fitted surface on its way from a tool to a record.
 
-Three spaces meet here. A point x in physical units becomes u = a x + b in the space of its
-ensemble, and z = slope x + intercept in the surface's own, where the tool's formula holds; the
-surface's result t becomes y = scale t + shift. Each class below knows one family of the library,
-with all of its numbers in its own space, and writes a record for any ensemble.
+There are three spaces. A point x in physical units becomes u = a x + b in the space of its
+ensemble, and z = slope x + intercept in the surface's own space, where the tool's formula holds.
+The surface's result t becomes y = scale t + shift. Each class below represents one family of the
+library, with all of its numbers in its own space, and writes a record for any ensemble.
 """
 
 from dataclasses import dataclass, field
-from typing import Callable, Dict, List, Optional, Sequence, Tuple
+from typing import Callable, Dict, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
 
 from .. import _core
+from . import _rounding
+from ._monomials import Term, design, trend_terms
+from ._rounding import STEPS, UNIT
 
+# Sums of the magnitudes of all terms, and bounds of their error, by point.
+Terms = Tuple[np.ndarray, np.ndarray]
 Predict = Callable[[np.ndarray], np.ndarray]
 
 
 class NotExportable(ValueError):
-    """What was fitted can't be held by a database; the message says why."""
+    """A database can't hold the fit; the message says why."""
 
 
 @dataclass(frozen=True)
@@ -38,8 +43,8 @@ class EnsembleScale:
 class Surface:
     """What all families share.
 
-    ``predict`` and ``predict_error`` are the tool's own, at points in physical units; they check
-    what was exported. ``no_error`` says why there is no predicted error.
+    ``predict`` and ``predict_error`` are those of the tool, at points in physical units; they check
+    the export. ``no_error`` says why there is no predicted error.
     """
 
     slope: np.ndarray
@@ -48,9 +53,13 @@ class Surface:
     shift: float = 0.0
     samples: Optional[np.ndarray] = None  # in the own space, (n, d)
     outputs: Optional[np.ndarray] = None  # in the own space, (n,)
+    targets: Optional[np.ndarray] = None  # instead, in physical units, where only the caller knows
+    rows: Optional[np.ndarray] = None  # which samples of the fit these are; None: all
+    sample_count: int = 0  # how many the fit had, beside rows
     predict: Optional[Predict] = None
     predict_error: Optional[Predict] = None
     no_error: str = "the tool predicts no error for it"
+    off: float = 0.0  # what _terms doesn't see: by how much a value may be off, in the own space
 
     @property
     def inputs(self) -> int:
@@ -61,8 +70,13 @@ class Surface:
             return None
         return (self.samples - self.intercept) / self.slope
 
+    def physical_outputs(self) -> Optional[np.ndarray]:
+        if self.outputs is None:
+            return self.targets
+        return self.scale * self.outputs + self.shift
+
     def after_inputs(self, slope: np.ndarray, intercept: np.ndarray) -> None:
-        """Puts x' = slope x + intercept in front, as a scaler of a pipeline does."""
+        """Applies x' = slope x + intercept before the surface, as a scaler of a pipeline does."""
         self.intercept = self.slope * intercept + self.intercept
         self.slope = self.slope * slope
         if self.predict_error is not None:
@@ -70,7 +84,8 @@ class Surface:
             self.predict_error = lambda X: inner(X * slope + intercept)
 
     def before_output(self, scale: float, shift: float) -> None:
-        """Puts y' = scale y + shift behind, as the inverse of a target's scaler does."""
+        """Applies y' = scale y + shift after the surface, as the inverse of a target's scaler
+        does."""
         self.shift = scale * self.shift + shift
         self.scale = scale * self.scale
         if self.predict_error is not None:
@@ -81,6 +96,47 @@ class Surface:
         self.predict_error = None
         self.no_error = why
 
+    def rounding(self, X: np.ndarray) -> np.ndarray:
+        """How far the tool's value and the library's may be apart at points in physical units
+        because both round (:mod:`._rounding`)."""
+        magnitude, error = self._terms(X)
+        own = np.abs(self.scale) * (self.off + error + STEPS * UNIT * magnitude)
+        return np.asarray(2.0 * (own + STEPS * UNIT * abs(self.shift)))
+
+    def error_rounding(self, X: np.ndarray) -> np.ndarray:
+        """The same for the square of the predicted error."""
+        return np.zeros(len(X))
+
+    def _terms(self, X: np.ndarray) -> Terms:
+        """In the own space, at points in physical units."""
+        raise NotImplementedError
+
+    def _reach(self, X: np.ndarray) -> np.ndarray:
+        """Magnitudes of the coordinates in the own space before anything cancels."""
+        return np.asarray(np.abs(self.slope * X) + np.abs(self.intercept))
+
+    def _kernels_off(
+        self, shape: _rounding.Shape, X: np.ndarray
+    ) -> Iterator[Tuple[np.ndarray, np.ndarray]]:
+        """For each point the kernel values with all samples, and by how much each may be off."""
+        assert self.samples is not None
+        of_samples = np.abs(self.samples) + np.abs(self.intercept)
+        for point, reach in zip(self.slope * X + self.intercept, self._reach(X)):
+            off = 4.0 * UNIT * (reach + of_samples)
+            yield _rounding.kernels_off(shape, self.samples, point, off)
+
+    def _kernel_terms(self, shape: _rounding.Shape, weights: np.ndarray, X: np.ndarray) -> Terms:
+        sizes = np.abs(weights)
+        found = [(sizes @ values, sizes @ off) for values, off in self._kernels_off(shape, X)]
+        magnitude, error = np.array(found).T
+        return magnitude, error + len(sizes) * UNIT * magnitude
+
+    def _with_trend(
+        self, terms: Terms, kind: int, weights: Sequence[float], X: np.ndarray
+    ) -> Terms:
+        more = design(trend_terms(kind, self.inputs), self._reach(X)) @ np.abs(weights)
+        return terms[0] + more, terms[1] + (len(weights) + STEPS) * UNIT * more
+
     @property
     def error_scale(self) -> Optional[float]:
         """The square that squares of errors are compared with; None: their largest."""
@@ -88,14 +144,14 @@ class Surface:
 
     @property
     def error_accuracy(self) -> float:
-        """What the library itself grants for the squares of errors, relative to that scale."""
+        """The accuracy of the library for the squares of errors, relative to that scale."""
         return 0.0
 
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         raise NotImplementedError
 
     def _fill(self, record: _core.CRSData, ensemble: EnsembleScale, own_samples: bool) -> None:
-        """The base of a record. ``own_samples``: the family scales no samples, so that they stand
+        """The base of a record. ``own_samples``: the family scales no samples, so they are stored
         in the own space."""
         slope = self.slope / ensemble.slopes
         intercept = self.intercept - slope * ensemble.intercepts
@@ -113,16 +169,14 @@ class Surface:
         record.NumberOfSamples = len(self.samples)
         samples = self.samples if own_samples else (self.samples - intercept) / slope
         record.InputSamples = samples.tolist()
-        if self.outputs is None:
-            record.OutputSamples = [0.0] * len(self.samples)
-        else:
-            back = self.scale * self.outputs + self.shift
-            record.OutputSamples = (ensemble.slope * back + ensemble.intercept).tolist()
+        outputs = self.physical_outputs()
+        if outputs is not None:  # else none are stored: no value needs them
+            record.OutputSamples = (ensemble.slope * outputs + ensemble.intercept).tolist()
 
 
 @dataclass
 class KrigingErrorData:
-    """What the mean squared error of a Kriging predictor rests on (kriging.h)."""
+    """The data for the mean squared error of a Kriging predictor (kriging.h)."""
 
     variance: float
     inv_c: np.ndarray
@@ -143,6 +197,29 @@ class KrigingSurface(Surface):
     def error_scale(self) -> Optional[float]:
         return None if self.error_data is None else self.error_data.variance * self.scale**2
 
+    def _terms(self, X: np.ndarray) -> Terms:
+        shape = _rounding.correlation(self.correlation, self.kernels)
+        terms = self._kernel_terms(shape, self.coefficients, X)
+        return self._with_trend(terms, self.trend, self.trend_coefficients, X)
+
+    def error_rounding(self, X: np.ndarray) -> np.ndarray:
+        """Only what the kernels' own errors do to |v|^2 and |g|^2, for v = InvC k and
+        g = InvG (Ft v - f): triangular solutions are far more accurate than their worst case
+        (Higham, chapter 8), and the tolerance holds what is left."""
+        if self.error_data is None:
+            return np.zeros(len(X))
+        data = self.error_data
+        shape = _rounding.correlation(self.correlation, self.kernels)
+        trend = design(trend_terms(self.trend, self.inputs), self.slope * X + self.intercept)
+        inverse, through_trend = np.abs(data.inv_c), np.abs(data.inv_g @ data.ft)
+        found: List[float] = []
+        for f, (values, off) in zip(trend, self._kernels_off(shape, X)):
+            v, v_off = data.inv_c @ values, inverse @ off
+            g = data.inv_g @ (data.ft @ v - f)
+            g_off = through_trend @ v_off
+            found.append(float(2.0 * (np.abs(v) @ v_off + np.abs(g) @ g_off)))
+        return 2.0 * data.variance * self.scale**2 * np.array(found)
+
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         record = _core.CKrigingData()
         self._fill(record, ensemble, own_samples=False)
@@ -154,7 +231,7 @@ class KrigingSurface(Surface):
         if self.error_data is not None and self.predict_error is not None:
             record.SavePredictorError = True
             record.NumberOfPolyCoeff = len(self.trend_coefficients)
-            # The error of a record is not scaled back: in physical units from the start.
+            # The error of a record is not scaled back, so it is stored in physical units.
             record.Sigma2 = self.error_data.variance * (self.scale * ensemble.slope) ** 2
             record.InvC = self.error_data.inv_c.tolist()
             record.InvG = self.error_data.inv_g.tolist()
@@ -162,11 +239,27 @@ class KrigingSurface(Surface):
         return record
 
 
-# A term: the inputs that it multiplies, ascending; none, one or two.
-Term = Tuple[int, ...]
-
 # E_QRSTransformationType by the function that leads into the space of the regression.
 TRANSFORMS: Dict[str, int] = {"log": 3, "log10": 4, "sqrt": 5}
+
+# The functions themselves, their inverses, and the slopes of those.
+FORWARD: Dict[Optional[str], Predict] = {
+    None: lambda X: X,
+    "log": np.log,
+    "log10": np.log10,
+    "sqrt": np.sqrt,
+}
+BACK: Dict[Optional[str], Predict] = {
+    None: lambda t: t,
+    "log": np.exp,
+    "log10": lambda t: 10.0**t,
+    "sqrt": np.square,
+}
+_BACK_SLOPE: Dict[str, Predict] = {
+    "log": np.exp,
+    "log10": lambda t: np.log(10.0) * 10.0**t,
+    "sqrt": lambda t: 2.0 * t,
+}
 
 
 @dataclass
@@ -179,13 +272,14 @@ class RegressionSurface(Surface):
     level: float = 0.95  # one-sided
 
     def fold(self) -> None:
-        """Takes the scale of the output, and of the inputs of linear terms, into the terms."""
+        """Multiplies the scaling of the output, and of the inputs of linear terms, into the
+        terms."""
         folded: Dict[Term, float] = {(): self.shift}
         for term, coefficient in self.terms.items():
             if len(term) > 1:
                 raise NotExportable(
-                    "polynomial features stand behind terms of the second degree: databases hold "
-                    "no terms above that"
+                    "polynomial features follow terms of the second degree, and a database holds "
+                    "no higher terms"
                 )
             if not term:
                 folded[()] += self.scale * coefficient
@@ -198,7 +292,7 @@ class RegressionSurface(Surface):
         self.slope, self.intercept = np.ones(self.inputs), np.zeros(self.inputs)
 
     def after_polynomial(self, powers: np.ndarray) -> None:
-        """Puts features in front that are monomials: one row of exponents per feature."""
+        """Applies monomial features before the surface: one row of exponents per feature."""
         self.fold()
         made: Dict[Term, float] = {}
         for term, coefficient in self.terms.items():
@@ -218,12 +312,26 @@ class RegressionSurface(Surface):
         self.samples = None
 
     def before_output_transform(self, name: str) -> None:
-        """Puts the inverse of a transformation behind."""
+        """Applies the inverse of a transformation after the surface."""
         self.terms = {term: self.scale * value for term, value in self.terms.items()}
         self.terms[()] = self.terms.get((), 0.0) + self.shift
         self.scale, self.shift = 1.0, 0.0
         self.output_transform = name
-        self.drop_error("an error is not led back through a transformation of the output")
+        self.drop_error("a predicted error can't go back through a transformation of the output")
+
+    def _terms(self, X: np.ndarray) -> Terms:
+        reach, points = self._reach(X), self.slope * X + self.intercept
+        if self.input_transform is not None:
+            points = FORWARD[self.input_transform](points)
+            reach = np.abs(points) + 1.0
+        terms, coefficients = list(self.terms), np.array(list(self.terms.values()))
+        magnitude = design(terms, reach) @ np.abs(coefficients)
+        error = (len(self.terms) + STEPS) * UNIT * magnitude
+        if self.output_transform is None:
+            return magnitude, error
+        value = design(terms, points) @ coefficients
+        slope = _BACK_SLOPE[self.output_transform](value)
+        return np.abs(BACK[self.output_transform](value)), np.abs(slope) * error
 
     @property
     def error_accuracy(self) -> float:
@@ -254,20 +362,38 @@ class SupportVectorSurface(Surface):
     width: float = 1.0
     multipliers: np.ndarray = field(default_factory=lambda: np.empty(0))
     bias: float = 0.0
-    settings: Dict[str, float] = field(default_factory=dict)  # epsilon, nu, C: carried
+    settings: Dict[str, float] = field(default_factory=dict)  # epsilon, nu, C: kept, not used
+    by_products: bool = False  # whether the tool computes |x - y|^2 as |x|^2 - 2 x y + |y|^2
+
+    def _terms(self, X: np.ndarray) -> Terms:
+        assert self.samples is not None
+        sizes = np.abs(self.multipliers)
+        if self.kernel in (2, 5):  # distances: Gaussian, exponential
+            kind = 2 if self.kernel == 2 else 1
+            shape = _rounding.correlation(kind, np.full(self.inputs, self.width))
+            magnitude, error = self._kernel_terms(shape, self.multipliers, X)
+            if self.by_products:
+                squares = (self._reach(X) ** 2).sum(axis=1) + (self.samples**2).sum(axis=1).max()
+                error = error + STEPS * UNIT * self.width * squares * magnitude
+        else:  # products of coordinates: 1 + x y, its square, tanh((e / d) x y - e)
+            sums = 1.0 + self._reach(X) @ np.abs(self.samples).T
+            sums = sums**2 if self.kernel == 1 else sums * np.e
+            magnitude = sums @ sizes
+            error = (len(sizes) + self.inputs + STEPS) * UNIT * magnitude
+        return magnitude + abs(self.bias), error
 
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         record = _core.CSVRData()
         self._fill(record, ensemble, own_samples=False)
         record.SVRKernType = self.kernel
-        # Pairs of multipliers, one of each pair 0, as training leaves them.
+        # Pairs of multipliers; one of each pair is 0, as after training.
         record.SVRLossFuncType = 3
         record.Alphas = np.where(self.multipliers < 0, -self.multipliers, 0.0).tolist()
         record.AlphasStar = np.where(self.multipliers > 0, self.multipliers, 0.0).tolist()
         record.Betas = [0.0] * len(self.multipliers)
         record.ConstantCoefficient = float(self.bias)
         record.KernelArray = [float(self.width)] * self.inputs
-        # Values out of the range of a record, such as an epsilon of 0, leave its defaults.
+        # Values outside the range of a record, such as an epsilon of 0, keep its defaults.
         for name, carry in (
             ("epsilon", record.SetEpsVal),
             ("nu", record.SetNuVal),
@@ -286,6 +412,14 @@ class LinearBasisSurface(Surface):
     trend: int = 1  # E_PolynomialType
     trend_coefficients: Sequence[float] = (0.0,)
 
+    def _terms(self, X: np.ndarray) -> Terms:
+        def shape(away: np.ndarray) -> np.ndarray:
+            squares = (away**2).sum(axis=1) / self.width**2
+            return np.asarray(np.exp(-squares) if self.function == 0 else 1.0 / (1.0 + squares))
+
+        terms = self._kernel_terms(shape, self.coefficients, X)
+        return self._with_trend(terms, self.trend, self.trend_coefficients, X)
+
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         record = _core.CLBFData()
         self._fill(record, ensemble, own_samples=True)
@@ -301,6 +435,9 @@ class LinearBasisSurface(Surface):
 class ConstantSurface(Surface):
     value: float = 0.0
 
+    def _terms(self, X: np.ndarray) -> Terms:
+        return np.full(len(X), abs(self.value)), np.zeros(len(X))
+
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         record = _core.CConstantData()
         record.NumberOfInputVariables = self.inputs
@@ -309,7 +446,7 @@ class ConstantSurface(Surface):
         record.OutputScaleSlope = 1.0
         record.ReadyForSolve = True
         record.ReadyForEvaluation = True
-        # No scale of its own is applied to a constant; that of the ensemble is.
+        # The library does not apply a scaling of its own to a constant, but that of the ensemble.
         physical = self.scale * self.value + self.shift
         record.SetConstantValue(ensemble.slope * physical + ensemble.intercept)
         return record
@@ -318,19 +455,3 @@ class ConstantSurface(Surface):
 def identity(inputs: int) -> Tuple[np.ndarray, np.ndarray]:
     """Slopes and intercepts that change nothing."""
     return np.ones(inputs), np.zeros(inputs)
-
-
-def quadratic_terms(inputs: int) -> List[Term]:
-    """The full quadratic basis in the library's order."""
-    pairs: List[Term] = [(i, j) for i in range(inputs) for j in range(i, inputs)]
-    return [(), *[(i,) for i in range(inputs)], *pairs]
-
-
-def trend_of(monomials: Dict[Term, float], inputs: int) -> Tuple[int, List[Term]]:
-    """The smallest E_PolynomialType with all of ``monomials``, and its terms in order."""
-    linear: List[Term] = [(), *[(i,) for i in range(inputs)]]
-    squares: List[Term] = [(i, i) for i in range(inputs)]
-    for kind, terms in ((1, linear[:1]), (2, linear), (3, linear + squares)):
-        if set(monomials) <= set(terms):
-            return kind, terms
-    return 4, quadratic_terms(inputs)

@@ -5,16 +5,9 @@ from typing import Any, Dict, List, Tuple
 import numpy as np
 
 from . import _monomials
+from ._monomials import Term, trend_of
 from ._options import Options
-from ._surface import (
-    KrigingErrorData,
-    KrigingSurface,
-    NotExportable,
-    Surface,
-    Term,
-    identity,
-    trend_of,
-)
+from ._surface import KrigingErrorData, KrigingSurface, NotExportable, Surface, identity
 
 _EXPONENTIAL, _GAUSSIAN, _SPHERICAL, _MATERN52 = 1, 2, 4, 8
 
@@ -27,7 +20,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         fitted = fitted.getResult()
     if not isinstance(fitted, ot.KrigingResult):
         raise NotExportable(
-            f"a {type(fitted).__name__} has no counterpart; exported are KrigingResult and "
+            f"a {type(fitted).__name__} has no counterpart; the exporter accepts KrigingResult and "
             "KrigingAlgorithm"
         )
     model = fitted.getCovarianceModel()
@@ -49,6 +42,11 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         coefficients=variance * np.array(fitted.getCovarianceCoefficients()).ravel(),
         kernels=kernels,
     )
+    # The tool adds its nugget at a sample; a product adds it for every equal coordinate.
+    sizes = np.abs(surface.coefficients)
+    is_product = _implementation(model).getClassName() == "ProductCovarianceModel"
+    touched = X.shape[1] * sizes.sum() if is_product else sizes.max()
+    surface.off = float(model.getNuggetFactor() * touched)
     metamodel = fitted.getMetaModel()
     surface.predict = lambda points: np.array(metamodel(ot.Sample(points))).ravel()
     surface.error_data = _error_data(model, X, variance, terms, coefficients)
@@ -68,7 +66,9 @@ def _correlation(model: Any, inputs: int) -> Tuple[int, np.ndarray]:
         parts = [_correlation(_implementation(m), 1) for m in model.getCollection()]
         kinds = {kind for kind, _ in parts}
         if len(kinds) != 1:
-            raise NotExportable("a product of covariance models of different kinds has none alike")
+            raise NotExportable(
+                "a product of covariance models of different kinds has no counterpart"
+            )
         return kinds.pop(), np.concatenate([kernels for _, kernels in parts])
     scale = np.array(model.getScale())
     if name == "SquaredExponential":
@@ -85,7 +85,7 @@ def _correlation(model: Any, inputs: int) -> Tuple[int, np.ndarray]:
             "per input (Matern with nu=2.5): fit a ProductCovarianceModel of models of one input"
         )
     raise NotExportable(
-        f"the covariance model {name} has no counterpart; exported are SquaredExponential, "
+        f"the covariance model {name} has no counterpart; the exporter accepts SquaredExponential, "
         "AbsoluteExponential, and products of MaternModel(nu=2.5)"
     )
 
@@ -99,7 +99,7 @@ def _trend(fitted: Any, X: np.ndarray) -> Tuple[int, List[Term], Dict[Term, floa
     size = basis.getSize() if len(collection) > 0 else 0
     if size == 0:
         return 1, [()], {}
-    # Points at which no two monomials agree.
+    # Points at which all monomials differ.
     points = np.random.default_rng(1).uniform(0.5, 1.5, (7, X.shape[1])) * (1 + np.ptp(X, axis=0))
     columns = np.column_stack(
         [np.array(basis.build(i)(ot.Sample(points))).ravel() for i in range(size)]
@@ -109,7 +109,7 @@ def _trend(fitted: Any, X: np.ndarray) -> Tuple[int, List[Term], Dict[Term, floa
     for term, value in zip(found, np.array(fitted.getTrendCoefficients()).ravel()):
         if term is None or term in coefficients:
             raise NotExportable(
-                "a function of the trend is no constant, input, square or product of two inputs"
+                "a function of the trend is not a constant, input, square or product of two inputs"
             )
         coefficients[term] = float(value)
     kind, terms = trend_of(coefficients, X.shape[1])
@@ -122,7 +122,7 @@ def _error_data(
     """Universal Kriging. Terms that the fit did not have contribute zeros."""
     import openturns as ot
 
-    # The tool's own matrix, with the factor that it adds to the diagonal.
+    # The matrix of the tool, with the factor that it adds to the diagonal.
     covariance = np.array(model.discretize(ot.Sample(X)))
     nugget = 1.0 + float(model.getNuggetFactor())
     lower = np.linalg.cholesky(covariance / variance)

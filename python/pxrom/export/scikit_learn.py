@@ -1,9 +1,9 @@
-"""scikit-learn: which estimator maps to which family, and what may stand around it.
+"""scikit-learn: which estimator maps to which family, and what may surround it.
 
 Exported: ``GaussianProcessRegressor``, ``SVR``, ``NuSVR``, ``KernelRidge``, linear models
 (``LinearRegression``, ``Ridge``, ``Lasso``, ``LinearSVR``, ...), ``DummyRegressor``; in a
-``Pipeline`` behind ``StandardScaler``, ``MinMaxScaler``, ``MaxAbsScaler``, ``RobustScaler`` and, in
-front of a linear model, ``PolynomialFeatures`` up to the second degree; in a
+``Pipeline`` after ``StandardScaler``, ``MinMaxScaler``, ``MaxAbsScaler``, ``RobustScaler`` and,
+before a linear model, ``PolynomialFeatures`` up to the second degree; in a
 ``TransformedTargetRegressor`` with one of these scalers, or with log, log10 or sqrt around a linear
 model.
 """
@@ -13,8 +13,9 @@ from typing import Any, Dict, List, Optional, Tuple
 import numpy as np
 
 from . import _scikit_learn_kernels, _scikit_learn_process
+from ._monomials import Term
 from ._options import Options
-from ._surface import ConstantSurface, NotExportable, RegressionSurface, Surface, Term, identity
+from ._surface import ConstantSurface, NotExportable, RegressionSurface, Surface, identity
 
 Affine = Tuple[np.ndarray, np.ndarray]
 
@@ -28,7 +29,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
 
 
 class _Column:
-    """One column of an estimator's predictions; names of features go along where it knows them."""
+    """One column of an estimator's predictions; passes the names of features if it knows them."""
 
     def __init__(self, fitted: Any, column: int) -> None:
         self._fitted = fitted
@@ -64,11 +65,27 @@ def _convert(fitted: Any, options: Options) -> List[Surface]:
             return list(convert(fitted, options))
     if _is_linear(fitted):
         return _linear(fitted, options)
+    hint = _instead(fitted)
+    if hint:
+        raise NotExportable(f"a {type(fitted).__name__} is exported by its parts: {hint}")
     raise NotExportable(
         f"a {type(fitted).__name__} has no counterpart among the families of a database; "
-        "exported are GaussianProcessRegressor, SVR, NuSVR, KernelRidge, linear models, "
+        "the exporter accepts GaussianProcessRegressor, SVR, NuSVR, KernelRidge, linear models, "
         "DummyRegressor, and pipelines of them"
     )
+
+
+def _instead(fitted: Any) -> str:
+    """What to pass in place of an estimator that only wraps others."""
+    name = type(fitted).__name__
+    if name == "VotingRegressor":
+        weights = "numpy.divide(voting.weights, sum(voting.weights))"
+        if fitted.weights is None:
+            weights = f"[1 / {len(fitted.estimators)}] * {len(fitted.estimators)}"
+        return f"pass the weighted ensemble list(zip(voting.estimators_, {weights}))"
+    if hasattr(fitted, "best_estimator_") or name.endswith(("SearchCV", "HalvingSearchCV")):
+        return "pass its best_estimator_"
+    return "add each of its estimators_ for one output" if name == "MultiOutputRegressor" else ""
 
 
 def _is_linear(fitted: Any) -> bool:
@@ -125,17 +142,17 @@ def _pipeline(fitted: Any, options: Options) -> List[Surface]:
             for surface in made:
                 if not isinstance(surface, RegressionSurface):
                     raise NotExportable(
-                        "polynomial features map to a regression surface only, so that the "
-                        "estimator behind them has to be a linear model"
+                        "polynomial features map only to a regression surface, so the "
+                        "estimator after them has to be a linear model"
                     )
                 surface.after_polynomial(np.asarray(step.powers_))
             continue
         scale = affine(step)
         if scale is None:
             raise NotExportable(
-                f"the step {name!r}, a {type(step).__name__}, does not scale each input by itself; "
-                "exported are StandardScaler, MinMaxScaler, MaxAbsScaler, RobustScaler and "
-                "PolynomialFeatures"
+                f"the step {name!r}, a {type(step).__name__}, is not a slope and an intercept per "
+                "input; the exporter accepts StandardScaler, MinMaxScaler(clip=False), "
+                "MaxAbsScaler, RobustScaler and PolynomialFeatures"
             )
         for surface in made:
             surface.after_inputs(*scale)
@@ -168,7 +185,7 @@ def affine(step: Any) -> Optional[Affine]:
     return None
 
 
-# Functions of a target that a regression surface has a way back for.
+# Functions of a target for which a regression surface has a back-transformation.
 _TARGET_FUNCTIONS = {np.log: "log", np.log10: "log10", np.sqrt: "sqrt"}
 
 
@@ -186,12 +203,13 @@ def _target(fitted: Any, options: Options) -> List[Surface]:
     if name is None:
         raise NotExportable(
             f"the transformer of the target, a {type(transformer).__name__}, has no counterpart; "
-            "exported are the scalers, and func=numpy.log, log10 or sqrt around a linear model"
+            "the exporter accepts the scalers, and func=numpy.log, log10 or sqrt around a linear "
+            "model"
         )
     for surface in made:
         if not isinstance(surface, RegressionSurface):
             raise NotExportable(
-                f"a target under {name} maps to a regression surface only, so that the regressor "
+                f"a target under {name} maps only to a regression surface, so the regressor "
                 "has to be a linear model"
             )
         surface.before_output_transform(name)

@@ -4,8 +4,9 @@ from typing import Any, Dict, List
 
 import numpy as np
 
+from ._monomials import Term, trend_of
 from ._options import Options
-from ._surface import LinearBasisSurface, NotExportable, Surface, Term, trend_of
+from ._surface import LinearBasisSurface, NotExportable, Surface
 
 _GAUSSIAN, _RATIONAL = 0, 4
 _FUNCTIONS = {"gaussian": _GAUSSIAN, "inverse_quadratic": _RATIONAL}
@@ -17,12 +18,12 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
 
     if not isinstance(fitted, RBFInterpolator):
         raise NotExportable(
-            f"a {type(fitted).__name__} has no counterpart; exported is RBFInterpolator"
+            f"a {type(fitted).__name__} has no counterpart; the exporter accepts RBFInterpolator"
         )
     if fitted.kernel not in _FUNCTIONS:
         raise NotExportable(
-            f"the kernel {fitted.kernel!r} is none of the library's radial functions; exported are "
-            "gaussian and inverse_quadratic"
+            f"the kernel {fitted.kernel!r} is not one of the library's radial functions; the "
+            "exporter accepts gaussian and inverse_quadratic"
         )
     if fitted.neighbors is not None:
         raise NotExportable(
@@ -39,7 +40,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     outputs = np.asarray(fitted.d, dtype=float).reshape(n, -1)
     made: List[Surface] = []
     for column in range(coefficients.shape[1]):
-        # Its polynomials stand in (x - shift) / scale, its distances in x; z = x - shift serves
+        # Its polynomials use (x - shift) / scale, its distances use x; z = x - shift works for
         # both.
         trend: Dict[Term, float] = {}
         for powers, value in zip(fitted.powers, coefficients[n:, column]):

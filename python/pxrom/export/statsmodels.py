@@ -1,32 +1,20 @@
 """statsmodels: ordinary least squares as a regression surface, with its prediction interval.
 
 The columns of the design are recognised by their values: each has to be a constant, an input, a
-square or a product of two inputs, of the points ``X`` that are passed beside the results, or of
+square or a product of two inputs, of the points ``X`` that are passed with the results, or of
 their logarithms. The exported error is the half-width of the two-sided prediction interval of an
-observation (``obs_ci``) of the level that is asked for.
+observation (``obs_ci``) at the requested level.
 """
 
-from typing import Any, Callable, Dict, List, Optional, Tuple
+from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
 
+from .._wording import listed
 from . import _monomials
+from ._monomials import Term
 from ._options import Options
-from ._surface import NotExportable, RegressionSurface, Surface, Term, identity
-
-_Function = Callable[[np.ndarray], np.ndarray]
-_FORWARD: Dict[Optional[str], _Function] = {
-    None: lambda X: X,
-    "log": np.log,
-    "log10": np.log10,
-    "sqrt": np.sqrt,
-}
-_BACK: Dict[Optional[str], _Function] = {
-    None: lambda t: t,
-    "log": np.exp,
-    "log10": lambda t: 10.0**t,
-    "sqrt": np.square,
-}
+from ._surface import BACK, FORWARD, NotExportable, RegressionSurface, Surface, identity
 
 
 def surfaces(fitted: Any, options: Options) -> List[Surface]:
@@ -35,11 +23,17 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     kind = type(model).__name__
     if kind not in ("OLS", "WLS") or not hasattr(fitted, "params"):
         raise NotExportable(
-            f"a {type(fitted).__name__} has no counterpart; exported are the results of OLS().fit()"
+            f"a {type(fitted).__name__} has no counterpart; the exporter accepts the results of "
+            "OLS().fit()"
         )
-    if options.output_transform not in _BACK:
+    if not hasattr(fitted, "cov_type"):
         raise NotExportable(
-            f"output_transform={options.output_transform!r} is none of 'log', 'log10', 'sqrt'"
+            f"what {kind}.fit_regularized returns has no counterpart; call fit(), or fit with "
+            "scikit-learn's Ridge, Lasso or ElasticNet, which are exported"
+        )
+    if options.output_transform not in BACK:
+        raise NotExportable(
+            f"output_transform={options.output_transform!r} has to be 'log', 'log10' or 'sqrt'"
         )
     exog = np.asarray(model.exog, dtype=float)
     X = _points(exog) if options.X is None else options.X
@@ -55,9 +49,9 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
 
             frame = pandas.DataFrame(points, columns=list(options.names))
             return np.asarray(patsy.dmatrix(info, frame))
-        return _monomials.design(terms, _FORWARD[transform](points))
+        return _monomials.design(terms, FORWARD[transform](points))
 
-    back = _BACK[options.output_transform]
+    back = BACK[options.output_transform]
     surface = RegressionSurface(
         *identity(X.shape[1]),
         samples=X,
@@ -95,14 +89,14 @@ def _why_no_error(
     if fitted.cov_type != "nonrobust":
         return f"the covariance type {fitted.cov_type!r} has no counterpart; 'nonrobust' has"
     if transform is not None:
-        return "an error is not led back through a transformation of the output"
+        return "a predicted error can't go back through a transformation of the output"
     if fitted.df_resid != fitted.nobs - len(terms):
         return "the design has not full rank"
     return None
 
 
 def _points(exog: np.ndarray) -> np.ndarray:
-    """The columns of a design that are not constant, for inputs."""
+    """The columns of a design that are not constant, as inputs."""
     varying = np.ptp(exog, axis=0) > 0
     if not varying.any():
         raise NotExportable("the design is a constant: pass the inputs as X")
@@ -110,18 +104,25 @@ def _points(exog: np.ndarray) -> np.ndarray:
 
 
 def _terms(exog: np.ndarray, X: np.ndarray, names: List[str]) -> Tuple[Optional[str], List[Term]]:
-    unknown: List[str] = []
+    known: Dict[Optional[str], List[Optional[Term]]] = {}
     for transform in (None, "log", "log10", "sqrt"):
         if transform is not None and not np.all(X > 0):
             break
-        found = _monomials.recognised(exog, _FORWARD[transform](X))
+        found = known[transform] = _monomials.recognised(exog, FORWARD[transform](X))
         terms = [term for term in found if term is not None]
         if len(terms) == len(found) and len(set(terms)) == len(terms):
             return transform, terms
-        if transform is None:
-            unknown = [name for name, term in zip(names, found) if term is None]
+    unknown = [name for name, term in zip(names, known[None]) if term is None]
+    for transform, found in known.items():
+        both = [a is not None or b is not None for a, b in zip(found, known[None])]
+        if unknown and transform is not None and all(both):
+            raise NotExportable(
+                f"the design takes {transform} of some inputs, {listed(unknown)}, and the others "
+                f"unchanged, but a regression surface transforms all inputs or none: take "
+                f"{transform} of every input, or make it a column of X and an input of its own"
+            )
     raise NotExportable(
-        f"of the design, {', '.join(map(repr, unknown)) or 'a column that stands twice'} is no "
-        "constant, input, square or product of two inputs of X, nor of their logarithms or roots; "
+        f"in the design, {', '.join(map(repr, unknown)) or 'a repeated column'} is not a constant, "
+        "an input, a square or a product of two inputs of X, or of their logarithms or roots; "
         "X holds the inputs as points, one row per observation"
     )

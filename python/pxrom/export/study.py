@@ -1,15 +1,16 @@
 """A whole database: parameters, combinations, ensembles."""
 
 import os
+import warnings
 from dataclasses import dataclass
 from typing import Any, Callable, Dict, List, Mapping, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
-from .. import _core
+from .. import _core, _files
 from .._model import Model
-from .._points import is_frame, table
-from .._wording import did_you_mean, listed
+from .._points import floats, has_names, is_frame, names_of, require_key, table
+from .._wording import counted, did_you_mean, listed
 from . import _folds
 from ._convert import convert
 from ._options import Options
@@ -45,13 +46,14 @@ class Study:
 
         study = Study()
         study.input("L", unit="m", caption="Length", bounds=(1, 2))
-        study.discrete("Material", caption="1 steel, 2 aluminium")
+        study.discrete("Material", caption="1 steel / 2 aluminium")
         study.output("mass", unit="kg")
         study.add("mass", fitted, X, y, at={"Material": 1})
         study.save("beam.pxdb")
 
-    Points have one column per input, in the order in which inputs were declared. Each combination
-    that is named needs every output.
+    Points have one column per input, in the order in which inputs were declared. Each
+    combination needs every output. Names, units and captions must not hold a comma, semicolon or
+    brace, which separate values in a database.
     """
 
     def __init__(self) -> None:
@@ -61,26 +63,26 @@ class Study:
         self._ensembles: Dict[Tuple[int, ...], Dict[str, _Ensemble]] = {}
 
     def input(self, name: str, unit: str = "", caption: str = "", bounds: Bounds = None) -> "Study":
-        """Declares a continuous input. ``bounds`` (lower, upper) are shown, never enforced; without
-        them those of the samples stand."""
-        self._declare(self._inputs, name, unit, caption, bounds)
+        """Declares a continuous input. ``bounds`` (lower, upper) are shown, never enforced; by
+        default they are those of the samples."""
+        self._declare(self._inputs, name, unit, caption, bounds, _CONTINUOUS, True)
         return self
 
     def discrete(self, name: str, caption: str = "") -> "Study":
         """Declares a discrete input, which selects a combination. It takes whole numbers."""
-        self._declare(self._discrete, name, "", caption, None)
+        self._declare(self._discrete, name, "", caption, None, _DISCRETE, True)
         return self
 
     def output(
         self, name: str, unit: str = "", caption: str = "", bounds: Bounds = None
     ) -> "Study":
         """Declares an output."""
-        self._declare(self._outputs, name, unit, caption, bounds)
+        self._declare(self._outputs, name, unit, caption, bounds, _CONTINUOUS, False)
         return self
 
     def add(
         self,
-        outputs: Union[str, Sequence[str]],
+        outputs: Any,
         fitted: Any,
         X: Any = None,
         y: Any = None,
@@ -94,43 +96,55 @@ class Study:
         tolerance: float = 1e-10,
         error_tolerance: float = 1e-9,
     ) -> "Study":
-        """Adds what predicts one or more outputs at one combination.
+        """Adds a fit, or an ensemble of fits, that predicts one or more outputs at one combination.
 
         Args:
             outputs: the name of the output, or the names of all outputs of ``fitted``.
             fitted: a fitted object; or, for one output, a weighted ensemble: a list of pairs
                 (fitted, weight) whose weights add up to 1. All members predict the output itself,
                 in its unit.
-            X: the samples of the fit (n, d), as an array, a mapping or a frame by input name; to be
-                left out where the fitted object knows them. They are stored, shown and used for the
-                check. statsmodels needs them, and so does cross-validation.
-            y: their outputs (n,), or (n, k) for k outputs.
-            at: the value of each discrete input.
-            error: "auto", the tool's predicted error where there is one that maps (an ensemble has
-                none but from cross-validation); True insists on it; False leaves it out.
+            X: the samples of the fit (n, d) in its order, as an array, a mapping or a frame by
+                input name; leave them out if the fitted object knows them. They are compared with
+                the fit and used for the check. statsmodels and cross-validation need them.
+            y: their outputs (n,), or (n, k) for k outputs, or a frame by output name. Samples are
+                stored only with their outputs. Without y, these are the samples that the fit keeps
+                (processes, interpolators and statsmodels keep them; support vectors and
+                scikit-learn's linear models don't). Samples that a fit doesn't keep are checked by
+                a new fit with its settings.
+            at: the value of each discrete input, a whole number.
+            error: "auto" exports the tool's predicted error if there is one that maps (an ensemble
+                has one only from cross-validation); True requires it; False leaves it out.
             folds: cross-validation data for a predicted error in the output's unit: a number of
                 folds (``KFold(folds, shuffle=True, random_state=0)``), or anything with ``split``.
-                Each member is fitted anew without each fold.
-            refit: how: ``refit(fitted, X, y)`` returns a new fitted object. By default
+                Each member is fitted again without each fold.
+            refit: ``refit(fitted, X, y)`` returns a new fitted object for a fold. By default
                 scikit-learn's ``clone`` and ``fit``.
-            level: of statsmodels' two-sided prediction interval.
-            output_transform: "log", "log10" or "sqrt" when a statsmodels fit predicts that of the
-                output.
-            tolerance: how far the export may be from the tool, relative to the output's range.
+            level: the level of statsmodels' two-sided prediction interval.
+            output_transform: "log", "log10" or "sqrt" if a statsmodels fit predicts this function
+                of the output.
+            tolerance: how far the export may be from the tool, relative to the output's range. A
+                larger difference is accepted, with a warning, only if rounding explains it: u times
+                the sum of |weight times kernel value| and similar terms, which matter for a process
+                that was fitted without noise and has large coefficients that cancel.
             error_tolerance: the same for errors: their squares relative to the variance.
 
         Raises:
             NotExportable: when something has no counterpart, or the check fails.
         """
-        names = [outputs] if isinstance(outputs, str) else list(outputs)
+        names = names_of(outputs)
         key = self._key({} if at is None else at)
         for name in names:
             if name not in self._outputs:
                 raise ValueError(f"there is no output {name!r}{did_you_mean(name, self._outputs)}")
+        require_key(X, dict(zip(self._discrete, key)))
         points = None if X is None else self._points(X)
-        targets = None if y is None else _targets(y, points, len(names))
+        targets = None if y is None else self._targets(y, points, names)
         options = Options(
-            points, targets, list(self._inputs) if is_frame(X) else None, level, output_transform
+            points,
+            targets,
+            list(self._inputs) if is_frame(X) else None,
+            level=level,
+            output_transform=output_transform,
         )
         members, weights = _members(fitted)
         for member in members:
@@ -138,7 +152,9 @@ class Study:
         if len(members) > 1 and len(names) > 1:
             raise ValueError("an ensemble predicts one output; add the outputs one by one")
         if (len(members) > 1 or folds is not None) and error is True and folds is None:
-            raise NotExportable("an ensemble has no error but from cross-validation: pass folds")
+            raise NotExportable(
+                "an ensemble has a predicted error only from cross-validation: pass folds"
+            )
         keep = error if len(members) == 1 and folds is None else False
 
         def converted(one: Any, given: Options) -> List[Surface]:
@@ -178,21 +194,56 @@ class Study:
         return Model(self.to_text())
 
     def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
-        """Writes the database to a file."""
-        text = self.to_text()
-        with open(path, "w", encoding="utf-8", errors="surrogateescape", newline="") as file:
-            file.write(text)
+        """Writes the database to a file. A file that is there is replaced as a whole or, when that
+        fails, left as it was."""
+        _files.write(path, self.to_text())
 
     def _declare(
-        self, group: Dict[str, _Declared], name: str, unit: str, caption: str, bounds: Bounds
+        self,
+        group: Dict[str, _Declared],
+        name: str,
+        unit: str,
+        caption: str,
+        bounds: Bounds,
+        kind: int,
+        is_input: bool,
     ) -> None:
         if name in self._inputs or name in self._discrete or name in self._outputs:
-            raise ValueError(f"there is a parameter {name!r} already")
+            raise ValueError(f"there is already a parameter {name!r}")
         if self._ensembles:
             raise ValueError("declare all parameters before the first model is added")
-        if bounds is not None and not bounds[0] < bounds[1]:
+        if not name.strip():
+            raise ValueError("a parameter needs a name")
+        if bounds is not None and not -np.inf < bounds[0] < bounds[1] < np.inf:
             raise ValueError(f"the bounds of {name!r} have to be (lower, upper), not {bounds!r}")
-        group[name] = _Declared(name, unit, caption, bounds)
+        declared = _Declared(name, unit, caption, bounds)
+        alone = _core.Study()
+        _add(alone, declared, kind, is_input, None)
+        try:
+            alone.to_text()  # says what a database can't hold
+        except ValueError as error:
+            raise ValueError(f"{error}; write it without") from None
+        group[name] = declared
+
+    def _targets(self, y: Any, points: Optional[np.ndarray], outputs: List[str]) -> np.ndarray:
+        """(n, k), by name if y is a frame that has those names."""
+        if has_names(y):
+            names = names_of(y)
+            if is_frame(y) and set(outputs) <= set(names):
+                y, names = y[outputs], outputs
+            for name, output in zip(names, outputs):
+                if name != output and name in self._outputs:
+                    raise ValueError(f"y holds {name!r} where the output {output!r} is added")
+        made = floats(y, "y")
+        made = made.reshape(len(made), -1) if made.ndim > 0 else made.reshape(1, 1)
+        if points is None:
+            raise ValueError("y needs the samples that it was observed at: pass X as well")
+        if len(points) != len(made) or made.shape[1] != len(outputs):
+            raise ValueError(
+                f"y has the shape {np.shape(y)}; it has to have one row per point of X, which has "
+                f"{len(points)}, and {counted(len(outputs), 'column')}"
+            )
+        return made
 
     def _points(self, X: Any) -> np.ndarray:
         return table(X, list(self._inputs))
@@ -206,22 +257,25 @@ class Study:
         for name in self._discrete:
             if name not in at:
                 raise ValueError(f"at= lacks a value of the discrete input {name!r}")
-            if int(at[name]) != at[name]:
-                raise ValueError(f"{name}={at[name]!r} has to be a whole number")
+            if not isinstance(at[name], (int, float, np.number)) or at[name] % 1 != 0:
+                raise ValueError(
+                    f"{name}={at[name]!r} has to be a whole number, such as at={{{name!r}: 1}}; "
+                    "say what it means in the caption"
+                )
         return tuple(int(at[name]) for name in self._discrete)
 
     def _shown(self, key: Tuple[int, ...]) -> str:
         return ", ".join(f"{name}={value}" for name, value in zip(self._discrete, key))
 
     def _bounds(self) -> Optional[np.ndarray]:
-        """(2, d), when all inputs have some."""
+        """(2, d), if all inputs have bounds."""
         bounds = [declared.bounds for declared in self._inputs.values()]
         if not bounds or any(one is None for one in bounds):
             return None
         return np.array(bounds, dtype=float).T
 
     def _require_order(self, fitted: Any) -> None:
-        """Columns go by their place, so that the names of a fit must not stand elsewhere."""
+        """Columns go by their position, so the names of a fit must be in the same order."""
         known = getattr(fitted, "feature_names_in_", None)
         if known is None:
             return
@@ -235,36 +289,43 @@ class Study:
     def _require_fit(self, surfaces: List[Surface], names: List[str]) -> None:
         if len(surfaces) != len(names):
             raise NotExportable(
-                f"the fit has {len(surfaces)} outputs, but {len(names)} are named: {listed(names)}"
+                f"the fit has {counted(len(surfaces), 'output')}, but the outputs are "
+                f"{listed(names)}; name each, as in {_example('outputs', 'y', len(surfaces))}"
             )
         if surfaces[0].inputs != len(self._inputs):
             raise NotExportable(
-                f"the fit has {surfaces[0].inputs} inputs, but the study declares "
-                f"{len(self._inputs)}: {listed(self._inputs)}"
+                f"the fit has {counted(surfaces[0].inputs, 'input')}, but the inputs are "
+                f"{listed(self._inputs)}; name each, as in "
+                f"{_example('inputs', 'x', surfaces[0].inputs)}"
             )
 
     def _check(
         self, key: Tuple[int, ...], name: str, ensemble: _Ensemble, tolerance: float
     ) -> None:
-        """The whole ensemble, as it will be written, against the tools' own predictions."""
+        """Compares the whole ensemble, as it will be written, with the tools' own predictions."""
         samples = ensemble.X
         if samples is None:
             samples = ensemble.surfaces[0].physical_samples()
         points = check_points(samples, len(self._inputs), self._bounds())
-        expected = np.zeros(len(points))
+        expected, rounding = np.zeros(len(points)), np.zeros(len(points))
         for surface, weight in zip(ensemble.surfaces, ensemble.weights):
             assert surface.predict is not None
             expected += weight * surface.predict(points)
+            # Twice: the scaling of the ensemble rounds as well.
+            rounding += 2.0 * abs(weight) * surface.rounding(points)
         model = Model(self._text({key: {name: ensemble}}, only=name))
         at = dict(zip(self._discrete, key))
-        compare(model.predict(at, points).values[name], expected, tolerance, f" of {name!r}")
+        got = model.predict(at, points).values[name]
+        with warnings.catch_warnings():
+            warnings.simplefilter("ignore")  # said of the surface already
+            compare(got, expected, tolerance, rounding, f" of {name!r}")
 
     def _text(
         self, ensembles: Dict[Tuple[int, ...], Dict[str, _Ensemble]], only: Optional[str] = None
     ) -> str:
         study = _core.Study()
         for declared in self._discrete.values():
-            study.add_parameter(declared.name, True, _DISCRETE, "", declared.caption, 0.0, 0.0)
+            _add(study, declared, _DISCRETE, True, None)
         samples = [e.X for outputs in ensembles.values() for e in outputs.values()]
         samples += [
             surface.physical_samples()
@@ -273,21 +334,27 @@ class Study:
             for surface in ensemble.surfaces
         ]
         for place, declared in enumerate(self._inputs.values()):
-            _add(study, declared, True, _range(samples, place))
+            _add(study, declared, _CONTINUOUS, True, _range(samples, place))
         for name, declared in self._outputs.items():
             if only is None or name == only:
-                _add(study, declared, False, None)
+                _add(study, declared, _CONTINUOUS, False, None)
         for key, outputs in ensembles.items():
             candidates = [(name, _candidate(one)) for name, one in outputs.items()]
             study.add_combination(list(zip(self._discrete, key)), candidates)
         return str(study.to_text())
 
 
-def _add(study: _core.Study, declared: _Declared, is_input: bool, bounds: Bounds) -> None:
+def _add(
+    study: _core.Study, declared: _Declared, kind: int, is_input: bool, bounds: Bounds
+) -> None:
     lower, upper = declared.bounds or bounds or (0.0, 0.0)
     study.add_parameter(
-        declared.name, is_input, _CONTINUOUS, declared.unit, declared.caption, lower, upper
+        declared.name, is_input, kind, declared.unit, declared.caption, lower, upper
     )
+
+
+def _example(argument: str, stem: str, count: int) -> str:
+    return f"{argument}={[stem] if count == 1 else [f'{stem}{i}' for i in range(count)]}"
 
 
 def _range(samples: Sequence[Optional[np.ndarray]], place: int) -> Bounds:
@@ -310,17 +377,6 @@ def _members(fitted: Any) -> Tuple[List[Any], List[float]]:
     return [member for member, _ in fitted], weights
 
 
-def _targets(y: Any, points: Optional[np.ndarray], outputs: int) -> np.ndarray:
-    made = np.asarray(y, dtype=float)
-    made = made.reshape(len(made), -1)
-    if points is None or len(points) != len(made) or made.shape[1] != outputs:
-        raise ValueError(
-            f"y has the shape {np.shape(y)}; it has to have one row per point of X and "
-            f"{outputs} column(s)"
-        )
-    return made
-
-
 def _candidate(ensemble: _Ensemble) -> _core.Candidate:
     inputs = ensemble.surfaces[0].inputs
     scale = EnsembleScale.identity(inputs)
@@ -331,12 +387,11 @@ def _candidate(ensemble: _Ensemble) -> _core.Candidate:
         scale.slopes.tolist(), scale.intercepts.tolist(), scale.slope, scale.intercept
     )
     X, y = ensemble.X, ensemble.y
-    if X is None:
-        X = ensemble.surfaces[0].physical_samples()
+    if y is None:
         first = ensemble.surfaces[0]
-        y = None if first.outputs is None else first.scale * first.outputs + first.shift
-    if X is not None:
-        candidate.set_samples(X.tolist(), ([0.0] * len(X) if y is None else y.tolist()))
+        X, y = first.physical_samples(), first.physical_outputs()
+    if X is not None and y is not None:  # samples need inputs and outputs
+        candidate.set_samples(X.tolist(), y.tolist())
     for surface, weight in zip(ensemble.surfaces, ensemble.weights):
         candidate.add_surface(surface.record(scale), weight)
     if ensemble.folds is not None:
@@ -353,34 +408,31 @@ def to_text(
     X: Any = None,
     y: Any = None,
     *,
-    inputs: Optional[Sequence[str]] = None,
-    outputs: Optional[Sequence[str]] = None,
+    inputs: Any = None,
+    outputs: Any = None,
     **options: Any,
 ) -> str:
     """The database of one fitted object, without discrete inputs.
 
-    ``inputs`` and ``outputs`` name the parameters; by default the names that the object was fitted
-    with or the columns of a frame ``X``, else x0, x1, ...; and y, or y0, y1, ... The other
-    arguments are those of :meth:`Study.add`.
+    ``inputs`` and ``outputs`` name the parameters; a str names one; by default the columns
+    of a frame ``X`` or the names that the object was fitted with, else x0, x1, ...; and the columns
+    of a frame ``y`` or the name of a Series, else y, or y0, y1, ... The other arguments are those
+    of :meth:`Study.add`.
     """
-    names = _input_names(fitted, X) if inputs is None else list(inputs)
-    if outputs is None:
-        count = _output_count(fitted, y)
-        outputs = ["y"] if count == 1 else [f"y{i}" for i in range(count)]
+    names = _input_names(fitted, X) if inputs is None else names_of(inputs)
+    named = _output_names(fitted, y) if outputs is None else names_of(outputs)
     study = Study()
     for name in names:
         study.input(name)
-    for name in outputs:
+    for name in named:
         study.output(name)
-    study.add(list(outputs), fitted, X, y, **options)
+    study.add(named, fitted, X, y, **options)
     return study.to_text()
 
 
 def save(path: Union[str, "os.PathLike[str]"], fitted: Any, *args: Any, **kwargs: Any) -> None:
     """:func:`to_text` into a file."""
-    text = to_text(fitted, *args, **kwargs)
-    with open(path, "w", encoding="utf-8", errors="surrogateescape", newline="") as file:
-        file.write(text)
+    _files.write(path, to_text(fitted, *args, **kwargs))
 
 
 def _input_names(fitted: Any, X: Any) -> List[str]:
@@ -392,8 +444,14 @@ def _input_names(fitted: Any, X: Any) -> List[str]:
     if known is not None:
         return [str(name) for name in known]
     if X is not None:
-        return [f"x{i}" for i in range(np.asarray(X).shape[1])]
+        return [f"x{i}" for i in range(np.shape(X)[1] if np.ndim(X) == 2 else 1)]
     return [f"x{i}" for i in range(_first(fitted).inputs)]
+
+
+def _output_names(fitted: Any, y: Any) -> List[str]:
+    named = names_of(y) if has_names(y) else []
+    count = len(named) or _output_count(fitted, y)
+    return named or (["y"] if count == 1 else [f"y{i}" for i in range(count)])
 
 
 def _output_count(fitted: Any, y: Any) -> int:
@@ -410,7 +468,7 @@ def _first(fitted: Any) -> Surface:
 
 
 def _count_of(fitted: Any) -> int:
-    # A fit of one output is by far the most usual, and an exporter may need X to tell.
+    # One output is by far the most usual, and an exporter may need X to know the number.
     coefficients = getattr(fitted, "n_outputs_", None)
     if coefficients is not None:
         return int(coefficients)
