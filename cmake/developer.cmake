@@ -5,7 +5,7 @@ include(CheckLinkerFlag)
 
 set(PXROM_SANITIZE "" CACHE STRING "Sanitizers for the whole build, for example address,undefined")
 option(PXROM_COVERAGE "Instrument the build for coverage" OFF)
-option(PXROM_JOIN_SOURCES "Compile sources that share large headers together, to build faster" OFF)
+option(PXROM_JOIN_SOURCES "Compile the sources of a folder together, to build faster; our presets do" OFF)
 option(PXROM_WERROR "Treat warnings as errors; our presets do" OFF)
 option(PXROM_HARDEN "Guard stacks, string functions and tables of addresses, where it can be done" ON)
 
@@ -80,3 +80,20 @@ if(PXROM_COVERAGE)
   target_compile_options(pxrom_developer INTERFACE -fprofile-instr-generate -fcoverage-mapping)
   target_link_options(pxrom_developer INTERFACE -fprofile-instr-generate)
 endif()
+
+# pxrom_join_by_folder(TARGET sources...): compiles the sources that lie in one folder together where
+# PXROM_JOIN_SOURCES asks for it. Each name of their unnamed namespaces is used once in the folder then.
+function(pxrom_join_by_folder target)
+  set_target_properties(${target} PROPERTIES
+    UNITY_BUILD ${PXROM_JOIN_SOURCES} UNITY_BUILD_MODE GROUP)
+  if(PXROM_JOIN_SOURCES)
+    # g++ takes a class of a joined source for one of a header.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
+  foreach(source ${ARGN})
+    cmake_path(GET source PARENT_PATH folder)
+    cmake_path(RELATIVE_PATH folder BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+    string(MAKE_C_IDENTIFIER "${folder}" group)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+  endforeach()
+endfunction()

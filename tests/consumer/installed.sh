@@ -18,7 +18,7 @@ prefix=$work/prefix
 if [[ $kind == static ]]; then
   build=$work/library
   cmake -S "$source" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-    -DCMAKE_BUILD_TYPE= -DBUILD_SHARED_LIBS=OFF \
+    -DCMAKE_BUILD_TYPE= -DBUILD_SHARED_LIBS=OFF -DPXROM_JOIN_SOURCES=ON \
     -DPXROM_BUILD_TESTS=OFF -DPXROM_BUILD_TOOLS=OFF -DPXROM_BUILD_EXAMPLES=OFF >"$work/log"
   cmake --build "$build" >>"$work/log" || { cat "$work/log"; fail "the library does not build"; }
 else

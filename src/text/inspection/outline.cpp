@@ -15,7 +15,6 @@ namespace {
 
 using reading::Labels;
 
-constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::size_t kLongestTag = 64;
 // The number of a group whose tag has lost it.
 constexpr int kUnknownId = std::numeric_limits<int>::min();
@@ -39,11 +38,11 @@ constexpr WordFact kWords[kWordCount] = {
 
 const WordFact& FactOf(Word word) { return kWords[static_cast<std::size_t>(word)]; }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool IsBlankInLine(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
 std::string_view Trimmed(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  while (!text.empty() && IsBlankInLine(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsBlankInLine(text.back())) text.remove_suffix(1);
   return text;
 }
 
@@ -120,7 +119,7 @@ void Outline::ListTagWithoutBracket(std::string_view text, std::size_t lineStart
 void Outline::ListTag(std::string_view text, std::size_t at) {
   const std::string_view rest = text.substr(at, kLongestTag);
   const std::size_t close = std::min(rest.find('>'), rest.find('\n'));
-  if (close != kNowhere && rest[close] == '>') {
+  if (close != std::string_view::npos && rest[close] == '>') {
     Tag tag;
     tag.offset = at;
     tag.length = static_cast<std::uint32_t>(close + 1);
@@ -149,9 +148,10 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
   }
   // Something like a tag in the middle of a line is text.
   std::size_t before = at;
-  while (before > 0 && IsBlank(text[before - 1])) --before;
+  while (before > 0 && IsBlankInLine(text[before - 1])) --before;
   if (before > 0 && text[before - 1] != '\n') return;
-  ListMalformed(text, at, std::min({close == kNowhere ? rest.size() : close + 1, rest.size()}));
+  ListMalformed(text, at,
+                std::min({close == std::string_view::npos ? rest.size() : close + 1, rest.size()}));
 }
 
 void Outline::ListMalformed(std::string_view text, std::size_t offset, std::size_t length) {
@@ -178,7 +178,7 @@ void Outline::ListMalformed(std::string_view text, std::size_t offset, std::size
   tag.word = *word;
   const std::string_view behind = inner.substr(typed.size());
   const std::size_t digit = behind.find_first_of("0123456789");
-  const bool hasNumber = digit != kNowhere;
+  const bool hasNumber = digit != std::string_view::npos;
   if (hasNumber) std::from_chars(behind.data() + digit, behind.data() + behind.size(), tag.id);
   if (!IsNumbered(*word)) tag.id = 0;
   // A number speaks for an opening tag and a slash for a closing one. Where they disagree, it is
