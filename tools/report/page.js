@@ -77,7 +77,7 @@ class Choice {
     const more = this.combinations.length - known.length;
     if (more > 0) known.push(`and ${more} more`);
     return `there is no model for the combination ${this.combinationText()}; `
-      + `those that exist are: ${known.join("; ")}`;
+      + `the fitted combinations are: ${known.join("; ")}`;
   }
 
   outsideBounds() {
