@@ -11,7 +11,8 @@ option(PXROM_HARDEN "Guard stacks, string functions and tables of addresses, whe
 
 add_library(pxrom_developer INTERFACE)
 
-# Results are defined to the last bit, so that no multiply and add may be fused.
+# Deliberate (bits-are-defined): results are defined to the last bit by the order of operations, so
+# the compiler must not fuse a multiplication and an addition.
 if(MSVC)
   target_compile_options(pxrom_developer INTERFACE /fp:precise)
 else()

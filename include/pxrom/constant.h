@@ -45,7 +45,7 @@ class PXROM_API CConstantEvaluator : public CRSEvaluator {
   CConstantEvaluator* Clone() const override;
   ~CConstantEvaluator() override;
   /// -2 unless the record has no input variables at all: only then does a constant report an error,
-  /// which is 0.0. The asymmetry is deliberate.
+  /// which is 0.0.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                               double& predictorError) const override;
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,

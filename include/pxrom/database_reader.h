@@ -23,9 +23,10 @@ class AttributeRange;
 /// ResumeDiscreteCombinations. The reader keeps no reference to what it filled. It can read a new
 /// text, or be destroyed, as soon as everything is read.
 ///
-/// Reading is a substring search, not a parse, and silent by design: a failure gives only status 1.
-/// Missing attributes are not reported (scalars start at 0 and bools at false), bad numbers read as
-/// 0, and the search for a missing group can find something else (docs/behaviours.md).
+/// Deliberate (silent-reading): reading is a substring search, not a parse, and a failure gives
+/// only status 1. Missing attributes are not reported (scalars start at 0 and bools at false), bad
+/// numbers read as 0, and the search for a missing group can find something else
+/// (docs/behaviours.md). Use InspectPXROMDatabase for files from others.
 ///
 /// Limits: negative sizes of matrices, and counts that need more than the text holds, give status 1
 /// before anything is allocated. A negative number of surfaces counts as 0. Several lines may share
@@ -34,9 +35,12 @@ class AttributeRange;
 /// no text can exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a
 /// longer text.
 ///
-/// Exceptions: std::bad_alloc; std::out_of_range for a text that is shorter than the bounds that
-/// its damaged groups lead to (an empty text, for example) and for an empty pair in a list. Nothing
-/// leaks on any path.
+/// Exceptions: std::bad_alloc and std::out_of_range. Nothing leaks on any path.
+///
+/// Deliberate (reading-out-of-range): a text that is shorter than the bounds that its damaged
+/// groups lead to (an empty text, for example) and an empty pair in a list throw std::out_of_range.
+/// Treat it as status 1.
+///
 /// Threads: const operations only read, so several threads may read from one reader into different
 /// targets. Nothing else may use the reader during ReadDataStream.
 class PXROM_API CReaderPXROMDatabase : public CReader {
@@ -50,8 +54,9 @@ class PXROM_API CReaderPXROMDatabase : public CReader {
   E_ReaderType ReaderType() const override;
   CReaderPXROMDatabase* Clone() const override;
 
-  /// Reads the whole database into `out`, which is **not** reset first: a repeated read adds to it.
-  /// 0, or 1 with `out` holding what was read before the failure.
+  /// Reads the whole database. 0, or 1 with `out` holding what was read before the failure.
+  ///
+  /// Deliberate (reading-adds): `out` is **not** reset first, so a repeated read adds to it.
   int ResumeDiscreteCombinations(CDiscreteCombinations& out) const;
   /// Reads the counts and value references of the `FMU` group. A missing key leaves its target
   /// unchanged, but `references` is always replaced. 1 when the search for the group fails; for a

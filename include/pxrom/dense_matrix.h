@@ -16,6 +16,9 @@
 /// comment says how many values are read or written; for no values the pointer may be null.
 /// `out` may be the block that is read. A shape whose element count does not fit an int is refused.
 ///
+/// Deliberate (vector-first-element): DColVec::FillFromVector, DRowVec::SetAt and
+/// DRowVec::GatherFirst use one element only, as their comments say.
+///
 /// Ownership: an object owns its storage. Copies are deep; a moved-from object is empty. Addresses
 /// that it returns belong to the object and are valid until its next allocation.
 /// Threads: no locks and no shared state; one thread may use an object, or many may read it.
@@ -197,7 +200,7 @@ class PXROM_API DColVec : public DMtx {
   /// Assign. 1 when the vector is empty.
   virtual int AssignChecked(const double* values);
   /// Sets every element to the FIRST element of `vector`, of any kind; it does not copy element by
-  /// element. 1 when `vector` has no storage. Deliberate.
+  /// element. 1 when `vector` has no storage.
   virtual int FillFromVector(const DMtx& vector);
   /// Sets the elements to the Rows values at `values`. 1 unless non-empty with storage.
   virtual int SetValues(const double* values);
@@ -244,17 +247,15 @@ class PXROM_API DRowVec : public DMtx {
   /// this[i] = vector[i], for a `vector` of any kind. 1 when one of them has no such element.
   virtual int SetAtFromVector(int i, const DMtx& vector);
   /// Writes values[i] to element 0, NOT to element i. 1 unless 0 <= i < Cols and there is storage.
-  /// Deliberate.
   virtual int SetAt(int i, const double* values);
   /// vector[i] = this[i]. 1 when one of them has no such element.
   virtual int GetAtToVector(int i, DColVec& vector) const;
   /// Writes the value of element indices[0] to all `n` places of `out`; the other indices are only
-  /// checked. 1 when an index is not in 0 <= index < Cols or without storage. Deliberate.
+  /// checked. 1 when an index is not in 0 <= index < Cols or without storage.
   virtual int GatherFirst(int n, const int* indices, double* out) const;
   /// out[i] = this[i]. 1 unless 0 <= i < Cols and there is storage.
   virtual int CopyAt(int i, double* out) const;
   /// 1 when i < 0 or i > Cols, or without storage. i == Cols is not refused and gives 0.0.
-  /// Deliberate.
   virtual int GetAt(int i, double& out) const;
   /// Swaps all fields. Always 0.
   virtual int Swap(DRowVec& other);

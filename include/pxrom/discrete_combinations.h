@@ -20,8 +20,11 @@ enum E_DiscreteCombinationVersion : std::int32_t { DiscreteCombinationVersion192
 /// The top object of the library: the registry of a model's parameters, and for each combination of
 /// discrete values one candidate list per output. CReaderPXROMDatabase fills it; Evaluate predicts.
 ///
-/// An immutable ID identifies a parameter. Lists of IDs are in the byte order of the ID. Values are
-/// ordered by registration rank, so a caller may name them in any order.
+/// An immutable ID identifies a parameter. Lists of IDs are in the byte order of the ID.
+///
+/// Deliberate (values-by-rank): values are ordered by registration rank, so a caller may name them
+/// in any order. Only their number and their names are checked: a registered name of the wrong kind
+/// is not noticed and takes its place by rank.
 ///
 /// Ownership: RegisterDiscreteCombination takes over the candidate lists that it gets; the copy
 /// constructor clones them. **Assignment shares** them: nothing is cloned, and a list is destroyed
@@ -45,13 +48,12 @@ class PXROM_API CDiscreteCombinations {
   /// Predicts every output of one combination, with predicted errors.
   ///
   /// `discreteValues` names each enabled discrete input once, `continuousValues` each enabled
-  /// continuous input; derived and disabled parameters are left out. `outputs` is replaced and gets
+  /// continuous input. `outputs` is replaced and gets
   /// (ID, value) in the order of IDs; **`errors` is appended to, not emptied**, and lacks the
   /// outputs that have no error.
   /// 0; -2 when an output has no error; 1 when a count, a name or the combination doesn't fit, with
-  /// both lists untouched, or when an output fails, with the outputs before it in `outputs`. A
-  /// neighbour never replaces an unknown combination. A registered name of the wrong kind is not
-  /// recognised: it takes its place by rank.
+  /// both lists untouched, or when an output fails, with the outputs before it in `outputs`.
+  ///
   /// Threads: several threads may call this on one object, unless it evaluates a Kriging surface
   /// without cross-validation data, which writes the record of the surface (kriging.h).
   virtual int Evaluate(const std::vector<std::pair<std::string, int>>& discreteValues,
@@ -69,8 +71,9 @@ class PXROM_API CDiscreteCombinations {
   /// ID again overwrites it, which can repeat a rank. Always 0.
   int RegisterParameter(const std::string& id, E_ParameterCausality causality, E_ParameterType type,
                         bool enabled);
-  /// Sets what a host shows of a parameter, whether or not it is registered. **The upper bound
-  /// comes before the lower bound.** 1 for an empty id.
+  /// Sets what a host shows of a parameter, whether or not it is registered. 1 for an empty id.
+  ///
+  /// Deliberate (upper-bound-first): **the upper bound comes before the lower bound.**
   int RegisterParameterExtraInfos(const std::string& id, const std::string& name,
                                   const std::string& unit, const std::string& caption,
                                   double upperBound, double lowerBound);
@@ -112,8 +115,10 @@ class PXROM_API CDiscreteCombinations {
                                                     bool enabled) const;
   std::vector<std::string> ListParameterImmutableID(E_ParameterType type, bool enabled) const;
 
-  // One entry per known ID in the order given. **Unknown IDs are skipped**, so the results without
-  // names may no longer line up with the argument.
+  // One entry per known ID in the order given.
+  //
+  // Deliberate (unknown-ids-skipped): **unknown IDs are skipped**, so results without names may no
+  // longer line up with the argument.
   std::vector<bool> ListParameterAvailability(std::vector<std::string> ids) const;
   std::vector<E_ParameterCausality> ListParameterCausality(std::vector<std::string> ids) const;
   std::vector<E_ParameterType> ListParameterType(std::vector<std::string> ids) const;
@@ -127,15 +132,16 @@ class PXROM_API CDiscreteCombinations {
   /// The enabled discrete parameters by rank: the order of the values in a combination's key.
   std::vector<std::string> ListEnabledDiscreteParameterWrtRegistrationRank() const;
   /// The distinct values of `id` over the registered combinations, ascending. **For an unknown ID,
-  /// the values of the first parameter**. Deliberate. Empty without discrete parameters.
+  /// the values of the first parameter.** Empty without discrete parameters.
   std::vector<int> ListRegisteredValuesForDiscreteParameter(const std::string& id) const;
 
   /// Registers the outputs of one combination: one value per enabled discrete input, one candidate
   /// list per enabled output of type ContinuousNotManufacturable. Registering the same values again
   /// makes Evaluate use the new outputs.
-  /// 0: the object now owns every pointer, also one with a repeated name (the first one is used).
-  /// 1: a count or a name doesn't fit, or a pointer is null; nothing changes, and the pointers stay
-  /// with the caller, also if memory runs out.
+  ///
+  /// Deliberate (register-takes-pointers): with 0 the object owns every pointer, also one with a
+  /// repeated name (the first one is used). With 1 (a count or a name doesn't fit, or a pointer is
+  /// null) nothing changes and the pointers stay with the caller, also if memory runs out.
   int RegisterDiscreteCombination(
       const std::vector<std::pair<std::string, int>>& discreteValues,
       const std::vector<std::pair<std::string, CFittingCandidates*>>& outputs);

@@ -11,8 +11,11 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Version of a candidate record. A candidate read from a database always reports 192: the number
-/// in the text only decides whether cross-validation data follow.
+/// Version of a candidate record.
+///
+/// Deliberate (versions-mostly-ignored): a candidate read from a database always reports 192. The
+/// number in the text only decides whether cross-validation data follow. CRSData treats its version
+/// in the same way.
 enum E_FittingCandidateVersion : std::int32_t {
   FittingCandidateVersion170 = 170,
   FittingCandidateVersion192 = 192,
@@ -28,9 +31,12 @@ enum E_FittingCandidateVersion : std::int32_t {
 /// whole multiple of the number of surfaces; fold counts that add up to the sorted rows.
 ///
 /// Ownership: Add and Set operations and the copy constructor clone surfaces, so the caller keeps
-/// what it passed. **Assignment shares**: nothing is cloned, and both candidates hold the same
-/// surfaces. A surface is destroyed when the last candidate that holds it is reset, assigned over
-/// or destroyed, in any order.
+/// what it passed.
+///
+/// Deliberate (assignment-shares): **assignment shares.** Nothing is cloned, and both candidates
+/// hold the same surfaces. A surface is destroyed when the last candidate that holds it is reset,
+/// assigned over or destroyed, in any order. Use the copy constructor to get surfaces of your own.
+///
 /// Statuses: 0 unless a comment says otherwise. Indices are the caller's responsibility unless a
 /// comment says that they are checked.
 /// Threads: const operations may run at the same time as long as nothing changes the object or a
@@ -44,8 +50,10 @@ class PXROM_API CFittingCandidate {
   /// A new candidate by the copy constructor; the caller owns it.
   virtual CFittingCandidate* Clone() const;
   virtual ~CFittingCandidate();
-  /// Empties the candidate. **The output slope becomes 0.0**, not the 1.0 of a new candidate, so
-  /// nothing is scaled back until a slope is set. The distance scale keeps its value.
+  /// Empties the candidate; the distance scale keeps its value.
+  ///
+  /// Deliberate (reset-slope-is-zero): **the output slope becomes 0.0**, not the 1.0 of a new
+  /// candidate, so every evaluation fails until a slope is set.
   virtual int ResetData();
 
   E_DataType DataType() const;
@@ -56,12 +64,14 @@ class PXROM_API CFittingCandidate {
   int AddSubRS(const CRSData* rs);
   /// Sets the flag of error prediction first, also when the call is then refused with 1.
   ///
-  /// Without error prediction: one surface per weight, else 1. The candidate is **reset** and gets
-  /// clones, so set samples and output scaling afterwards.
+  /// Without error prediction: one surface per weight, else 1.
   /// With error prediction: `surfaces` is each surface followed by its sub surfaces. Its length has
-  /// to be a multiple of the number of weights, else 1 (also without weights). Clones are
-  /// **appended** to the lists, and the sample data stay. The asymmetry is deliberate.
+  /// to be a multiple of the number of weights, else 1 (also without weights).
   /// Null surfaces give 1.
+  ///
+  /// Deliberate (set-rs-appends-with-errors): without error prediction the candidate is **reset**
+  /// and gets clones, so set samples and output scaling afterwards. With it, clones are
+  /// **appended** to the lists, and the sample data stay.
   int SetRSAndWeights(const std::vector<CRSData*>& surfaces, const std::vector<double>& weights,
                       bool errorPrediction);
   std::size_t GetRSCount() const;
@@ -119,13 +129,14 @@ class PXROM_API CFittingCandidate {
   /// The same for each element; an empty vector gives 0 with any slope.
   int BackscaleAndOverwriteOutputSamples(std::vector<double>& y) const;
 
-  /// Stops every surface of the ensemble, so each evaluation is refused with 1. Sub surfaces do not
-  /// change.
+  /// Stops every surface of the ensemble, so each evaluation is refused with 1.
+  ///
+  /// Deliberate (stop-skips-sub-surfaces): sub surfaces are not stopped.
   int SetStatusStopped();
 
  protected:
   /// Sets the distance scale to the largest squared distance of a sorted row from its nearest other
-  /// row. Row 0 contributes nothing, since its search has no start value. Deliberate.
+  /// row. Row 0 contributes nothing, since its search has no start value.
   int computeMinDist();
 
  private:

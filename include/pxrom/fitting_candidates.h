@@ -77,17 +77,20 @@ class PXROM_API CFittingCandidatesEvaluator {
 
   virtual CFittingCandidatesEvaluator* Clone() const;
   virtual ~CFittingCandidatesEvaluator();
-  /// The value at `x` (physical units, not changed). Only this form is virtual.
+  /// The value at `x` (physical units, not changed).
+  ///
+  /// Deliberate (error-form-not-virtual): only this form is virtual. An override does not replace
+  /// the form with an error.
   virtual int EvaluateResponseSurfaceCandidate(const CFittingCandidates& candidates,
                                                const std::vector<double>& x, double& value) const;
   /// Value and predicted error at `x`.
   ///
-  /// With cross-validation data the error is the spread of the predictions that leave out one fold
-  /// each, weighted by the distance of the point from the samples of that fold and damped near
-  /// samples. It is in the output's physical unit. The method uses squared distances throughout,
-  /// where distances would be usual; this is deliberate. Without such data each surface overwrites
-  /// `error` with its own error, so the last one remains, in the candidate's scaled space; `error`
-  /// is not set to 0 first.
+  /// Deliberate (two-error-units): with cross-validation data the error is the spread of the
+  /// predictions that leave out one fold each, weighted by the distance of the point from the
+  /// samples of that fold and damped near samples, in the output's physical unit. Without such data
+  /// each surface overwrites `error` with its own error, so the last one remains, in the
+  /// candidate's scaled space; `error` is not set to 0 first. GetIsErrPredRequired of the candidate
+  /// says which kind it is.
   int EvaluateResponseSurfaceCandidate(const CFittingCandidates& candidates,
                                        const std::vector<double>& x, double& value,
                                        double& error) const;

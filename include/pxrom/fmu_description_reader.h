@@ -49,10 +49,11 @@ class PXROM_API CReaderFMUModelDescription : public CReader {
 
   std::string GetGUID() const;
   int GetNumberOfContinuousStates() const;
-  /// **Two for each Real variable.** Deliberate.
+  /// Deliberate (fmi-reals-count-twice): **two for each Real variable.**
   int GetNumberOfReals() const;
   int GetNumberOfIntegers() const;
-  /// Always 0, as are the next two: parsing does not count these variables.
+  /// Deliberate (fmi-uncounted-types): always 0, as are the next two. Parsing does not count these
+  /// variables, and they have no type.
   int GetNumberOfBooleans() const;
   int GetNumberOfStrings() const;
   int GetNumberOfEventIndicators() const;

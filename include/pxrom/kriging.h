@@ -56,9 +56,11 @@ struct PXROM_API CKrigingData : public CRSData {
   /// Leaves InvC, InvG, Ft, NumberOfPolyCoeff and Sigma2 unchanged: nothing reads them while
   /// SavePredictorError is false. Always 0.
   int ResetData() override;
-  /// Whether samples, scaling, coefficients and kernel scales fit together. A single kernel scale
-  /// for several inputs gives false although it can be evaluated. Deliberate. The data of the
+  /// Whether samples, scaling, coefficients and kernel scales fit together. The data of the
   /// predictor error are not checked.
+  ///
+  /// Deliberate (kriging-one-kernel-per-input): a single kernel scale for several inputs gives
+  /// false, although such a record can be evaluated.
   bool IsAllRight() override;
   E_DataType DataType() const override;
 
@@ -87,8 +89,10 @@ struct PXROM_API CKrigingData : public CRSData {
   int GetFt(std::vector<std::vector<double>>& rows) const;
   int SetFt(const std::vector<std::vector<double>>& rows);
 
-  /// The polynomial basis of `type` at `x` (types.h); the record is not read. Deliberate: type 0
-  /// leaves `out` empty with status 1, a type outside 0 to 4 leaves it empty with status 0.
+  /// The polynomial basis of `type` at `x` (types.h); the record is not read.
+  ///
+  /// Deliberate (kriging-unknown-trend): type 0 leaves `out` empty with status 1, and a type
+  /// outside 0 to 4 leaves it empty with status 0.
   int ComputeVandermondePolynomialVector(const std::vector<double>& x, E_PolynomialType type,
                                          std::vector<double>& out) const;
   /// One row of basis functions for each row of `x`. The status of the rows is ignored, so type 0
@@ -106,10 +110,10 @@ struct PXROM_API CKrigingData : public CRSData {
   /// To largest magnitude 1, intercepts 0; a largest magnitude below 1e-08 or above 1e+30 gives the
   /// slope 1.
   int ComputeScalingFactorsForInputsUsingInfNorm();
-  /// Slope 1/s and intercept **-(s m)**, unlike the -(1/s) m of the inputs. Deliberate: this does
-  /// not centre the output unless s is 1.
+  /// Deliberate (kriging-output-intercept): slope 1/s and intercept **-(s m)**, unlike the -(1/s) m
+  /// of the inputs. This does not centre the output unless s is 1.
   int ComputeScalingFactorForOutput();
-  /// Sets the slope as for inputs. **The intercept does not change.** Deliberate.
+  /// Sets the slope as for inputs. **The intercept does not change.**
   int ComputeScalingFactorForOutputUsingInfNorm();
 
   /// Whether there are n coefficients and n is not 0.
@@ -125,10 +129,11 @@ struct PXROM_API CKrigingData : public CRSData {
   /// function, or when there are neither one kernel scale nor at least d. Allocates nothing.
   int EvaluateCorrelationFunction(const std::vector<double>& x, const std::vector<double>& y,
                                   double& r) const;
-  /// The correlations of `rows` with each other. **Only the strict lower triangle is filled**, the
-  /// rest stays 0. Deliberate: the caller mirrors it and adds the diagonal if needed. 1 with `out`
-  /// empty when `rows` is empty or ragged; 1 at the first refused pair, with the entries before it
-  /// in `out`.
+  /// The correlations of `rows` with each other. 1 with `out` empty when `rows` is empty or ragged;
+  /// 1 at the first refused pair, with the entries before it in `out`.
+  ///
+  /// Deliberate (kriging-lower-triangle): **only the strict lower triangle is filled**, the rest
+  /// stays 0. The caller mirrors it and adds the diagonal if needed.
   int EvaluateCorrelationMatrix(const std::vector<std::vector<double>>& rows,
                                 std::vector<std::vector<double>>& out) const;
   /// The Bessel function of the first kind of order 0.
@@ -200,7 +205,7 @@ class PXROM_API CKrigingEvaluator : public CRSEvaluator {
   /// false, or the error data are missing, incomplete or older than version 192; a surface without
   /// a trend always ends here), or if the trend fails (1), the first n samples in InputSamples stay
   /// *scaled*. The next prediction of either form scales them again: **repeating the call gives
-  /// another value each time.** Deliberate: such records have always behaved this way. So:
+  /// another value each time.** So:
   ///   - ask for the error only if SavePredictorError is true, else use the form without an error;
   ///   - after any status other than 0, call SetInputSamples before the next prediction;
   ///   - never define such a record const: writing it would be undefined behaviour;
@@ -210,8 +215,8 @@ class PXROM_API CKrigingEvaluator : public CRSEvaluator {
   /// Value at `x`. It never writes the record and may run in several threads at once.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
-  /// **0 with `gradient` untouched, whatever the arguments are:** Kriging has no derivative here,
-  /// and the 0 does not mean that there is one. Check that `gradient` was filled. Deliberate.
+  /// Deliberate (kriging-derivative-empty): **0 with `gradient` untouched, whatever the arguments
+  /// are.** Kriging has no derivative here. Check that `gradient` was filled.
   int EvaluateResponseSurfaceDerivativeWrtInputVariables(
       const CRSData* data, const std::vector<double>& x,
       std::vector<double>& gradient) const override;

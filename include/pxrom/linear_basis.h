@@ -14,7 +14,7 @@ enum E_CLBFDataVersion : std::int32_t { LBFDataVersion170 = 170 };
 
 /// The radial function of a sample at distance r with its kernel scale h, in d inputs (Buhmann,
 /// Radial Basis Functions, 2003). Any other value is refused. The types scale their arguments
-/// differently. Only the last one rises, from 0 at the sample; the others fall from 1. Deliberate.
+/// differently. Only the last one rises, from 0 at the sample; the others fall from 1.
 enum E_LinearBasisFunction : std::int32_t {
   LBFGaussian = 0,  ///< exp(-r^2 / h^2)
   LBFCompact = 1,   ///< (1 - t)^4 (4 t + 1) for t = r / (2 h) up to 1, else 0 (Wendland 1995)
@@ -28,7 +28,7 @@ enum E_LinearBasisFunction : std::int32_t {
 /// A linear basis function surface: a polynomial trend plus one radial function per sample, each
 /// with its own kernel scale.
 ///
-/// **The samples are not scaled**: only the point is. Deliberate.
+/// **The samples are not scaled**: only the point is.
 ///
 /// Accessors return 0 and store what they get.
 struct PXROM_API CLBFData : public CRSData {

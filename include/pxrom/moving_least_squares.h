@@ -36,8 +36,8 @@ enum E_UsedPointsOption : std::int32_t {
 /// prediction solves a weighted least-squares problem for its point, from the first
 /// NumberOfUsedPoints samples.
 ///
-/// This family works in physical units throughout: the scalings of the base record have no effect.
-/// Deliberate.
+/// Deliberate (mls-ignores-scaling): this family works in physical units throughout. The scalings
+/// of the base record have no effect.
 ///
 /// Accessors return 0 and store what they get.
 struct PXROM_API CMLSData : public CRSData {
@@ -97,7 +97,7 @@ class PXROM_API CMLSEvaluator : public CRSEvaluator {
   /// c = (B'WB + h I)^-1 B'Wy and y = f(x)'c, in O(n d + u p^2 + p^3).
   ///
   /// Besides what every value form refuses, 1 with `y` untouched for a linear basis with constant
-  /// weights (deliberate), an unknown version or basis, NumberOfBasisFunctions that is not the
+  /// weights, an unknown version or basis, NumberOfBasisFunctions that is not the
   /// number of functions of the basis, fewer samples or used points than basis functions, counts
   /// that exceed the samples, used samples shorter than `x` (except for PolyConstant, which reads
   /// none of their values), and a local problem that is not positive definite. A sample of another

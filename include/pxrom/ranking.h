@@ -11,7 +11,7 @@ namespace Tarvane::Plexura::PXROM {
 
 /// Ranks `n` values ascending: ranks[i] is the place of values[i], a whole number from 1 to `n`.
 /// Equal values get different, consecutive ranks, whatever `checkTies` is; there are no average
-/// ranks. Deliberate. The ranks of NaN values are unspecified. `values` and `ranks` must hold `n`
+/// ranks. The ranks of NaN values are unspecified. `values` and `ranks` must hold `n`
 /// values. 0; 1 for a negative `n` or when memory runs out, with `ranks` untouched.
 PXROM_API int QuickRank(const int& n, const double* values, const int& checkTies, double* ranks);
 /// The same for vectors; `ranks` is replaced. Always 0.
@@ -21,8 +21,11 @@ PXROM_API int QuickRank(const std::vector<double>& values, const int& checkTies,
 /// QuickRank.
 PXROM_API int QuickSort(const int& n, const double* values, double* sorted);
 
-/// Whether |a - b| is below the machine epsilon, whatever `epsilon` is (deliberate), or at most
-/// `epsilon` times the larger of |a| and |b|.
+/// Whether |a - b| is below the machine epsilon or at most `epsilon` times the larger of |a| and
+/// |b|.
+///
+/// Deliberate (absolute-epsilon): the first test does not depend on `epsilon` or on the size of the
+/// numbers. Use this for numbers around 1.
 PXROM_API bool approximatelyEqual(double a, double b, double epsilon);
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -12,17 +12,19 @@ namespace Tarvane::Plexura::PXROM {
 
 /// The base of the text readers: owns the text and splits the values of its lines.
 ///
-/// Numbers follow the syntax of a stream extraction in the classic locale, whatever the global
-/// locale of the process is: leading blanks and a plus sign are accepted, and text after the number
-/// is ignored. "1e", "inf" and "nan" give 0, 1e999 gives the largest double, and an int beyond its
-/// range gives the limit of that range. A text that is not a number gives 0 and is not reported.
+/// Deliberate (classic-locale): numbers follow the syntax of a stream extraction in the classic
+/// locale, whatever the global locale of the process is. Leading blanks and a plus sign are
+/// accepted, and text after the number is ignored. "1e", "inf" and "nan" give 0, 1e999 gives the
+/// largest double, and an int beyond its range gives the limit of that range. A text that is not a
+/// number gives 0 and is not reported.
 ///
 /// Threads: nothing else may use the object during ReadDataStream; const operations may run at the
 /// same time.
 class PXROM_API CReader {
  public:
   CReader();
-  /// Makes an empty reader: **the text is not copied.** Deliberate. Assignment does copy it.
+  /// Deliberate (reader-copy-is-empty): makes an empty reader, **the text is not copied**.
+  /// Assignment does copy it.
   CReader(const CReader&);
   CReader& operator=(const CReader&);
 
@@ -41,7 +43,7 @@ class PXROM_API CReader {
   /// One value per token; a token that is not a number counts as 0.0.
   std::vector<double> TokenizeDouble(const std::string& text, const char& delimiter) const;
   /// One value per token; a token that is not a number counts as 0, and **a blank token repeats the
-  /// value before it** (0 for the first). Deliberate.
+  /// value before it** (0 for the first).
   std::vector<int> TokenizeInt(const std::string& text, const char& delimiter) const;
   /// The tokens unchanged, except the last one, which loses its first "\n" and then its first "\r".
   std::vector<std::string> TokenizeString(const std::string& text, const char& delimiter) const;

@@ -32,8 +32,10 @@ enum E_RegTermFilterType : std::int32_t {
 ///
 /// Each transformation reads at most one parameter: `value` from InputTransformValues or
 /// OutputTransformValue, or `lambda` from InputLambdas or OutputLambda. A back-transformation
-/// refuses arguments whose result would exceed 1e99. **For three of them the back-transformation is
-/// not the inverse** (see below). Deliberate.
+/// refuses arguments whose result would exceed 1e99.
+///
+/// Deliberate (transformations-without-inverse): **for LogA, LogBox and Power the
+/// back-transformation is not the inverse** (see below). The fits used them in this form.
 ///
 /// Sources: Box and Cox, An Analysis of Transformations, Journal of the Royal Statistical Society B
 /// 26, 1964; Yeo and Johnson, A New Family of Power Transformations to Improve Normality or
@@ -145,8 +147,9 @@ struct PXROM_API CQRSData : public CRSData {
   /// one. Both arrays hold `numParam` values. 1 when the record is not ready for evaluation or
   /// `numParam` is not the number of all coefficients; if a term fails, returns its status at once.
   int GetAllParamStatusAndVal(const int& numParam, double* status, double* values) const;
-  /// The largest of the first `n` values, or 0.0 if none is above 0.0: **no absolute value is
-  /// taken**, despite the name. Deliberate. 1 when `v` has fewer values.
+  /// The largest of the first `n` values, or 0.0 if none is above 0.0. 1 when `v` has fewer values.
+  ///
+  /// Deliberate (no-absolute-value): **no absolute value is taken**, despite the name.
   int GetMaxMagnitude(const std::vector<double>& v, const int& n, double& out) const;
 
   /// The sum of all terms at `x`, a scaled and transformed point. Returns the first non-zero status
@@ -158,8 +161,10 @@ struct PXROM_API CQRSData : public CRSData {
   int EvaluateRegTermDerivativeWrtInputVariables(const std::vector<double>& x,
                                                  std::vector<double>& g) const;
 
-  /// Forward, all inputs. An element that its formula refuses **does not change and is not
-  /// reported**. Deliberate.
+  /// Forward, all inputs.
+  ///
+  /// Deliberate (refused-input-stays): an element that its formula refuses **does not change and is
+  /// not reported**, so a prediction continues with the untransformed value.
   int TransformAndOverwriteInputSample(std::vector<double>& x) const;
   int TransformAndOverwriteInputSamples(std::vector<std::vector<double>>& rows) const;
   /// Forward, the output. 1 with `y` untouched when the formula refuses it.
@@ -171,8 +176,9 @@ struct PXROM_API CQRSData : public CRSData {
   /// The same for each value, despite its singular name; stops at the first that fails.
   int BacktransformAndOverwriteOutputSample(std::vector<double>& ys) const;
   /// Whether both parameter lists have one entry per input, or there is no input transformation.
-  /// **If the check fails, it sets Stopped**, so every later evaluation refuses the record, even
-  /// with corrected lists. Deliberate.
+  ///
+  /// Deliberate (failed-check-stops): **if the check fails, it sets Stopped**, so every later
+  /// evaluation refuses the record, even with corrected lists. Call SetStatusStopped(false) then.
   bool IsTransformingCorrect();
 
   /// The half-width of the **one-sided** prediction interval of level RegTermFilterConfVal (0.95 is
@@ -185,7 +191,8 @@ struct PXROM_API CQRSData : public CRSData {
   /// freedom (as many active terms as samples). Writes `error` only on 0.
   int GetPredictorError(std::vector<double>& x, double& error);
   /// Appends errors[i] / |values[i]| for the first `n`, or errors[i] where |values[i]| <= 0.0001.
-  /// `out` is not emptied first. Deliberate.
+  ///
+  /// Deliberate (relative-error-appends): `out` is not emptied first.
   int GetRelativePredictorError(const std::vector<double>& values,
                                 const std::vector<double>& errors, const int& n,
                                 std::vector<double>& out) const;
@@ -234,8 +241,8 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   CQRSEvaluator* Clone() const override;
   ~CQRSEvaluator() override;
   /// The value with CQRSData::GetPredictorError. It does not read SavePredictorError and **never
-  /// returns -2**: 1 if there is no error. `predictorError` is written before the value is known to
-  /// be valid, so it may be written although the status is 1. Deliberate.
+  /// returns -2**: 1 if there is no error. `predictorError` may be written although the status
+  /// is 1.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                               double& predictorError) const override;
   /// A back-transformation that succeeds with -9e99 (within 1e-10) marks a hole of the surface. The
@@ -245,10 +252,10 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   /// boxes, and a depth of eight boxes). After a failed interpolation `y` is 0.0 or untouched.
   int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x,
                               double& y) const override;
-  /// **Checks less and does less than the value. Deliberate.** It only checks that the record is
-  /// ready: it accepts a stopped record, and for a length that does not fit it returns 1 or more, a
-  /// sum of statuses. The inputs are scaled and NOT transformed. The factor for the output
-  /// transformation is, by type:
+  /// Deliberate (regression-light-derivative): **it checks less and does less than the value.** It
+  /// only checks that the record is ready: it accepts a stopped record, and for a length that does
+  /// not fit it returns 1 or more, a sum of statuses. The inputs are scaled and NOT transformed.
+  /// The factor for the output transformation is, by type:
   ///   - none, TransformBox, TransformLogBox: the true derivative of the back-transformation;
   ///   - TransformExpo to TransformPower: the derivative of the **forward** formula, at the sum;
   ///   - TransformYeo and unknown types: 0, so the gradient is all zeros with status 0.
@@ -264,7 +271,7 @@ class PXROM_API CQRSEvaluator : public CRSEvaluator {
   /// before the call of `gof`, `gof` is not called. Else returns the status of `gof`.
   int EvalGoodnessOfFit(const CQRSData* data, Tarvane::Plexura::Core::GOFMeasr& gof);
   /// Evaluates the record at all its samples and passes **two empty columns** to `gof`: the values
-  /// are assigned to columns without a size. Deliberate; use EvalGoodnessOfFit for the values.
+  /// are assigned to columns without a size. Use EvalGoodnessOfFit for the values.
   int EvalR2Only(const CQRSData* data, Tarvane::Plexura::Core::GOFMeasr& gof);
 
  private:

@@ -167,8 +167,10 @@ class PXROM_API PureQuadTerm : public QuadTerm {
                                           double* gradient) const override;
 };
 
-/// The product of two different variables. With the same index twice its value is the square and
-/// its gradient **half** of the true one. Deliberate; use a PureQuadTerm instead.
+/// The product of two different variables.
+///
+/// Deliberate (cross-term-half-gradient): with the same index twice its value is the square and its
+/// gradient **half** of the true one. Use a PureQuadTerm instead.
 class PXROM_API CrossQuadTerm : public QuadTerm {
  public:
   CrossQuadTerm();
@@ -182,9 +184,11 @@ class PXROM_API CrossPolyTerm : public StoredRegTerm {
  public:
   /// The number of indices is -99, which means that they are not set.
   CrossPolyTerm();
-  /// Accepts any `count` from 0, but copies only as many indices as the term had before; the rest
-  /// are 0. **So a new term gets zeros and needs its list twice, and in a copy of a term
-  /// (CQRSData::SetRegTerm, CloneRegTerm) all indices are 0.** Deliberate.
+  /// Accepts any `count` from 0.
+  ///
+  /// Deliberate (cross-poly-indices): only as many indices are copied as the term had before; the
+  /// rest are 0. **So a new term gets zeros and needs its list twice, and in a copy of a term
+  /// (CQRSData::SetRegTerm, CloneRegTerm) all indices are 0.**
   int SetUsedInpVarIdx(const int& count, const int* indices) override;
   int EvaluateValue(const int& numInputVars, const double* x, double* value) const override;
   /// Allocates one array of `numInputVars` ints.

@@ -15,12 +15,12 @@ enum E_CRSDataVersion : std::int32_t { RSDataVersion162 = 162 };
 /// scalings, three life-cycle flags. It is data only; evaluators (rs_evaluator.h) predict from it.
 ///
 /// To fill a record by hand: set the counts, samples and scaling, check them with IsAllRight if you
-/// like (evaluators do not call it), then call SetStatusReadyForEvaluation(true).
+/// like, then call SetStatusReadyForEvaluation(true).
 ///
-/// Statuses: accessors return 0 and validate nothing. **Valid indices and non-empty data are the
-/// caller's responsibility** unless a comment says otherwise: an index outside the data is not
-/// checked. Set operations store what they get and change no other field, so setting samples does
-/// not update the counts.
+/// Deliberate (accessors-check-nothing): accessors return 0 and validate nothing. **Valid indices
+/// and non-empty data are the caller's responsibility** unless a comment says otherwise: an index
+/// outside the data is not checked. Set operations store what they get and change no other field,
+/// so setting samples does not update the counts.
 ///
 /// Ownership: a record owns all its storage; copies are deep and share nothing.
 /// Threads: const operations may run at the same time as long as nothing writes the record. The
@@ -91,7 +91,7 @@ struct PXROM_API CRSData {
   bool IsThisRectangularMatrix(const std::vector<std::vector<double>>& m) const;
   bool IsThisSquareMatrix(const std::vector<std::vector<double>>& m) const;
   /// True only for a 1 by 1 matrix, or when every entry below the diagonal exceeds its mirror entry
-  /// by at least 1e-10: **an exactly symmetric matrix of side 2 or more gives false.** Deliberate.
+  /// by at least 1e-10: **an exactly symmetric matrix of side 2 or more gives false.**
   bool IsThisSymmetricMatrix(const std::vector<std::vector<double>>& m) const;
 
   /// m[r][c] for each row r.
@@ -117,7 +117,7 @@ struct PXROM_API CRSData {
   double ComputeColumnNorm2(const std::vector<std::vector<double>>& m, int c) const;
   double ComputeColumnNormInf(const std::vector<std::vector<double>>& m, int c) const;
   /// The mean and the divisor count all rows of `m`, the sum of squares as many rows as there are
-  /// OutputSamples. Deliberate; both agree for the record's own InputSamples. If `m` has fewer rows
+  /// OutputSamples. Both agree for the record's own InputSamples. If `m` has fewer rows
   /// than that, all its rows are summed.
   double ComputeColumnStandardDeviation(const std::vector<std::vector<double>>& m, int c) const;
   double ComputeInputSamplesWrtInputVariableMax(int v) const;

@@ -16,8 +16,17 @@ namespace Tarvane::Plexura::PXROM {
 ///   -2  only from the form with an error: `y` is valid, no predictor error is available and
 ///       `predictorError` was not written.
 ///
+/// Deliberate (value-without-error): -2 is a success. Compare a status with 1, not with 0.
+///
+/// Deliberate (nan-input): a NaN in `x` has no status of its own. Most families then give NaN with
+/// status 0, so test the point before the call.
+///
 /// A value form refuses (in this order) a null record, a record of another family, one that is not
 /// ready for evaluation or is stopped, and an `x` whose length is not NumberOfInputVariables.
+///
+/// Deliberate (evaluators-skip-checks): evaluators never call IsAllRight. They refuse a ready
+/// record only if they would have to read a value that is missing, so a record that is built by
+/// hand can be wrong and still give a number.
 ///
 /// | Family     | Scales the point | Scales the samples    | Backscales the value |
 /// |------------|------------------|-----------------------|----------------------|
@@ -39,8 +48,10 @@ class PXROM_API CRSEvaluator {
   /// A new evaluator of the same class, owned by the caller.
   virtual CRSEvaluator* Clone() const;
   virtual ~CRSEvaluator();
-  /// Value and predictor error at `x`, in physical units. The base sets both to 0.0 and returns 1,
-  /// and so do families without a predictor error.
+  /// Value and predictor error at `x`, in physical units.
+  ///
+  /// Deliberate (error-form-can-fail): the base sets both to 0.0 and returns 1, and so do families
+  /// without a predictor error, although they have a value. Treat the error as an extra.
   virtual int EvaluateResponseSurface(const CRSData* data, const std::vector<double>& x, double& y,
                                       double& predictorError) const;
   /// Value at `x`, in physical units. The base sets `y` to 0.0 and returns 1.

@@ -21,8 +21,7 @@ enum E_SVRKernType : std::int32_t {
   SVRKernGaussian = 2,      ///< exp(-sum of wi (xi - yi)^2), an anisotropic Gaussian
   SVRKernSigmoid = 3,       ///< tanh((e / q) s - e)
   SVRKernExponential = 5,   ///< exp(-sum of wi |xi - yi|), a Laplacian
-  SVRKernEpanechnikov = 9,  ///< 0.75 (1 - u^2) for u < 1, else 0; u is the *squared* distance,
-                            ///< deliberately
+  SVRKernEpanechnikov = 9,  ///< 0.75 (1 - u^2) for u < 1, else 0; u is the *squared* distance
 };
 
 /// Kept for the host; no value has a meaning here.
@@ -46,7 +45,7 @@ struct PXROM_API CSVRData : public CRSData {
   ~CSVRData() override;
   int ResetData() override;
   /// Checks samples, scaling, AreMultipliersCorrect and IsKernelArrayCorrect, in this order. **The
-  /// last one makes this false for a record that has as many inputs as samples.** Deliberate.
+  /// last one makes this false for a record that has as many inputs as samples.**
   bool IsAllRight() override;
   E_DataType DataType() const override;
 
@@ -97,8 +96,8 @@ struct PXROM_API CSVRData : public CRSData {
 
   /// Whether the three lists of multipliers have the same length.
   bool AreMultipliersCorrect();
-  /// **True when the length of KernelArray differs from the number of samples**, despite the name.
-  /// Deliberate.
+  /// Deliberate (svr-kernel-array-check): **true when the length of KernelArray differs from the
+  /// number of samples**, despite the name. There is one kernel scale per input, not per sample.
   bool IsKernelArrayCorrect();
 
   /// The underscore keeps the field apart from the getter.

@@ -17,8 +17,10 @@ enum E_DataType : std::int32_t {
   DT_ConstantData = 8,
 };
 
-/// The kind of a reader. Both text readers return ReaderTypeText, so the kind does not distinguish
-/// them. Deliberate.
+/// The kind of a reader.
+///
+/// Deliberate (one-reader-type): both text readers return ReaderTypeText, so the kind does not
+/// distinguish them.
 enum E_ReaderType : std::int32_t {
   ReaderTypeNone = 0,
   ReaderTypeText = 1,

@@ -5,8 +5,10 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 /// 0.75 (1 - u^2) for u below 1, then 0. Epanechnikov, Non-parametric estimation of a multivariate
-/// probability density, Theory of Probability and its Applications 14 (1969), but u is the squared
-/// distance, which is squared once more. Deliberate: models are fitted with it.
+/// probability density, Theory of Probability and its Applications 14 (1969).
+///
+/// Deliberate (svr-epanechnikov): u is the squared distance, which is squared once more. Models are
+/// fitted with this form.
 struct Epanechnikov : Radial {
   static constexpr const char* kName = "epanechnikov";
   template <class N>

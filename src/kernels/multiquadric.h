@@ -5,8 +5,10 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 /// Product of sqrt(k^2 + |x - y|). After Hardy, Multiquadric equations of topography and other
-/// irregular surfaces, Journal of Geophysical Research 76 (1971), but the plain distance is under
-/// the root, not its square. Deliberate: models are fitted with it.
+/// irregular surfaces, Journal of Geophysical Research 76 (1971).
+///
+/// Deliberate (kriging-multiquadric): the plain distance is under the root, not its square. Models
+/// are fitted with this form.
 struct Multiquadric : Product {
   static constexpr const char* kName = "multiquadric";
   template <class N>

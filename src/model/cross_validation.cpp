@@ -71,8 +71,9 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
   double* const distances = work.data();
   double* const weights = distances + sortedInput.size();
 
-  // Squared distances take the place of distances here and below, as the distance scale is one too:
-  // the constants belong to that.
+  // Deliberate (squared-distances): here and below the method uses squared distances where
+  // distances are usual. The distance scale is a squared distance too, and the constants were
+  // chosen for it.
   double nearest = -1.0;
   for (std::size_t r = 0; r < sortedInput.size(); ++r) {
     const double* const row = sortedInput[r].data();

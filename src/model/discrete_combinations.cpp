@@ -174,7 +174,8 @@ int CDiscreteCombinations::ResetData() {
   NameToImmutableID.clear();
   Infos.clear();
   DiscreteCombinationsIndexing.clear();
-  // The emptied maps stay on purpose: positions keep counting behind them.
+  // Deliberate (reset-keeps-empty-maps): the emptied maps stay, and the positions of new
+  // combinations count from their end. A caller finds a combination through the index.
   for (OutputsByID& outputs : OutputsWrtDiscComb) outputs.clear();
   Owned.clear();
   return 0;
@@ -266,6 +267,8 @@ void CDiscreteCombinations::NoteExpectedInputs() {
 const CDiscreteCombinations::OutputsByID* CDiscreteCombinations::FindOutputs(
     const std::vector<std::pair<std::string, int>>& discreteValues,
     const NamedValues& continuousValues, double* point) const {
+  // Deliberate (disabled-left-out): disabled and derived parameters do not count. A caller that
+  // names one is refused.
   const bool known = Expected.known;
   const std::size_t discreteInputs =
       known ? Expected.discrete.size() : Count(CausalityInput, DiscreteParameter, true);
@@ -285,6 +288,8 @@ const CDiscreteCombinations::OutputsByID* CDiscreteCombinations::FindOutputs(
                   [&](double value) { *point++ = value; }) != 0) {
     return nullptr;
   }
+  // Deliberate (no-neighbour-combination): an unknown combination is refused. Discrete values need
+  // not have an order, so no other combination can replace it.
   const auto combination = DiscreteCombinationsIndexing.find(key);
   if (combination == DiscreteCombinationsIndexing.end()) return nullptr;
   return &OutputsWrtDiscComb[static_cast<std::size_t>(combination->second)];
@@ -297,7 +302,8 @@ int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int
   const OutputsByID* const candidates =
       FindOutputs(discreteValues, continuousValues, values.data());
   if (candidates == nullptr) return 1;
-  // `errors` is not emptied, on purpose: a caller collects over several calls.
+  // Deliberate (evaluate-appends-errors): `errors` is not emptied, so that a caller can collect
+  // the errors of several calls. A caller that uses the list again empties it first.
   outputs.clear();
   int result = 0;
   EvaluationPoint point(values.data(), values.size());
@@ -305,6 +311,8 @@ int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int
     double value = 0.0;
     double error = 0.0;
     const int status = EvaluateCandidate(*list, point, value, error);
+    // Deliberate (failed-output-ends-evaluation): the first output that fails ends the evaluation.
+    // `outputs` then holds the outputs before it, in the order of their IDs.
     if (status == 1) return 1;
     outputs.emplace_back(id, value);
     if (status == -2) {
@@ -333,8 +341,10 @@ int CDiscreteCombinations::Evaluate(const std::vector<std::pair<std::string, int
   return 0;
 }
 
-// The place of an ID in ListEnabledDiscreteParameterWrtRegistrationRank. An unknown ID means the
-// first parameter, on purpose.
+// The place of an ID in ListEnabledDiscreteParameterWrtRegistrationRank.
+//
+// Deliberate (unknown-id-means-first): an unknown ID gives the place of the first parameter. A
+// caller checks the ID with IsRegistered and IsDiscrete.
 std::size_t CDiscreteCombinations::PlaceOfDiscrete(const std::string& id) const {
   if (Expected.known) {
     const auto place = Expected.discretePlaces.find(id);

@@ -78,7 +78,6 @@ int CFittingCandidate::ResetData() {
   OutputSamples.clear();
   InputScaleSlopes.clear();
   InputScaleIntercepts.clear();
-  // Not the 1.0 of a new candidate: a reset one can't backscale until a slope is set.
   OutputScaleSlope = 0.0;
   OutputScaleIntercept = 0.0;
   bIsErrPredRequired = false;
@@ -329,7 +328,8 @@ int CFittingCandidate::computeMinDist() {
     for (std::size_t j = 0; j < rows; ++j) {
       if (j == i) continue;
       const double distance = SquaredDistance(vvdScSortedInput[i], vvdScSortedInput[j], columns);
-      // Row 0 never meets j == 0 and so stays at 0.0: it contributes nothing. That is meant.
+      // Deliberate (first-sample-not-counted): row 0 never meets j == 0, so its distance stays 0.0
+      // and it contributes nothing.
       if (distance < best || j == 0) best = distance;
     }
     result = std::max(result, best);

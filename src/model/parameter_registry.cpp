@@ -48,8 +48,8 @@ std::vector<std::string> CDiscreteCombinations::ListIf(Predicate predicate) cons
 
 int CDiscreteCombinations::RegisterParameter(const std::string& id, E_ParameterCausality causality,
                                              E_ParameterType type, bool enabled) {
-  // The number of entries before this call, also for an ID that is there: its rank may then repeat
-  // another one.
+  // Deliberate (repeated-rank): the rank is the number of entries before this call, also for an ID
+  // that is registered already, so its new rank can repeat that of another ID.
   const auto rank = static_cast<std::int32_t>(RegistrationRank.size());
   Expected = {};
   RegistrationRank[id] = rank;

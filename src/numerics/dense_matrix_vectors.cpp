@@ -52,7 +52,7 @@ int DColVec::FillFromVector(const DMtx& vector) {
   const double* values = nullptr;
   const int status = vector.GetData(values);
   if (status != 0) return status;
-  return Fill(values[0]);  // the first one to all: meant so
+  return Fill(values[0]);  // the first value to all elements: see the header
 }
 
 int DColVec::SetValues(const double* values) {
@@ -149,7 +149,7 @@ int DRowVec::SetAtFromVector(int i, const DMtx& vector) {
 
 int DRowVec::SetAt(int i, const double* values) {
   if (!HasColumn(i)) return 1;
-  Data[0] = values[i];  // to element 0 and not to element i: meant so
+  Data[0] = values[i];  // to element 0 and not to element i: see the header
   return 0;
 }
 
@@ -163,7 +163,7 @@ int DRowVec::GetAtToVector(int i, DColVec& vector) const {
 
 int DRowVec::GatherFirst(int n, const int* indices, double* out) const {
   if (!HaveColumns(n, indices)) return 1;
-  // The first index alone chooses; the others are only tested: meant so.
+  // Only the first index chooses, the others are only tested: see the header.
   if (n > 0) std::fill_n(out, n, Data[static_cast<std::size_t>(indices[0])]);
   return 0;
 }
@@ -176,7 +176,8 @@ int DRowVec::CopyAt(int i, double* out) const {
 
 int DRowVec::GetAt(int i, double& out) const {
   if (i < 0 || i > Cols || (i < Cols && !HasStorage())) return 1;
-  // One past the end passes the test, as it always has, but there is nothing to read.
+  // Deliberate (vector-past-the-end): the index after the last element passes the test. There is
+  // nothing to read, so it gives 0.0.
   out = i < Cols ? Data[static_cast<std::size_t>(i)] : 0.0;
   return 0;
 }

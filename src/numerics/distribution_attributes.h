@@ -64,7 +64,7 @@ inline constexpr DistAttrRule kUpTo70{true, 1, 70.0};
 inline constexpr DistAttrRule kPositive{false};
 inline constexpr DistAttrRule kPositiveUpTo50{false, 1, 50.0};
 inline constexpr DistAttrRule kPositiveUpTo1000{false, 1, 1000.0};
-// Two attributes answer 2 where their neighbours answer 1: meant so, callers tell them apart.
+// Two attributes return 2 where the others return 1: see distributions.h.
 inline constexpr DistAttrRule kPositiveOr2{false, 2};
 inline constexpr DistAttrRule kPositiveUpTo1000Or2{false, 2, 1000.0};
 }  // namespace dist_attr_rules

@@ -77,7 +77,7 @@ int DistType::TabulateCdf(const int& n, const double& lo, const double& hi, doub
     if (status != 0) return status;
     x = x + step;
   }
-  xs[n - 1] = hi;  // its value stays that of the accumulated point: meant so
+  xs[n - 1] = hi;  // its value stays that of the accumulated point: see distributions.h
   return 0;
 }
 

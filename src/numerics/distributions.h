@@ -9,11 +9,19 @@
 /// library itself asks one thing of all this: StudTDist(dof).EvalInvCdf(p, x).
 ///
 /// Statuses: 0 is success and the result is written; on any other status it is untouched, unless a
-/// comment says otherwise. A numerical failure also writes its message to the standard output
-/// (numbers with a decimal point whatever the locale), the only output that the library makes.
+/// comment says otherwise.
 ///
-/// Threads: plain objects and functions without shared state; const operations may run side by
-/// side. Memory: only operations with a vector argument and CopyTo allocate.
+/// Deliberate (distributions-print): a numerical failure also writes its message to the standard
+/// output, with a decimal point in any locale. Besides DMtx::Print nothing else in the library
+/// prints.
+///
+/// Deliberate (distribution-edges): IncompleteGammaSeries returns 1 at 0, where 0 would be right;
+/// EvalDofFromMoments refuses the deviations for which its formula holds; the last value of
+/// TabulateCdf is that of the accumulated point; two attributes return 2 where others return 1.
+/// Callers depend on these statuses and values.
+///
+/// Threads: plain objects and functions without shared state; const operations may run at the same
+/// time. Memory: only operations with a vector argument and CopyTo allocate.
 
 /// The logarithm of the gamma function of x > 0, by the Lanczos approximation (relative error of
 /// the gamma function about 2e-10). Always 0.
@@ -159,8 +167,11 @@ class StudTDist : public DistType {
   int EvalCdf(const double& x, double& p) const override;
   /// The quantile of level `p`. 2 when p <= 0, 3 when p >= 1, 1 when the distribution is not set or
   /// its degrees of freedom are not above 0; else the status of the iteration that failed. Exactly
-  /// 0.0 at p = 0.5. **A `p` that is not a number gives 0** with about 1, or from 500 degrees of
-  /// freedom on NaN, since it ends each iteration after one round: a caller asks for it first.
+  /// 0.0 at p = 0.5.
+  ///
+  /// Deliberate (nan-confidence-level): **a NaN for `p` gives status 0** with a quantile of about
+  /// 1, or NaN from 500 degrees of freedom on, since it ends each iteration after one round. A
+  /// caller tests the level first.
   ///
   /// Below 500 degrees of freedom it is found through the Beta distribution, with a relative error
   /// below 1e-7 at levels 0.001 to 0.999 and from 1 degree of freedom on. Outside these, and closer
@@ -188,8 +199,8 @@ class StudTDist : public DistType {
   virtual int GetParam(const int& paramIdx, double& value) const;
   virtual int GetParamStatus(const int& paramIdx, int& status) const;
   /// The degrees of freedom of given moments: 2 s^2 / (s^2 - 1) for the standard deviation s.
-  /// **The test is the wrong way round, and meant to stay so**: it refuses (1, `out` 0.0) just the
-  /// s above 1 for which the formula holds, and gives a negative or infinite value for the others.
+  /// **The test is the wrong way round**: it refuses (1, `out` 0.0) the s above 1 for which the
+  /// formula holds, and gives a negative or infinite value for the others.
   virtual int EvalDofFromMoments(const DistAttr& mean, const DistAttr& stdDev, double& out) const;
   /// 1 for a value not above 0, unless the distribution accepts any.
   virtual int CheckDof(const double& value) const;

@@ -34,7 +34,7 @@ int IncompleteGammaP(const double& a, const double& x, double& out) {
 int IncompleteGammaSeries(const double& a, const double& x, double& out) {
   if (!(x > 0.0)) {
     out = 0.0;
-    return 1;  // although 0.0 is right: meant so
+    return 1;  // although 0.0 is right: see distributions.h
   }
   double lnGammaA = 0.0;
   GammaLn(a, lnGammaA);

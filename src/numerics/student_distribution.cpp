@@ -230,7 +230,7 @@ int StudTDist::EvalDofFromMoments(const DistAttr& mean, const DistAttr& stdDev, 
   int status = mean.GetValue(m);
   if (status == 0) status = stdDev.GetValue(s);
   if (status != 0) return status;
-  if (s > 1.0) return 1;  // just where the formula holds: meant so
+  if (s > 1.0) return 1;  // where the formula holds: see distributions.h
   out = s * 2.0 * s / (s * s - 1.0);
   return 0;
 }

@@ -100,7 +100,8 @@ int QuickRank(const int& n, const double* values, const int& checkTies, double* 
   for (std::size_t place = 1; place <= count; ++place) {
     const std::size_t first = place;
     rank(place);
-    // Ties get consecutive ranks, not a shared one, so that the setting never changes a rank.
+    // Deliberate (rank-ties-differ): equal values get consecutive ranks, not a shared one, so
+    // `checkTies` never changes a rank.
     while (checkTies != 0 && place < count &&
            approximatelyEqual(sorted(place + 1), sorted(first), kTieEpsilon)) {
       rank(++place);

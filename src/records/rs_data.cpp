@@ -294,7 +294,8 @@ bool CRSData::IsThisSymmetricMatrix(const Matrix& m) const {
   if (!IsThisSquareMatrix(m)) return false;
   for (std::size_t i = 1; i < m.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      // Signed on purpose: without the absolute value an exactly symmetric matrix fails.
+      // Deliberate (symmetry-check-signed): the difference has a sign, so an exactly symmetric
+      // matrix fails.
       if (m[i][j] - m[j][i] < 1e-10) return false;
     }
   }
@@ -395,8 +396,8 @@ double CRSData::ComputeColumnNormInf(const Matrix& m, int c) const {
 }
 
 double CRSData::ComputeColumnStandardDeviation(const Matrix& m, int c) const {
-  // The sum runs over as many rows as there are outputs, the mean and the divisor over all rows.
-  // That is meant: for the record's own samples the two agree.
+  // Deliberate (column-deviation-rows): the sum runs over as many rows as there are outputs, the
+  // mean and the divisor over all rows. For the record's own samples the two agree.
   const std::size_t rows = std::min(m.size(), OutputSamples.size());
   const double squares = SquaredDeviations(rows, ComputeColumnMean(m, c), ColumnOf(m, c));
   return std::sqrt(squares / (static_cast<double>(m.size()) - 1.0));

@@ -21,8 +21,8 @@ int BaseFields(Visitor& visit, Record& record) {
   visit(Key(&Labels::attRSInputScaleSlopes), "InputScaleSlopes", record.InputScaleSlopes);
   visit(Key(&Labels::attRSInputScaleIntercepts), "InputScaleIntercepts",
         record.InputScaleIntercepts);
-  // One variable for both output scale values and one for the three flags, on purpose: an attribute
-  // that is missing repeats the one before it.
+  // Deliberate (shared-scale-local): both output scale values are read through one variable, and
+  // the three flags through another. A missing attribute repeats the one before it.
   double scale = 0.0;
   visit.Repeated(Key(&Labels::attRSOutputScaleSlope), "OutputScaleSlope", record.OutputScaleSlope,
                  scale);

@@ -70,9 +70,11 @@ class DatabaseText {
   /// The marks of the whole text; null before Index.
   const Marks* AllMarks() const { return indexed_ ? &marks_ : nullptr; }
 
-  /// The body of the first group opened at or behind `from`. There is no test that either tag was
-  /// found, and the positions wrap as unsigned sums do: that decides what a damaged text means, so
-  /// the arithmetic stays. 1 when the body is empty or ends before it starts, else 0.
+  /// The body of the first group that opens at or after `from`. 1 when the body is empty or ends
+  /// before it starts, else 0.
+  ///
+  /// Deliberate (group-search-untested): there is no test that either tag was found, and positions
+  /// wrap as unsigned sums do. This decides what a damaged text means, so the arithmetic stays.
   int SearchBounds(const std::string& opening, const std::string& closing, std::size_t from,
                    Bounds& bounds) const;
   /// The body of group `id` inside `outer`, with the search of SearchBounds. False when it begins
@@ -112,7 +114,10 @@ class AttributeRange {
   DatabaseText& Text() { return text_; }
   const Bounds& Range() const { return bounds_; }
 
-  /// The value behind the first `key`, to the end of its line or of the range.
+  /// The value after the first `key`, to the end of its line or of the range.
+  ///
+  /// Deliberate (first-match-wins): the first place counts, also inside a longer key. A text has to
+  /// hold its keys in the order of the format.
   bool Find(const std::string& key, std::string_view& value);
 
   void Catch(const std::string& key, int& target) { CatchScalar(key, target); }

@@ -5,7 +5,6 @@
 namespace Tarvane::Plexura::PXROM {
 
 CReader::CReader() = default;
-// A copy is an empty reader on purpose: it has to be given its text.
 CReader::CReader(const CReader&) {}
 CReader& CReader::operator=(const CReader&) = default;
 CReader::~CReader() = default;

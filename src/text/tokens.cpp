@@ -71,7 +71,8 @@ void Tokenize(std::string_view text, char delimiter, std::vector<double>& out) {
 void Tokenize(std::string_view text, char delimiter, std::vector<int>& out) {
   out.clear();
   out.reserve(CountTokens(text, delimiter));
-  // One value for all tokens on purpose: a blank token leaves it, and so repeats its predecessor.
+  // Deliberate (blank-int-repeats): one variable serves all tokens. A blank token does not change
+  // it, and so repeats the value before.
   int value = 0;
   ForEachToken(text, delimiter, [&](std::string_view token) {
     Extract(token, value);

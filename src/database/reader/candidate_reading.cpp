@@ -40,7 +40,8 @@ int ReadCandidate(DatabaseText& text, const Bounds& bounds, CFittingCandidate& c
   fields::FieldReader reader(in);
   CandidateHead head;
   if (CandidateFields(reader, candidate, head) != 0) return 1;
-  // A negative number of surfaces, here and below, counts as none.
+  // Deliberate (negative-surface-count): a negative number of surfaces, here and of sub surfaces
+  // below, counts as 0 and is no failure.
   for (int g = 0; g < head.surfaces; ++g) {
     SurfaceHead surfaceHead;
     std::unique_ptr<CRSData> surface = ReadSurface(text, bounds, g, surfaceHead);

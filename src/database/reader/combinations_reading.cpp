@@ -42,10 +42,13 @@ int ReadParameterRegistry(DatabaseText& text, CDiscreteCombinations& out) {
   RegistryText registry;
   RoleFields(reader, registry);
   const std::vector<std::string>& ids = registry.ids;
+  // Deliberate (registry-list-lengths): these three lists may be longer than "IDs=" but not
+  // shorter, whereas SetRegistrationRank below needs exactly one pair per parameter.
   if (ids.empty() || registry.causalities.size() < ids.size() ||
       registry.types.size() < ids.size() || registry.availability.size() < ids.size()) {
     return 1;
   }
+  // Deliberate (only-one-is-available): any number but 1 registers a disabled parameter.
   for (std::size_t i = 0; i < ids.size(); ++i) {
     out.RegisterParameter(ids[i], static_cast<E_ParameterCausality>(registry.causalities[i]),
                           static_cast<E_ParameterType>(registry.types[i]),
@@ -58,7 +61,8 @@ int ReadParameterRegistry(DatabaseText& text, CDiscreteCombinations& out) {
   const FirstByName<double> lowerBoundOf(registry.lowerBounds);
   const FirstByName<double> upperBoundOf(registry.upperBounds);
   for (const std::string& id : ids) {
-    // Discrete and derived parameters get no unit and no bounds, whatever the text holds for them.
+    // Deliberate (discrete-without-bounds): discrete and derived parameters get no unit and no
+    // bounds, whatever the text holds for them.
     const bool continuous = out.IsContinuous(id);
     out.RegisterParameterExtraInfos(id, std::string(), continuous ? unitOf.Get(id) : std::string(),
                                     captionOf.Get(id), continuous ? upperBoundOf.Get(id) : 0.0,

@@ -119,8 +119,8 @@ void CReaderFMUModelDescription::ParseVariables(std::size_t from) {
     const std::size_t current = opening.From(position);
     if (current == kNone) return;
     position = closing.From(current);
-    // None of these searches ends with the variable, on purpose: what a variable lacks is taken
-    // from a later one.
+    // Deliberate (fmi-word-scan): none of these searches ends with the variable, so an attribute
+    // that it lacks is taken from a later one.
     const std::string_view nameText = nameAttribute.From(current).value_or(std::string_view());
     const std::string_view referenceText =
         referenceAttribute.From(current).value_or(std::string_view());

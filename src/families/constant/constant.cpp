@@ -43,7 +43,7 @@ int CConstantEvaluator::EvaluateResponseSurface(const CRSData* data, const std::
                                                 double& y, double& predictorError) const {
   const int status = EvaluateResponseSurface(data, x, y);
   if (status != 0) return status;
-  // Only a surface without any input knows its error.
+  // Deliberate (constant-error): only a constant without inputs reports an error.
   if (data->NumberOfInputVariables != 0) return -2;
   predictorError = 0.0;
   return 0;

@@ -13,7 +13,7 @@ class ConstantSurface : public batch::PreparedSurface {
   void Evaluate(const batch::Points& points, const batch::Tools&,
                 const batch::Results& results) const override {
     std::fill_n(results.values, points.count, value_);
-    // Only a constant without any input knows its error.
+    // As CConstantEvaluator does.
     const bool hasError = results.errors != nullptr && inputs_ == 0;
     if (hasError) std::fill_n(results.errors, points.count, 0.0);
     std::fill_n(results.statuses, points.count, results.errors != nullptr && !hasError ? -2 : 0);

@@ -181,7 +181,7 @@ int CKrigingData::ComputeVandermondePolynomialVector(const Vector& x, E_Polynomi
   out.clear();
   if (type == PolyNone) return 1;
   const auto count = PolynomialCount(type, static_cast<std::int64_t>(x.size()));
-  // An unknown type has nothing to append and is no failure. Deliberate.
+  // An unknown type has no functions and is not a failure here: see the header.
   if (count < 0) return 0;
   out.resize(static_cast<std::size_t>(count));
   EvaluatePolynomialBasis(type, x.data(), x.size(), out.data());
@@ -226,7 +226,7 @@ int CKrigingData::ComputeScalingFactorForOutput() {
   const double mean = ComputeOutputSamplesMean();
   const double deviation = ComputeStandardDeviation(OutputSamples);
   OutputScaleSlope = 1.0 / deviation;
-  // Not -(1/s) m as for the inputs. Deliberate, see the header.
+  // Not -(1/s) m as for the inputs: see the header.
   OutputScaleIntercept = -(deviation * mean);
   return 0;
 }

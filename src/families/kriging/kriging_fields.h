@@ -77,7 +77,8 @@ int FamilyOf<CKrigingData>::Fields(Visitor& visit, Record& record) {
   visit.Unread(Key(&Labels::attKrigingPredictorError));
   if (!visit.HasPart(record.SavePredictorError)) return 0;
   if constexpr (Visitor::kReads) {
-    // Without its error data the surface still has a value, so that their status is not passed on.
+    // Deliberate (short-error-data-dropped): the status of the error data is not passed on, since
+    // the surface has a value without them. A regression record does the same.
     static_cast<void>(reading::ResumeKrigingDataPredictorError(visit.Text(), &record));
     return 0;
   } else {

@@ -103,6 +103,9 @@ double PredictorError::At(const double* r, const double* f) {
   AddProduct(record_.InvG, w_.data(), p_, false, g_);
   const double ng = Norm(g_);
   // The norms are squared again: the square root's rounding belongs to the result.
+  //
+  // Deliberate (kriging-error-scaled): the error is not scaled back, and a negative variance counts
+  // with its magnitude.
   return std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * record_.Sigma2));
 }
 

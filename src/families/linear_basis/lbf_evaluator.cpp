@@ -34,8 +34,10 @@ bool HasCentres(const CLBFData& data, const std::vector<double>& x) {
 }
 
 // The radial functions of the first out.size() samples at the scaled point `x`; false for an
-// unknown function, `out` untouched. The samples are used as they are stored: only the point is
-// scaled in this family, and that is how its models are fitted. A scale of 0 is not tested.
+// unknown function, `out` untouched. A kernel scale of 0 is not tested.
+//
+// Deliberate (lbf-samples-unscaled): the samples are used as they are stored. Only the point is
+// scaled, and models of this family are fitted that way.
 bool EvaluateRadial(const CLBFData& data, const std::vector<double>& x, std::vector<double>& out) {
   kernels::RowKernels call;
   call.kernel = kernels::FindKernel(data.BasisFunctionType);
@@ -61,7 +63,8 @@ int CLBFEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (!IsEvaluable(data, DT_LBFData, x)) return 1;
   const auto& record = static_cast<const CLBFData&>(*data);
   if (record.NumberOfSamples == 1) {
-    // The output as it is stored, in physical units: no scaling applies.
+    // Deliberate (lbf-single-sample): a single sample gives its stored output, without any scaling
+    // and whatever else the record holds.
     if (record.OutputSamples.empty()) return 1;
     y = record.OutputSamples[0];
     return 0;
@@ -71,7 +74,7 @@ int CLBFEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (radialWeights.size() > static_cast<std::size_t>(record.NumberOfSamples)) return 1;
 
   std::vector<double> point = x;
-  // The status is ignored on purpose: a scaling that does not fit leaves the point as it is.
+  // As in a support vector surface, a scaling that does not fit leaves the point as it is.
   record.ScaleAndOverwriteInputSample(point);
   // Samples without a weight of their own do not count.
   std::vector<double> radial(radialWeights.size());

@@ -158,8 +158,8 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
                                            double& y) const {
   if (!IsEvaluable(data, DT_MLSData, x)) return 1;
   const auto& record = static_cast<const CMLSData&>(*data);
-  // Neither the point nor the samples nor the value are scaled: this family stays in physical
-  // units. Refused on purpose, although the formulas would work: the plain regression line.
+  // Deliberate (mls-refuses-regression-line): a linear basis with constant weights is refused,
+  // although the formulas would work. It is the ordinary least squares line.
   if (record.PolynomialType == PolyLinear && record.WeightFunction == WeightConstant) return 1;
 
   // Before anything is computed: only a basis that the samples outnumber is worth its memory.

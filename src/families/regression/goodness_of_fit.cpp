@@ -126,8 +126,8 @@ int CQRSEvaluator::EvalR2Only(const CQRSData* data, Core::GOFMeasr& gof) {
   std::vector<double> predictions;
   const int status = PredictSamples(*this, *data, samples.size(), predictions);
   if (status != 0) return status;
-  // Columns without a length take nothing, and their statuses are not read: both arrive empty, on
-  // purpose.
+  // Deliberate (r2-empty-columns): columns without a length take nothing, and their statuses are
+  // not read, so both arrive empty. EvalGoodnessOfFit passes the values.
   DColVec outputs;
   DColVec predicted;
   outputs.AssignChecked(samples.data());

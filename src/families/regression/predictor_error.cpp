@@ -47,7 +47,8 @@ bool HasInverseOfOrder(const CQRSData& record, std::size_t order) {
 /// The quantile of Student's t that all predictor errors of a record share.
 int QuantileOf(const CQRSData& record, std::size_t activeTerms, double& t) {
   const double dof = static_cast<double>(record.NumberOfSamples) - static_cast<double>(activeTerms);
-  // One-sided: the level is taken as it is.
+  // Deliberate (one-sided-regression-error): the level is used as it is, so the interval is
+  // one-sided. 0.95 is the 95 percent quantile.
   return StudTDist(dof).EvalInvCdf(record.RegTermFilterConfVal, t);
 }
 

@@ -159,7 +159,6 @@ int CQRSData::EvaluateRegTermDerivativeWrtInputVariables(const std::vector<doubl
 
 int CQRSData::GetMaxMagnitude(const std::vector<double>& v, const int& n, double& out) const {
   if (n > 0 && v.size() < static_cast<std::size_t>(n)) return 1;
-  // Starts at 0.0 and takes no absolute value, on purpose.
   out = 0.0;
   for (int i = 0; i < n; ++i) out = std::max(out, v[static_cast<std::size_t>(i)]);
   return 0;

@@ -45,8 +45,8 @@ int CQRSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   const auto& record = static_cast<const CQRSData&>(*data);
   WorkingPoint point(x);
   double b = 0.0;
-  // Behind the test of the status on purpose, so that a failed way back is refused here and not
-  // interpolated, although it leaves the value of a hole.
+  // Deliberate (refused-output-not-interpolated): the status is tested before the hole. A failed
+  // way back leaves the value of a hole too, but is refused and not interpolated.
   if (BacktransformedSum(record, point, b) != 0) return 1;
   if (IsHole(b)) return Interplt(data, x.data(), y);
   y = (b - record.OutputScaleIntercept) / record.OutputScaleSlope;
@@ -60,7 +60,8 @@ int CQRSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   WorkingPoint point(x);
   double b = 0.0;
   const int status = BacktransformedSum(record, point, b);
-  // Written before the value is known to be good, on purpose.
+  // Deliberate (error-before-value): the error is written before the value is known to be valid.
+  // With status 1 it has no meaning.
   if (PredictorErrorAt(record, point.Size(), point.Data(), predictorError) != 0 || status != 0)
     return 1;
   if (IsHole(b)) return Interplt(data, x.data(), y);
@@ -70,12 +71,12 @@ int CQRSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
 
 int CQRSEvaluator::EvaluateResponseSurfaceDerivativeWrtInputVariables(
     const CRSData* data, const std::vector<double>& x, std::vector<double>& gradient) const {
-  // Neither Stopped nor the length of `x` is asked, on purpose.
+  // Neither Stopped nor the length of `x` is checked: see the header.
   const auto* const record = dynamic_cast<const CQRSData*>(data);
   if (record == nullptr || !record->IsReadyForEvaluation()) return 1;
   std::vector<double> point(x);
   int status = record->ScaleAndOverwriteInputSample(point);
-  // No input transformation, on purpose: see the class.
+  // The inputs are not transformed: see the header.
   double sum = 0.0;
   status += record->EvaluateRegTerm(point, sum);
   double factor = 0.0;

@@ -127,8 +127,7 @@ int FamilyOf<CQRSData>::Fields(Visitor& visit, Record& record) {
                record.SavePredictorError);
     if (visit.HasPart(record.SavePredictorError)) {
       if constexpr (Visitor::kReads) {
-        // Its status is not read, on purpose: without a fitting matrix the surface still has
-        // values.
+        // As in a Kriging record, the status is not passed on: the surface has a value without it.
         static_cast<void>(reading::ResumeQRSDataPredictorError(visit.Text(), &record));
       } else {
         ErrorFields(visit, record, record.NumberOfSelectedRegTerms);

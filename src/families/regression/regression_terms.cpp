@@ -222,7 +222,7 @@ int CrossQuadTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, 
   const int first = inputVariablesIndex[0];
   const int second = inputVariablesIndex[1];
   gradient[first] = x[second] * *coefficientValue;
-  // Assigned and not added, on purpose: see the class.
+  // Assigned and not added: see the class.
   gradient[second] = x[first] * *coefficientValue;
   return 0;
 }
@@ -230,7 +230,7 @@ int CrossQuadTerm::EvaluateDerivativeWrtInputVariables(const int& numInputVars, 
 CrossPolyTerm::CrossPolyTerm() : StoredRegTerm(FuncTypeCrossPoly, kUnknownCount) {}
 
 int CrossPolyTerm::SetUsedInpVarIdx(const int& count, const int* indices) {
-  // The old length on purpose: see the class.
+  // Copies the old length: see the class.
   return StoreIndices(count, std::max(numUsedInpVar, 0), indices);
 }
 

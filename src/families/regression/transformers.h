@@ -72,7 +72,7 @@ class CTransformerExpo : public FormulaTransformer<CTransformerExpo, TransformEx
   static int Backward(double x, double value, double lambda, double& out);
 };
 
-/// log(x) to the base `value`; back log(value) * exp(x), **which is not the inverse**, on purpose.
+/// log(x) to the base `value`; back log(value) * exp(x), **which is not the inverse**.
 class CTransformerLogA : public FormulaTransformer<CTransformerLogA, TransformLogA> {
  public:
   static int Forward(double x, double value, double lambda, double& out);
@@ -101,8 +101,8 @@ class CTransformerSquare : public FormulaTransformer<CTransformerSquare, Transfo
   static int Backward(double x, double value, double lambda, double& out);
 };
 
-/// x^value; back x^(1/value). The way back tests **the wrong way round**, on purpose: for a `value`
-/// between 0 and 1 it refuses everything below 1e99^value, so all ordinary numbers.
+/// x^value; back x^(1/value). For a `value` between 0 and 1 the way back refuses everything
+/// **below** 1e99^value, which is where ordinary numbers are, instead of everything above it.
 class CTransformerPower : public FormulaTransformer<CTransformerPower, TransformPower> {
  public:
   static int Forward(double x, double value, double lambda, double& out);
@@ -116,8 +116,8 @@ class CTransformerBox : public FormulaTransformer<CTransformerBox, TransformBox>
   static int Backward(double x, double value, double lambda, double& out);
 };
 
-/// The inverse of Box-Cox on the logarithm, **in both directions**, on purpose: going forward and
-/// back again applies it twice.
+/// The exponential of the inverse of Box-Cox, **in both directions**: going forward and back again
+/// applies it twice.
 class CTransformerLogBox : public FormulaTransformer<CTransformerLogBox, TransformLogBox> {
  public:
   static int Forward(double x, double value, double lambda, double& out);

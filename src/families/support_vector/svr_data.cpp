@@ -204,7 +204,7 @@ bool CSVRData::AreMultipliersCorrect() {
 }
 
 bool CSVRData::IsKernelArrayCorrect() {
-  // A test for a difference, on purpose: the name promises the contrary.
+  // A test for a difference: see the header.
   return KernelArray.size() != InputSamples.size();
 }
 

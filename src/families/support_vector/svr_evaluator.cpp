@@ -11,8 +11,10 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 // The kernel values between the point and the first values.size() samples, which are scaled on the
-// way. A stop that comes meanwhile leaves the rest at 0. The status of the scaling is ignored on
-// purpose: lengths that do not fit leave both the point and the samples in physical units.
+// way. If the record is stopped meanwhile, the remaining values are 0.
+//
+// Deliberate (scaling-that-does-not-fit): a scaling whose length does not fit is left out for the
+// point and the samples, and not reported.
 void EvaluateKernels(const kernels::Kernel& kernel, const CSVRData& record, std::vector<double> x,
                      std::vector<double>& values) {
   kernels::RowKernels call;

@@ -55,8 +55,9 @@ int FamilyOf<CSVRData>::Fields(Visitor& visit, Record& record) {
     return 0;
   }
   if constexpr (Visitor::kReads) {
-    // Older databases hold no widths. Samples without any spread have none either: the record is
-    // read all the same, and its evaluator then refuses it.
+    // Deliberate (svr-old-scales): older databases hold no kernel scales, which are then computed
+    // from the scaled samples. Samples without any spread have none: the record is read all the
+    // same, and its evaluator refuses it.
     std::vector<std::vector<double>> scaled = record.InputSamples;
     record.ScaleAndOverwriteInputSamples(scaled);
     record.EvaluateKernelArray(scaled, record.KernelArray);
