@@ -47,7 +47,7 @@ TEST(KernelLocalReading, SupportVectorKeepsDefaultsForValuesOutOfRange) {
   EXPECT_EQ(record.ConstantCoefficient, 0.0);
 }
 
-TEST(KernelLocalReading, OlderSupportVectorsComputeTheirWidthsFromTheScaledSamples) {
+TEST(KernelLocalReading, SvrOldScales) {
   auto record = Resumed<CSVRData>("SVRVersion=170\nSVRKernType=2\nSVRKernelArray=8\n");
   EXPECT_EQ(record.SVRDataVersion(), SVRDataVersion171);
   EXPECT_EQ(record.KernelArray, Vector{0.5 / 2.0});  // samples 2 and 4: variance 2

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 
 #include "families/families.h"
 #include "support/model_files.h"
@@ -45,6 +47,21 @@ TEST(Families, HaveAMakerOfRandomSurfaces) {
   for (const Family* const family : kAllFamilies) {
     const auto count = std::count(made.begin(), made.end(), family->type);
     EXPECT_EQ(count, family->hasValue ? 1 : 0) << family->name;
+  }
+}
+
+// A NaN in an input gives NaN with status 0, or a refusal, but never a number except for a
+// constant.
+TEST(Families, NanInput) {
+  const std::map<E_DataType, int> statuses = {
+      {DT_KrigingData, 0}, {DT_SVRData, 0}, {DT_LBFData, 0}, {DT_MLSData, 1}, {DT_ConstantData, 0}};
+  for (const auto& [family, status] : statuses) {
+    tests::Draw draw(5);
+    const auto record = tests::RandomSurface(draw, family, 2, 14, false);
+    double y = 0.0;
+    const std::vector<double> x = {std::nan(""), 0.5};
+    EXPECT_EQ(FindFamily(family)->evaluator().EvaluateResponseSurface(record.get(), x, y), status);
+    EXPECT_EQ(std::isnan(y), status == 0 && family != DT_ConstantData) << family;
   }
 }
 

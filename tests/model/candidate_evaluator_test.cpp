@@ -3,6 +3,8 @@
 
 #include "model/cross_validation.h"
 #include "model/test_candidates.h"
+#include "pxrom/linear_basis.h"
+#include "pxrom/regression.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -47,14 +49,59 @@ CFittingCandidate Ensemble(int inputs = 1) {
   return candidate;
 }
 
+const double kEnsembleValue = (0.5 * 7 + 0.25 * 3 - 1) / 2;
+
 TEST(CandidateEvaluator, AddsByWeightAndBackscalesOnce) {
-  const double expected = (0.5 * 7 + 0.25 * 3 - 1) / 2;
-  ExpectAnswer(EvaluateValue(Ensemble(), {0}), 0, expected, -2);
-  ExpectAnswer(Evaluate(Ensemble(), {0}), -2, expected, -2);
-  ExpectAnswer(Evaluate(Ensemble(0), {}), 0, expected, 0);
+  ExpectAnswer(EvaluateValue(Ensemble(), {0}), 0, kEnsembleValue, -2);
+  ExpectAnswer(Evaluate(Ensemble(0), {}), 0, kEnsembleValue, 0);
 }
 
-TEST(CandidateEvaluator, TheFormWithoutAnErrorIsTheVirtualOne) {
+TEST(CandidateEvaluator, ValueWithoutError) {
+  ExpectAnswer(Evaluate(Ensemble(), {0}), -2, kEnsembleValue, -2);
+}
+
+TEST(CandidateEvaluator, ErrorFormCanFail) {
+  CFittingCandidate candidate = Ensemble();
+  CLBFData single;
+  MakeReady(single, 1, {{0}}, {5});
+  candidate.AddRSAndWeight(&single, 1);
+  EXPECT_EQ(EvaluateValue(candidate, {0}).status, 0);
+  EXPECT_EQ(Evaluate(candidate, {0}).status, 1);
+}
+
+// A regression of one constant. Its error depends on its variance alone.
+CQRSData Regression(double variance) {
+  CQRSData record;
+  MakeReady(record, 1);
+  ConstTerm one;
+  const double value = 3;
+  one.SetParamVal(1, &value);
+  RegTerm* terms[] = {&one};
+  record.SetRegTerm(terms, 1);
+  record.NumberOfSamples = 11;
+  record.InvXtX = {{0.25}};
+  record.Sigma2 = variance;
+  return record;
+}
+
+TEST(CandidateEvaluator, TwoErrorUnits) {
+  CFittingCandidate candidate = Ensemble();
+  candidate.ResetData();
+  for (const double variance : {9.0, 4.0}) {
+    const CQRSData surface = Regression(variance);
+    candidate.AddRSAndWeight(&surface, 0.5);
+  }
+  candidate.SetInputScaleSlopes({1});
+  candidate.SetInputScaleIntercepts({0});
+  candidate.SetOutputScaleSlope(2);
+  double value = 0;
+  double last = 0;
+  EXPECT_EQ(CQRSEvaluator().EvaluateResponseSurface(candidate.GetRSPtr(1), {0}, value, last), 0);
+  // The error of the last surface, neither weighted nor scaled back.
+  ExpectAnswer(Evaluate(candidate, {0}), 0, 1.5, last);
+}
+
+TEST(CandidateEvaluator, ErrorFormNotVirtual) {
   struct Own : CFittingCandidatesEvaluator {
     int EvaluateResponseSurfaceCandidate(const CFittingCandidates&, const Vector&,
                                          double& value) const override {
@@ -183,7 +230,7 @@ TEST(CandidateEvaluator, TheSortsToleranceGrowsWithTheInputsThatTheCandidateStat
   for (const int inputs : {4, -1}) EXPECT_NE(errorOf(inputs, 2e-6, 1e-6), errorOf(1, 1e-6, 2e-6));
 }
 
-TEST(CandidateEvaluator, WithoutFoldsOnlyTheDistanceTermIsLeft) {
+TEST(CandidateEvaluator, SquaredDistances) {
   CFittingCandidate candidate = Ensemble();
   SetFolds(candidate, {{0}, {1}}, {}, 100);
   const double damping = std::log(1.0 + 10.0 * 0.25 / (100 + 0.0001));

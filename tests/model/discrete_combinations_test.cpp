@@ -63,12 +63,19 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_EQ(study.ListParameterImmutableID(CausalityOutput, true), (Ids{"u", "v", "w"}));
   EXPECT_EQ(study.ListParameterImmutableID(false), (Ids{"off"}));
   EXPECT_EQ(study.ListEnabledDiscreteParameterWrtRegistrationRank(), (Ids{"Q", "P"}));
+  EXPECT_EQ(study.DataVersion(), DiscreteCombinationVersion192);
+  OpenCombinations odd;
+  odd.RegisterParameter("n", CausalityInput, static_cast<E_ParameterType>(-1), true);
+  EXPECT_FALSE(odd.IsContinuous("n"));
+}
+
+TEST(Registry, UnknownIdsSkipped) {
+  const OpenCombinations study = Study();
   EXPECT_EQ(study.ListParameterAvailability({"a", "off", "nobody", "u"}),
             (std::vector<bool>{true, false, true}));
-  EXPECT_EQ(study.DataVersion(), DiscreteCombinationVersion192);
-  // Unknown IDs are skipped, and every predicate denies them.
   EXPECT_EQ(study.ListParameterCausality({"u", "?", "a"}),
             (std::vector<E_ParameterCausality>{CausalityOutput, CausalityInput}));
+  EXPECT_EQ(study.ListParameterType({"?", "P"}), (std::vector<E_ParameterType>{DiscreteParameter}));
   EXPECT_FALSE(study.IsRegistered("?"));
   EXPECT_FALSE(study.IsInput("?"));
   EXPECT_FALSE(study.IsOutput("?"));
@@ -76,12 +83,9 @@ TEST(Registry, CountsAndListsFollowRoleKindAndState) {
   EXPECT_FALSE(study.IsDiscrete("?"));
   EXPECT_FALSE(study.IsDerived("?"));
   EXPECT_FALSE(study.IsEnabled("?"));
-  OpenCombinations odd;
-  odd.RegisterParameter("n", CausalityInput, static_cast<E_ParameterType>(-1), true);
-  EXPECT_FALSE(odd.IsContinuous("n"));
 }
 
-TEST(Registry, RanksAreReplacedPairByPair) {
+TEST(Registry, RepeatedRank) {
   OpenCombinations study;
   study.RegisterParameter("a", CausalityInput, DerivedParameter, true);
   study.RegisterParameter("b", CausalityInput, DerivedParameter, true);
@@ -97,7 +101,7 @@ TEST(Registry, RanksAreReplacedPairByPair) {
   EXPECT_FALSE(study.IsEnabled("a"));
 }
 
-TEST(Registry, ExtraInfosTakeTheUpperBoundFirst) {
+TEST(Registry, UpperBoundFirst) {
   OpenCombinations study;
   EXPECT_EQ(study.RegisterParameterExtraInfos("", "n", "m", "c", 2, 1), 1);
   EXPECT_EQ(study.RegisterParameterExtraInfos("a", "", "m", "c", 2, 1), 0);
@@ -125,7 +129,7 @@ TEST(Combinations, ValuesAreSortedByRankThenValue) {
   EXPECT_TRUE(ints.empty());
 }
 
-TEST(Combinations, EvaluateFindsTheCombinationAndAppendsErrors) {
+TEST(Combinations, EvaluateAppendsErrors) {
   OpenCombinations study = Study();
   Register(study, 1, 5, 10, 20);
   Register(study, 2, 5, 30, 40);
@@ -150,36 +154,51 @@ TEST(Combinations, EvaluateFindsTheCombinationAndAppendsErrors) {
   EXPECT_EQ(errors, (NamedValues{{"old", 0}, {"u", 0}}));
 }
 
-TEST(Combinations, RefusalsBeforeTheOutputsTouchNothing) {
+const NamedInts kValues = {{"P", 1}, {"Q", 5}};
+const NamedValues kPoint = {{"x", 0}, {"a", 0}};
+
+// Expects that a study with the combination kValues refuses both forms before any output.
+void ExpectRefused(const NamedInts& discrete, const NamedValues& continuous) {
   OpenCombinations study = Study();
   Register(study, 1, 5, 10, 20);
-  const NamedInts good = {{"P", 1}, {"Q", 5}};
-  const NamedValues point = {{"x", 0}, {"a", 0}};
-  const std::pair<NamedInts, NamedValues> refused[] = {
-      {{{"P", 1}}, point},
-      {{{"P", 1}, {"Q", 5}, {"off", 0}}, point},
-      {good, {{"x", 0}}},
-      {good, {{"x", 0}, {"a", 0}, {"ratio", 0}}},
-      {{{"P", 1}, {"?", 5}}, point},
-      {good, {{"x", 0}, {"?", 0}}},
-      {{{"P", 1}, {"Q", 6}}, point},
-      {{{"P", 5}, {"Q", 1}}, point},
-  };
-  for (const auto& [discrete, continuous] : refused) {
-    NamedValues outputs = {{"old", 1}};
-    NamedValues errors = {{"old", 2}};
-    EXPECT_EQ(study.Evaluate(discrete, continuous, outputs, errors), 1);
-    EXPECT_EQ(study.Evaluate(discrete, continuous, outputs), 1);
-    EXPECT_EQ(outputs, (NamedValues{{"old", 1}}));
-    EXPECT_EQ(errors, (NamedValues{{"old", 2}}));
-  }
-  // Kinds are not told apart, only counted.
-  NamedValues outputs;
-  EXPECT_EQ(study.Evaluate({{"P", 1}, {"u", 5}}, point, outputs), 1);
-  EXPECT_EQ(study.Evaluate(good, {{"x", 0}, {"u", 0}}, outputs), 0);
+  NamedValues outputs = {{"old", 1}};
+  NamedValues errors = {{"old", 2}};
+  EXPECT_EQ(study.Evaluate(discrete, continuous, outputs, errors), 1);
+  EXPECT_EQ(study.Evaluate(discrete, continuous, outputs), 1);
+  EXPECT_EQ(outputs, (NamedValues{{"old", 1}}));
+  EXPECT_EQ(errors, (NamedValues{{"old", 2}}));
 }
 
-TEST(Combinations, AFailingOutputKeepsThoseBeforeIt) {
+TEST(Combinations, RefusalsBeforeTheOutputsTouchNothing) {
+  ExpectRefused({{"P", 1}}, kPoint);
+  ExpectRefused(kValues, {{"x", 0}});
+  ExpectRefused({{"P", 1}, {"?", 5}}, kPoint);
+  ExpectRefused(kValues, {{"x", 0}, {"?", 0}});
+}
+
+TEST(Combinations, DisabledLeftOut) {
+  ExpectRefused({{"P", 1}, {"Q", 5}, {"off", 0}}, kPoint);
+  ExpectRefused(kValues, {{"x", 0}, {"a", 0}, {"ratio", 0}});
+}
+
+TEST(Combinations, NoNeighbourCombination) {
+  ExpectRefused({{"P", 1}, {"Q", 6}}, kPoint);
+  ExpectRefused({{"P", 5}, {"Q", 1}}, kPoint);
+}
+
+TEST(Combinations, ValuesByRank) {
+  OpenCombinations study = Study();
+  Register(study, 1, 5, 10, 20);
+  NamedValues outputs;
+  EXPECT_EQ(study.Evaluate({{"Q", 5}, {"P", 1}}, {{"a", 0}, {"x", 0}}, outputs), 0);
+  // A name of the wrong kind takes its place by rank: 5 for "u" goes after 1 for "P".
+  EXPECT_EQ(study.Evaluate({{"P", 1}, {"u", 5}}, kPoint, outputs), 1);
+  EXPECT_EQ(study.Evaluate({{"P", 5}, {"u", 1}}, kPoint, outputs), 0);
+  EXPECT_EQ(study.Evaluate(kValues, {{"x", 0}, {"u", 0}}, outputs), 0);
+  EXPECT_EQ(study.Evaluate(kValues, {{"x", 0}, {"x", 0}}, outputs), 0);
+}
+
+TEST(Combinations, FailedOutputEndsEvaluation) {
   OpenCombinations study = Study();
   ASSERT_EQ(Add(study, 1, 5, {{"v", New(2, 3)}, {"u", New(1)}}), 0);
   NamedValues outputs = {{"old", 1}};
@@ -190,7 +209,7 @@ TEST(Combinations, AFailingOutputKeepsThoseBeforeIt) {
   EXPECT_EQ(outputs, (NamedValues{{"u", 1}}));
 }
 
-TEST(Combinations, RefusedRegistrationsLeaveThePointersWithTheCaller) {
+TEST(Combinations, RegisterTakesPointers) {
   OpenCombinations study = Study();
   const std::unique_ptr<CFittingCandidates> u(New(1));
   const std::unique_ptr<CFittingCandidates> v(New(2));
@@ -226,17 +245,7 @@ TEST(Combinations, CopiesCloneAndAssignmentsShare) {
   };
   EXPECT_NE(list(copy), list(*study));
   EXPECT_EQ(list(assigned), list(*study));
-  study->RegisterParameterExtraInfos("x", "", "m", "c", 2, 1);
-  EXPECT_EQ(study->ResetData(), 0);
-  EXPECT_EQ(study->ParameterCount(), 0u);
-  EXPECT_TRUE(study->GetRegistrationRank()->empty());
-  EXPECT_TRUE(study->ListUpperBound({"x"}).empty());
-  EXPECT_TRUE(study->GetDiscreteCombinationsIndexingPtr()->empty());
-  // Emptied maps stay, and new combinations go behind them.
-  ASSERT_EQ(study->GetOutputsWrtDiscCombPtr()->size(), 2u);
-  EXPECT_TRUE(study->GetOutputsWrtDiscCombPtr()->at(0).empty());
-  EXPECT_EQ(study->RegisterDiscreteCombination({}, {}), 0);
-  EXPECT_EQ(study->GetDiscreteCombinationsIndexingPtr()->at({}), 2);
+  study->ResetData();
   study.reset();
   const CDiscreteCombinations& self = assigned;
   assigned = self;
@@ -248,7 +257,23 @@ TEST(Combinations, CopiesCloneAndAssignmentsShare) {
   }
 }
 
-TEST(Combinations, RegisteredValuesFallBackToTheFirstParameter) {
+TEST(Combinations, ResetKeepsEmptyMaps) {
+  OpenCombinations study = Study();
+  Register(study, 1, 5, 10, 20);
+  Register(study, 2, 5, 11, 21);
+  study.RegisterParameterExtraInfos("x", "", "m", "c", 2, 1);
+  EXPECT_EQ(study.ResetData(), 0);
+  EXPECT_EQ(study.ParameterCount(), 0u);
+  EXPECT_TRUE(study.GetRegistrationRank()->empty());
+  EXPECT_TRUE(study.ListUpperBound({"x"}).empty());
+  EXPECT_TRUE(study.GetDiscreteCombinationsIndexingPtr()->empty());
+  ASSERT_EQ(study.GetOutputsWrtDiscCombPtr()->size(), 2u);
+  EXPECT_TRUE(study.GetOutputsWrtDiscCombPtr()->at(0).empty());
+  EXPECT_EQ(study.RegisterDiscreteCombination({}, {}), 0);
+  EXPECT_EQ(study.GetDiscreteCombinationsIndexingPtr()->at({}), 2);
+}
+
+TEST(Combinations, UnknownIdMeansFirst) {
   OpenCombinations study = Study();
   for (const auto& [p, q] : {std::pair(5, 2), std::pair(5, 1), std::pair(7, 1)}) {
     Register(study, p, q, 0, 0);

@@ -72,7 +72,7 @@ void ExpectEmptyButForScaleAndDistance(const CFittingCandidate& c, double slope,
   EXPECT_EQ(c.GetDPMinDist(), distance);
 }
 
-TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
+TEST(FittingCandidate, ResetSlopeIsZero) {
   CFittingCandidate candidate;
   ExpectEmptyButForScaleAndDistance(candidate, 1.0, 0.0);
   double y = 3.0;
@@ -87,7 +87,7 @@ TEST(FittingCandidate, ANewOneBackscalesAndAResetOneCannot) {
   EXPECT_EQ(some, (Vector{2.0}));
 }
 
-TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
+TEST(FittingCandidate, AssignmentShares) {
   auto source = std::make_unique<CFittingCandidate>(Filled());
   const CFittingCandidate copy(*source);
   CFittingCandidate first;
@@ -113,8 +113,14 @@ TEST(FittingCandidate, CopiesCloneAndAssignmentsShare) {
   third = second;
   third.SetStatusStopped();
   EXPECT_TRUE(second.GetRSPtr(0)->Stopped);
-  EXPECT_FALSE(second.GetSubRSPtr(0)->Stopped);
   EXPECT_FALSE(copy.GetRSPtr(0)->Stopped);
+}
+
+TEST(FittingCandidate, StopSkipsSubSurfaces) {
+  CFittingCandidate candidate = Filled();
+  EXPECT_EQ(candidate.SetStatusStopped(), 0);
+  EXPECT_TRUE(candidate.GetRSPtr(0)->Stopped);
+  EXPECT_FALSE(candidate.GetSubRSPtr(0)->Stopped);
 }
 
 TEST(FittingCandidate, PointersOutsideTheListsAreNull) {
@@ -134,7 +140,7 @@ struct Surfaces {
   }
 };
 
-TEST(FittingCandidate, SettingSurfacesWithErrorPredictionSplitsAndAppends) {
+TEST(FittingCandidate, SetRsAppendsWithErrors) {
   CFittingCandidate candidate = Filled();
   Surfaces six(6);
   EXPECT_EQ(candidate.SetRSAndWeights(six.pointers, {0.1, 0.2}, true), 0);
@@ -178,7 +184,7 @@ TEST(FittingCandidate, RefusedSurfacesStillChangeTheFlagAndNothingElse) {
   EXPECT_EQ(CFittingCandidate().AddSubRS(nullptr), 1);
 }
 
-TEST(FittingCandidate, DistanceScaleIsTheWidestGapButForRowZero) {
+TEST(FittingCandidate, FirstSampleNotCounted) {
   std::tuple<Matrix, int, double> cases[] = {{{{0, 0}, {3, 4}}, 2, 25},
                                              {{{0, 0}}, 2, 0},
                                              {Matrix(), 2, 0},

@@ -330,7 +330,7 @@ TEST(DColVec, Values) {
   EXPECT_EQ(other.AllocateStorage(), 1);
 }
 
-TEST(DRowVec, KeepsItsOddities) {
+TEST(DRowVec, VectorFirstElement) {
   const double block[] = {10, 20, 30};
   DRowVec row = Vec<DRowVec>({1, 2, 3});
   double* data = nullptr;
@@ -348,8 +348,10 @@ TEST(DRowVec, KeepsItsOddities) {
   EXPECT_EQ(out, Values(3, -1.0));
   EXPECT_EQ(row.GatherFirst(3, indices, out.data()), 0);
   EXPECT_EQ(out, Values(3, 2.0));
+}
 
-  // One element behind the end there is a zero.
+TEST(DRowVec, VectorPastTheEnd) {
+  const DRowVec row = Vec<DRowVec>({30, 2, 3});
   const auto at = [&row](int i) {
     double value = -1.0;
     const int status = row.GetAt(i, value);

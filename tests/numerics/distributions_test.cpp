@@ -166,7 +166,7 @@ TEST(StudTDist, RefusesWithoutTouchingTheResult) {
 }
 
 // It passes every comparison, and its step ends each iteration after one round: where that began.
-TEST(Distributions, ALevelThatIsNotANumberEndsAfterOneRound) {
+TEST(Distributions, NanConfidenceLevel) {
   double out = 7.0;
   EXPECT_EQ(BetaDist::EvalInvCdf(5.0, 0.5, 0.0, 1.0, kNan, out), 0);
   EXPECT_EQ(out, 5.0 / 5.5);
@@ -232,7 +232,7 @@ TEST(Distributions, LimitCycle) {
   EXPECT_EQ(x, 7.0);
 }
 
-TEST(Distributions, MessagesOfFailures) {
+TEST(Distributions, DistributionsPrint) {
   double x = 7.0;
   // The last step and point of 200 exact Newton steps are -0.036486095240 and -27.407749644169.
   EXPECT_EQ(Output([&] { EXPECT_EQ(StdGaussInvCdf(1e-300, x), 1); }),
@@ -248,7 +248,7 @@ TEST(Distributions, MessagesOfFailures) {
   EXPECT_EQ(x, 7.0);
 }
 
-TEST(Distributions, EndsOfTheFunctions) {
+TEST(Distributions, DistributionEdges) {
   double out = 7.0;
   EXPECT_EQ(IncompleteGammaP(0.5, -1.0, out), 1);
   EXPECT_EQ(IncompleteGammaP(0.0, 1.0, out), 1);

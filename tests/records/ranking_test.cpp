@@ -29,7 +29,7 @@ TEST(Ranking, PlacesAreAscending) {
 
 // Equal values keep the order that the sort leaves them in. With fewer than eight values that is
 // the insertion sort's, which is stable; with more, the partition decides.
-TEST(Ranking, TiesGetConsecutiveRanksInTheSortsOwnOrder) {
+TEST(Ranking, RankTiesDiffer) {
   EXPECT_EQ(Ranks({2, 1, 2, 1}, 0), (std::vector<double>{3, 1, 4, 2}));
   EXPECT_EQ(Ranks({5, 5, 5, 5, 5, 5, 5, 5}, 0), (std::vector<double>{1, 6, 7, 4, 5, 2, 3, 8}));
   EXPECT_EQ(Ranks({3, 1, 3, 2, 1, 3, 2, 1, 2, 3, 1, 2}, 0),
@@ -57,7 +57,7 @@ TEST(Ranking, RandomListsWithTiesAndNaN) {
   }
 }
 
-TEST(Ranking, ApproximateEqualityIsAbsoluteFirstThenRelative) {
+TEST(Ranking, AbsoluteEpsilon) {
   EXPECT_TRUE(approximatelyEqual(1.0, 1.0 + 1e-12, 1e-10));
   EXPECT_TRUE(approximatelyEqual(0.0, 1e-17, 0.0));
   EXPECT_FALSE(approximatelyEqual(0.0, 1e-15, 1e-10));

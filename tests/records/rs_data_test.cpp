@@ -96,28 +96,26 @@ TEST(RSData, ScalingGoesForwardForInputsAndBothWaysForOutputs) {
 
 TEST(RSData, ShapeChecks) {
   const CRSData data;
-  struct Case {
-    Matrix m;
-    bool rectangular, square, symmetric;
-  };
-  const Case cases[] = {
+  const std::tuple<Matrix, bool, bool, bool> cases[] = {
       {{}, false, false, false},
       {{{}}, true, false, false},
       {{{1, 2}, {3}}, false, false, false},
       {{{1, 2, 3}, {4, 5, 6}}, true, false, false},
       {{{7}}, true, true, true},
-      // Symmetric means that every entry below the diagonal is the larger one.
-      {{{1, 0}, {0, 1}}, true, true, false},
       {{{1, 0}, {1, 1}}, true, true, true},
-      {{{1, 0}, {-1, 1}}, true, true, false},
-      {{{1, 0}, {1e-10, 1}}, true, true, true},
-      {{{1, 0}, {0.99e-10, 1}}, true, true, false},
-      {{{1, 0}, {std::nan(""), 1}}, true, true, true},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(data.IsThisRectangularMatrix(c.m), c.rectangular);
-    EXPECT_EQ(data.IsThisSquareMatrix(c.m), c.square);
-    EXPECT_EQ(data.IsThisSymmetricMatrix(c.m), c.symmetric);
+  for (const auto& [m, rectangular, square, symmetric] : cases) {
+    EXPECT_EQ(data.IsThisRectangularMatrix(m), rectangular);
+    EXPECT_EQ(data.IsThisSquareMatrix(m), square);
+    EXPECT_EQ(data.IsThisSymmetricMatrix(m), symmetric);
+  }
+}
+
+TEST(RSData, SymmetryCheckSigned) {
+  for (const auto& [below, isSymmetric] :
+       {std::pair(0.0, false), std::pair(-1.0, false), std::pair(1e-10, true),
+        std::pair(0.99e-10, false), std::pair(std::nan(""), true)}) {
+    EXPECT_EQ(CRSData().IsThisSymmetricMatrix({{1, 0}, {below, 1}}), isSymmetric) << below;
   }
 }
 
@@ -140,9 +138,6 @@ TEST(RSData, Statistics) {
   EXPECT_EQ(data.ComputeInputSamplesWrtInputVariableNormInf(1), 30);
   EXPECT_EQ(data.ComputeEuclideanDistance({0, 0}, {3, 4}), 5);
   EXPECT_EQ(data.ComputeEuclideanDistance({1}, {3, 4}), 0);
-  // Five rows, three outputs: the sum takes three rows, mean and divisor take all five.
-  const Matrix five = {{0}, {1}, {2}, {3}, {9}};
-  EXPECT_EQ(data.ComputeColumnStandardDeviation(five, 0), std::sqrt((9.0 + 4.0 + 1.0) / 4.0));
   Vector column;
   data.GetInputSampleWrtInputIndex(1, column);
   EXPECT_EQ(column, data.GetColumn(data.InputSamples, 1));
@@ -151,6 +146,22 @@ TEST(RSData, Statistics) {
   double y = 0.0;
   EXPECT_EQ(data.GetOutputSampleWrtSampleIndex(1, y), 0);
   EXPECT_EQ(y, -7);
+}
+
+TEST(RSData, ColumnDeviationRows) {
+  // Five rows, three outputs: the sum takes three rows, mean and divisor take all five.
+  const Matrix five = {{0}, {1}, {2}, {3}, {9}};
+  EXPECT_EQ(FilledRecord().ComputeColumnStandardDeviation(five, 0),
+            std::sqrt((9.0 + 4.0 + 1.0) / 4.0));
+}
+
+TEST(RSData, AccessorsCheckNothing) {
+  CRSData data = FilledRecord();
+  EXPECT_EQ(data.SetInputSamples({{1}}), 0);
+  EXPECT_EQ(data.NumberOfSamples, 3);
+  EXPECT_EQ(data.NumberOfInputVariables, 2);
+  EXPECT_EQ(data.SetNumberOfSamples(-4), 0);
+  EXPECT_EQ(data.NumberOfSamples, -4);
 }
 
 TEST(RSData, Covariance) {

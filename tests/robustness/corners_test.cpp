@@ -96,7 +96,10 @@ TEST(Corners, AssignedReadersKeepTheTextAndClonesDoNot) {
   EXPECT_THROW(clone->ResumeDiscreteCombinations(model), std::out_of_range);
   clone->ReadDataStream(text);
   EXPECT_EQ(clone->ResumeDiscreteCombinations(model), 0);
-  EXPECT_EQ(clone->ReaderType(), ReaderTypeText);
+}
+
+TEST(Corners, OneReaderType) {
+  EXPECT_EQ(CReaderPXROMDatabase().ReaderType(), ReaderTypeText);
   EXPECT_EQ(CReaderFMUModelDescription().ReaderType(), ReaderTypeText);
   const std::unique_ptr<CReader> base(CReader().Clone());
   EXPECT_EQ(base->ReaderType(), ReaderTypeNone);

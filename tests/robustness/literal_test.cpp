@@ -258,7 +258,7 @@ void ExpectLiteralSurfaces(E_DataType family, int rounds) {
   EXPECT_LT(refused, rounds * 2 / 3) << refused << " of " << rounds;
 }
 
-TEST(Literal, SurfacesOfEachFamilyAreTheSame) {
+TEST(Literal, BitsAreDefined) {
   ExpectLiteralSurfaces<CKrigingData>(DT_KrigingData, 400);
   ExpectLiteralSurfaces<CQRSData>(DT_QRSData, 600);
   ExpectLiteralSurfaces<CSVRData>(DT_SVRData, 1000);

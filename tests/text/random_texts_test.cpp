@@ -26,7 +26,7 @@ std::string InRange(int lower, int upper, const std::string& text, char outer = 
   return std::string({outer, ';', static_cast<char>(lower), static_cast<char>(upper)}) + text;
 }
 
-TEST(OddTokens, ReadAsAStreamReadsThem) {
+TEST(OddTokens, ClassicLocale) {
   std::vector<std::string> tokens = Split(
       "| |\r| \t\n\v\f\r|1|-1|+1.5| 7|\r3|1 2|1\r|1e|1e+|1e-|1E5|1e5.5|1.e2|.5|.|-.|+.5e1|-|"
       "+|--1|+-1|e5|.e5|1.2.3|1e5e5|inf|-inf|nan|NAN(1)|infinity|0x10|0x1p3|1f|1d5|1,5|1_0|"

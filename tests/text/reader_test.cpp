@@ -19,7 +19,7 @@ class OpenReader : public CReader {
 using IntPairs = std::vector<std::pair<std::string, int>>;
 using StringPairs = std::vector<std::pair<std::string, std::string>>;
 
-TEST(Reader, CopiesAreEmptyAndAssignmentsAreNot) {
+TEST(Reader, ReaderCopyIsEmpty) {
   OpenReader reader;
   std::stringstream stream("all of it");
   std::string word;
@@ -33,12 +33,16 @@ TEST(Reader, CopiesAreEmptyAndAssignmentsAreNot) {
   EXPECT_EQ(assigned.Text(), "all of it");
 }
 
+TEST(Reader, BlankIntRepeats) {
+  const CReader reader;
+  EXPECT_EQ(reader.TokenizeInt("3,,x", ','), (std::vector<int>{3, 3, 0}));
+  EXPECT_EQ(reader.TokenizeInt(",4, ,", ','), (std::vector<int>{0, 4, 4}));
+}
+
 TEST(Reader, SplitsAsTheFormatSays) {
   const CReader reader;
   EXPECT_EQ(reader.TokenizeDouble("1.5,abc,,2", ','), (std::vector<double>{1.5, 0, 0, 2}));
   EXPECT_EQ(reader.TokenizeDouble("1,2,", ',').size(), 2u);
-  EXPECT_EQ(reader.TokenizeInt("3,,x", ','), (std::vector<int>{3, 3, 0}));
-  EXPECT_EQ(reader.TokenizeInt(",4, ,", ','), (std::vector<int>{0, 4, 4}));
   EXPECT_EQ(reader.TokenizeString("a,b\r\n", ','), (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(reader.TokenizeString("a\n,b\n\n\r\r", ','),
             (std::vector<std::string>{"a\n", "b\n\r"}));

@@ -76,13 +76,18 @@ TEST(Database, ReadsWholeWhateverTheOrderOfItsGroupsAndItsLineEnds) {
     NamedValues outputs;
     EXPECT_EQ(model.Evaluate({}, {{"x", 0.6}}, outputs), 0);
     EXPECT_EQ(outputs, (NamedValues{{"y", 7}}));
-    // A second read adds to the first.
-    EXPECT_EQ(Read(text, model), 0);
-    EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
   }
 }
 
-TEST(Database, VersionAndFlagDecideAboutCrossValidation) {
+TEST(Database, ReadingAdds) {
+  CDiscreteCombinations model;
+  EXPECT_EQ(Read(Database(), model), 0);
+  EXPECT_EQ(Read(Database(), model), 0);
+  EXPECT_EQ(model.GetOutputsWrtDiscCombPtr()->size(), 2u);
+  EXPECT_EQ(model.GetDiscreteCombinationsIndexingPtr()->at({}), 1);
+}
+
+TEST(Database, VersionsMostlyIgnored) {
   for (const auto& [from, to] :
        {std::pair("CandidateVersion=192", "CandidateVersion=170"),
         std::pair("OfError=1", "OfError=0"), std::pair("GARS_", "gone_")}) {
@@ -93,6 +98,21 @@ TEST(Database, VersionAndFlagDecideAboutCrossValidation) {
     const auto* candidate = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
     EXPECT_FALSE(candidate->GetIsErrPredRequired());
     EXPECT_EQ(candidate->GetSubRSCounts(), 0u);
+    EXPECT_EQ(candidate->DataVersion(), FittingCandidateVersion192);
+  }
+}
+
+TEST(Database, RegistryListLengths) {
+  const std::tuple<const char*, const char*, int> changes[] = {
+      {"Causalities=0,1", "Causalities=0", 1},
+      {"Types=0,0", "Types=", 1},
+      {"Availability=1,1", "Availability=1", 1},
+      {"Causalities=0,1", "Causalities=0,1,7", 0},
+      {"{x;0},{y;1}", "{x;0}", 1},
+      {"{x;0},{y;1}", "{x;0},{y;1},{x;0}", 1},
+  };
+  for (const auto& [from, to, status] : changes) {
+    EXPECT_EQ(Status(Replaced(Database(), from, to)), status) << from << " -> " << to;
   }
 }
 
@@ -101,10 +121,6 @@ TEST(Database, WhatCannotBeHonouredIsRefused) {
       {"IDs=x,y", "IDs="},
       {"IDs=x,y\n", "IDs=\r\n"},
       {"IDs=", "Ids="},
-      {"Causalities=0,1", "Causalities=0"},
-      {"Types=0,0", "Types="},
-      {"Availability=1,1", "Availability=1"},
-      {"{x;0},{y;1}", "{x;0}"},
       {"{x;0},{y;1}", "{x;0},{z;1}"},
       {"Types=0,0", "Types=2,0"},
       {"{y;3}", "{y;3},{y;3}"},
@@ -128,7 +144,7 @@ TEST(Database, WhatCannotBeHonouredIsRefused) {
   }
 }
 
-TEST(Database, ANegativeNumberOfSurfacesCountsAsNone) {
+TEST(Database, NegativeSurfaceCount) {
   const auto countsOf = [](const std::string& text) {
     CDiscreteCombinations model;
     EXPECT_EQ(Read(text, model), 0);
@@ -141,7 +157,7 @@ TEST(Database, ANegativeNumberOfSurfacesCountsAsNone) {
   EXPECT_EQ(countsOf(text), std::pair(std::size_t{0}, std::size_t{0}));
 }
 
-TEST(Database, SearchesThatFindSomethingElseAreKept) {
+TEST(Database, GroupSearchUntested) {
   // A missing group of that number finds the first one in its place.
   EXPECT_EQ(Status(Replaced(Database(), "{y;3}", "{y;4}")), 0);
   // A surface without its closing tag reaches to the next one.
@@ -152,7 +168,7 @@ TEST(Database, SearchesThatFindSomethingElseAreKept) {
   EXPECT_EQ(Status(Replaced(Database(), "\n</DiscreteSets>", "</DiscreteSets>")), 0);
 }
 
-TEST(Database, ExceptionsComeFromEmptyPairsAndFromTextsThatEndTooSoon) {
+TEST(Database, ReadingOutOfRange) {
   CDiscreteCombinations model;
   EXPECT_THROW(Read("", model), std::out_of_range);
   EXPECT_THROW(Read(Replaced(Database(), "{x;0},{y", "{x;0},,{y"), model), std::out_of_range);
@@ -170,7 +186,7 @@ TEST(Database, ExceptionsComeFromEmptyPairsAndFromTextsThatEndTooSoon) {
   EXPECT_EQ(Read(Database(), after), 0);
 }
 
-TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
+TEST(Database, DiscreteWithoutBounds) {
   std::string text = Database();
   for (const auto& [from, more] :
        {std::pair("IDs=x,y", ",k"), std::pair("Causalities=0,1", ",0"),
@@ -183,11 +199,19 @@ TEST(Database, DiscreteParametersGetNoUnitAndNoBounds) {
   ASSERT_EQ(Read(text, model), 0);
   EXPECT_EQ(model.ListParameterUnit({"k"})[0].second, "");
   EXPECT_EQ(model.ListLowerBound({"k"}), (NamedValues{{"k", 0}}));
-  // Only 1 is enabled.
-  EXPECT_FALSE(model.IsEnabled("k"));
-  // Once it is, a combination without its value is refused.
+  // Once it is enabled, a combination without its value is refused.
   text = Replaced(text, "Availability=1,1,2", "Availability=1,1,1");
   EXPECT_EQ(Status(Replaced(text, "DiscreteSet={y;3}", "DiscreteSet=")), 1);
+}
+
+TEST(Database, OnlyOneIsAvailable) {
+  for (const char* const number : {"2", "0", "-1"}) {
+    const std::string list = std::string("Availability=") + number + ",1";
+    CDiscreteCombinations model;
+    ASSERT_EQ(Read(Replaced(Database(), "Availability=1,1", list), model), 0);
+    EXPECT_FALSE(model.IsEnabled("x")) << number;
+    EXPECT_TRUE(model.IsEnabled("y")) << number;
+  }
 }
 
 TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {

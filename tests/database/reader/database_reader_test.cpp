@@ -32,6 +32,18 @@ TEST(DatabaseReader, GroupsAreFoundByTheirNumber) {
   EXPECT_EQ(start, 7u);
 }
 
+TEST(DatabaseReader, FirstMatchWins) {
+  const OpenReader reader;
+  std::size_t start = 0;
+  std::size_t end = 0;
+  const std::string nested = "<G>a<G>b</G>c</G>";
+  EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(nested, "G", start, end), 0);
+  EXPECT_EQ(nested.substr(start, end - start), "a<G>b");
+  int n = 0;
+  reader.CatchKeyValue("longn=1\nn=2\n", "n=", n, 0, kNone);
+  EXPECT_EQ(n, 1);
+}
+
 TEST(DatabaseReader, BlankValuesLeaveScalarsAndEmptyLists) {
   const OpenReader reader;
   const std::string text = "n=3\nn=4\nempty=\nblank= \r\nword=true\nx= 2.5 m\r\nlist=1,2";
@@ -99,15 +111,22 @@ TEST(DatabaseReader, ReadsTheBaseRecordAsTheTextHasIt) {
   EXPECT_EQ(read.data.ConstantDataVersion(), 171);
 }
 
-TEST(DatabaseReader, MissingScalarsRepeatTheOneBeforeOrAreZero) {
+TEST(DatabaseReader, SharedScaleLocal) {
   EXPECT_EQ(Read(Without("OutputScaleIntercept=")).data.OutputScaleIntercept, 3);
   EXPECT_EQ(Read(Without("OutputScaleSlope=")).data.OutputScaleSlope, 0);
-  EXPECT_EQ(Read(Without("NumberOfSamples=")).data.NumberOfSamples, 0);
   EXPECT_TRUE(Read(Without("IsStopped=")).data.Stopped);
   EXPECT_FALSE(Read(Without("IsReadyForEvaluation=")).data.ReadyForEvaluation);
-  double value = 1.0;
-  Read(Without("ConstantValue=")).data.GetConstantValue(value);
-  EXPECT_EQ(value, 0.0);
+}
+
+TEST(DatabaseReader, SilentReading) {
+  for (const std::string& text : {Without("ConstantValue="), With("ConstantValue=seven")}) {
+    const ReadConstant read = Read(text);
+    EXPECT_EQ(read.status, 0);
+    double value = 1.0;
+    read.data.GetConstantValue(value);
+    EXPECT_EQ(value, 0.0);
+  }
+  EXPECT_EQ(Read(Without("NumberOfSamples=")).data.NumberOfSamples, 0);
 }
 
 TEST(DatabaseReader, CountsBeyondTheListAreRefusedBeforeAnythingIsAllocated) {

@@ -54,13 +54,23 @@ TEST(FMUDescriptionReader, ReadsRealModelDescriptions) {
     const Names outputs = reader.ListParameterImmutableID(CausalityOutput);
     ASSERT_EQ(outputs.size(), c.outputs) << c.file;
     EXPECT_EQ(outputs.back(), c.lastOutput);
-    EXPECT_EQ(reader.GetNumberOfBooleans(), 0);
-    EXPECT_EQ(reader.GetNumberOfStrings(), 0);
-    EXPECT_EQ(reader.GetNumberOfEventIndicators(), 0);
   }
 }
 
-TEST(FMUDescriptionReader, CountsEveryVariableButEntersEachNameOnce) {
+TEST(FMUDescriptionReader, FmiUncountedTypes) {
+  const auto reader = Parsed(ContentOf(SourcePath("tests/data/fmi/Feedthrough.xml")));
+  EXPECT_EQ(reader.GetParameterValueReferences().count("String_output"), 1u);
+  EXPECT_EQ(reader.GetParameterValueReferences().count("Boolean_output"), 1u);
+  EXPECT_EQ(reader.GetNumberOfBooleans(), 0);
+  EXPECT_EQ(reader.GetNumberOfStrings(), 0);
+  EXPECT_EQ(reader.GetNumberOfEventIndicators(), 0);
+  const std::size_t typed = reader.ListParameterImmutableID(ContinuousNotManufacturable).size() +
+                            reader.ListParameterImmutableID(DiscreteParameter).size();
+  // Two each of Boolean, String and Enumeration have no type.
+  EXPECT_EQ(reader.ListParameterImmutableID().size(), typed + 6);
+}
+
+TEST(FMUDescriptionReader, FmiRealsCountTwice) {
   const auto reader = Parsed(
       Document(Variable("name=\"b\" valueReference=\"7\" causality=\"input\"", "Real") +
                Variable("name=\"a\" valueReference=\" 8x\" causality=\"output\"", "Integer") +
@@ -78,7 +88,7 @@ TEST(FMUDescriptionReader, CountsEveryVariableButEntersEachNameOnce) {
   EXPECT_EQ(reader.GetNumberOfContinuousStates(), 3);
 }
 
-TEST(FMUDescriptionReader, TakesWhatAVariableLacksFromALaterOne) {
+TEST(FMUDescriptionReader, FmiWordScan) {
   const auto reader = Parsed(Document(Variable("name=\"a\"", "String") +
                                       Variable("displayname=\"z\" name=\"b\" valueReference=\"5\" "
                                                "causality=\"input\"",

@@ -12,7 +12,7 @@ CConstantData Ready(int inputs) {
   return data;
 }
 
-TEST(Constant, ClaimsAnErrorOnlyWithoutInputs) {
+TEST(Constant, ConstantError) {
   const CConstantEvaluator evaluator;
   for (const int inputs : {0, 2}) {
     const CConstantData data = Ready(inputs);

@@ -33,7 +33,6 @@ TEST(KrigingData, IsAllRightLooksAtEachPart) {
       [](CKrigingData& r) { r.CorrelationCoefficients.push_back(1.0); },
       [](CKrigingData& r) { r.PolynomialType = PolyPureQuadratic; },
       [](CKrigingData& r) { r.PolynomialType = E_PolynomialType(7); },
-      [](CKrigingData& r) { r.CorrelationKernels.pop_back(); },
   };
   std::mt19937 random(1U);
   EXPECT_TRUE(literal::RandomKriging(random, 1, PolyNone, 5, 2, false).IsAllRight());
@@ -45,6 +44,16 @@ TEST(KrigingData, IsAllRightLooksAtEachPart) {
     change(record);
     EXPECT_FALSE(record.IsAllRight());
   }
+}
+
+TEST(KrigingData, KrigingOneKernelPerInput) {
+  std::mt19937 random(1U);
+  CKrigingData record = literal::RandomKriging(random, CorrGaussian, PolyNone, 5, 2, true);
+  ASSERT_EQ(record.CorrelationKernels.size(), 1U);
+  EXPECT_FALSE(record.IsAllRight());
+  EXPECT_FALSE(std::isnan(Value(CKrigingEvaluator(), record, {0.5, 0.5})));
+  record.CorrelationKernels.push_back(1.0);
+  EXPECT_TRUE(record.IsAllRight());
 }
 
 TEST(KrigingData, PolynomialVectorAndMatrixDifferInTheirStatuses) {
@@ -60,7 +69,7 @@ TEST(KrigingData, PolynomialVectorAndMatrixDifferInTheirStatuses) {
   EXPECT_EQ(rows, Matrix(2));
 }
 
-TEST(KrigingData, ScalingFactorsKeepTheirUnevenRules) {
+TEST(KrigingData, KrigingOutputIntercept) {
   CKrigingData record;
   record.NumberOfInputVariables = 4;
   record.InputSamples = {{1.0, -1e-08, 1e+30, 9e-09}, {5.0, 0.0, 0.0, 0.0}};
@@ -134,6 +143,10 @@ TEST(KrigingCorrelation, CutsOffAtTheStatedPlaces) {
   }
 }
 
+TEST(KrigingCorrelation, KrigingMultiquadric) {
+  EXPECT_EQ(Correlate(CorrMultiquadric, {2.0}, {5.0}, {0.0}, 1), std::sqrt(4.0 + 5.0));
+}
+
 TEST(KrigingCorrelation, RefusesWhatDoesNotFit) {
   const Vector two = {1.0, 2.0};
   EXPECT_EQ(Correlate(2, {1.0}, {}, {}, 0), -1.0);
@@ -144,7 +157,7 @@ TEST(KrigingCorrelation, RefusesWhatDoesNotFit) {
   EXPECT_EQ(Correlate(2, two, {1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}, 3), -2.0);
 }
 
-TEST(KrigingData, BasisOfAPoint) {
+TEST(KrigingData, KrigingUnknownTrend) {
   const struct {
     int type;
     int status;
@@ -162,7 +175,7 @@ TEST(KrigingData, BasisOfAPoint) {
   }
 }
 
-TEST(KrigingCorrelation, MatrixFillsTheStrictLowerTriangleOnly) {
+TEST(KrigingCorrelation, KrigingLowerTriangle) {
   CKrigingData record;
   record.NumberOfInputVariables = 1;
   record.CorrelationFunctionType = CorrLinear;

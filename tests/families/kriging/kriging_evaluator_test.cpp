@@ -25,7 +25,7 @@ void SetTrend(CKrigingData& record, int type, const Vector& coefficients) {
 // they are left scaled and cut to NumberOfSamples; what fails before leaves them.
 enum Outcome { kComplete, kNoError, kTrendFails, kRefused };
 
-TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
+TEST(KrigingEvaluator, KrigingErrorWritesRecord) {
   const std::pair<Outcome, Change> cases[] = {
       {kComplete, [](CKrigingData&) {}},
       {kComplete, [](CKrigingData& r) { r.NumberOfSamples = 0, r.CorrelationCoefficients = {}; }},
@@ -80,10 +80,28 @@ TEST(KrigingEvaluator, RepeatedCallsDriftUnlessTheErrorIsThere) {
     }
   }
   ExpectEachRefused<CKrigingData>(kEvaluator, SmallRecord(), {1.5}, {}, true);
+}
+
+TEST(KrigingEvaluator, KrigingDerivativeEmpty) {
   Vector gradient = {4.0};
   EXPECT_EQ(kEvaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(nullptr, {}, gradient),
             0);
   EXPECT_EQ(gradient, Vector{4.0});
+}
+
+TEST(KrigingEvaluator, KrigingErrorScaled) {
+  const auto errorOf = [](double slope, double sign) {
+    CKrigingData record = SmallRecord();
+    record.OutputScaleSlope = slope;
+    record.Sigma2 *= sign;
+    double y = 0.0;
+    double error = 0.0;
+    EXPECT_EQ(kEvaluator.EvaluateResponseSurface(&record, {1.5}, y, error), 0);
+    return error;
+  };
+  EXPECT_GT(errorOf(1.0, 1.0), 0.0);
+  EXPECT_EQ(errorOf(8.0, 1.0), errorOf(1.0, 1.0));
+  EXPECT_EQ(errorOf(1.0, -1.0), errorOf(1.0, 1.0));
 }
 
 TEST(KrigingEvaluator, ANegativeNumberOfSamplesLeavesTheTrend) {

@@ -30,7 +30,7 @@ TEST(KrigingReading, SurfacesFromTextAgreeWithADenseSolve) {
   }
 }
 
-TEST(KrigingReading, ShortErrorDataLeaveTheErrorUnavailableNotHalfFilled) {
+TEST(KrigingReading, ShortErrorDataDropped) {
   const std::string text = Surfaces()[0]["text"];
   for (const std::string first :
        {"KrigingInverseOfC=1,2,3", "KrigingInverseOfG=", "KrigingFTilde=6",

@@ -72,13 +72,23 @@ TEST(LinearBasis, RecordsThatCannotBeHonouredAreRefused) {
        {"no output", [](CLBFData& r) { r.NumberOfSamples = 1, r.OutputSamples = {}; }}});
 }
 
-TEST(LinearBasis, OneSampleAloneAnswersWithItsOutputWhateverElseTheRecordHolds) {
+TEST(LinearBasis, LbfSamplesUnscaled) {
   CLBFData record = SmallRecord();
   record.OutputSamples.pop_back();
   // The scaled point 2 lies on the second sample: 5 / (4 + 1) + 1 / (0 + 1) + 10 + 200.
   EXPECT_EQ(Value(kEvaluator, record, {1}), 212.0);
-  record.InputSamples[0].push_back(99.0);  // behind the inputs
+  record.InputSamples[0].push_back(99.0);  // after the inputs
   EXPECT_EQ(Value(kEvaluator, record, {1}), 212.0);
+}
+
+TEST(LinearBasis, ScalingThatDoesNotFit) {
+  CLBFData record = SmallRecord();
+  record.InputScaleSlopes.push_back(1.0);
+  EXPECT_EQ(Value(kEvaluator, record, {2}), 212.0);
+}
+
+TEST(LinearBasis, LbfSingleSample) {
+  CLBFData record = SmallRecord();
   record.NumberOfSamples = 1;
   record.OutputScaleSlope = 0;
   Take(6, record.BasisFunctionType);

@@ -64,6 +64,23 @@ TEST(MovingLeastSquares, PredictionsMatchTheFormulas) {
   ExpectPredictions<CMLSData>("mls_predictions", kEvaluator, 1e-8, fill);
 }
 
+TEST(MovingLeastSquares, MlsIgnoresScaling) {
+  CMLSData record = SmallRecord();
+  const double plain = Value(kEvaluator, record, {1.5});
+  record.InputScaleSlopes = {4.0};
+  record.OutputScaleIntercept = 9.0;
+  EXPECT_EQ(Value(kEvaluator, record, {1.5}), plain);
+}
+
+TEST(MovingLeastSquares, MlsRefusesRegressionLine) {
+  CMLSData record = SmallRecord();
+  record.WeightFunction = WeightConstant;
+  ExpectRefused(kEvaluator, &record, {1.5}, "a line with constant weights");
+  record.PolynomialType = PolyConstant;
+  record.NumberOfBasisFunctions = 1;
+  EXPECT_NEAR(Value(kEvaluator, record, {1.5}), (1.0 + 4.0 + 9.0) / 3.0, 1e-6);
+}
+
 TEST(MovingLeastSquares, RecordsThatCannotBeHonouredAreRefused) {
   ExpectValuesOnly<CMLSData>(
       kEvaluator, SmallRecord(), {1.5},

@@ -73,8 +73,14 @@ TEST(GoodnessOfFit, HandsOverExactlyTheColumns) {
   EXPECT_EQ(record.QryRegTermIsActive(1), 0);
   gof.status = 5;
   EXPECT_EQ(evaluator.EvalGoodnessOfFit(&record, gof), 5);
-  EXPECT_EQ(evaluator.EvalR2Only(&record, gof), 5);
-  EXPECT_EQ(gof.got, (Matrix{{}, {}}));  // two empty columns, deliberately
+}
+
+TEST(GoodnessOfFit, R2EmptyColumns) {
+  const CQRSData record = LogRecord();
+  Recorder gof;
+  gof.status = 5;
+  EXPECT_EQ(CQRSEvaluator().EvalR2Only(&record, gof), 5);
+  EXPECT_EQ(gof.got, (Matrix{{}, {}}));
 }
 
 TEST(GoodnessOfFit, RefusalsDoNotTouchTheMeasure) {

@@ -173,14 +173,24 @@ TEST(QRSData, DesignMatrixInBothForms) {
   EXPECT_EQ(record.BuildDesignMtx(DRecMtx(3, 2), 3, record.RegTerms, block), 1);
 }
 
-TEST(QRSData, TransformsInputsAndOutputs) {
+CQRSData BoxCoxOfTwoInputs() {
   CQRSData record;
   record.InputTransformType = TransformBox;
   record.InputTransformValues = {0.0, 0.0};
   record.InputLambdas = {2.0, 2.0};
+  return record;
+}
+
+TEST(QRSData, RefusedInputStays) {
+  const CQRSData record = BoxCoxOfTwoInputs();
   Vector x = {3.0, -1.0};
   EXPECT_EQ(record.TransformAndOverwriteInputSample(x), 0);
-  EXPECT_EQ(x, (Vector{4.0, -1.0}));  // outside the guard: as it was, not reported
+  EXPECT_EQ(x, (Vector{4.0, -1.0}));
+}
+
+TEST(QRSData, TransformsInputsAndOutputs) {
+  CQRSData record = BoxCoxOfTwoInputs();
+  Vector x = {3.0, 3.0};
   Matrix rows = {{3.0}, {3.0, 3.0, 3.0}, {3.0}};
   EXPECT_EQ(record.TransformAndOverwriteInputSamples(rows), 1);  // longer than the lambdas
   EXPECT_EQ(rows, (Matrix{{4.0}, {3.0, 3.0, 3.0}, {3.0}}));
@@ -198,7 +208,7 @@ TEST(QRSData, TransformsInputsAndOutputs) {
   EXPECT_EQ(record.BacktransformAndOverwriteOutputSample(ys[0]), 1);
 }
 
-TEST(QRSData, AFailedTransformCheckStopsTheRecordForGood) {
+TEST(QRSData, FailedCheckStops) {
   CQRSData record = PlainRecord(1, kThreeTerms, {{1.0}}, {2.0});
   record.InputTransformValues = {0.0};
   record.InputTransformType = TransformBox;
@@ -213,6 +223,16 @@ TEST(QRSData, AFailedTransformCheckStopsTheRecordForGood) {
   EXPECT_FALSE(record.Stopped);
 }
 
+TEST(QRSData, NoAbsoluteValue) {
+  const CQRSData record;
+  double out = -7.0;
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0, -1.0}, 2, out), 0);
+  EXPECT_EQ(out, 0.0);
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0, 3.0, 4.0}, 2, out), 0);
+  EXPECT_EQ(out, 3.0);
+  EXPECT_EQ(record.GetMaxMagnitude({-5.0}, 2, out), 1);
+}
+
 TEST(QRSData, SmallOddities) {
   CQRSData record;
   record.SetRegTermFilterConfVal(0.75);
@@ -223,11 +243,6 @@ TEST(QRSData, SmallOddities) {
     EXPECT_EQ(record.GetRegTermFilterConfVal(out), hasValue ? 0 : 1);
     EXPECT_EQ(out, hasValue ? 0.75 : -7.0);
   }
-  EXPECT_EQ(record.GetMaxMagnitude({-5.0, -1.0}, 2, out), 0);
-  EXPECT_EQ(out, 0.0);
-  EXPECT_EQ(record.GetMaxMagnitude({-5.0, 3.0, 4.0}, 2, out), 0);
-  EXPECT_EQ(out, 3.0);
-  EXPECT_EQ(record.GetMaxMagnitude({-5.0}, 2, out), 1);
   record = PlainRecord(2, kThreeTerms);
   int count = 0;
   EXPECT_EQ(record.GetNumberOfRegTerms(count), 0);

@@ -44,10 +44,13 @@ TEST(RegTerms, ValueGradientAndDesignRow) {
   // x[i0] * c * x[i1], in this order.
   ASSERT_NE(0.1 * 0.9 * 5.0, 0.1 * 5.0 * 0.9);
   ExpectAnswers({FuncTypeCrossQuad, {2, 1}, 0.9}, 0.1 * 0.9 * 5.0, 0.5, {0, 0.1 * 0.9, 4.5});
-  ExpectAnswers({FuncTypeCrossQuad, {0, 0}, 2.0}, 18.0, 9.0, {6, 0, 0});  // half of the true 12
   ExpectAnswers({FuncTypeCrossPoly, {0, 0, 1}, 2.0}, 90.0, 45.0, {60, 18, 0});
   ExpectAnswers({FuncTypeCrossPoly, {1, 1, 1, 0, 0}, 1.0}, 1125.0, 1125.0, {750, 675, 0});
   ExpectAnswers({FuncTypeCrossPoly, {}, 4.0}, 4.0, 1.0, {0, 0, 0});
+}
+
+TEST(RegTerms, CrossTermHalfGradient) {
+  ExpectAnswers({FuncTypeCrossQuad, {0, 0}, 2.0}, 18.0, 9.0, {6, 0, 0});  // half of the true 12
 }
 
 TEST(RegTerms, CarryATagForHosts) {
@@ -101,7 +104,6 @@ TEST(RegTerms, RefuseWhatIsNotSetOrOutsideAndWriteNothing) {
 TEST(RegTerms, IndicesByClass) {
   const int list[] = {4, 5, 6};
   int out[3] = {-1, -1, -1};
-  int count = 0;
   ConstTerm constant;
   EXPECT_EQ(constant.SetUsedInpVarIdx(0, nullptr), 0);
   EXPECT_EQ(constant.SetUsedInpVarIdx(1, list), 1);
@@ -112,8 +114,12 @@ TEST(RegTerms, IndicesByClass) {
   EXPECT_EQ(cross.SetUsedInpVarIdx(2, list), 0);
   EXPECT_EQ(cross.GetUsedInpVarIdx(out), 0);
   EXPECT_EQ(out[1], 5);
+}
 
-  // A product of any list copies on its old length.
+TEST(RegTerms, CrossPolyIndices) {
+  const int list[] = {4, 5, 6};
+  int out[3] = {-1, -1, -1};
+  int count = 0;
   CrossPolyTerm any;
   EXPECT_EQ(any.GetNumUsedInpVar(count), 0);
   EXPECT_EQ(count, -99);

@@ -70,9 +70,16 @@ TEST(Transformers, GuardsLeaveTheArgumentAndYeoItsFailureValue) {
   EXPECT_EQ(Step(7, true, 0.0, 0, 2).first, -0.5);
   EXPECT_TRUE(std::isnan(Step(3, true, -1.0, 0, 0).first));
   EXPECT_EQ(Step(7, true, 3.0, 0, 1e-6).first, (std::pow(3.0, 1e-6) - 1.0) / 1e-6);
-  // The limit of a power stands the wrong way round for exponents below 1.
-  EXPECT_EQ(Step(6, false, 9.0, 0.5, 0), std::pair(9.0, 1));
-  EXPECT_EQ(Step(6, false, 1e50, 0.5, 0), std::pair(std::pow(1e50, 2.0), 0));
+}
+
+TEST(Transformers, TransformationsWithoutInverse) {
+  EXPECT_EQ(Step(TransformLogA, false, 1.5, 3.0, 0), std::pair(std::log(3.0) * std::exp(1.5), 0));
+  const std::pair<double, int> forward = Step(TransformLogBox, true, 1.5, 0, 2.0);
+  EXPECT_EQ(forward, std::pair(std::exp(std::pow(2.0 * 1.5 + 1.0, 0.5)), 0));
+  EXPECT_EQ(Step(TransformLogBox, false, 1.5, 0, 2.0), forward);
+  // Ordinary values are refused for exponents below 1.
+  EXPECT_EQ(Step(TransformPower, false, 9.0, 0.5, 0), std::pair(9.0, 1));
+  EXPECT_EQ(Step(TransformPower, false, 1e50, 0.5, 0), std::pair(std::pow(1e50, 2.0), 0));
 }
 
 #ifndef _MSC_VER  // which writes pointers to virtual operations in another way

@@ -36,6 +36,21 @@ TEST(SupportVector, KernelsMatchTheFormulasAtAndAroundTheirCutOffs) {
   }
 }
 
+TEST(SupportVector, SvrEpanechnikov) {
+  CSVRData record;
+  record.KernelArray = {1};
+  double value = kUntouched;
+  EXPECT_EQ(record.EvaluateSVRKernel(SVRKernEpanechnikov, {0.5}, {0}, value), 0);
+  EXPECT_EQ(value, 0.75 * (1.0 - 0.25 * 0.25));
+}
+
+TEST(SupportVector, ScalingThatDoesNotFit) {
+  CSVRData record = SmallRecord();
+  const double unscaled = Value(kEvaluator, record, {3});
+  record.InputScaleSlopes = {2, 2};
+  EXPECT_EQ(Value(kEvaluator, record, {3}), unscaled);
+}
+
 TEST(SupportVector, PredictionsMatchTheFormulas) {
   const auto fill = [](const nlohmann::json& item, CSVRData& record) {
     Take(item["kernel"], record.SVRKernType);
@@ -61,7 +76,7 @@ TEST(SupportVector, RecordsThatCannotBeHonouredAreRefused) {
        {"betas too many", [](CSVRData& r) { Take(2, r.SVRLossFuncType), r.Betas = Vector(4); }}});
 }
 
-TEST(SupportVector, WhatTheSumDoesNotNeedIsNotLookedAt) {
+TEST(SupportVector, EvaluatorsSkipChecks) {
   CSVRData record = SmallRecord();
   record.Betas = Vector(9, 1.0);
   // 1 k(0) - 1 k(1) + 4 k(2) at 3, with k(y) = 1 + 3 y.
@@ -117,7 +132,7 @@ TEST(SupportVector, WidthsAreHalfTheInverseMeanVariance) {
   }
 }
 
-TEST(SupportVector, TheCheckOfTheWidthsAsksForADifference) {
+TEST(SupportVector, SvrKernelArrayCheck) {
   CSVRData record = SmallRecord();
   EXPECT_TRUE(record.IsKernelArrayCorrect());
   EXPECT_TRUE(record.IsAllRight());
