@@ -1,9 +1,9 @@
 #include "numerics/bessel.h"
 
-#include <math.h>  // the functions are POSIX's, and in the global namespace
+#include <math.h>  // the functions are those of POSIX, in the global namespace
 
 #if defined(__MINGW32__) && defined(__STRICT_ANSI__)
-// The header hides them from a compiler that is held to the standard.
+// The header hides them from a compiler that follows the standard strictly.
 extern "C" double _j0(double x);
 extern "C" double _j1(double x);
 #endif

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Two shapes with what depends on them alone: an iteration over x computes it once.
+/// Two shapes and what depends only on them, so an iteration over x computes it once.
 struct Shapes {
   Shapes(double shapeA, double shapeB) : a(shapeA), b(shapeB) {
     status = GammaLn(a, lnGammaA) + GammaLn(b, lnGammaB) + GammaLn(a + b, lnGammaSum);
@@ -22,6 +22,8 @@ struct Shapes {
   int status = 0;
 };
 
+/// The regularised incomplete Beta function by its continued fraction: Abramowitz and
+/// Stegun 26.5.8; Press et al., Numerical Recipes in C (1992), section 6.4.
 int Ratio(const Shapes& shapes, double x, double& out) {
   const auto& [a, b, lnGammaA, lnGammaB, lnGammaSum, status] = shapes;
   if (status != 0) return status;
@@ -30,7 +32,7 @@ int Ratio(const Shapes& shapes, double x, double& out) {
                        : std::exp(std::log(x) * a + ((lnGammaSum - lnGammaA) - lnGammaB) +
                                   std::log(1.0 - x) * b);
   double fraction = 0.0;
-  // The fraction converges fast below the mean; above it, the mirrored one does.
+  // The fraction converges fast below the mean. Above it, I_x(a, b) = 1 - I_(1-x)(b, a) is used.
   if ((a + 1.0) / (a + b + 2.0) <= x) {
     if (BetaContinuedFraction(b, a, 1.0 - x, fraction) != 0) return 1;
     out = 1.0 - fraction * f / b;
@@ -163,8 +165,8 @@ int BetaDist::EvalInvCdf(const double& shapeR, const double& shapeT, const doubl
     if (next > 0.0 && next < 1.0) {
       x = next;
     } else {
-      // A step out of the interval goes half the way to its end. The second test looks at x as
-      // the first one left it.
+      // A step out of the interval goes half the way to its end. The second test uses the x that
+      // the first one left.
       if (next <= 0.0) x = x * 0.5;
       if (x + step >= 1.0) x = (x + 1.0) * 0.5;
     }

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstdio>
 
-/// Writing to the standard output, for the few operations whose messages belong to their contract.
+/// Writing to the standard output, for the few operations that promise a message.
 namespace console {
 
 inline void Print(const char* text) { std::fputs(text, stdout); }

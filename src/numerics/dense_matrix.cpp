@@ -35,8 +35,8 @@ DMtx& DMtx::operator=(const DMtx& other) {
   if (this == &other) return *this;
   std::unique_ptr<double[]> data;
   if (other.Data != nullptr) {
-    // The whole block: after a shrinking SetDimensions, it is still what a SetDimensions back
-    // shows.
+    // The whole block: after SetDimensions has shrunk a matrix, another SetDimensions can show the
+    // other elements again.
     data = std::make_unique<double[]>(static_cast<std::size_t>(other.Capacity));
     std::copy_n(other.Data.get(), other.Capacity, data.get());
   }
@@ -94,7 +94,7 @@ int DMtx::Resize(const int& rowDelta, const int& colDelta) {
   Clear();
   if (SetDimensions(static_cast<int>(rows), static_cast<int>(cols)) != 0 ||
       AllocateStorage() != 0) {
-    // A kind that refuses the new shape loses its elements, and the status still says done.
+    // A vector that refuses the new shape loses its elements, and the status is still 0.
     Rows = 0;
     Cols = 0;
     return 0;
@@ -191,7 +191,7 @@ int DMtx::GetColumnAsVector(const int& j, DColVec& vector) const {
   if (!HasColumn(j) || length > Rows) return 1;
   std::vector<double> block(static_cast<std::size_t>(Rows));  // `vector` may be this object
   GetColumn(j, block.data());
-  vector.AssignChecked(block.data());  // an empty vector takes nothing, and that is no failure here
+  vector.AssignChecked(block.data());  // an empty vector takes nothing, which is not a failure here
   return 0;
 }
 
@@ -203,7 +203,7 @@ int DMtx::GetColumn(const int& j, double* out) const {
 
 int DMtx::GetElement(const int& i, const int& j, double& out) const {
   if (i >= Rows || j >= Cols) return 1;
-  // A negative index passes, so that it is the position that has to be looked at.
+  // A negative index is not refused as such, so the position is tested.
   const std::ptrdiff_t position = Position(i, j, Cols);
   if (position < 0 || position >= Size) return 1;
   out = Data[static_cast<std::size_t>(position)];
@@ -356,7 +356,7 @@ int DRecMtx::AppendTo(DRecMtx& target, bool byRows) const {
     return 0;
   }
 
-  // This matrix may be the target, whose dimensions change on the way.
+  // This matrix may be the target, whose dimensions change below.
   const int rows = Rows;
   const int cols = Cols;
   if (byRows ? cols != targetCols : rows != targetRows) return 1;

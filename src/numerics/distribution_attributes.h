@@ -14,14 +14,14 @@ enum E_DistAttrStatus : std::int32_t {
 };
 
 /// One named quantity that describes a distribution, such as its mean. SetValue returns 0 when it
-/// takes a value; a refused one leaves the value as it was and the reason in GetAttrStatus.
+/// takes a value. A refused value changes nothing, and GetAttrStatus gives the reason.
 class DistAttr {
  public:
   virtual ~DistAttr();
-  /// A value with a probability, for Prct alone: the others return 1 and do nothing.
+  /// A value with a probability. Only Prct has it; the others return 1 and do nothing.
   virtual int SetValue(const double& value, const double& prob);
   virtual int SetValue(const double& value) = 0;
-  /// For Prct alone, as above.
+  /// Only Prct has it, as above.
   virtual int GetValue(double& value, double& prob) const;
   virtual int GetValue(double& value) const;
   virtual int GetAttrType(int& type) const;
@@ -123,7 +123,7 @@ class Prct : public DistAttr {
   int GetValue(double& value, double& prob) const override;
   /// The probability, not the value.
   int GetValue(double& prob) const override;
-  /// 1 also when `target` is no Prct.
+  /// 1 also when `target` is not a Prct.
   int CopyTo(DistAttr* target) const override;
 
  private:

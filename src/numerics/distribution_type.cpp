@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Ascending, and as it must be for any values: one that is not a number stays where it is.
+/// Sorts ascending. A NaN stays where it is and separates the values before and after it.
 void BubbleSort(double* values, int n) {
   for (int end = n - 1; end > 0; --end) {
     for (int i = 0; i < end; ++i) {

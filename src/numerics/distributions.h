@@ -6,7 +6,7 @@
 #include "numerics/distribution_attributes.h"
 
 /// Distributions: the standard Gauss, Beta and gamma functions, and Student's t on top of them. The
-/// library itself asks one thing of all this: StudTDist(dof).EvalInvCdf(p, x).
+/// library itself uses only StudTDist(dof).EvalInvCdf(p, x).
 ///
 /// Statuses: 0 is success and the result is written; on any other status it is untouched, unless a
 /// comment says otherwise.
@@ -24,18 +24,20 @@
 /// time. Memory: only operations with a vector argument and CopyTo allocate.
 
 /// The logarithm of the gamma function of x > 0, by the Lanczos approximation (relative error of
-/// the gamma function about 2e-10). Always 0.
+/// the gamma function about 2e-10). Press et al., Numerical Recipes in C (1992), section 6.1.
+/// Always 0.
 int GammaLn(const double& x, double& out);
 
-/// The regularised lower incomplete gamma function P(a, x), to about 3e-7. 1 when x < 0, a is not
+/// The regularised lower incomplete gamma function P(a, x), to about 3e-7. Press et al. (1992),
+/// section 6.2. 1 when x < 0, a is not
 /// above 0, or on a failure of the two below, one of which it calls: **so also at x = 0**, and for
 /// an a of some hundreds with an x near it.
 int IncompleteGammaP(const double& a, const double& x, double& out);
-/// P(a, x) by its power series, for x < a + 1. 1 when 100 terms do not do. An x that is not above 0
-/// gives the right 0.0 and yet status 1.
+/// P(a, x) by its power series (Abramowitz and Stegun 6.5.29), for x < a + 1. 1 when 100 terms are
+/// not enough. An x that is not above 0 gives 0.0, which is right, and yet status 1.
 int IncompleteGammaSeries(const double& a, const double& x, double& out);
-/// Q(a, x) = 1 - P(a, x) by its continued fraction (modified Lentz), for x >= a + 1. 1 when 100
-/// rounds do not do.
+/// Q(a, x) = 1 - P(a, x) by its continued fraction (Abramowitz and Stegun 6.5.31), for x >= a + 1.
+/// 1 when 100 rounds are not enough.
 int IncompleteGammaContinuedFraction(const double& a, const double& x, double& out);
 
 /// The Beta function B(a, b) of a, b > 0. Always 0.
@@ -43,8 +45,7 @@ int BetaFunction(const double& a, const double& b, double& out);
 /// The regularised incomplete Beta function I_x(a, b), x in 0 to 1, to about 3e-7 of the smaller
 /// tail. 1 when the fraction does not converge.
 int IncompleteBetaRatio(const double& a, const double& b, const double& x, double& out);
-/// The continued fraction of the incomplete Beta function (modified Lentz). 1 when 100 rounds do
-/// not do.
+/// The continued fraction of the incomplete Beta function. 1 when 100 rounds are not enough.
 int BetaContinuedFraction(const double& a, const double& b, const double& x, double& out);
 
 /// The density of the standard Gauss distribution, to eight digits. Always 0.
@@ -52,8 +53,8 @@ int StdGaussPdf(const double& x, double& out);
 /// The distribution function of the standard Gauss distribution. 1 when an expansion fails.
 int StdGaussCdf(const double& x, double& out);
 /// The quantile of the standard Gauss distribution by Newton iteration. 2 with -9e99 when p <= 0,
-/// 3 with +9e99 when p >= 1, 1 when 200 rounds do not do (p below about 1e-163), else a sum of the
-/// statuses of the functions above. A `p` that is not a number ends after one round: 0 with NaN.
+/// 3 with +9e99 when p >= 1, 1 when 200 rounds are not enough (p below about 1e-163), else a sum of
+/// the statuses of the functions above. A NaN for `p` ends after one round: 0 with NaN.
 int StdGaussInvCdf(const double& p, double& out);
 
 /// The Beta distribution on the interval `lo` to `hi`: density (1-u)^(shapeT-1) u^(shapeR-1) /
@@ -65,18 +66,18 @@ struct BetaDist {
   static int EvalCdf(const double& shapeR, const double& shapeT, const double& lo, const double& hi,
                      const double& x, double& out);
   /// Newton iteration to an absolute step of 1e-8 on the unit interval. `lo` for prob <= 0, `hi`
-  /// for prob >= 1. 1 when 150 rounds do not do; a failure of the two above is returned. A `prob`
-  /// that is not a number ends after one round: 0 with the mean.
+  /// for prob >= 1. 1 when 150 rounds are not enough; a failure of the two above is returned. A NaN
+  /// for `prob` ends after one round: 0 with the mean.
   static int EvalInvCdf(const double& shapeR, const double& shapeT, const double& lo,
                         const double& hi, const double& prob, double& out);
 };
 
 /// A distribution. Every numerical operation returns 1 while DistStatus is 0.
 ///
-/// Attributes are pointers that it stores and never deletes: whoever made them deletes them, after
-/// the distribution's last use. **CopyTo makes new ones for its target, which are the caller's**:
-/// take them with GetAttributes and delete them. A StudTDist that is built from its degrees of
-/// freedom has none.
+/// It stores pointers to attributes and never deletes them. Their owner deletes them after the last
+/// use of the distribution. **CopyTo makes new ones for its target, which the caller owns**: take
+/// them with GetAttributes and delete them. A StudTDist that is built from its degrees of freedom
+/// has no attributes.
 class DistType {
  public:
   DistType() = default;
@@ -92,22 +93,22 @@ class DistType {
   /// The excess over the Gauss distribution's 3.
   virtual int EvalKurtosis(double& out) const = 0;
   /// The density at `n` ascending points from `lo` to `hi`, about half of them at equal steps of x
-  /// and half at equal steps of probability. `xs` and `pdfs` take n values; what they hold after a
-  /// failure has no meaning. 1 when n < 3 or the bounds are outside the limits.
+  /// and half at equal steps of probability. `xs` and `pdfs` take n values; after a failure
+  /// their content has no meaning. 1 when n < 3 or the bounds are outside the limits.
   virtual int TabulatePdf(const int& n, const double& lo, const double& hi, double* xs,
                           double* pdfs) const;
   virtual int EvalPdf(const double& x, double& p) const = 0;
   /// The distribution function at `n` points at equal steps from `lo` to `hi`. `xs` and `cdfs` take
-  /// n values; a failure leaves those from its point on. 1 when n < 1 or the bounds are outside the
-  /// limits. The last point is `hi` exactly, whereas its value is that of the accumulated point,
-  /// a rounding away (and with n = 1, that of `lo`).
+  /// n values; after a failure the values from its point on are unchanged. 1 when n < 1 or the
+  /// bounds are outside the limits. The last point is exactly `hi`, but its value is that of the
+  /// accumulated point, which differs by rounding (and with n = 1 is `lo`).
   virtual int TabulateCdf(const int& n, const double& lo, const double& hi, double* xs,
                           double* cdfs) const;
   virtual int EvalCdf(const double& x, double& p) const = 0;
   virtual int EvalInvCdf(const double& p, double& x) const = 0;
   virtual int GetNumParam(int& count) const = 0;
-  /// The attribute types that may set parameter `paramIdx`, closed by a 0. 1 with none of them when
-  /// there is no such parameter.
+  /// The attribute types that may set parameter `paramIdx`, followed by a 0. 1 with an
+  /// empty list when there is no such parameter.
   virtual int GetAllowedAttributes(const int& paramIdx, std::vector<int>& ids) const = 0;
   virtual int GetNumAttributes(long long& count) const = 0;
   virtual int GetAttributes(std::vector<DistAttr*>& attributes) const;
@@ -122,8 +123,8 @@ class DistType {
   ///   4, 8    the quantiles at 0.001 and 0.999
   ///   16      the limits where they are finite, else 0.002 and 0.998
   /// With 64 only `lo` is written, with 128 only `hi`, with both neither. 1 when none of the lower
-  /// six is set. **A DistStatus below 3 is returned as the status, so that 0 comes with both bounds
-  /// untouched from a distribution that is not set.**
+  /// six is set. **A DistStatus below 3 is returned as the status, so a distribution that is not
+  /// set returns 0 with both bounds untouched.**
   virtual int GetPlotBounds(const unsigned char& flags, double& lo, double& hi) const;
   virtual int GetDistStatus(int& status) const;
   /// Copies everything to `target`, with new attribute objects that the caller owns; those that the
@@ -147,7 +148,7 @@ class DistType {
 
 /// Student's t distribution with `dof` degrees of freedom, which need not be a whole number.
 ///
-/// The constructor checks nothing: with `dof` not above 0 EvalInvCdf refuses, and the values of
+/// The constructor checks nothing. With a `dof` of 0 or less, EvalInvCdf refuses, and the values of
 /// EvalPdf and EvalCdf have no meaning.
 class StudTDist : public DistType {
  public:
@@ -173,13 +174,14 @@ class StudTDist : public DistType {
   /// 1, or NaN from 500 degrees of freedom on, since it ends each iteration after one round. A
   /// caller tests the level first.
   ///
-  /// Below 500 degrees of freedom it is found through the Beta distribution, with a relative error
-  /// below 1e-7 at levels 0.001 to 0.999 and from 1 degree of freedom on. Outside these, and closer
-  /// than 0.05 to the level 0.5 at many degrees of freedom, the step of 1e-8 that ends the
-  /// iteration shows: 4e-5 absolute at 0.499, all of the digits closer by. From 500 on it is a
-  /// Gauss quantile with a correction, 6e-5 absolute at 0.001. **One degree of freedom at p = 0.25
-  /// or 0.75 fails with 1**: the root lies where IncompleteBetaRatio changes from one fraction to
-  /// the other, and their small disagreement keeps the iteration going back and forth.
+  /// Below 500 degrees of freedom it is found through the quantile of the Beta distribution, with a
+  /// relative error below 1e-7 at levels 0.001 to 0.999 and from 1 degree of freedom on. Outside
+  /// these ranges, and with many degrees of freedom at levels closer than 0.05 to 0.5, the
+  /// iteration ends too early, at a step of 1e-8: the absolute error is 4e-5 at 0.499, and even
+  /// closer to 0.5 no digit is right. From 500 on it is a corrected Gauss quantile, with an
+  /// absolute error of 6e-5 at 0.001. **One degree of freedom at p = 0.25 or 0.75 fails with 1**:
+  /// IncompleteBetaRatio changes from one fraction to the other at the root, and their small
+  /// difference makes the iteration jump back and forth.
   int EvalInvCdf(const double& p, double& x) const override;
   int GetNumParam(int& count) const override;
   int GetAllowedAttributes(const int& paramIdx, std::vector<int>& ids) const override;
@@ -194,7 +196,7 @@ class StudTDist : public DistType {
   int ResetParams() override;
 
   // Parameter 0 is the degrees of freedom; another index gives 1.
-  /// 2 for a value not above 0.
+  /// 2 for a value of 0 or less.
   virtual int SetParam(const int& paramIdx, const double& value);
   virtual int GetParam(const int& paramIdx, double& value) const;
   virtual int GetParamStatus(const int& paramIdx, int& status) const;
@@ -202,7 +204,7 @@ class StudTDist : public DistType {
   /// **The test is the wrong way round**: it refuses (1, `out` 0.0) the s above 1 for which the
   /// formula holds, and gives a negative or infinite value for the others.
   virtual int EvalDofFromMoments(const DistAttr& mean, const DistAttr& stdDev, double& out) const;
-  /// 1 for a value not above 0, unless the distribution accepts any.
+  /// 1 for a value of 0 or less, unless the distribution accepts any value.
   virtual int CheckDof(const double& value) const;
 
  private:

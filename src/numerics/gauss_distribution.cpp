@@ -7,7 +7,7 @@ namespace {
 
 constexpr double kSqrtTwoPi = 2.5066282746310007;
 
-/// The asymptotic expansion of the lower tail, z <= -7 (or not a number).
+/// The asymptotic expansion of the lower tail (Abramowitz and Stegun 26.2.12), for z <= -7 or NaN.
 int LowerTail(double z, double& out) {
   double term = 1.0;
   double sum = 1.0;
@@ -26,7 +26,8 @@ int LowerTail(double z, double& out) {
   return 0;
 }
 
-/// Where the Newton iteration for a level h up to 0.5 starts: the row with `from` <= h < `below`.
+/// Where the Newton iteration for a level h up to 0.5 starts: at `x` of the first row with h <
+/// below.
 struct Start {
   double below;
   double x;

@@ -2,7 +2,8 @@
 
 #include <cmath>
 
-/// What the two continued fractions, both evaluated by the modified Lentz method, have in common.
+/// What the two continued fractions share. Both use the modified Lentz method: Press et al.,
+/// Numerical Recipes in C (1992), section 5.2.
 namespace lentz {
 
 inline constexpr int kMostRounds = 100;
@@ -12,7 +13,7 @@ inline double AwayFromZero(double denominator) {
   return std::fabs(denominator) < kTiny ? kTiny : denominator;
 }
 
-/// Whether the factor of a round still changes the product. False for a factor that is no number.
+/// Whether the factor of a round no longer changes the product. False for a NaN.
 inline bool HasConverged(double factor) { return std::fabs(factor - 1.0) < 3e-07; }
 
 }  // namespace lentz

@@ -91,7 +91,8 @@ int StudTDist::EvalPdf(const double& x, double& p) const {
 int StudTDist::EvalCdf(const double& x, double& p) const {
   if (DistStatus == 0) return 1;
   const double a = std::fabs(x);
-  double q = 0.0;  // the probability of -a to a
+  // The probability of -a to a: Abramowitz and Stegun 26.7.1; 26.7.8 for many degrees of freedom.
+  double q = 0.0;
   if (DOF < kGaussFrom) {
     double b = 0.0;
     const int status = BetaDist::EvalCdf(DOF * 0.5, 0.5, 0.0, 1.0, DOF / (a * a + DOF), b);

@@ -113,9 +113,9 @@ std::string ReasonAgainst(std::string_view word) {
        {&Labels::strSep(), &Labels::strSubSep(), &Labels::strGrpStart(), &Labels::strGrpEnd()}) {
     if (holds(*separator)) return "holds " + Quoted(*separator) + ", which separates values";
   }
-  // The reader drops a carriage return in front of a line end, and keeps it in other places.
+  // The reader drops a carriage return before a line end, and keeps it in other places.
   if (holds(Labels::strEOL()) || holds("\r")) return "holds a line end";
-  // Searches look through the whole text: a tag in a name would be taken for the group.
+  // The reader searches the whole text, so it would take a tag in a name for the group.
   for (const std::string* const tag :
        {&Labels::tagParameterRegistry(), &Labels::tagDiscreteSets(), &Labels::tagFMU()}) {
     for (const std::string& whole : {reading::OpeningTag(*tag), reading::ClosingTag(*tag)}) {

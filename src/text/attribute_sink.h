@@ -14,14 +14,13 @@ namespace Tarvane::Plexura::PXROM::writing {
 /// Short for the table of words.
 using Labels = CPXROMDatabaseLabels;
 
-/// The text of groups while it grows, the counterpart of reading::AttributeRange: one line per
-/// attribute, values in the classic locale, doubles in the shortest form that reads back to the
-/// same bits.
+/// Builds the text of groups, the counterpart of reading::AttributeRange: one line per attribute,
+/// values in the classic locale, doubles in the shortest form that reads back to the same bits.
 ///
-/// The first thing that no text can hold is kept as the reason of a refusal. What is written behind
-/// it has no meaning, so that only loops need to ask IsRefused.
+/// The first value that no text can hold gives the reason of a refusal. The text after it has no
+/// meaning, so only loops need to test IsRefused.
 ///
-/// It also keeps account of the work that reading the text will take, as the reader does.
+/// It also counts the work of reading the text, as the reader does.
 class AttributeSink {
  public:
   explicit AttributeSink(std::string& text) : text_(text) {}
@@ -51,8 +50,8 @@ class AttributeSink {
   void PutMatrix(const std::string& key, const std::vector<std::vector<double>>& matrix, int rows,
                  int columns);
 
-  /// The group `word`, number `id` if it is not negative, with the attributes that `write` puts
-  /// in. A refusal inside a nested group gets its word and number in front.
+  /// The group `word`, with the number `id` unless it is negative, and the attributes that `write`
+  /// puts into it. The reason of a refusal inside the group begins with its word and number.
   template <class Write>
   void PutGroup(const std::string& word, int id, Write write) {
     const bool wasRefused = IsRefused();
@@ -75,7 +74,7 @@ class AttributeSink {
   bool IsRefused() const { return !reason_.empty(); }
   const std::string& Reason() const { return reason_; }
 
-  /// What reading the text so far, each group once, is charged for (reading::DatabaseText).
+  /// The work of reading the text so far, each group once (reading::DatabaseText).
   std::size_t Work() const { return work_; }
 
  private:
@@ -110,14 +109,14 @@ class AttributeSink {
 /// "NumberOfSamples" for "NumberOfSamples=", as reasons name an attribute.
 std::string NameOf(const std::string& key);
 
-/// `word` in quotation marks and on one line, as reasons name what they didn't choose.
+/// `word` in quotation marks and on one line, for names from outside in a reason.
 std::string Quoted(std::string word);
 
-/// Whether `value` is what a field holds that nobody has set: +0.0.
+/// Whether `value` is that of a field that nobody has set: +0.0.
 bool IsUnset(double value);
 
-/// Why no text can hold `word` as a name, unit or caption, as the end of a sentence that begins
-/// with what it is; empty when one can.
+/// Why no text can hold `word` as a name, unit or caption, as the end of a sentence whose beginning
+/// names it; empty if a text can hold it.
 std::string ReasonAgainst(std::string_view word);
 
 }  // namespace Tarvane::Plexura::PXROM::writing

@@ -2,7 +2,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-// There is nothing to copy, so that assigning to itself needs no care either.
+// There is nothing to copy, so self-assignment needs no test either.
 CPXROMDatabaseLabels& CPXROMDatabaseLabels::operator=(const CPXROMDatabaseLabels&) { return *this; }
 
 #define PXROM_LABEL(name, literal)                  \

@@ -10,15 +10,15 @@ namespace Tarvane::Plexura::PXROM::reading {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-// A list takes up to four times its text in memory, so that these keep a reader below four times
-// as much.
+// A list takes up to four times its text in memory, so a reader takes at most four times these
+// limits.
 constexpr std::size_t kWorkForAnyText = std::size_t{16} << 20;
 constexpr std::size_t kWorkPerCharacter = 16;
 // Longer than any tag of the format can be.
 constexpr std::size_t kLongestTag = 64;
-// What the object of a group takes besides its lists.
+// The size of a group's object without its lists.
 constexpr std::size_t kGroupOverhead = 512;
-// What a row of a matrix takes besides its values.
+// The size of a row of a matrix without its values.
 constexpr std::size_t kRowOverhead = sizeof(std::vector<double>) + 16;
 
 }  // namespace
@@ -48,8 +48,8 @@ std::size_t CountLinesWith(std::string_view range, const std::string& key) {
   while (position != kNone) {
     ++count;
     const std::size_t lineEnd = range.find(Labels::strEOL(), position);
-    // At least one on, so that a key which begins with a line end can't be found twice at one
-    // place.
+    // At least one character on, so that a key that begins with a line end can't be found twice at
+    // one place.
     position = lineEnd == kNone ? kNone : range.find(key, std::max(lineEnd, position + 1));
   }
   return count;
@@ -69,8 +69,8 @@ namespace {
 
 bool IsMark(char c) { return c == '=' || c == '<'; }
 
-/// Whether a mark is among `kCount` characters. Without a branch and of a fixed size, so that
-/// compilers make vector code of it.
+/// Whether a mark is among `kCount` characters. Without branches and with a fixed size, so that
+/// compilers can vectorise it.
 template <std::size_t kCount>
 bool HasMark(const char* text) {
   unsigned char any = 0;
@@ -91,7 +91,7 @@ void NoteMarks(std::string_view text, std::size_t first, std::size_t end, Marks&
 }  // namespace
 
 Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
-  // The long lists of numbers, which are nearly all of a text, hold neither.
+  // Most of a text is long lists of numbers, which hold neither mark.
   constexpr std::size_t kBlock = 64;
   constexpr std::size_t kPart = 16;
   Marks marks;
@@ -140,7 +140,7 @@ bool DatabaseText::FindGroupInside(const std::string& word, int id, const Bounds
 }
 
 bool DatabaseText::Charge(std::size_t bytes) {
-  // Saturates one beyond the limit, so that no sum can wrap.
+  // The sum stops at one above the limit, so it cannot wrap.
   charged_ = bytes > limit_ - std::min(charged_, limit_) ? limit_ + 1 : charged_ + bytes;
   return !IsExhausted();
 }
@@ -158,7 +158,7 @@ void AttributeRange::LookThrough() {
   begin_ = bounds_.lower;
   end_ = begin_ + view.size();
   marks_ = text_.AllMarks();
-  // The bill is that of a look through the range, which each search of a key may come to.
+  // The work of one pass through the range, which each search of a key may need.
   if (!text_.Charge(WorkOfGroup(view.size()))) return;
   if (marks_ == nullptr) {
     ownMarks_ = FindMarks(text_.View(), begin_, end_);
@@ -174,7 +174,7 @@ bool AttributeRange::Find(const std::string& key, std::string_view& value) {
   for (const std::size_t* place = equalSigns_.first; place != equalSigns_.last; ++place) {
     const std::size_t behind = *place + 1;
     if (behind - begin_ < key.size()) continue;
-    // The first characters tell most keys apart.
+    // Most keys differ in their first character.
     const char* const front = text.data() + (behind - key.size());
     if (!key.empty() && (*front != key[0] || std::memcmp(front, key.data(), key.size()) != 0)) {
       continue;
@@ -185,8 +185,8 @@ bool AttributeRange::Find(const std::string& key, std::string_view& value) {
   return false;
 }
 
-// Line ends are not among the marks: a text of blank lines has nothing else. Keys of one long line
-// search for its end once.
+// Line ends are not among the marks, since a text of blank lines consists of them. All keys of one
+// long line search for its end only once.
 std::size_t AttributeRange::LineEnd(std::size_t from) {
   if (from < lineFrom_ || from > lineEnd_) {
     lineFrom_ = from;
@@ -208,7 +208,7 @@ int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
   const auto columnCount = static_cast<std::size_t>(columns);
   const char separator = Labels::strSep()[0];
   std::string_view list = ListValue(key);
-  // Both counts are below 2^31, so that their product fits in 64 bits.
+  // Both counts are below 2^31, so their product fits in 64 bits.
   if (std::uint64_t{rowCount} * columnCount > CountTokens(list, separator)) return 1;
   if (columnCount == 0 && rowCount > end_ - begin_) return 1;
   if (!text_.Charge(WorkOfMatrix(rowCount, columnCount))) return 1;

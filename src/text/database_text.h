@@ -28,7 +28,7 @@ std::string OpeningTag(const std::string& word, int id);
 std::string ClosingTag(const std::string& word);
 
 /// The view of `text` from `lower` to `upper` inclusive; npos means to the end. Throws
-/// std::out_of_range when `lower` lies behind the text's end.
+/// std::out_of_range when `lower` is after the text's end.
 std::string_view ViewOf(std::string_view text, std::size_t lower, std::size_t upper);
 
 /// The line that begins at `position`, without its end.
@@ -37,14 +37,14 @@ std::string_view RestOfLine(std::string_view text, std::size_t position);
 /// The number of lines of `range` that hold `key`.
 std::size_t CountLinesWith(std::string_view range, const std::string& key);
 
-/// How much work a text of `length` characters may ask for, counted in bytes as
-/// DatabaseText::Charge does; what one use of a group of `characters` counts, and what a matrix
-/// counts besides the text of its values.
+/// Work is counted in bytes, see DatabaseText::Charge: how much a text of `length` characters may
+/// need, how much one use of a group of `characters` counts, and how much a matrix counts in
+/// addition to the text of its values.
 std::size_t WorkAllowedFor(std::size_t length);
 std::size_t WorkOfGroup(std::size_t characters);
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
 
-/// Where the characters stand that the searches of a text stop at, in ascending order.
+/// The places of the characters that searches stop at, in ascending order.
 struct Marks {
   /// Every key ends in one.
   std::vector<std::size_t> equalSigns;
@@ -55,17 +55,17 @@ struct Marks {
 /// The marks of `text` from `lower` to the one before `end`, as places in the whole text.
 Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end);
 
-/// The text of one database while it is read: a view, an index of its tags and line ends, and an
-/// account of the work that it has asked for. It lives for one Resume call and is not shared.
+/// The text of one database while it is read: a view, an index of its tags and keys, and a count of
+/// the work so far. It exists for one Resume call and is not shared.
 class DatabaseText {
  public:
-  /// `text` must outlive the object and stay as it is.
+  /// `text` must outlive the object and not change.
   explicit DatabaseText(std::string_view text);
 
   std::string_view View() const { return text_; }
 
-  /// Lists the places of all tags and keys in one pass, so that no later search walks through the
-  /// text. Without it searches walk, with the same results.
+  /// Lists the places of all tags and keys in one pass, so that later searches need not walk
+  /// through the text. The results of a search are the same without it.
   void Index();
   /// The marks of the whole text; null before Index.
   const Marks* AllMarks() const { return indexed_ ? &marks_ : nullptr; }
@@ -78,13 +78,13 @@ class DatabaseText {
   int SearchBounds(const std::string& opening, const std::string& closing, std::size_t from,
                    Bounds& bounds) const;
   /// The body of group `id` inside `outer`, with the search of SearchBounds. False when it begins
-  /// outside of `outer`, so that nothing was found. A body whose closing tag is missing or lies
-  /// further on still counts.
+  /// outside `outer`: then nothing was found. A body whose closing tag is missing or lies after
+  /// `outer` still counts.
   bool FindGroupInside(const std::string& word, int id, const Bounds& outer, Bounds& bounds) const;
 
-  /// Books work in proportion to `bytes`: text looked through or memory taken. False once the sum
-  /// is beyond what a text of this length may ask for; see CReaderPXROMDatabase. Groups can be used
-  /// any number of times, so the length of the text alone doesn't bound the work.
+  /// Adds `bytes` to the work: text that was searched or memory that was taken. False once the sum
+  /// is above the limit for a text of this length (CReaderPXROMDatabase). Groups can be used any
+  /// number of times, so the length of the text alone doesn't bound the work.
   bool Charge(std::size_t bytes);
   bool IsExhausted() const { return charged_ > limit_; }
 
@@ -100,10 +100,10 @@ class DatabaseText {
 };
 
 /// The attributes of one group: finds a key's first place in the range and converts its value. It
-/// works on views, copies nothing, and looks through the text once for all keys.
+/// works on views, copies nothing, and searches the text once for all keys.
 ///
-/// Scalars stay as they were when the key is missing or its value is blank; lists are always
-/// replaced. Once the text is exhausted nothing is found any more; who reads groups in a loop asks
+/// Scalars do not change when the key is missing or its value is blank; lists are always replaced.
+/// Once the text is exhausted nothing is found any more. A loop over groups tests
 /// DatabaseText::IsExhausted and gives up with status 1.
 class AttributeRange {
  public:
@@ -136,7 +136,7 @@ class AttributeRange {
     TokenizePairs(ListValue(key), Labels::strSep()[0], Labels::strSubSep()[0], target);
   }
 
-  /// The int attribute `key` as an enumeration, taken as it stands; 0 when there is none.
+  /// The int attribute `key` as an enumeration, without a check; 0 when the key is missing.
   template <class Enum>
   Enum CatchEnum(const std::string& key) {
     int number = 0;
@@ -172,14 +172,14 @@ class AttributeRange {
   DatabaseText& text_;
   Bounds bounds_;
   bool lookedThrough_ = false;
-  // The range as places in the text, its end the one behind its last character.
+  // The range as places in the text: its first character and the place after its last one.
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   const Marks* marks_ = nullptr;
   Marks ownMarks_;
-  // Those of the range.
+  // The equal signs of the range.
   Places equalSigns_;
-  // A piece of a line, as the last search found it.
+  // The piece of a line that the last search found.
   std::size_t lineFrom_ = 1;
   std::size_t lineEnd_ = 0;
 };

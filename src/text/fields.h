@@ -15,11 +15,11 @@
 ///   template <class Visitor, class Record>
 ///   int Fields(Visitor& visit, Record& record);
 ///
-/// with one line per attribute: its key, the name of the field, the field. A FieldReader fills the
-/// record with it, a FieldWriter puts the record into a text, a FieldLister collects the keys for
-/// whoever checks or documents a text; the Python bindings make attributes of the names. A rule
-/// that is no field stands between the lines, where it takes effect, under `if constexpr` on one of
-/// the visitor's constants. 1 ends a reading that is refused; all else gives 0.
+/// with one line per attribute: its key, the name of the field, the field. With it a FieldReader
+/// fills the record, a FieldWriter puts the record into a text, and a FieldLister collects the keys
+/// for checks and documents; the Python bindings make attributes of the names. A rule that is not a
+/// field is written between the lines, where it takes effect, under `if constexpr` on one of the
+/// visitor's constants. The status is 1 when reading is refused, else 0.
 namespace Tarvane::Plexura::PXROM::fields {
 
 using Labels = CPXROMDatabaseLabels;
@@ -57,7 +57,7 @@ class FieldReader {
   explicit FieldReader(reading::AttributeRange& in) : in_(in) {}
   reading::AttributeRange& Text() { return in_; }
 
-  /// Whether the record has what a version brought.
+  /// Whether the record has the fields that version `first` added.
   template <class Version>
   bool HasSince(Version version, Version first) const {
     return version >= first;
@@ -65,18 +65,18 @@ class FieldReader {
   /// Whether the record has the part of its fields that follows.
   bool HasPart(bool has) const { return has; }
 
-  /// The field. A key that is missing, or without a value, makes it 0, false or empty.
+  /// A field. If the key is missing or has no value, the field becomes 0, false or empty.
   template <class Field>
   void operator()(const Key& key, const char*, Field& field) {
     Read(key.label, field);
   }
-  /// A field that a missing key leaves as it was.
+  /// A field that a missing key does not change.
   template <class Field>
   void Kept(const Key& key, const char*, Field& field) {
     in_.Catch(key.label(), field);
   }
-  /// A field that is read through a variable which it shares with others: a missing key repeats
-  /// the value that was read before it.
+  /// A field that is read through a variable that it shares with others: a missing key repeats the
+  /// value that was read before it.
   template <class Field, class Shared>
   void Repeated(const Key& key, const char*, Field& field, Shared& shared) {
     in_.Catch(key.label(), shared);
@@ -98,14 +98,14 @@ class FieldReader {
   [[nodiscard]] int Matrix(const Key& key, const char*, MatrixField& field, int rows, int columns) {
     return in_.CatchMatrix(key.label(), rows, columns, field);
   }
-  /// A field that is written for other readers.
+  /// A field that is written but not read: for other programs.
   template <class Field>
   void NotRead(const Key&, const Field&) {}
   /// A key of the format that nothing reads or writes.
   void Unread(const Key&) {}
 
  private:
-  // Takes the label alone, so that nothing else of the key has to be there when a text is read.
+  // Takes only the label, so that the compiler can leave out the rest of the key.
   template <class Field>
   void Read(Label label, Field& field) {
     if constexpr (std::is_enum_v<Field>) {
@@ -149,7 +149,8 @@ class FieldWriter {
   void Repeated(const Key& key, const char* name, const Field& field, const Shared&) {
     (*this)(key, name, field);
   }
-  /// A value that a new record's `set` refuses would read as the default: `why` not, if it can be.
+  /// A value that the `set` of a new record refuses would read as the default, so it is refused
+  /// with the reason `why`.
   template <class Record, class Value, class Set>
   void Property(const Key& key, const char* name, const Record&, const Value& value, const Set& set,
                 const char* why = nullptr) {
@@ -173,7 +174,7 @@ class FieldWriter {
   writing::AttributeSink& out_;
 };
 
-/// Collects the keys of a group, those that every record has apart from those of a part.
+/// Collects the keys of a group: first those that every record has, then those of a part.
 class FieldLister {
  public:
   static constexpr bool kReads = false;

@@ -22,7 +22,7 @@ enum class Form : std::uint8_t {
   DoublePairs,
   StringPairs,
   Line,    ///< read line by line
-  Unread,  ///< nothing reads it
+  Unread,  ///< never read
 };
 
 enum class Need : std::uint8_t {
@@ -36,11 +36,12 @@ struct Range {
   int most = std::numeric_limits<int>::max();
 };
 
-/// A word of the format, as the table of words hands it out.
+/// A word of the format: an operation of the table of words.
 using Label = const std::string& (*)();
 
-/// What the format says of one key. A description of fields (fields.h) gives the label and what is
-/// special: `Key(&Labels::attX).Optional().Between(0, 4)`. The form follows from the field's type.
+/// What the format says about one key. A description of fields (fields.h) gives the label and the
+/// exceptions: `Key(&Labels::attX).Optional().Between(0, 4)`. The form follows from the field's
+/// type.
 struct Key {
   Label label = nullptr;
   Form form = Form::Int;

@@ -13,7 +13,7 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// What std::isspace knows in the classic locale.
+// As std::isspace in the classic locale.
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view WithoutLeadingBlanks(std::string_view text) {
@@ -44,7 +44,7 @@ Integer ReadInteger(std::string_view text) {
     number.found = true;
     if (number.overflow) continue;
     const std::int64_t digit = text[i] - '0';
-    // Accumulated on the negative side, which reaches one further.
+    // Accumulated as a negative number, whose range is larger by one.
     if (number.value < (kMin + digit) / 10) {
       number.overflow = true;
     } else {
@@ -61,7 +61,7 @@ Integer ReadInteger(std::string_view text) {
 }
 
 // The characters that a stream would collect for a double: sign, digits with at most one point, and
-// once there is a digit, an exponent letter with its own sign. `complete` tells whether they form a
+// after the first digit an exponent letter with its own sign. `complete` says whether they form a
 // number; "1e" and "." are collected and then refused as a whole.
 struct Collected {
   std::size_t length = 0;
@@ -90,7 +90,7 @@ Collected Collect(std::string_view text) {
   return {i, i > exponent};
 }
 
-// Whether a number that no double can hold is too large (true) or too small: the decimal exponent
+// Whether a number that no double can hold is too large (true) or too small. The decimal exponent
 // of its first digit that is not zero decides. `text` is a complete number without a sign.
 bool IsTooLarge(std::string_view text) {
   constexpr std::int64_t kFar = std::numeric_limits<std::int64_t>::max() / 4;
@@ -158,9 +158,9 @@ void Extract(std::string_view text, bool& target) noexcept {
 namespace {
 
 // The double at the front of `text` up to the next `delimiter`, and the number of characters of
-// that token. Nearly every token that ReadShortDecimal doesn't take is digits that end at the
-// delimiter, which std::from_chars takes in one pass exactly as a stream would; everything else
-// goes by the stream's rules. So does a delimiter that could stand inside of a number.
+// that token. Nearly all tokens that ReadShortDecimal refuses are digits that end at the delimiter.
+// std::from_chars reads them in one pass, exactly as a stream would. All other tokens, and those
+// with a delimiter that could be part of a number, follow the rules of a stream.
 std::size_t ExtractToken(std::string_view text, char delimiter, double& target) noexcept {
   if (!text.empty() && !IsInNumbers(delimiter) &&
       (IsDigit(text[0]) || (text[0] == '-' && text.size() > 1 && IsDigit(text[1])))) {

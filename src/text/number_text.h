@@ -17,7 +17,7 @@ void Extract(std::string_view text, double& target) noexcept;
 void Extract(std::string_view text, bool& target) noexcept;
 
 /// Reads `count` doubles from the front of `text`, each up to the next `delimiter` or the end, as
-/// Extract does into 0.0, and drops them from it. Behind the end all are 0.0.
+/// Extract does into 0.0, and drops them from it. After the end all are 0.0.
 void ExtractTokens(std::string_view& text, char delimiter, double* values,
                    std::size_t count) noexcept;
 

@@ -6,10 +6,11 @@
 
 namespace Tarvane::Plexura::PXROM::reading {
 
-// Decimal numbers as nearly all lists hold them: up to 19 digits, a point among them or none, and
-// no exponent. The digits are taken eight at a time and make an integer, which is divided by its
-// power of ten; rounded to the nearest double, ties to even, as every reader does. Where that is
-// not certain at once the number is left to std::from_chars.
+// Decimal numbers as nearly all lists hold them: up to 19 digits with or without a point, and no
+// exponent. The digits are read eight at a time into an integer, which is divided by its power of
+// ten and rounded to the nearest double, ties to even: Lemire, Number parsing at a gigabyte per
+// second, Software: Practice and Experience 51 (2021). A number whose rounding this leaves open is
+// left to std::from_chars.
 
 #if defined(__SIZEOF_INT128__) && defined(__BYTE_ORDER__) && \
     __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
@@ -19,16 +20,16 @@ namespace short_decimal {
 __extension__ using Wide = unsigned __int128;
 
 constexpr std::size_t kWord = 8;
-constexpr std::size_t kMostDigits = 19;  // as many always fit in 64 bits
-/// As many characters have to be there: a sign, digits on both sides of a point, one behind.
+constexpr std::size_t kMostDigits = 19;  // these always fit in 64 bits
+/// This many characters must be readable: a sign, digits on both sides of a point, one after them.
 constexpr std::size_t kLongest = 2 + 4 * kWord + 1;
 
-/// Doubles, all of them.
+/// All of them are exact doubles.
 constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
                               1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
 constexpr std::uint64_t kWhole[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
-/// 10^-k = bits 2^-exponent, cut off behind 64 bits.
+/// 10^-k = bits 2^-exponent, truncated after 64 bits.
 struct Reciprocal {
   std::uint64_t bits;
   int exponent;
@@ -42,7 +43,7 @@ constexpr Reciprocal kReciprocals[] = {
     {0x901d7cf73ab0acd9, 113}, {0xe69594bec44de15b, 117}, {0xb877aa3236a4b449, 120},
     {0x9392ee8e921d5d07, 123}, {0xec1e4a7db69561a5, 127}};
 
-/// How many digits, up to eight, stand at the front of a text; `value` becomes their number.
+/// How many digits, up to eight, a text begins with; `value` becomes their number.
 inline std::size_t TakeDigits(const char* text, std::uint64_t& value) {
   std::uint64_t word = 0;
   std::memcpy(&word, text, kWord);
@@ -66,13 +67,13 @@ inline std::size_t TakeDigits(const char* text, std::uint64_t& value) {
   return count;
 }
 
-/// number / 10^places, for a number above 2^53; false where that product does not tell which of
-/// two doubles is the nearer one.
+/// number / 10^places, for a number above 2^53; false if the product does not show which of two
+/// doubles is nearer.
 inline bool Divide(std::uint64_t number, std::size_t places, double& value) {
   const int zeros = __builtin_clzll(number);
   const Reciprocal& reciprocal = kReciprocals[places];
   const Wide product = static_cast<Wide>(number << zeros) * reciprocal.bits;
-  // The highest 64 bits; the exact ones are at most 2 more, and a rest below them.
+  // The highest 64 bits. The exact value is larger by at most 2 and a rest below them.
   std::uint64_t high = static_cast<std::uint64_t>(product >> 64);
   int exponent = 64 + 11 - zeros - reciprocal.exponent;
   if ((high >> 63) == 0) {
@@ -92,8 +93,8 @@ inline bool Divide(std::uint64_t number, std::size_t places, double& value) {
 
 }  // namespace short_decimal
 
-/// Reads the number at the front of `text` up to `end`; null when it is none of the usual kind,
-/// else what stands behind it.
+/// Reads the number at the front of `text` up to `end` and returns the place after it; null for a
+/// number of another form.
 inline const char* ReadShortDecimal(const char* text, const char* end, double& value) {
   using namespace short_decimal;
   if (end - text < static_cast<std::ptrdiff_t>(kLongest)) return nullptr;
@@ -114,13 +115,13 @@ inline const char* ReadShortDecimal(const char* text, const char* end, double& v
       places += count;
       number = number * kWhole[count] + part;
     } while (count == kWord && places <= 2 * kWord);
-    // More digits than these have made `number` wrap; they are counted, so that it doesn't matter.
+    // More digits have made `number` wrap. They are counted, so such a number is refused here.
     if (places == 0 || places >= kMostDigits || whole + places > kMostDigits) return nullptr;
   }
   if (*text == 'e' || *text == 'E' || *text == '.') return nullptr;
   double magnitude = 0.0;
   if (number <= std::uint64_t{1} << 53) {
-    // Both are doubles, and so the quotient is the nearest one.
+    // Both are exact doubles, so the quotient is correctly rounded.
     magnitude = static_cast<double>(number) / kPowers[places];
   } else if (!Divide(number, places, magnitude)) {
     return nullptr;

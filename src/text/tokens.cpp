@@ -46,8 +46,8 @@ void TokenizeNumberPairs(std::string_view text, char pairDelimiter, char innerDe
 
 std::size_t CountTokens(std::string_view text, char delimiter) {
   if (text.empty()) return 0;
-  // Summed in bytes over pieces that can't overflow one and have a fixed size, which compilers turn
-  // into vector code: lists are long, and this pass over them should cost next to nothing.
+  // Counted in single bytes over pieces of a fixed size, too short for a byte to overflow.
+  // Compilers vectorise this, so the pass over a long list costs next to nothing.
   constexpr std::size_t kPiece = 192;
   std::size_t delimiters = 0;
   const char* at = text.data();

@@ -23,7 +23,7 @@ void ForEachToken(std::string_view text, char delimiter, Visit visit) {
 /// The number of tokens of ForEachToken.
 std::size_t CountTokens(std::string_view text, char delimiter);
 
-// The tokenizers of CReader, on views; reader.h tells their rules.
+// The tokenizers of CReader on views, with the rules in reader.h.
 void Tokenize(std::string_view text, char delimiter, std::vector<double>& out);
 void Tokenize(std::string_view text, char delimiter, std::vector<int>& out);
 void Tokenize(std::string_view text, char delimiter, std::vector<std::string>& out);

@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string::npos;
 
-// The escape of the character at `at`, which begins with a byte that some of them begin with, and
-// its length; an empty escape for any other character.
+// The escape of the character at `at`, whose first byte may be that of a bidirectional control, and
+// the character's length; an empty escape for any other character.
 const char* EscapeAt(const std::string& text, std::size_t at, std::size_t& length) {
   // The characters that Unicode lists as bidirectional controls, in UTF-8.
   static constexpr struct {

@@ -9,7 +9,7 @@ namespace Tarvane::Plexura::PXROM::inspection {
 
 namespace {
 
-// Characters from one place of a table of lines to the next.
+// The distance of the places that a LineTable keeps, in characters.
 constexpr std::size_t kBlock = 512;
 constexpr std::size_t kMostPerCode = 100;
 constexpr std::size_t kLongestShown = 60;
@@ -20,7 +20,7 @@ LineTable::LineTable(std::string_view text) : text_(text), blocks_(1, Place{1, 0
   std::size_t start = 0;
   for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at)) {
     ++at;
-    // What follows the last line end is no line of its own.
+    // Nothing follows the last line end, so no line begins there.
     if (at == text.size()) break;
     for (; blocks_.size() * kBlock < at;) blocks_.push_back({count_, start});
     ++count_;
@@ -51,7 +51,7 @@ void Findings::Add(E_FindingSeverity severity, E_FindingCode code, Subject subje
                    std::string sentence) {
   ++bySeverity_[severity];
   if (severity == SeverityError && (groupsWithErrors_.empty() || subject.group != lastGroup_)) {
-    // The group and all around it.
+    // The group and all groups around it.
     lastGroup_ = subject.group;
     groupsWithErrors_.emplace();
     for (std::size_t end = subject.group.find(" / ");; end = subject.group.find(" / ", end + 1)) {
@@ -96,7 +96,7 @@ std::vector<CFinding> Findings::Deliver() {
 
 std::string Shortened(std::string_view text) {
   std::string shown(text.substr(0, kLongestShown));
-  // Not through the middle of a character of UTF-8.
+  // Does not cut a UTF-8 character in its middle.
   if (text.size() > kLongestShown) {
     while (!shown.empty() && (static_cast<unsigned char>(text[shown.size()]) & 0xC0U) == 0x80U) {
       shown.pop_back();

@@ -11,8 +11,8 @@
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
-/// Lines and columns of a text, both from 1. It keeps a place in every few hundred characters and
-/// not every line, since a text may consist of blank lines.
+/// Lines and columns of a text, both from 1. It keeps one place in a few hundred characters instead
+/// of every line, since a text may consist of blank lines.
 class LineTable {
  public:
   /// `text` must outlive the table.
@@ -48,19 +48,20 @@ class Findings {
  public:
   explicit Findings(const LineTable& lines) : lines_(lines) {}
 
-  /// Whether no more of `code` will be listed: who has work with a finding may then spare it.
+  /// Whether no more findings of `code` will be listed. Then a check need not compute their
+  /// details.
   bool IsFull(E_FindingCode code) const;
   void Add(E_FindingSeverity severity, E_FindingCode code, Subject subject, std::string sentence);
-  /// Adds one of a code that is full: it only counts.
+  /// Counts a finding of a code that is full.
   void Count(E_FindingSeverity severity, E_FindingCode code, const std::string& group) {
     Add(severity, code, {0, group, "", "", ""}, "");
   }
   /// Whether there is an error in `group` or in a group inside it; for "" anywhere.
   bool HasErrorIn(const std::string& group) const;
 
-  /// How many of a severity were added, with those that the list leaves out.
+  /// How many findings of a severity were added, including those that the list leaves out.
   std::size_t NumberOf(E_FindingSeverity severity) const { return bySeverity_[severity]; }
-  /// Hands out the list, by place. The last call.
+  /// Returns the list in the order of places. The last call.
   std::vector<CFinding> Deliver();
 
  private:
@@ -74,7 +75,7 @@ class Findings {
   std::map<E_FindingCode, Tally> tallies_;
   std::size_t bySeverity_[3] = {};
   std::set<std::string> groupsWithErrors_;
-  /// The group of the last error: they come group by group.
+  /// The group of the last error, since errors come group by group.
   std::string lastGroup_;
 };
 

@@ -26,7 +26,7 @@ bool IsScalar(Form form) {
 
 bool IsList(Form form) { return !IsScalar(form) && form != Form::Line && form != Form::Unread; }
 
-// Reads one element of a list; most are digits up to the separator, which is quickly told.
+// Reads one element of a list. Most are digits up to the separator, for which there is a fast path.
 template <class Number>
 Defect CheckElement(std::string_view list, std::size_t& length, Number& value) {
   const char* const end = list.data() + list.size();
@@ -115,8 +115,8 @@ void GroupText::ScanLine(std::size_t lower, std::size_t upper) {
   unknown_.push_back({lower, label.size()});
 }
 
-// The reader looks for the letters of a key anywhere in the group's range, the groups inside
-// included, and takes the first place.
+// The reader searches the letters of a key anywhere in the group's range, including the groups
+// inside it, and takes the first place.
 void GroupText::ScanCaught() {
   std::vector<const Key*> open;
   for (const KeyTable* table : tables_) {
@@ -283,7 +283,7 @@ void GroupText::ReportDefect(Entry& entry, Defect defect, std::size_t offset,
   entry.isSound = false;
   const std::string& label = entry.fact->label();
   const E_FindingSeverity severity = defect == Defect::Underflow ? SeverityWarning : SeverityError;
-  // The place and the words are spared where nobody will see them.
+  // The place and the words are not needed if the finding is only counted.
   if (findings_.IsFull(code)) return findings_.Count(severity, code, path_);
   token = WithoutBlanks(token);
   ReportAt(offset, severity, code, label, Shortened(token), "a number",
@@ -428,14 +428,14 @@ void GroupText::Finish() {
 }
 
 void GroupText::ReportUnknown(const Line& line, std::vector<const std::string*>& missing) const {
-  // The search for what was meant is spared where nobody will see it.
+  // The search for a suggestion is not needed if the finding is only counted.
   for (const E_FindingCode code : {FindingKeyUnknown, FindingKeyMisplaced}) {
     if (findings_.IsFull(code)) return findings_.Count(SeverityWarning, code, path_);
   }
   const std::string_view typed = View(line.offset, line.length);
   const char* const place = vocabulary_.placeOf(typed);
   const std::string* meant = Nearest(typed, missing);
-  // A key of the format is a slip only for one that it is a part of.
+  // A key of the format counts as a misspelling only of a key that it is a part of.
   if (place != nullptr && meant != nullptr && !IsPartOf(typed, *meant)) meant = nullptr;
   if (meant != nullptr) {
     ReportAt(line.offset, SeverityError, FindingKeyUnknown, Shortened(typed), Shortened(typed),

@@ -17,9 +17,9 @@ namespace Tarvane::Plexura::PXROM::inspection {
 
 using fields::KeyTable;
 
-/// What a group's text can't know: the keys of the format outside of the group.
+/// The keys of the format outside the group.
 struct Vocabulary {
-  /// Keys that may stand anywhere and that nothing reads.
+  /// Keys that are allowed anywhere and that nothing reads.
   const KeyTable& unread;
   /// The kind of group that a key belongs to, in words, or null when the format has no such key.
   const char* (*placeOf)(std::string_view key);
@@ -29,15 +29,15 @@ struct Vocabulary {
 struct Pair {
   std::string key;
   std::string text;
-  /// As a real number, and as an integer, which ends at the point or exponent.
+  /// The value as a real number, and as an integer, which ends at the point or exponent.
   double number = 0.0;
   int integer = 0;
   std::size_t offset = 0;
 };
 
 /// The attributes of one group: finds its keys, checks the form of their values, and hands the
-/// values to whoever knows what they mean. Everything it finds wrong it reports itself; values that
-/// are wrong in themselves are not handed out, so that nothing that follows from them is reported.
+/// values to the checks that know their meaning. It reports defects of form itself and does not
+/// hand out such values, so that no finding reports what only follows from them.
 class GroupText {
  public:
   /// Looks through `group` for the keys of `tables`.
@@ -60,7 +60,7 @@ class GroupText {
 
   std::optional<int> Int(const std::string& label) const;
   std::optional<double> Double(const std::string& label) const;
-  /// What the reader makes of it; false when missing.
+  /// The value as the reader reads it; false when missing.
   bool Bool(const std::string& label) const;
   /// The number of values of a list; none when the key is missing.
   std::optional<std::size_t> Length(const std::string& label) const;
@@ -75,9 +75,10 @@ class GroupText {
   /// How many keys of `table` the group has.
   std::size_t CountKeysOf(const KeyTable& table) const;
 
-  /// Where the first key belongs that is of the format and not of this group, or null.
+  /// Where the first key belongs that the format has but not in this group; null without such a
+  /// key.
   const char* PlaceOfUnknownKeys() const;
-  /// Leaves the keys of other groups unmentioned.
+  /// Drops the keys of other groups, so that Finish does not report them.
   void ForgetMisplacedKeys();
 
   /// The required ones of these keys have to be there.
@@ -91,8 +92,8 @@ class GroupText {
   void ReportAt(std::size_t offset, E_FindingSeverity severity, E_FindingCode code,
                 const std::string& label, std::string found, std::string expected,
                 std::string sentence) const;
-  /// An error unless the list, if it is there, has `expected` values; `why` tells where that number
-  /// comes from. False when it has not.
+  /// Reports an error unless the list is missing or has `expected` values; `why` says where that
+  /// number comes from. False in case of an error.
   bool ExpectLength(const std::string& label, std::int64_t expected, const std::string& why) const;
 
  private:
@@ -137,7 +138,7 @@ class GroupText {
   std::vector<Entry> entries_;
   std::vector<Line> unknown_;
   std::vector<const std::string*> required_;
-  /// Keys whose letters are read from a place that was not meant for them.
+  /// Keys that the reader finds at a place that was not meant for them.
   std::vector<const std::string*> caught_;
 };
 

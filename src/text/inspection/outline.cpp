@@ -22,7 +22,7 @@ constexpr int kUnknownId = std::numeric_limits<int>::min();
 struct WordFact {
   const std::string& (*text)();
   bool isNumbered;
-  /// The word of the group around it; itself for none.
+  /// The word of the group around it; the word itself at the top.
   Word around;
 };
 
@@ -53,7 +53,7 @@ std::string TagText(Word word, int id) {
                                  : reading::OpeningTag(TextOf(word));
 }
 
-// The word that `typed` is, but for a slip of the pen.
+// The word that `typed` most likely means.
 std::optional<Word> NearestWord(std::string_view typed) {
   for (std::size_t w = 0; w < kWordCount; ++w) {
     const std::string& word = kWords[w].text();
@@ -96,7 +96,7 @@ void Outline::Report(E_FindingCode code, std::size_t offset, Word word, const st
 }
 
 void Outline::ListTags(std::string_view text) {
-  // Tags by their bracket, wherever they stand; in a line that has none, one that lost it.
+  // Tags by their bracket, anywhere; in a line without a bracket, a tag that has lost it.
   std::size_t lineStart = 0;
   std::size_t bracket = text.find('<');
   while (lineStart < text.size()) {
@@ -140,7 +140,7 @@ void Outline::ListTag(std::string_view text, std::size_t at) {
       if (number.substr(0, opening.size()) != opening) break;
       const std::string_view digits = number.substr(opening.size());
       const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), tag.id);
-      // Written as the reader writes it for its search, without a plus or leading zeros.
+      // The reader searches for a number without a plus or leading zeros.
       if (result.ec != std::errc() || digits != std::to_string(tag.id)) break;
       Append(tag);
       return;
@@ -181,8 +181,8 @@ void Outline::ListMalformed(std::string_view text, std::size_t offset, std::size
   const bool hasNumber = digit != std::string_view::npos;
   if (hasNumber) std::from_chars(behind.data() + digit, behind.data() + behind.size(), tag.id);
   if (!IsNumbered(*word)) tag.id = 0;
-  // A number speaks for an opening tag and a slash for a closing one. Where they disagree, it is
-  // the one that comes next.
+  // A number suggests an opening tag and a slash a closing one. Where they disagree, the tag is
+  // taken for the one that has to come next.
   if (IsNumbered(*word) && tag.isClosing == hasNumber) {
     const auto& list = tagsOf_[static_cast<std::size_t>(*word)];
     tag.isClosing = !list.empty() && !tags_[list.back()].isClosing;
@@ -225,7 +225,8 @@ void Outline::Open(std::size_t t) {
   bool isNested = false;
   if (IsOpen(tag.word)) {
     if (!IsNumbered(tag.word) && !tag.isMalformed && !IsClosing(placeOf_[t] + 1, tag.word)) {
-      // There is but one of these, so that a second opening tag is a closing tag without its slash.
+      // A text has only one of these groups, so a second opening tag is a closing tag that has lost
+      // its slash.
       const std::string closing = reading::ClosingTag(TextOf(tag.word));
       Report(FindingTagMalformed, tag.offset, tag.word, "", closing,
              Quoted(TagText(tag.word, 0)) + " opens the group a second time; did you mean " +
@@ -233,11 +234,11 @@ void Outline::Open(std::size_t t) {
       Close(tag);
       return;
     }
-    // With two closing tags ahead the groups are nested; else the outer one lost its own.
+    // If two closing tags follow, the groups are nested; else the outer group has lost its own.
     isNested = IsClosing(placeOf_[t] + 1, tag.word) && IsClosing(placeOf_[t] + 2, tag.word);
     while (!isNested && IsOpen(tag.word)) Abandon(tag.offset);
   } else {
-    // What may not stand around it and has no closing tag ahead has lost that.
+    // An open group that may not contain this one has lost its closing tag, unless one follows.
     while (!open_.empty() && groups_[open_.back()].word != around) {
       const Word inner = groups_[open_.back()].word;
       const auto& list = tagsOf_[static_cast<std::size_t>(inner)];

@@ -36,16 +36,16 @@ struct Group {
   std::size_t parent = kNone;
   std::size_t tag = 0;    ///< the "<" of the opening tag
   std::size_t lower = 0;  ///< the first character of the body
-  std::size_t upper = 0;  ///< the one behind the body
-  std::size_t end = 0;    ///< the one behind the closing tag
-  /// Whether it is opened and closed as it should be. What another one holds is not to be judged.
+  std::size_t upper = 0;  ///< the one after the body
+  std::size_t end = 0;    ///< the one after the closing tag
+  /// Whether both tags are in order. The content of other groups is not checked.
   bool isSound = true;
   std::vector<std::size_t> children;
 };
 
-/// The groups of a text as they were meant. Where a tag is missing or damaged, the outline takes
-/// the likeliest for granted and reports an error, so that one damage has one finding and not one
-/// for everything behind it. In a sound text it is what the reader's searches find.
+/// The groups of a text as they were meant. Where a tag is missing or damaged, the outline assumes
+/// the most likely tag and reports an error, so that one damage has one finding instead of one for
+/// each group after it. In a sound text the groups are those that the reader's searches find.
 class Outline {
  public:
   Outline(std::string_view text, Findings& findings);
@@ -61,8 +61,8 @@ class Outline {
   std::string PathOf(const Group& group) const;
   /// The indices of the groups at the top, in the order of the text.
   const std::vector<std::size_t>& Top() const { return top_; }
-  /// Whether a tag of `word`, or of any word, is damaged within [lower, upper): then groups that
-  /// seem to be missing there may just not have been recognised.
+  /// Whether a tag of `word`, or of any word, is damaged within [lower, upper). Then groups that
+  /// seem to be missing may only be unrecognised.
   bool IsDamaged(Word word, std::size_t lower, std::size_t upper) const;
   bool IsDamaged(const Group& group) const;
 

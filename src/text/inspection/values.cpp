@@ -14,7 +14,7 @@ bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether std::from_chars, which also takes names such as "inf", meets a number in digits.
+// Whether `text` begins with digits. std::from_chars also accepts names such as "inf".
 bool BeginsWithDigits(std::string_view text) {
   if (!text.empty() && text[0] == '-') text.remove_prefix(1);
   if (!text.empty() && text[0] == '.') text.remove_prefix(1);
@@ -34,7 +34,7 @@ Defect Check(std::string_view text, Number& value) {
   const auto result = std::from_chars(text.data(), end, parsed);
   if (result.ec == std::errc::invalid_argument) return Defect::NotANumber;
   if (result.ptr != end) {
-    // "1e" and "1e+" as a whole are refused by the reader and give 0.
+    // The reader refuses "1e" and "1e+" as a whole and reads 0.
     const char next = *result.ptr;
     const bool isExponent = next == 'e' || next == 'E';
     return !std::is_same_v<Number, int> && isExponent && value == 0 && parsed != 0

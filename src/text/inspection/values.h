@@ -15,15 +15,15 @@ enum class Defect {
   Underflow,     ///< not zero, but too small to be anything else
 };
 
-/// Reads `text` as the reader does, into 0 when there is nothing to read, and says what is wrong
-/// with it. Blanks before the number, and blanks and a carriage return behind it, are no defects.
+/// Reads `text` as the reader does, with 0 for a text without a number, and returns its defect.
+/// Blanks before the number, and blanks and a carriage return after it, are not defects.
 Defect CheckNumber(std::string_view text, int& value);
 Defect CheckNumber(std::string_view text, double& value);
 
 /// The defect in words: "is no number".
 const char* WordsOf(Defect defect);
 
-/// A pair as the text has it: what stands between the braces, before and behind the semicolon.
+/// A pair as the text has it: the parts between the braces, before and after the semicolon.
 struct PairText {
   std::string_view key;
   std::string_view value;
