@@ -10,7 +10,7 @@
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
-/// How data are prepared for the fast form of a kernel, see shapes.h.
+/// The preparation of data for the fast form of a kernel, see shapes.h.
 struct FastForm {
   std::size_t mostInputs;
   double (*inputFactor)(double scale);
@@ -18,8 +18,8 @@ struct FastForm {
   double (*deviation)(double inputs, double norm1, double norm2);
 };
 
-/// A row of the table of kernels (table.h), for those who need no more than that: what was compiled
-/// from its formula for plain numbers.
+/// A row of the table of kernels (table.h) without its class: the functions that were compiled from
+/// its formula for plain numbers.
 struct Kernel {
   const char* name;
   std::size_t index;  ///< its place in the table
@@ -30,23 +30,23 @@ struct Kernel {
   /// Overwrites `count` last states with their values; `scales` is one per state, or null.
   void (*values)(const Constants& constants, const double* scales, std::size_t count,
                  double* states);
-  /// The values between a point and rows, one after the other: as RowKernels says, but reads
+  /// The values between a point and rows, one after the other: see RowKernels, but this reads
   /// nothing after `count`.
   void (*rows)(const RowKernels& call);
   /// Writes `value` for `count` questions to their places in call.values: `argument` is the last
-  /// state, kBlock places belong to each centre, from `firstCentre` on.
+  /// state, and each centre has kBlock places, beginning with `firstCentre`.
   void (*answerValues)(const KernelSum& call, std::size_t firstCentre, const Question* questions,
                        std::size_t count, double* values);
-  /// The same for the function that a step needs; null when it needs none.
+  /// The same for the function that a step needs; null when a step needs no function.
   void (*answerSteps)(const Question* questions, std::size_t count, double* values);
-  /// Adds the gradient at `u` of the weighted kernels to `gradient`. `work` has room for 3 values
-  /// per input.
+  /// Adds the gradient at `u` of the weighted kernels to `gradient`. `work` holds 3 values per
+  /// input.
   void (*addGradients)(const WeightedKernels& call, const double* u, double* work,
                        double* gradient);
   const FastForm* fast;  ///< null without
 };
 
-/// The kernel that a number of a record means; null when there is none.
+/// The kernel that a number in a record means; null for an unknown number.
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept;
 const Kernel* FindKernel(E_SVRKernType type) noexcept;
 const Kernel* FindKernel(E_LinearBasisFunction type) noexcept;

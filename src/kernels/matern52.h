@@ -4,9 +4,9 @@
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
-/// Product of (1 + t + t^2 / 3) exp(-t), t = sqrt(5) k |x - y|, computed as the exponential of a
-/// sum: of t less the logarithm of the polynomial. The Matern kernel for nu = 5 / 2 of each input.
-/// Rasmussen and Williams, Gaussian Processes for Machine Learning (2006), equation 4.17.
+/// Product of (1 + t + t^2 / 3) exp(-t), t = sqrt(5) k |x - y|, computed as exp(-sum) with the
+/// terms t - log(1 + t + t^2 / 3). The Matern kernel with nu = 5 / 2 of each input. Rasmussen and
+/// Williams, Gaussian Processes for Machine Learning (2006), equation 4.17.
 struct Matern52 : ExpOfSum {
   static constexpr const char* kName = "matern 5/2";
   static constexpr bool kAsksPerInput = true;
@@ -34,8 +34,8 @@ struct Matern52 : ExpOfSum {
 
   /// Without logarithms: a product beside the sum.
   struct Fast : AnyFast {
-    // The product grows no faster than exp of the sum, and what it could not hold has vanished.
-    // Many inputs at once could run it out of range.
+    // The product grows more slowly than exp of the sum, so where it overflows the kernel is 0.
+    // With too many inputs it could overflow earlier.
     static constexpr std::size_t kMostInputs = 256;
     template <class N>
     struct State {

@@ -1,7 +1,7 @@
 #pragma once
 
-// What a kernel is made of. Each kernel is one class in a file of its own, over a number type N:
-// with double it gives the plain loops, with simd::Vector the loops on vectors, with a dual number
+// The parts of a kernel. Each kernel is one class in a file of its own, with templates over a
+// number type N: double gives the plain loops, simd::Vector the loops on vectors, and a dual number
 // the derivative that tests compare with. All have the same order of operations.
 //
 // A class derives from one of the shapes below and holds
@@ -11,15 +11,16 @@
 //   Dot        Value(constants, x . y)
 //   Radial     Value(constants, squared distance, scale of the centre)
 // and beside it
-//   Descent or Slope, the derivative in closed form: better conditioned near a centre than the
-//   chain rule, and 0 at a kink, where a coordinate equals the centre's under an absolute value
-//   (the mean of both sides). At a cut-off it is that of the branch that the value takes. Fast the
-//   form for the fast mode and the bound of its error; none for plain arithmetic,
-//              which is as fast in its exact form.
+//   Descent or Slope, the derivative in closed form, which is better conditioned near a centre than
+//   the chain rule. At a kink, where a coordinate equals the centre's under an absolute value, it
+//   is 0, the mean of both sides. At a cut-off it is that of the branch that the value takes.
 //
-// A kernel with kAsksPerInput needs a function in each step that the host may have to be asked for.
-// Its Distance gives what Argument makes the function's argument of, Inner is the function, and
-// Term or Factor get the distance and inner(), its value.
+//   Fast, the form for the fast mode and the bound of its error. Kernels of plain arithmetic have
+//   none, since their exact form is as fast.
+//
+// A kernel with kAsksPerInput needs in each step a function that the host may have to compute. Its
+// Argument turns the Distance into the argument of the function Inner. Term or Factor get the
+// distance and inner(), the value of the function.
 
 #include <cmath>
 #include <cstddef>
@@ -45,8 +46,8 @@ using simd::Third;
 
 /// What a kernel needs besides its arguments, by the number of inputs.
 struct Constants {
-  double shift = 0.0;     ///< of the functions that are shifted to end at 0
-  double perInput = 0.0;  ///< the factor of the functions that depend on the inputs' number
+  double shift = 0.0;     ///< for functions that are shifted to end at 0
+  double perInput = 0.0;  ///< the factor of functions that depend on the number of inputs
 };
 
 enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial };
@@ -54,9 +55,9 @@ enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial };
 struct AnyShape {
   static constexpr bool kAsksPerInput = false;
   static constexpr bool kHasEnd = false;
-  /// Whether vectors can give the value for the last state; else the host is asked for each one.
+  /// Whether vectors can compute the value for the last state; else the host computes each one.
   static constexpr bool kHasVectorForm = true;
-  /// The same of the function in each step, or of the step without one.
+  /// The same for the function in each step, or for the step if it needs no function.
   static constexpr bool kHasVectorSteps = true;
   using Fast = void;
   static Constants ConstantsFor(double /*inputs*/) { return {}; }
@@ -90,7 +91,7 @@ struct Radial : AnyShape {
   static constexpr double kStart = 0.0;
 };
 
-/// Not the smaller of both, but as std::min picks: a NaN stays one.
+/// min(z, 1), but a NaN stays a NaN, as with std::min.
 template <class N>
 PXROM_INLINE N UpTo1(N z) {
   return Select(1.0 < z, N(1.0), z);
@@ -102,15 +103,15 @@ PXROM_INLINE N Combine(const Constants& constants, N state, N distance, const In
   if constexpr (K::kShape == Shape::ExpOfSum) {
     return state + K::Term(distance, inner);
   } else {
-    // An end assigns 0. That differs from a factor of 0 only once an infinity or a NaN is in the
-    // product, and the loops go on after it for the same reason.
+    // Outside, 0 is assigned. This differs from a factor of 0 only if the product is infinite or a
+    // NaN. For the same reason the loop continues with the other inputs.
     return If(
         K::IsInside(distance), [&] { return state * K::Factor(constants, distance, inner); }, 0.0);
   }
 }
 
-/// The next state: what one input adds. The first state is K::kStart, and K::Value gives the kernel
-/// of the last one.
+/// The state after one more input. The first state is K::kStart, and K::Value gives the kernel for
+/// the last state.
 template <class K, class N>
 PXROM_INLINE N Step([[maybe_unused]] const Constants& constants, N state, N x, N y,
                     [[maybe_unused]] N scale) {
@@ -135,12 +136,13 @@ PXROM_INLINE N Step([[maybe_unused]] const Constants& constants, N state, N x, N
   }
 }
 
-// The fast forms. Points and centres come multiplied by InputFactor(scale), and the scale of a
-// centre as CentreFactor(scale), the factor of the distance or of its square. Start, Step and Value
-// are as above. Deviation bounds how far one kernel may be from the exact one, in units of 2^-53
-// (what one rounding may do, relative); `norm1` and `norm2` are the largest norms of a multiplied
-// centre, since a rounding there does not shrink with the difference of point and centre. The
-// factors in it bound what a function's slope times its argument comes to.
+// The fast forms. Points and centres are multiplied by InputFactor(scale) in advance, and the scale
+// of a centre is replaced by CentreFactor(scale), the factor of the distance or of its square.
+// Start, Step and Value are as above. Deviation bounds the difference between one kernel and its
+// exact value, in units of 2^-53, the relative error of one rounding. `norm1` and `norm2` are the
+// largest norms of a multiplied centre: a rounding error there does not shrink with the difference
+// of point and centre. The factors in the bound are upper limits of a function's slope times its
+// argument.
 
 constexpr double kLog2OfE = 0x1.71547652b82fep+0;
 

@@ -6,8 +6,9 @@
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
-// The cardinal sine sin(z) / z, shifted by c = sin(e) / e and divided by 1 - c, so that it ends at
-// 0 in e = 3 pi / 2. Chiles and Delfiner, Geostatistics (2012), section 2.5 (hole effect models).
+// The cardinal sine sin(z) / z, shifted by c = sin(e) / e and divided by 1 - c, so that it is 0 at
+// its end e = 3 pi / 2. Chiles and Delfiner, Geostatistics (2012), section 2.5 (hole effect
+// models).
 
 constexpr double kSincEnd = 4.71238898038469;
 constexpr double kSincTiny = 1e-06;  // the function is 1 up to here
@@ -39,7 +40,7 @@ PXROM_INLINE N ShiftedSincOfSquare(N w) {
 
 inline Constants ConstantsOfSinc() { return {std::sin(kSincEnd) / kSincEnd, 0.0}; }
 
-/// The derivative of sin(z) / z, over z. Near 0 by its series, where the formula cancels.
+/// The derivative of sin(z) / z, divided by z. Near 0, where the formula cancels, by its series.
 inline double SincSlopeOverArgument(double z) {
   const double w = z * z;
   if (w > 0.0625) return (std::cos(z) - std::sin(z) / z) / w;

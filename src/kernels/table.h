@@ -1,7 +1,7 @@
 #pragma once
 
 // The table of kernels: one row for each, with the numbers of the public enums that mean it. All
-// loops, fast forms, gradients and questions to the host are made from it.
+// loops, fast forms and gradients are made from it.
 
 #include <cstddef>
 #include <type_traits>
@@ -40,7 +40,7 @@ struct Row {
   static constexpr bool Has(Number number) {
     return (IsSame(kNumbers, number) || ...);
   }
-  /// The largest of its numbers in an enum; -1 when it has none.
+  /// The largest of its numbers in an enum; -1 when it has no number there.
   template <class Number>
   static constexpr int Largest() {
     int largest = -1;
@@ -65,7 +65,7 @@ struct Row {
 template <class... Rows>
 struct Table {
   static constexpr std::size_t kCount = sizeof...(Rows);
-  /// The place of the row that has `number`; kCount when there is none.
+  /// The place of the row that has `number`; kCount without such a row.
   template <class Number>
   static constexpr std::size_t Find(Number number) {
     std::size_t at = 0;
@@ -106,15 +106,15 @@ using Kernels = Table<                                      //
     Row<RadialRational, LBFRational>,                       //
     Row<RadialTanh, LBFTanh>>;
 
-/// The weights of moving least squares, which are no kernels of a sum: their scale is a distance
-/// that moves with the point.
+/// The weights of moving least squares. They are not kernels of a sum: their scale is a distance
+/// that depends on the point.
 using Weights = Table<Row<ConstantWeight, WeightConstant>,  //
                       Row<GaussianWeight, WeightGaussian>,  //
                       Row<CompactWeight, WeightCompact>,    //
                       Row<RationalWeight, WeightRational>,  //
                       Row<InverseWeight, WeightInverse>>;
 
-/// Calls use(weight) with the weight that `function` means; false when there is none.
+/// Calls use(weight) with the weight that `function` means; false for an unknown function.
 template <class... Rows, class Use>
 bool WithWeightOf(Table<Rows...>, E_WeightFunction function, const WeightSetting& setting,
                   const Use& use) {

@@ -23,7 +23,7 @@ struct DotSigmoid : Dot {
   }
 
   struct Fast : FastSum {
-    // As exact: nothing bounds what cancels here.
+    // Summed as in the exact form, since nothing bounds the cancellation.
     template <class N>
     PXROM_INLINE static N Step(N sum, N x, N y) {
       return sum + x * y;
@@ -36,8 +36,8 @@ struct DotSigmoid : Dot {
   };
 };
 
-/// tanh(r / d / h) in d inputs, which grows with the distance. A hidden unit of a network on the
-/// distance: Haykin, Neural Networks (1999), section 1.3.
+/// tanh(r / d / h) in d inputs, which grows with the distance. The hidden unit of a neural network,
+/// applied to the distance: Haykin, Neural Networks (1999), section 1.3.
 struct RadialTanh : Radial {
   static constexpr const char* kName = "radial tanh";
   static constexpr bool kHasVectorForm = false;

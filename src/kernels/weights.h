@@ -12,15 +12,15 @@ struct WeightSetting {
   double inputs = 0.0;
 };
 
-/// A weight and its derivatives. The one by the distance is over the distance, so that it has no
-/// pole at a sample but where the weight has a kink; there it is 0.
+/// A weight and its derivatives. The derivative by the distance is divided by the distance: this
+/// has no pole at a sample unless the weight has a kink there, and then it is set to 0.
 struct WeightSlopes {
   double value;
   double byDistanceOverIt;
   double byReference;
 };
 
-/// What an unknown function weighs: 0.
+/// The weight of an unknown function: 0.
 struct NoWeight {
   static double At(double /*r*/) { return 0.0; }
   static WeightSlopes SlopesAt(double /*r*/) { return {}; }

@@ -50,8 +50,8 @@ struct CompactWeight {
   WeightSlopes SlopesAt(double r) const {
     const double t = std::min(1.0, r / reach);
     const double rest = 1.0 - t;
-    // The derivative by t is -20 t (1 - t)^3. The value has the power as a product here: a
-    // derivative has no bits to keep, and this is faster.
+    // The derivative by t is -20 t (1 - t)^3. The power is a product here, which is faster:
+    // gradients are not defined to the last bit.
     const double cube = rest * rest * rest;
     return {cube * rest * (4.0 * t + 1.0), -20.0 * cube / (reach * reach),
             20.0 * t * t * cube / rho};

@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::uint64_t kShownExactly = 10000;
 
-/// Two leading digits of a large number, the next ones above it.
+/// A large number rounded up to two significant digits.
 std::uint64_t RoundedUp(std::uint64_t number) {
   std::uint64_t unit = 1;
   while (number / unit >= 100 && number >= kShownExactly) unit *= 10;

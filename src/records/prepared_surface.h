@@ -16,8 +16,8 @@ using simd::LoopTable;
 using simd::Monomial;
 using simd::Polynomial;
 
-/// Hands out parts of a working area, each a whole number of cache lines. Without an area it only
-/// counts, so that one function tells both how much is needed and what stands where.
+/// Divides a working area into parts, each a whole number of cache lines. Without an area it only
+/// counts, so one function gives both the size of an area and the places in it.
 class WorkArea {
  public:
   explicit WorkArea(double* start = nullptr) : start_(start) {}
@@ -34,7 +34,7 @@ class WorkArea {
   std::size_t used_ = 0;
 };
 
-/// What a surface works with, besides its own data: the loops and a working area.
+/// What a surface needs besides its own data: the loops and a working area.
 struct Tools {
   const kernels::LoopTable* exact = nullptr;
   const kernels::LoopTable* fast = nullptr;
@@ -45,11 +45,10 @@ struct Tools {
 /// The points of one block, in the space that the candidate hands to its surfaces.
 struct Points {
   const double* x = nullptr;  ///< input by input, see kBlock
-  std::size_t count = 0;      ///< 1 to kBlock; after them come copies of the last one
+  std::size_t count = 0;      ///< 1 to kBlock; copies of the last one follow
 };
 
-/// What an evaluation of a block fills: kBlock values each, of which the first Points::count are
-/// meant.
+/// The results of a block: kBlock values each, of which the first Points::count count.
 struct Results {
   double* values = nullptr;
   double* errors = nullptr;  ///< null for the form without errors
@@ -66,12 +65,13 @@ class PreparedSurface {
 
   virtual std::size_t WorkSize(bool /*withErrors*/) const { return 0; }
   virtual std::size_t QuestionCount() const { return 0; }
-  /// As the surface's evaluator at each of the points. Where a status is 1 the rest is open.
+  /// Gives what the surface's evaluator gives at each of the points. Where a status is 1, value and
+  /// error have no meaning.
   virtual void Evaluate(const Points& points, const Tools& tools, const Results& results) const = 0;
 
-  /// Whether FastValues is something else than Evaluate without errors.
+  /// Whether FastValues differs from Evaluate without errors.
   virtual bool HasFastForm() const { return false; }
-  /// How far the two may be apart, for values of no more than `magnitude`.
+  /// The largest difference of the two, for values up to `magnitude`.
   virtual double FastDeviation(double /*magnitude*/) const { return 0.0; }
   virtual void FastValues(const Points& points, const Tools& tools, const Results& results) const {
     Evaluate(points, tools, results);
@@ -79,12 +79,12 @@ class PreparedSurface {
 
   virtual std::size_t GradientWorkSize() const { return 0; }
   /// The derivative of the value at `x` with respect to `x`, in the candidate's space. 1 where the
-  /// value has the status 1 or no derivative, `gradient` then open.
+  /// value has the status 1 or no derivative; `gradient` then has no meaning.
   virtual int Gradient(const double* x, double* work, double* gradient) const = 0;
 };
 
-/// A surface that answers 1 at every point, as the evaluator of a record does that is not ready,
-/// stopped, or inconsistent.
+/// A surface with the status 1 at every point, which is what an evaluator gives for a record that
+/// is not ready, stopped, or inconsistent.
 std::unique_ptr<const PreparedSurface> PrepareRefused();
 
 }  // namespace Tarvane::Plexura::PXROM::batch

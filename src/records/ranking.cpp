@@ -11,14 +11,15 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-// Shorter partitions go to insertion sort; more pending ones than this are refused.
+// Shorter partitions are sorted by insertion; more pending partitions than this are refused.
 constexpr int kInsertionLength = 7;
 constexpr int kStackLimit = 500;
 constexpr double kTieEpsilon = 1e-10;
 
 // Sorts index[1..n] by value[index], both 1-based, by median-of-three quicksort with an explicit
-// stack. False when the stack is full. The scans stop at the ends of the partition, where the
-// median of three leaves sentinels that only NaN values can defeat.
+// stack: Sedgewick, Implementing quicksort programs, Communications of the ACM 21 (1978). False
+// when the stack is full. The scans stop at the ends of the partition, where the median of three
+// leaves sentinels. NaN values can defeat the sentinels, so the ends are tested too.
 bool SortIndices(int n, const std::vector<double>& value, std::vector<int>& index) {
   std::vector<int> stack(kStackLimit + 1);
   int pending = 0;
@@ -66,7 +67,7 @@ bool SortIndices(int n, const std::vector<double>& value, std::vector<int>& inde
     index[at(j)] = pivotIndex;
     pending += 2;
     if (pending > kStackLimit) return false;
-    // The larger part waits, so that the stack stays short.
+    // The larger part is pushed, so that the stack stays short.
     if (r - i + 1 < j - l) {
       stack[at(pending)] = j - 1;
       stack[at(pending - 1)] = l;

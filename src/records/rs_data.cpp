@@ -12,8 +12,8 @@ namespace {
 
 using Matrix = std::vector<std::vector<double>>;
 
-// The statistics are written once, over `at(0)` to `at(count - 1)`; a vector and a column of a
-// matrix differ only in where an element stands.
+// The statistics are written once, over `at(0)` to `at(count - 1)`. A vector and a column of a
+// matrix differ only in `at`.
 
 template <class At>
 double Largest(std::size_t count, At at) {
@@ -274,7 +274,7 @@ bool CRSData::IsSamplingCorrect() const {
 }
 
 bool CRSData::IsScalingCorrect() const {
-  // Compared exactly: a slope however small is usable, and NaN passes.
+  // Compared exactly: any other slope is usable, however small, and NaN passes.
   const auto isZero = [](double slope) { return slope == 0.0; };
   return EqualsCount(NumberOfInputVariables, InputScaleSlopes.size()) &&
          EqualsCount(NumberOfInputVariables, InputScaleIntercepts.size()) &&

@@ -11,17 +11,17 @@ namespace Tarvane::Plexura::PXROM {
 using SampleRows = std::vector<std::vector<double>>;
 
 /// Whether `data` is stopped at this moment. Another thread may stop it during an evaluation, so
-/// that the flag is read anew each time; how the threads come to see it is the host's affair.
+/// the flag is read again each time. The host has to synchronise the threads.
 inline bool IsStoppedNow(const CRSData& data) {
   return const_cast<const volatile bool&>(data.Stopped);
 }
 
-/// Whether the count field of a record is no negative number and no more than there are.
+/// Whether the count field of a record is neither negative nor above `size`.
 inline bool IsCovered(int count, std::size_t size) {
   return count >= 0 && static_cast<std::size_t>(count) <= size;
 }
 
-/// Whether each of the first `count` rows, which are there, has `d` values.
+/// Whether each of the first `count` rows, which must exist, has `d` values.
 inline bool HaveWidth(const SampleRows& rows, std::size_t count, std::size_t d) {
   for (std::size_t j = 0; j < count; ++j) {
     if (rows[j].size() != d) return false;
@@ -30,8 +30,8 @@ inline bool HaveWidth(const SampleRows& rows, std::size_t count, std::size_t d) 
 }
 
 /// sums[j] = the sum of term(v, rows[j][v]) over v ascending below `d`, for the first `count` rows.
-/// Four rows go side by side: the additions of one sum have to wait for each other, those of
-/// different sums do not, and each sum keeps its own order and so its bits.
+/// Four rows are summed together: the additions of one sum have to wait for each other, those of
+/// different sums do not. Each sum keeps its own order and so its bits.
 template <class Term>
 void SumOverEachRow(const SampleRows& rows, std::size_t count, std::size_t d, const Term& term,
                     double* sums) {
@@ -63,8 +63,8 @@ void SumOverEachRow(const SampleRows& rows, std::size_t count, std::size_t d, co
   }
 }
 
-/// The squared Euclidean distances between the first `d` values of `x` and of the first `count`
-/// rows, which have as many.
+/// The squared Euclidean distances between the first `d` values of `x` and those of the first
+/// `count` rows, which must have `d` values.
 inline void SquaredDistances(const SampleRows& rows, std::size_t count, std::size_t d,
                              const std::vector<double>& x, double* squares) {
   const double* const point = x.data();

@@ -8,28 +8,29 @@
 
 namespace Tarvane::Plexura::PXROM::costing {
 
-// What the evaluation of one surface takes. Numbers are estimates and kept as doubles, which no
-// product of sizes can overflow.
+// The cost of an evaluation of one surface. The numbers are estimates, and doubles because no
+// product of sizes overflows them.
 
-/// Operations that exp, log, pow, a sine or a hyperbolic tangent count as.
+/// How many operations exp, log, pow, a sine or a hyperbolic tangent count as.
 constexpr double kElementary = 40.0;
 constexpr double kBytesPerNumber = 8.0;
-/// What a row of samples costs beside its numbers.
+/// The bytes of a row of samples in addition to its numbers.
 constexpr double kBytesPerRow = 32.0;
 
 struct SurfaceCost {
-  /// Operations at one point: of the value, of the surface's own error beside it, of the gradient.
+  /// Operations at one point: for the value, for the surface's own error in addition, and for the
+  /// gradient.
   double value = 1.0;
   double error = 0.0;
   double gradient = 1.0;
   /// Bytes that a prepared copy holds.
   double held = 0.0;
-  /// Bytes that an evaluation works with: for each point of a block, and once.
+  /// Bytes of the working area: for each point of a block, and once.
   double perPoint = 0.0;
   double once = 0.0;
 };
 
-/// The smaller of a count and what is there.
+/// The smaller of a count, which may be negative, and the size of the data.
 inline double Counted(int count, std::size_t there) {
   return std::min(static_cast<double>(std::max(count, 0)), static_cast<double>(there));
 }
@@ -40,13 +41,13 @@ inline double InputsOf(const CRSData& record) {
   return Counted(record.NumberOfInputVariables, std::max(width, record.InputScaleSlopes.size()));
 }
 
-/// What a sum of kernels takes that has `centres` terms. A kernel has `perInput` operations for
-/// each input and `perCentre` beside them.
+/// The cost of a sum of `centres` kernels. A kernel has `perInput` operations for each input and
+/// `perCentre` in addition.
 inline SurfaceCost CostOfKernelSum(double centres, double inputs, double perInput,
                                    double perCentre) {
   SurfaceCost cost;
   cost.value = 2.0 * inputs + centres * (inputs * perInput + perCentre + 2.0);
-  // The slopes take about what the values do, which are needed too.
+  // Slopes cost about as much as values, and need the values too.
   cost.gradient = 2.0 * cost.value + centres * inputs * 3.0;
   // Centres are kept twice, exact and multiplied for the fast mode.
   cost.held = kBytesPerNumber * (centres * (2.0 * inputs + 3.0) + 5.0 * inputs);

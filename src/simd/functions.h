@@ -2,11 +2,13 @@
 
 // Functions on vectors.
 //
-// The exact ones give the bits of the host's library without calling it: they compute a function as
-// a sum of two doubles, to a few more bits than a double has. Where that sum is clear of the middle
-// between two doubles by more than the host's own error, the host has rounded to the same side. A
-// lane where it is not is left open, a few in a hundred, and the host is asked. That rests on a
-// bound of the host's error; AreHostFunctionsKnown checks it, and all lanes are open if it fails.
+// The exact functions give the bits of the host's C library without calling it. They compute a
+// function as a sum of two doubles, to a few more bits than a double has. If this sum is farther
+// from the midpoint of two doubles than the host's own error, the host has rounded to the same side
+// (the rounding test of Ziv, ACM Transactions on Mathematical Software 17, 1991). Other lanes, a
+// few in a hundred, are left open, and the host computes them. This needs a bound of the host's
+// error: AreHostFunctionsKnown checks it, and if it does not hold, the exact mode uses only the
+// host.
 
 #include <cstdint>
 
@@ -15,7 +17,7 @@
 namespace Tarvane::Plexura::PXROM::simd {
 namespace {
 
-/// A value, and the lanes (Bits) that the host has to be asked for.
+/// A value, and the lanes (Bits) that the host has to compute.
 struct Exact {
   PXROM_INLINE Exact(Vector known, unsigned openLanes = 0) : value(known), open(openLanes) {}
   Vector value;
@@ -27,7 +29,7 @@ PXROM_INLINE Exact Select(Mask mask, Exact yes, Vector no) {
   return {Select(mask, yes.value, no), yes.open & Bits(mask)};
 }
 
-// The host alone has these.
+// Only the host has these.
 PXROM_INLINE Exact Sin(Vector x) { return {x, kAllLanes}; }
 PXROM_INLINE Exact J0(Vector x) { return {x, kAllLanes}; }
 
@@ -39,11 +41,11 @@ PXROM_INLINE Vector Horner(Vector x, double first, Doubles... rest) {
   return sum;
 }
 
-constexpr double kMagic = 0x1.8p52;  // added, it leaves an integer in the lowest bits
+constexpr double kMagic = 0x1.8p52;  // adding it leaves an integer in the lowest bits
 
 #if PXROM_SIMD == PXROM_SIMD_PORTABLE
 
-// Without a fused multiply-add the second double costs more than asking.
+// Without a fused multiply-add the second double costs more than a call of the host's function.
 PXROM_INLINE Exact ExpOfMinus(Vector s) { return {s, kAllLanes}; }
 PXROM_INLINE Exact Log(Vector x) { return {x, kAllLanes}; }
 PXROM_INLINE Exact Power4(Vector x) { return {x, kAllLanes}; }
@@ -80,7 +82,7 @@ PXROM_INLINE I ShiftRight(I i) {
   return _mm512_maskz_srli_epi64(kEveryLane, i, kBits);
 }
 
-// The powers 2^(j / 8), and what they lack to be exact; an index counts by its lowest three bits.
+// The powers 2^(j / 8) and their rounding errors. Only the lowest three bits of an index count.
 constexpr unsigned kTableBits = 3;
 constexpr double kPowers[] = {0x1.0000000000000p+0, 0x1.172b83c7d517bp+0, 0x1.306fe0a31b715p+0,
                               0x1.4bfdad5362a27p+0, 0x1.6a09e667f3bcdp+0, 0x1.8ace5422aa0dbp+0,
@@ -120,7 +122,7 @@ PXROM_INLINE I ShiftRight(I i) {
   return _mm256_srli_epi64(i, kBits);
 }
 
-// The powers 2^(j / 4), and what they lack to be exact.
+// The powers 2^(j / 4) and their rounding errors.
 constexpr unsigned kTableBits = 2;
 constexpr double kPowers[] = {0x1.0000000000000p+0, 0x1.306fe0a31b715p+0, 0x1.6a09e667f3bcdp+0,
                               0x1.ae89f995ad3adp+0};
@@ -129,8 +131,8 @@ constexpr double kPowersRest[] = {0.0, 0x1.6f46ad23182e4p-55, -0x1.bdd3413b26456
 // Of the result in [1, 2): the host's error beyond one half of its last bit, and ours.
 constexpr double kExpDoubt = (0.0125 + 0.0125) * 0x1p-52;
 
-// There is only a permutation of floats: a double is two of them. Indices count by their lowest
-// three bits.
+// There is only a permutation of floats, and a double is two of them. Only the lowest three bits of
+// an index count.
 PXROM_INLINE I TableIndex(I i) {
   const I doubled = Plus(i, i);
   const I both = _mm256_shuffle_epi32(doubled, 0xA0);
@@ -142,10 +144,11 @@ PXROM_INLINE Vector LookUp(const double* table, I index) {
 
 #endif
 
-/// exp(-s) = 2^(k / N) exp(r), with |r| up to ln 2 / 2N.
+/// exp(-s) = 2^(k / N) exp(r), with |r| up to ln 2 / 2N: Tang, Table-driven implementation of the
+/// exponential function, ACM Transactions on Mathematical Software 15 (1989).
 PXROM_INLINE Exact ExpOfMinus(Vector s) {
   constexpr double kTableSize = 1 << kTableBits;
-  // ln 2 / N in two parts, the first so short that its product with k is exact.
+  // ln 2 / N in two parts. The first is so short that its product with k is exact.
   constexpr double kStep = 0x1.62e42fefa0000p-1 / kTableSize;
   constexpr double kStepRest = 0x1.cf79abc9e3b3ap-40 / kTableSize;
   constexpr double kInverse = 0x1.71547652b82fep+0 * kTableSize;
@@ -160,7 +163,7 @@ PXROM_INLINE Exact ExpOfMinus(Vector s) {
   const Vector r = MinusFma(k, kStepRest, rough);
   const Vector rRest = MinusFma(k, kStepRest, rough - r);
 
-  // exp(r) = 1 + r + tail; the Taylor series is long enough.
+  // exp(r) = 1 + r + tail, the tail by its Taylor series.
   const Vector series = Horner(r, 1.0 / 3628800.0, 1.0 / 362880.0, 1.0 / 40320.0, 1.0 / 5040.0,
                                1.0 / 720.0, 1.0 / 120.0, 1.0 / 24.0, 1.0 / 6.0, 0.5);
   const Vector tail = Fma(r * r, series, Fma(rRest, r, rRest));
@@ -185,13 +188,13 @@ PXROM_INLINE Exact ExpOfMinus(Vector s) {
   return {Select(vanished, 0.0, scaled), (doubtful | ~normal) & ~Bits(vanished) & kAllLanes};
 }
 
-/// The power of 2 in v: times 2^-52 it is the last bit of v.
+/// The largest power of 2 that is not above v: times 2^-52 it is the last bit of v.
 PXROM_INLINE Vector LeadingPowerOf2(Vector v) {
   return AsDoubles(And(AsInts(v), Ints(std::int64_t{0x7ff} << 52)));
 }
 
-/// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1. For x from 1/8
-/// up; others are left open.
+/// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1 (Abramowitz and
+/// Stegun 4.1.27). For x of at least 1/8; other lanes are left open.
 PXROM_INLINE Exact Log(Vector x) {
   constexpr double kLn2 = 0x1.62e42fefa2000p-1;
   constexpr double kLn2Rest = 0x1.9ef35793c7673p-41;
@@ -228,10 +231,10 @@ PXROM_INLINE Exact Log(Vector x) {
   return {up, (Bits(up != down) | ~usual) & kAllLanes};
 }
 
-/// x to the power 4, where that is 0 or neither very small nor very large, since the host's error
-/// grows with the result's logarithm; others are left open.
+/// x to the power 4. Lanes with a very small or very large result are left open, except 0, since
+/// the host's error grows with the logarithm of the result.
 PXROM_INLINE Exact Power4(Vector x) {
-  constexpr double kDoubt = 0.015 * 0x1p-52;  // all of it the host's
+  constexpr double kDoubt = 0.015 * 0x1p-52;  // only the host's
   const Vector square = x * x;
   const Vector squareRest = Fma(x, x, 0.0 - square);
   const Vector high = square * square;
@@ -243,7 +246,8 @@ PXROM_INLINE Exact Power4(Vector x) {
   return {up, (Bits(up != down) | ~usual) & kAllLanes};
 }
 
-/// v / 3, correctly rounded like a division: one step of Markstein's correction.
+/// v / 3, correctly rounded like a division, by one correction step: Markstein, IA-64 and
+/// Elementary Functions (2000).
 PXROM_INLINE Vector Third(Vector v) {
   const Vector inverse = 1.0 / 3.0;
   const Vector rough = v * inverse;
@@ -251,17 +255,17 @@ PXROM_INLINE Vector Third(Vector v) {
   return Select(Abs(v) <= 0x1.fffffffffffffp1023, corrected, v);
 }
 
-/// v over 2^n, for an integer n that stands in the lowest bits of `shifted`.
+/// v / 2^n, for an integer n in the lowest bits of `shifted`.
 PXROM_INLINE Vector OverPowerOf2(Vector v, Vector shifted) {
   return AsDoubles(Minus(AsInts(v), ShiftLeft<52>(AsInts(shifted))));
 }
 
 #endif
 
-// The fast ones: within about one unit in the last place of 1. The polynomials are Chebyshev fits
-// of the least degree for that.
+// The fast functions are within about one unit in the last place of 1. Their polynomials are
+// Chebyshev fits of the lowest degree that is enough.
 
-/// 2^-q for q from 0 up; below 2^-1000 anything near 0.
+/// 2^-q for q >= 0; for a result below 2^-1000 any number near 0.
 PXROM_INLINE Vector Exp2OfMinus(Vector q) {
   const Vector bounded = Smaller(q, 1000.0);
   const Vector shifted = bounded + kMagic;

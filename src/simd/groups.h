@@ -6,8 +6,8 @@
 namespace Tarvane::Plexura::PXROM::simd {
 namespace {
 
-/// As many vectors of points go through a loop together, so that the chains of additions of one
-/// point hide behind those of the others.
+/// This many vectors of points go through a loop together, so that the additions of one point fill
+/// the waiting times of the others.
 constexpr std::size_t kGroup = 4;
 
 /// How many vectors, as a type.

@@ -5,9 +5,9 @@
 
 namespace Tarvane::Plexura::PXROM::simd {
 
-/// Points are worked on in blocks, side by side: value `v` of all points of a block is at
-/// [v * kBlock] to [v * kBlock + kBlock - 1]. The last points of a block that is not full are
-/// copies, which cost nothing where the lanes of a vector are there anyway.
+/// Points are evaluated in blocks: value `v` of all points of a block is at [v * kBlock] to
+/// [v * kBlock + kBlock - 1]. A block that is not full ends with copies of its last point, which
+/// cost nothing, since a vector computes all its lanes anyway.
 constexpr std::size_t kBlock = 32;
 
 /// A polynomial: products of up to two variables, in order. Variable `inputs` is a 1.
@@ -24,7 +24,7 @@ struct Polynomial {
   bool coefficientFirst = false;
 };
 
-/// What the error of a Kriging prediction is made of: v = C r, w = F v - f, g = G w.
+/// The parts of the error of a Kriging prediction (kriging.h): v = C r, w = F v - f, g = G w.
 struct KrigingErrorSum {
   std::size_t samples = 0;
   std::size_t functions = 0;
@@ -37,12 +37,13 @@ struct KrigingErrorSum {
   const double* r = nullptr;  ///< the correlations, sample by sample
   const double* f = nullptr;  ///< the trend functions, one by one
   std::size_t points = 0;
-  double* v = nullptr;  ///< room for a value per sample
-  double* w = nullptr;  ///< room for two per function
+  double* v = nullptr;  ///< working area: one value per sample
+  double* w = nullptr;  ///< working area: two values per function
   double* errors = nullptr;
 };
 
-/// How many rows LoopTable::rowProducts takes: enough chains of additions to hide their latency.
+/// How many rows LoopTable::rowProducts takes: enough independent sums to hide the latency of an
+/// addition.
 constexpr std::size_t kRowsOfProducts = 16;
 
 /// The loops over points, for one instruction set. All of them keep the order of operations that
@@ -57,10 +58,10 @@ struct LoopTable {
   void (*quadraticForm)(const double* matrix, const double* f, std::size_t order,
                         std::size_t points, double* sums);
   void (*krigingError)(const KrigingErrorSum& call);
-  /// out[k] grows by rows[k][j] x[j], in ascending j, for kRowsOfProducts rows. Null in loops that
-  /// would be no faster than others.
+  /// out[k] grows by rows[k][j] x[j], in ascending j, for kRowsOfProducts rows. Null for an
+  /// instruction set where the evaluator's own loop is as fast.
   void (*rowProducts)(const double* const* rows, const double* x, std::size_t columns, double* out);
-  /// A length after which kRowsOfProducts rows hold zeros alone. Null as rowProducts is.
+  /// A length after which kRowsOfProducts rows hold only zeros. Null if rowProducts is.
   std::size_t (*lengthBeforeZeros)(const double* const* rows, std::size_t length);
   /// values[r] = the sum of (x - row)^2 over the inputs.
   void (*squaredDistances)(const double* rows, std::size_t rowCount, const double* x,

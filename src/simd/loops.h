@@ -88,7 +88,8 @@ PXROM_INLINE void AddRows(const double* m, std::size_t stride, std::size_t colum
   }
 }
 
-/// The same for all rows; `lengths` tells how many columns of a row count, null that all do.
+/// The same for all rows. `lengths` gives the number of columns of each row that count; with null
+/// all of them count.
 PXROM_INLINE void AddProduct(const double* m, std::size_t rows, std::size_t columns,
                              const std::size_t* lengths, const double* x, std::size_t points,
                              double* out) {
@@ -121,7 +122,7 @@ PXROM_INLINE Vector NormOf(const double* values, std::size_t count) {
   return Sqrt(squares);
 }
 
-/// Whether a zero times each of the values is a zero, at all points.
+/// Whether all values are finite at all points: only then is zero times each of them zero.
 PXROM_INLINE bool AreFinite(const double* values, std::size_t count, std::size_t points) {
   Vector zero = 0.0;
   for (std::size_t k = 0; k < count; ++k) {
@@ -144,7 +145,7 @@ void KrigingErrorOf(const KrigingErrorSum& call) {
       Store(g + k * kBlock + point, 0.0);
     }
   }
-  // Beyond its length a row adds zeros, which change no sum unless something infinite meets them.
+  // After its length a row adds zeros, which change no sum unless they meet an infinity or a NaN.
   const bool areLengthsGood = AreFinite(call.r, n, call.points);
   AddProduct(call.invC, n, n, areLengthsGood ? call.lengths : nullptr, call.r, call.points, call.v);
   AddProduct(call.ft, p, n, nullptr, call.v, call.points, w);
@@ -212,7 +213,7 @@ constexpr auto kLengthBeforeZeros = &LengthBeforeZerosOf;
 
 #else
 
-// The evaluators' own loops are as good.
+// The evaluators' own loops are as fast.
 constexpr void (*kRowProducts)(const double* const*, const double*, std::size_t, double*) = nullptr;
 constexpr std::size_t (*kLengthBeforeZeros)(const double* const*, std::size_t) = nullptr;
 

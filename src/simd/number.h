@@ -27,8 +27,8 @@ PXROM_INLINE double J0(double x) { return BesselJ0(x); }
 
 PXROM_INLINE double Select(bool condition, double yes, double no) { return condition ? yes : no; }
 
-/// yes() where `condition` holds, else `no`. A vector computes yes() for all lanes and picks; a
-/// plain number computes it only when it counts.
+/// yes() where `condition` holds, else `no`. A vector computes yes() for all lanes and selects; a
+/// plain number computes it only if it is needed.
 template <class Yes>
 PXROM_INLINE auto If(bool condition, const Yes& yes, double no) -> decltype(yes()) {
   if (condition) return yes();

@@ -1,10 +1,10 @@
 #pragma once
 
-// A vector of doubles and what can be done with it, one definition per instruction set. Only the
-// files that are compiled per set (kernels/loops/) include this, each for the set that PXROM_SIMD
-// names. Everything here has internal linkage, and so has a template over it, so that no code for
-// one machine can take the place of code for another. For the same reason these files use no
-// function of the standard library, except the portable one.
+// A vector of doubles and its operations, one definition per instruction set. Only the files that
+// are compiled per set (kernels/loops/) include this, each for the set that PXROM_SIMD names.
+// Everything here and every template over it has internal linkage, so that the linker cannot
+// replace code for one machine by code for another. For the same reason these files use no function
+// of the standard library, except the portable file.
 
 #include <cstddef>
 #include <cstdint>
@@ -34,7 +34,7 @@ namespace {
 #if PXROM_SIMD == PXROM_SIMD_AVX512
 
 constexpr std::size_t kLanes = 8;
-// Some compilers take the unmasked forms of a few operations for reading something uninitialised.
+// Some compilers warn that the unmasked forms of a few operations read uninitialised data.
 constexpr __mmask8 kEveryLane = 0xFF;
 
 struct Vector {
@@ -189,8 +189,8 @@ PXROM_INLINE Vector Load(const double* from) { return *from; }
 PXROM_INLINE void Store(double* to, Vector a) { *to = a.v; }
 PXROM_INLINE Vector Abs(Vector a) { return std::fabs(a.v); }
 PXROM_INLINE Vector Sqrt(Vector a) { return std::sqrt(a.v); }
-// Rounded twice where the machine has no fused operation: good enough for the fast mode, and the
-// exact mode does without here.
+// Rounds twice where the machine has no fused operation. This is good enough for the fast mode; the
+// exact mode does not use it here.
 PXROM_INLINE Vector Fma(Vector a, Vector b, Vector c) { return a.v * b.v + c.v; }
 PXROM_INLINE Mask operator<(Vector a, Vector b) { return {a.v < b.v}; }
 PXROM_INLINE Mask operator<=(Vector a, Vector b) { return {a.v <= b.v}; }
@@ -210,7 +210,7 @@ PXROM_INLINE Vector operator/(Vector a, Vector b) { return a.v / b.v; }
 #if PXROM_SIMD == PXROM_SIMD_PORTABLE
 PXROM_INLINE std::size_t FirstOf(unsigned) { return 0; }
 #else
-/// The lowest bit that is set; one is.
+/// The lowest bit that is set. At least one must be set.
 PXROM_INLINE std::size_t FirstOf(unsigned bits) {
   return static_cast<std::size_t>(__builtin_ctz(bits));
 }

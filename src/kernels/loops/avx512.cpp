@@ -1,5 +1,4 @@
-// Compiled with the instruction set switched on where the compiler has it (src/CMakeLists.txt), and
-// empty elsewhere.
+// Compiled for this instruction set if the compiler knows it (src/CMakeLists.txt), else empty.
 
 #include "kernels/loops/loop_table.h"
 

@@ -45,7 +45,8 @@ FactorSlope FactorSlopeOf(const Constants& constants, double distance, double sc
 template <class K>
 void AddGradientOfProduct(const WeightedKernels& call, std::size_t centre, const double* u,
                           double* work, double* gradient) {
-  // The products of the factors before and after each one, since none may be divided by.
+  // The products of the factors before and after each factor. Dividing the whole product by a
+  // factor would fail for a factor of 0.
   const std::size_t d = call.inputs;
   const double* const y = call.centres + centre * d;
   double* const before = work;
@@ -78,8 +79,8 @@ void AddGradientOfDot(const WeightedKernels& call, std::size_t centre, const dou
   for (std::size_t i = 0; i < call.inputs; ++i) gradient[i] += factor * y[i];
 }
 
-/// K::Slope is the derivative by half the squared distance: so it has no kink at its centre, but
-/// where the function itself has one.
+/// K::Slope is the derivative with respect to half the squared distance. It has a kink at the
+/// centre only if the function itself has one.
 template <class K>
 void AddGradientOfRadial(const WeightedKernels& call, std::size_t centre, const double* u,
                          double* gradient) {

@@ -1,4 +1,4 @@
-// Whether vectors may take the host's library for what they think it is.
+// Tests whether the host's C library is as accurate as the exact vector functions assume.
 
 #include <cmath>
 #include <vector>
@@ -47,7 +47,7 @@ bool IsAsExpected(const LoopTable& loops, const Kernel& kernel, double end,
     loops.byKernel[kernel.index].sum(call);
     for (std::size_t point = 0; point < kBlock; ++point) {
       const double value = expected(x[point]);
-      // A NaN is unequal too: whatever can't be shown to be equal is not taken.
+      // A NaN counts as unequal too.
       if (!(value == sums[point]) || std::signbit(value) != std::signbit(sums[point])) return false;
     }
   }

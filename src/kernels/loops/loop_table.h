@@ -12,14 +12,14 @@ using simd::kBlock;
 
 struct Kernel;
 
-/// As many centres are gone through at a time, so that their kernel values stay in the nearest
+/// The loops process this many centres at a time, so that their kernel values stay in the nearest
 /// cache.
 constexpr std::size_t kChunk = 64;
 
-/// A value that the vectors cannot give to the last bit: the host's library is asked for it.
+/// A value that the vectors cannot compute to the last bit, so the host's library computes it.
 struct Question {
   double argument;
-  std::size_t place;  ///< where the answer belongs
+  std::size_t place;  ///< where the result belongs
 };
 
 /// A kernel in a number of inputs.
@@ -44,18 +44,18 @@ struct KernelSum : WeightedKernels {
   const double* x = nullptr;      ///< the points, input by input
   std::size_t points = 0;         ///< how many of them count
   double* sums = nullptr;         ///< one per point
-  bool keepsValues = false;       ///< whether `values` has room for the kernels of all centres
-  double* values = nullptr;       ///< room for those of kChunk centres, a block for each
-  double* steps = nullptr;        ///< room for two blocks per input
-  Question* questions = nullptr;  ///< room for a block for each of kChunk centres and all inputs
+  bool keepsValues = false;       ///< whether `values` holds the kernels of all centres
+  double* values = nullptr;       ///< else those of kChunk centres, a block for each
+  double* steps = nullptr;        ///< two blocks per input
+  Question* questions = nullptr;  ///< a block for each of kChunk centres and all inputs
 };
 
-/// As many rows are gone through at a time where one point meets rows that lie anywhere.
+/// The loops for one point and rows in separate arrays process this many rows at a time.
 constexpr std::size_t kRows = 32;
 
-/// Kernels between one point and up to kRows rows, which are scaled on the way. The arrays of rows,
-/// scales and values have room for kRows. Up to the next multiple of 8 after `count`, rows and
-/// scales must be readable and hold valid values; values there may be overwritten.
+/// Kernels between one point and up to kRows rows, which are scaled while they are read. The arrays
+/// of rows, scales and values hold kRows elements. Up to the next multiple of 8 after `count`, rows
+/// and scales must be readable and hold valid values; values there may be overwritten.
 struct RowKernels : KernelCall {
   const double* x = nullptr;       ///< the scaled point
   const double* slopes = nullptr;  ///< null for rows that are not scaled
@@ -74,7 +74,7 @@ struct KernelLoops {
   void (*sum)(const KernelSum& call);
   /// With data prepared for it, see shapes.h. Null without a fast form.
   void (*fastSum)(const KernelSum& call);
-  /// Null where the plain loop (Kernel::rows) is as good.
+  /// Null where the plain loop (Kernel::rows) is as fast.
   void (*rows)(const RowKernels& call);
 };
 
@@ -85,17 +85,17 @@ struct LoopTable : simd::LoopTable {
 
 /// The loops for `set`; null when they are not in this program or the machine cannot run them.
 const LoopTable* FindLoops(simd::InstructionSet set) noexcept;
-/// The best that the machine can run.
+/// The best set that the machine can run.
 simd::InstructionSet BestInstructionSet() noexcept;
-/// The loops for one point at a time: the best that are exact; null when there are none.
+/// The fastest exact loops for one point at a time; null when there are no such loops.
 const LoopTable* LoopsForRows() noexcept;
 
-/// Whether the host's exp, log and pow are as near to the exact value as the exact loops of the
-/// other sets take for granted; tried out on some thousand arguments, once. Else only the portable
-/// ones are exact.
+/// Whether the host's exp, log and pow are as accurate as the exact loops of the other sets assume.
+/// The first call tests them with some thousand arguments. If they are not, only the portable loops
+/// are exact.
 bool AreHostFunctionsKnown() noexcept;
 
-// One per file of an instruction set; null when that file was compiled for another kind of machine.
+// One per instruction set; null when its file was compiled for another kind of machine.
 const LoopTable* PortableLoops() noexcept;
 const LoopTable* Avx2Loops() noexcept;
 const LoopTable* Avx512Loops() noexcept;

@@ -1,4 +1,4 @@
-// On its own, so that a test program can choose otherwise.
+// In a file of its own, so that a test program can replace it.
 
 #include "kernels/loops/loop_table.h"
 

@@ -1,14 +1,14 @@
 #pragma once
 
-// One point against rows with plain numbers: for kernels that vectors don't give, and for machines
-// without vectors.
+// Kernels between one point and rows with plain numbers, for kernels without a vector form and for
+// machines without vectors.
 
 #include "kernels/loops/loop_table.h"
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
-/// A step that needs a function, for kCount rows. The calls have a loop of their own, which keeps
-/// no numbers in registers that a call would take.
+/// A step that needs a function, for kCount rows. The calls have a loop of their own, so that no
+/// call makes the compiler save registers of the other loops.
 template <class K, std::size_t kCount, class Rows>
 PXROM_INLINE void AskedSteps(const Constants& constants, double x, const Rows& y, double scale,
                              double* state) {
@@ -29,12 +29,12 @@ PXROM_INLINE void AskedSteps(const Constants& constants, double x, const Rows& y
   }
 }
 
-/// kCount rows side by side. Each row is a chain of its own in ascending input order, so that the
-/// results are those of one row at a time, while the chains hide each other's latency and share
-/// vector instructions.
+/// kCount rows together. Each row has a sum of its own in ascending input order, so the results are
+/// those of one row at a time, while independent sums hide each other's latency and share vector
+/// instructions.
 template <class K, bool kScaled, std::size_t kCount>
 void PlainRowsSideBySide(const RowKernels& call, std::size_t first) {
-  // Copies, which no store to the values can change.
+  // Copies, so that the compiler knows that no store to the values changes them.
   const Constants constants = call.constants;
   const double* const x = call.x;
   const double* const scales = call.scales;

@@ -9,8 +9,8 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 /// Fills `values` with the kernel values of the first `count` rows, and calls use(first, last)
-/// after each piece of them. `call` holds the rest; `scales`, one per row, may be null. On the
-/// vectors of `loops` where these serve the kernel; null is without.
+/// after each piece of them. `call` holds the rest; `scales`, one per row, may be null. Uses the
+/// vectors of `loops` for kernels that have them; with null it uses plain numbers.
 template <class Use>
 void ForRowKernels(const LoopTable* loops, RowKernels call, const std::vector<double>* rows,
                    std::size_t count, const double* scales, double* values, const Use& use) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// One point against rows that lie anywhere: vectors across rows, which are turned into columns on
-// the way. Each row keeps its own order of operations.
+// Kernels between one point and rows in separate arrays: each lane of a vector is a row. Rows are
+// transposed while they are read. Each row keeps its own order of operations.
 
 #include "kernels/loops/sums.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 #if PXROM_SIMD != PXROM_SIMD_PORTABLE
 
-/// A step that the host may have to be asked for.
+/// A step that the host may have to compute.
 template <class K>
 PXROM_INLINE Vector AskedStep(const RowKernels& call, Vector state, Vector difference,
                               Vector scale) {
@@ -84,8 +84,8 @@ void Rows(const RowKernels& call) {
   }
 }
 
-/// The loop over rows of a kernel; null where the host gives each step, so that the plain loop is
-/// as good.
+/// The loop over rows of a kernel; null where the host computes each step, since the plain loop is
+/// then as fast.
 template <class K>
 constexpr auto RowLoopOf() -> void (*)(const RowKernels&) {
   if constexpr (K::kHasVectorSteps) return &Rows<K>;
@@ -94,7 +94,7 @@ constexpr auto RowLoopOf() -> void (*)(const RowKernels&) {
 
 #else
 
-// The plain loops are as good.
+// The plain loops are as fast.
 template <class K>
 constexpr auto RowLoopOf() -> void (*)(const RowKernels&) {
   return nullptr;

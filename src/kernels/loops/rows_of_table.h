@@ -1,6 +1,6 @@
 #pragma once
 
-// What the table of kernels holds for plain numbers, made from a kernel's class.
+// Makes a row of the table of kernels, for plain numbers, from a kernel's class.
 
 #include "kernels/kernels.h"
 #include "kernels/loops/gradients.h"

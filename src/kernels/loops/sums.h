@@ -20,7 +20,7 @@ PXROM_INLINE Exact ValueOf(const Constants& constants, Vector state, Vector scal
   }
 }
 
-/// What waits for the host, and where the kernel values at hand go.
+/// The values that the host has to compute, and where the kernel values go.
 struct Pending {
   Question* questions;
   std::size_t count;
@@ -66,7 +66,7 @@ PXROM_INLINE void ValuesOf(const KernelSum& call, Pending& pending, std::size_t 
   FinishValues<K>(call, pending, centre, row, point, state, size);
 }
 
-/// What a step needs of the host, where it counts.
+/// The function of a step. Its open lanes are only those where the value counts.
 template <class K>
 PXROM_INLINE Exact InnerOf(Vector distance, Vector argument) {
   Exact answer = K::Inner(argument);
@@ -74,15 +74,14 @@ PXROM_INLINE Exact InnerOf(Vector distance, Vector argument) {
   return answer;
 }
 
-/// The values of one centre where each step needs a function that the host may have to be asked
-/// for.
+/// The values of one centre where each step needs a function that the host may have to compute.
 template <class K>
 PXROM_INLINE void ValuesByStep(const KernelSum& call, Pending& pending, std::size_t centre,
                                std::size_t row) {
   double* const distances = call.steps;
   double* const answers = distances + call.inputs * kBlock;
   const double* const y = call.centres + centre * call.inputs;
-  // After the questions about whole kernels, which wait.
+  // After the questions about whole kernels, which are answered later.
   Pending steps = {pending.questions + pending.count, 0, answers};
   for (std::size_t i = 0; i < call.inputs; ++i) {
     const Vector yi = y[i];
