@@ -13,7 +13,7 @@ namespace Tarvane::Plexura::PXROM {
 template <class... Records>
 struct RecordList {};
 
-/// The families of the library, by ascending number: the one list. A family without its
+/// The families of the library, by ascending number. This is the only list. A family without its
 /// description does not compile, and one without its `family` does not link.
 using AllRecords =
     RecordList<CRSData, CQRSData, CKrigingData, CSVRData, CMLSData, CLBFData, CConstantData>;

@@ -22,15 +22,15 @@ struct SurfaceText;
 /// The keys of a family in a `Genome` group.
 struct FamilyKeys {
   fields::KeyTable keys;
-  /// Those that only some of its records have.
+  /// The keys that only some of its records have.
   fields::KeyTable keysOfPart;
 };
 
-/// What a derivative of a family is worth.
+/// What the derivative of a family's evaluator gives.
 enum class Derivative {
   Refused,  ///< its status is 1
   Silent,   ///< its status is 0, and nothing is written
-  OfValue,  ///< that of the value
+  OfValue,  ///< the derivative of the value
 };
 
 /// What a family of surfaces is to the rest of the library. Each family has one, in its folder;
@@ -39,11 +39,11 @@ struct Family {
   E_DataType type = DT_RSData;
   /// For people, as an adjective: "Kriging".
   const char* name = "";
-  /// For programs, which know a family by the class of its records: "CKrigingData".
+  /// For programs: the class of its records, "CKrigingData".
   const char* recordName = "";
 
   std::unique_ptr<CRSData> (*newRecord)() = nullptr;
-  /// Evaluators have no state, so that one object serves every evaluation of every thread.
+  /// Evaluators have no state, so one object serves every evaluation of every thread.
   const CRSEvaluator& (*evaluator)() = nullptr;
 
   /// Fills the record from the attributes of one `Genome` group. 1 when the record is null or of
@@ -68,30 +68,31 @@ struct Family {
   bool scalesInput = false;
   bool scalesOutput = false;
 
-  // What is null here is not asked.
+  // The operations below may be null.
 
-  /// The value where it does not depend on the point: what the evaluator does for a record that is
-  /// ready, without a point.
+  /// For a family whose value does not depend on the point: what the evaluator does for a record
+  /// that is ready, without a point.
   void (*constantValue)(const CRSData&, double& value) = nullptr;
   /// The checks of an inspection beyond keys and their forms.
   void (*check)(inspection::SurfaceText&) = nullptr;
-  /// Prepares a record for many points; null: its evaluator is called for each.
+  /// Prepares a record for many points. If it is null, the evaluator is called for each point.
   std::unique_ptr<const batch::PreparedSurface> (*prepare)(const CRSData&,
                                                            std::size_t inputs) = nullptr;
-  /// Whether a point decides if the record gives a value, so that no trial can tell for all.
+  /// Whether a sound record may refuse some points, so that a trial at one point proves nothing for
+  /// others.
   bool valueDependsOnPoint = false;
-  /// Whether a value is made from the outputs of samples, for a surface of so many.
+  /// Whether the value of a surface with `samples` samples needs their outputs.
   bool (*needsOutputs)(int samples) = nullptr;
-  /// What an evaluation takes, of which only the sizes of what is there are believed: what a count
-  /// says beyond them is refused by the evaluator. `reach` is how large the coordinates of an
-  /// ordinary point are.
+  /// The cost of an evaluation. It follows from the sizes of the data and not from counts, since
+  /// the evaluator refuses a count that exceeds the data. `reach` is the magnitude of the
+  /// coordinates of an ordinary point.
   costing::SurfaceCost (*cost)(const CRSData&, double reach) = nullptr;
-  /// Whether a record lacks the data of the error that its family can have, so that the form with
-  /// an error is refused.
+  /// Whether a record of a family with predicted errors lacks the data for them, so that the form
+  /// with an error is refused.
   bool (*lacksErrorData)(const CRSData&) = nullptr;
-  /// Whether the derivative is not that of the value for this record.
+  /// Whether the evaluator's derivative for this record is not that of the value.
   bool (*isDerivativeOff)(const CRSData&) = nullptr;
-  /// What is left to refuse a value where every shape fits, as the end of a sentence; or "".
+  /// Why a value can still be refused when every shape fits, as the end of a sentence; or "".
   const char* (*causeOfRefusal)(const CRSData&) = nullptr;
 };
 
@@ -103,14 +104,14 @@ struct FamilyList {
   const Family* const* end() const { return first + count; }
 };
 
-/// All families, by ascending number. It is defined in an object of its own (all_families.cpp), in
-/// place of which a test may link another one.
+/// All families, by ascending number. It is defined in an object of its own (all_families.cpp),
+/// which a test may replace by another one.
 extern const FamilyList kAllFamilies;
 
-/// The family of `type`, or null for a number that is none.
+/// The family of `type`, or null for an unknown number.
 inline const Family* FindFamily(E_DataType type) noexcept {
   const FamilyList& families = kAllFamilies;
-  // The numbers follow each other, so that the first look finds it.
+  // The numbers are consecutive, so the first test normally finds it.
   const auto place = static_cast<std::size_t>(std::int64_t{type} - families.first[0]->type);
   if (place < families.count && families.first[place]->type == type) return families.first[place];
   for (const Family* const family : families) {

@@ -62,7 +62,7 @@ const CRSEvaluator& TheEvaluator() {
   return evaluator;
 }
 
-/// What follows from the classes and the description of a family.
+/// The part of a Family that follows from its classes and its description.
 template <class Record, class Evaluator>
 constexpr Family StartFamily() {
   Family family;

@@ -8,7 +8,7 @@
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
-/// The counts as they are most likely meant; none where nothing tells.
+/// The counts that are most likely meant; empty where the text gives no hint.
 struct Shape {
   std::optional<int> inputs;
   std::optional<int> samples;
@@ -24,7 +24,7 @@ struct SurfaceText {
 std::string SamplesOf(const Shape& shape);
 std::string InputsOf(const Shape& shape);
 
-/// The number of functions of a polynomial basis; none for an unknown type or number of inputs.
+/// The number of functions of a polynomial basis; empty for an unknown type or number of inputs.
 std::optional<std::int64_t> BasisSize(std::optional<int> type, std::optional<int> inputs);
 
 }  // namespace Tarvane::Plexura::PXROM::inspection

@@ -1,5 +1,5 @@
-// Models prepared for the fast forms of their kernels, and the bound of the deviation from the
-// exact ones. lead.
+// Prepares models for the fast forms of their kernels, and bounds the deviation from the exact
+// forms.
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +10,7 @@ namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
 
-constexpr double kUnit = 0x1p-53;  // what one rounding may do, relative
+constexpr double kUnit = 0x1p-53;  // the relative error of one rounding
 
 bool AreModest(const std::vector<double>& values) {
   return std::all_of(values.begin(), values.end(),
@@ -67,8 +67,9 @@ FastKernels FindFastKernels(const KernelModel& model) {
   double weight = 0.0;
   for (const double w : model.weights) weight += std::fabs(w);
   const double perKernel = form.deviation(static_cast<double>(d), norm1, norm2);
-  // Rounding errors of a long sum grow with the root of its length, in all likelihood: eight times
-  // that leaves no more than one in 10^13 sums beyond.
+  // The rounding errors of a long sum very probably grow with the root of its length (Higham,
+  // Accuracy and Stability of Numerical Algorithms, 2002, section 2.8). With the factor 8, about
+  // one sum in 10^13 exceeds the bound.
   const double perSum = 8.0 * std::sqrt(static_cast<double>(model.centreCount));
   fast.deviation = (perKernel + perSum) * weight * kUnit;
   if (!std::isfinite(fast.deviation)) return {};

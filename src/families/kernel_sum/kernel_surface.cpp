@@ -10,7 +10,7 @@ namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
 
-/// What an evaluation works on, laid out over a working area.
+/// The parts of an evaluation's working area.
 struct KernelWork {
   KernelWork(const KernelModel& model, bool withErrors, double* start) {
     WorkArea area(start);
@@ -69,7 +69,7 @@ class KernelSurface : public PreparedSurface {
   bool HasFastForm() const override { return !fast_.inputFactors.empty(); }
 
   double FastDeviation(double magnitude) const override {
-    // Adding the trend and backscaling round both, in much the same way.
+    // Both forms round when they add the trend and scale back, by about as much.
     const double scaled =
         magnitude * std::fabs(model_.outputSlope) + 2.0 * std::fabs(model_.outputIntercept);
     return (fast_.deviation + 0x1p-50 * scaled) / std::fabs(model_.outputSlope);
@@ -78,14 +78,14 @@ class KernelSurface : public PreparedSurface {
   void FastValues(const Points& points, const Tools& tools, const Results& results) const override {
     const KernelWork work(model_, false, tools.work);
     Scale(points, work);
-    // Where nothing is infinite or no number on the way, nothing has to be told apart.
+    // With moderate coordinates no infinity and no NaN occurs that the fast form could lose.
     const auto isModest = [](double value) { return std::fabs(value) <= kLargestFast; };
     if (!HasFastForm() || !std::all_of(work.x, work.x + model_.inputs * kBlock, isModest)) {
       Evaluate(points, tools, results);
       return;
     }
     kernels::KernelSum call = Call(points.count, work);
-    // The trend is computed first, since the points are overwritten.
+    // The trend is computed first, since the points are overwritten below.
     AddTrend(points.count, *tools.exact, work);
     for (std::size_t i = 0; i < model_.inputs; ++i) {
       for (std::size_t point = 0; point < kBlock; ++point) {
@@ -224,7 +224,7 @@ class KernelSurface : public PreparedSurface {
 
 std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
                                  const std::vector<double>& coefficients) {
-  // The order is that of EvaluatePolynomialBasis.
+  // In the order of EvaluatePolynomialBasis.
   const auto one = static_cast<std::uint32_t>(inputs);
   std::vector<Monomial> terms;
   terms.reserve(coefficients.size());

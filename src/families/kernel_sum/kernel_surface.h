@@ -10,7 +10,7 @@
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// The data of a predictor error of a Kriging surface, each matrix in one piece.
+/// The data of the predictor error of a Kriging surface, each matrix in one array.
 struct KrigingErrorData {
   std::size_t functions = 0;
   double sigma2 = 0.0;
@@ -24,7 +24,7 @@ struct KrigingErrorData {
 ///
 ///   y = (start + sum of weights[j] kernel(u, centre j) + trend(u) - intercept) / slope
 ///
-/// with u the scaled point and the centres in that space.
+/// where u is the scaled point and the centres are in that space.
 struct KernelModel {
   std::size_t inputs = 0;
   /// Empty where the point is not scaled.
@@ -36,7 +36,7 @@ struct KernelModel {
   std::size_t centreCount = 0;
   std::vector<double> centres;       ///< row by row
   std::vector<double> scales;        ///< one per input
-  std::vector<double> centreScales;  ///< one per centre, or none
+  std::vector<double> centreScales;  ///< one per centre, or empty
   std::vector<double> weights;       ///< one per centre
   double start = 0.0;
 
@@ -46,9 +46,9 @@ struct KernelModel {
   double outputSlope = 1.0;
   double outputIntercept = 0.0;
 
-  /// Whether the evaluator has a form with errors; else that form answers 1.
+  /// Whether the evaluator has a form with errors; else that form returns 1.
   bool hasErrorForm = false;
-  /// The error itself; without it the form with errors answers -2.
+  /// The data of the error; without them the form with errors returns -2.
   std::unique_ptr<const KrigingErrorData> error;
 };
 
@@ -58,24 +58,25 @@ std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
 
 std::unique_ptr<const PreparedSurface> MakeKernelSurface(KernelModel model);
 
-// One for each family of this kind, for points of `inputs` values; the record may go afterwards.
+// One for each family of this kind, for points of `inputs` values. They keep no reference to the
+// record.
 std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& record, std::size_t inputs);
 std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& record,
                                                             std::size_t inputs);
 std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& record,
                                                           std::size_t inputs);
 
-/// A model in the form that the fast sums take: points and centres multiplied by a factor per
-/// input, the centres' scales replaced by the factor in front of the (squared) distance.
+/// A model in the form of the fast sums: points and centres are multiplied by a factor per input,
+/// and the centres' scales are replaced by the factor of the (squared) distance.
 struct FastKernels {
-  std::vector<double> inputFactors;  ///< empty when there is no fast form
+  std::vector<double> inputFactors;  ///< empty without a fast form
   std::vector<double> centres;
   std::vector<double> centreFactors;
-  /// How far a sum of kernels may be from the exact one.
+  /// The largest difference between a sum of kernels and the exact one.
   double deviation = 0.0;
 };
 
-/// No coordinate of a point or a centre in a fast sum is larger.
+/// The largest magnitude of a coordinate of a point or centre in a fast sum.
 constexpr double kLargestFast = 1e100;
 
 FastKernels FindFastKernels(const KernelModel& model);

@@ -36,7 +36,7 @@ bool FitsScaling(const CRSData& record, std::size_t inputs) {
   return record.InputScaleSlopes.size() == inputs && record.InputScaleIntercepts.size() == inputs;
 }
 
-/// The first `columns` values of the first `rows` rows, which are there, in one piece.
+/// The first `columns` values of the first `rows` rows, which must exist, in one array.
 std::vector<double> Flat(const Matrix& matrix, std::size_t rows, std::size_t columns) {
   std::vector<double> flat;
   flat.reserve(rows * columns);
@@ -119,7 +119,7 @@ std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& base,
   model.start = record.ConstantCoefficient;
   if (model.weights.empty()) return MakeKernelSurface(std::move(model));
 
-  // Only samples with a multiplier count. Without a scaling that fits both stay as they are.
+  // Only samples with a multiplier count. A scaling that does not fit is left out.
   TakeCentres(record.InputSamples, model.weights.size(), model);
   if (FitsScaling(record, inputs)) {
     TakeScaling(record, model);
@@ -134,7 +134,7 @@ std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& base, s
   const auto& record = static_cast<const CLBFData&>(base);
   KernelModel model = StartModel(record, inputs);
   if (record.NumberOfSamples == 1) {
-    // The one output as it is stored.
+    // The stored output of the single sample, without scaling.
     model.start = record.OutputSamples[0];
     model.outputSlope = 1.0;
     model.outputIntercept = 0.0;

@@ -36,7 +36,7 @@ double Correlation::OfRows(const double* x, const ScaledRows& samples, const dou
   call.slopes = samples.slopes;
   call.intercepts = samples.intercepts;
   double sum = 0.0;
-  // The sum follows each piece at once: its chain of additions hides behind the next piece's work.
+  // Each piece is summed at once, so that its additions overlap with the work on the next piece.
   kernels::ForRowKernels(loops, call, samples.rows, samples.count, nullptr, r,
                          [&](std::size_t first, std::size_t last) {
                            if (weights == nullptr) return;

@@ -39,8 +39,8 @@ void CheckCorrelation(const SurfaceText& surface) {
                       " (or all of them together 1)");
 }
 
-// p trend functions and n samples give matrices of n by n, p by p and p by n. The count, of which
-// the type of the trend says nothing new, is wrong where the lists agree with the type.
+// p trend functions and n samples give matrices of n by n, p by p and p by n. p follows from the
+// type of the trend too, so the count of coefficients is wrong if the lists agree with the type.
 void CheckErrorData(const SurfaceText& surface) {
   GroupText& in = surface.in;
   in.Require(FamilyOf<CKrigingData>::family.keys().keysOfPart);

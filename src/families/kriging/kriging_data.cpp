@@ -19,7 +19,7 @@ bool IsRagged(const Matrix& rows) {
                      [&](const Vector& row) { return row.size() != rows.front().size(); });
 }
 
-/// Whether `rows` has columns 0 to count - 1, none of them for a negative count.
+/// Whether `rows` has columns 0 to count - 1; always true for a negative count.
 bool HasColumns(const Matrix& rows, int count) {
   const auto columns = static_cast<std::size_t>(std::max(count, 0));
   return std::all_of(rows.begin(), rows.end(),

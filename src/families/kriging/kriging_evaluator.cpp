@@ -11,12 +11,12 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-/// The samples that a prediction runs over: none for a negative count.
+/// The number of samples of a prediction: 0 for a negative count.
 std::size_t SamplesOf(const CKrigingData& record) {
   return static_cast<std::size_t>(std::max(record.NumberOfSamples, 0));
 }
 
-/// One prediction: what it computes on the way, in scaled space.
+/// One prediction and its intermediate results, in scaled space.
 class Prediction {
  public:
   explicit Prediction(const CKrigingData& record) : record_(record) {}
@@ -43,8 +43,8 @@ class Prediction {
     double trend = 0.0;
     if (record_.PolynomialType != PolyNone) {
       const std::vector<double>& coefficients = record_.PolynomialCoefficients;
-      // Counted before it is computed: the basis can be far longer than what the record holds. An
-      // unknown type has no functions, and passes with no coefficients.
+      // Counted before it is computed, since the basis can be far longer than the list of
+      // coefficients. An unknown type has no functions, and is accepted without coefficients.
       const auto count = PolynomialCount(record_.PolynomialType, record_.NumberOfInputVariables);
       if (coefficients.size() != static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0))) {
         return false;
@@ -58,9 +58,9 @@ class Prediction {
     return true;
   }
 
-  /// The predictor error, in units of the scaled output, behind a successful Value. What
-  /// EvalErrorPredictions gives with this point on scaled samples; the correlations and the trend
-  /// functions are the same ones and not computed again. False without error data.
+  /// The predictor error, in units of the scaled output, after a successful Value. It is the result
+  /// of EvalErrorPredictions for this point and scaled samples; the correlations and trend
+  /// functions are not computed again. False without error data.
   bool Error(double& error) {
     if (!record_.SavePredictorError ||
         PolynomialCount(record_.PolynomialType, record_.NumberOfInputVariables) < 0) {
@@ -94,8 +94,8 @@ const CKrigingData& AsKriging(const CRSData* data) {
 
 /// Leaves the samples that a prediction has scaled in the record.
 void KeepScaledSamples(const CKrigingData& record) {
-  // The one place where an evaluator writes a record, which the signature of all evaluators takes
-  // as const. The header warns of it, and that such a record must not be defined const.
+  // The only place where an evaluator writes a record, although its signature takes it as const.
+  // The header warns that such a record must not be defined const.
   auto& writable = const_cast<CKrigingData&>(record);
   writable.InputSamples.resize(SamplesOf(record));
   writable.ScaleAndOverwriteInputSamples(writable.InputSamples);

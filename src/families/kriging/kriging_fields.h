@@ -44,8 +44,8 @@ int FamilyOf<CKrigingData>::Fields(Visitor& visit, Record& record) {
     visit(Key(&Labels::attKrigingVersion).Version(170, KrigingDataVersion192), "KrigingDataVersion",
           record.KrigingDataVersion_);
   };
-  // Texts begin with the version. It is read behind the lists, where a text that asks for too much
-  // work has been given up.
+  // A text begins with the version. It is read after the lists: by then a text that needs too much
+  // work has been refused.
   if constexpr (!Visitor::kReads) version();
   visit(Key(&Labels::attKrigingPolynomialType).Between(PolyNone, PolyFullQuadratic),
         "PolynomialType", record.PolynomialType);
@@ -70,7 +70,7 @@ int FamilyOf<CKrigingData>::Fields(Visitor& visit, Record& record) {
       visit.Text().Refuse("it holds predictor error data, but SavePredictorError is not set");
     }
   }
-  // Older records have no error data: an attribute that says otherwise is not read.
+  // Older records have no error data, and the attribute is not read.
   if (!hasError) return 0;
   visit(Key(&Labels::attKrigingSavePredictorError).Optional(), "SavePredictorError",
         record.SavePredictorError);
@@ -96,8 +96,7 @@ int FamilyOf<CKrigingData>::ErrorFields(Visitor& visit, Record& record) {
         record.NumberOfPolyCoeff);
   visit(Key(&Labels::attKrigingSigmaSquare), "Sigma2", record.Sigma2);
   if constexpr (Visitor::kWrites) {
-    // A record whose error data its reader had to drop: three lists that are missing are dropped
-    // again.
+    // A reader may have dropped the error data. Without the three lists it drops them again.
     if (!kriging::HasErrorData(record)) return 0;
   }
   if (visit.Matrix(Key(&Labels::attKrigingInverseOfC), "InvC", record.InvC, n, n) != 0 ||

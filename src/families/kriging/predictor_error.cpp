@@ -22,7 +22,7 @@ bool Covers(const Matrix& m, std::size_t rows, std::size_t columns) {
                                          [&](const Vector& row) { return row.size() >= columns; });
 }
 
-// Rows side by side, as many chains that hide each other's latency.
+// Several rows together: their independent sums hide the latency of an addition.
 template <std::size_t kRows>
 void AddRowProducts(const Vector* rows, const double* x, std::size_t columns, double* out) {
   const double* row[kRows];
@@ -117,8 +117,8 @@ int CKrigingData::EvalErrorPredictions(Matrix& rows, Vector& out) {
   const auto d = static_cast<std::size_t>(NumberOfInputVariables);
   if (InputSamples.size() < n) return 1;
 
-  // Where everything fits, a point meets all samples at once. They are scaled already, and the unit
-  // scaling leaves every correlation as it is.
+  // If all shapes fit, a point is correlated with all samples at once. They are scaled already, and
+  // the unit scaling does not change any correlation.
   const kriging::Correlation correlation(*this);
   const bool even = correlation && Covers(InputSamples, n, d);
   const Vector slopes(even ? d : 0, 1.0);

@@ -19,7 +19,7 @@ class PredictorError {
   bool IsAvailable() const;
 
   /// The error at a point with the correlations `r` (one per sample) and the trend functions `f`;
-  /// CKrigingData::GetPredictorError tells the formula. Only if IsAvailable.
+  /// CKrigingData::GetPredictorError has the formula. Only if IsAvailable.
   double At(const double* r, const double* f);
 
  private:

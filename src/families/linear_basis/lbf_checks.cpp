@@ -9,7 +9,7 @@ void CheckLinearBasis(SurfaceText& surface) {
   using Labels = CPXROMDatabaseLabels;
   const GroupText& in = surface.in;
   const Shape& shape = surface.shape;
-  // A single sample answers with its output; nothing else is looked at.
+  // The value of a single sample is its output, so nothing else matters.
   if (shape.samples == 1) return;
   if (shape.samples) {
     in.ExpectLength(Labels::attLBFKernelValues(), *shape.samples, SamplesOf(shape));

@@ -6,7 +6,7 @@ using namespace costing;
 
 SurfaceCost FamilyOf<CLBFData>::CostOf(const CRSData& base, double) {
   const auto& record = static_cast<const CLBFData&>(base);
-  // A single sample is the value.
+  // The value of a single sample is its output.
   if (record.NumberOfSamples == 1) return {};
   const auto centres =
       static_cast<double>(std::min(record.KernelCoefficients.size(), record.InputSamples.size()));

@@ -13,7 +13,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-// More functions than any fit has samples for.
+// No fit has this many samples.
 constexpr std::int64_t kMostTrendFunctions = std::int64_t{1} << 24;
 
 // The inputs that distances run over.
@@ -21,8 +21,8 @@ std::size_t InputsOf(const CLBFData& data) {
   return static_cast<std::size_t>(std::max(data.NumberOfInputVariables, 0));
 }
 
-// Whether `x` and all samples that the record counts have a value per input, and the samples
-// widths. What is longer is only read so far.
+// Whether `x` and all samples that the record counts have a value per input, and the samples have
+// kernel scales. Further values are not read.
 bool HasCentres(const CLBFData& data, const std::vector<double>& x) {
   const SampleRows& samples = data.InputSamples;
   const auto isCovered = [inputs = InputsOf(data)](const std::vector<double>& values) {

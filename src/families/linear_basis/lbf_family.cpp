@@ -6,7 +6,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-// A single sample answers with its output.
+// The value of a single sample is its output.
 bool NeedsOutputs(int samples) { return samples == 1; }
 
 constexpr Family Describe() {

@@ -6,7 +6,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// A square matrix in one piece, by rows.
+/// A square matrix in one array, by rows.
 class FlatMatrix {
  public:
   FlatMatrix(double* values, std::size_t side) : values_(values), side_(side) {}
@@ -17,8 +17,8 @@ class FlatMatrix {
   std::size_t side_;
 };
 
-/// Whether each of the pairs A[i][j], A[j][i] of an m by m matrix has equal members. A NaN equals
-/// nothing, so that one off the diagonal makes this false.
+/// Whether A[i][j] equals A[j][i] for all elements of an m by m matrix. A NaN equals nothing, so
+/// one off the diagonal makes this false.
 template <class Matrix>
 bool IsExactlySymmetric(const Matrix& A, std::size_t m) {
   for (std::size_t i = 0; i < m; ++i) {
@@ -49,7 +49,7 @@ bool FactorCholesky(Matrix& A, std::size_t m) {
         continue;
       }
       if (s < 0.0) return false;
-      // The tolerance applies to the root and not to what is under it. A NaN passes both tests.
+      // The tolerance applies to the root, not to the radicand. A NaN passes both tests.
       const double root = std::sqrt(s);
       if (std::fabs(root) < std::numeric_limits<double>::epsilon()) return false;
       rowI[i] = root;

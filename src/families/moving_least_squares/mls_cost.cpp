@@ -12,23 +12,23 @@ SurfaceCost FamilyOf<CMLSData>::CostOf(const CRSData& base, double) {
   const double d = InputsOf(record);
   SurfaceCost cost;
   cost.held = n * (kBytesPerNumber * (d + 1.0) + kBytesPerRow);
-  // Distances to all samples, one of them by rank, weights of those that are used.
+  // Distances to all samples, a selection by rank, and weights of the used samples.
   cost.value = n * (3.0 * d + 10.0) + used * (kElementary + 5.0);
   cost.once = kBytesPerNumber * (6.0 * n + d);
 
-  // Without as many samples as basis functions there is no value.
+  // With fewer samples than basis functions there is no value.
   const std::int64_t count = PolynomialCount(record.PolynomialType, record.NumberOfInputVariables);
   const auto p = static_cast<double>(count);
   if (count <= 0 || count != record.NumberOfBasisFunctions || p > used) {
     cost.gradient = cost.value;
     return cost;
   }
-  // Half of a symmetric matrix grows by each sample; then Cholesky's factor and two triangular
-  // systems. The error form is refused.
+  // Each sample is added to half of a symmetric matrix. Then come the Cholesky factor and two
+  // triangular systems. The form with an error is refused.
   const double equations = used * (p * p + 6.0 * p) + p * p * p / 3.0 + 5.0 * p * p;
   cost.value += equations;
-  // A gradient begins with a value, and solves the equations once more by loops that take twice as
-  // long.
+  // A gradient first computes the value, then solves the equations again with loops that take twice
+  // as long.
   cost.gradient = 3.0 * cost.value + used * (8.0 * p + 4.0 * d);
   cost.once += kBytesPerNumber * (p * p + 8.0 * p);
   return cost;

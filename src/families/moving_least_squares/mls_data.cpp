@@ -49,7 +49,7 @@ int CMLSData::GetUsedPointOption(E_UsedPointsOption& option) const {
 
 int CMLSData::SetUsedPointOption(E_UsedPointsOption option, double extraPercent) {
   UsedPointOption = option;
-  // -1.0 stands for no percentage.
+  // -1.0 means no percentage.
   if (option == UsedPointsExtraPercent && extraPercent != -1.0) ExtraPointPercent = extraPercent;
   return 0;
 }

@@ -21,7 +21,7 @@ bool IsKnown(E_CMLSDataVersion version) {
   return version == MLSDataVersion162 || version == MLSDataVersion170;
 }
 
-// The weight formulas of `version`, whatever the record's own.
+// The weight formulas of `version`, whatever the record's own version is.
 int EvaluateWeight(E_CMLSDataVersion version, const CMLSData& data, double r, double rho,
                    double& w) {
   if (r < 0.0) return 1;
@@ -29,8 +29,8 @@ int EvaluateWeight(E_CMLSDataVersion version, const CMLSData& data, double r, do
   return 0;
 }
 
-// A basis that does not have as many functions as the record says serves no prediction, so it may
-// not take the memory that a large number of inputs asks for.
+// A basis whose size differs from the record's count serves no prediction, so it must not take the
+// memory that a large number of inputs needs.
 constexpr std::int64_t kMostMiscountedFunctions = std::int64_t{1} << 24;
 
 // The number of functions of the record's basis, or 0 when it is not one of PolyConstant to
@@ -44,8 +44,8 @@ bool HasBasisSize(const CMLSData& data, std::int64_t functions) {
   return functions > 0 && functions == data.NumberOfBasisFunctions;
 }
 
-// Whether a point or sample of `size` values has all that the record's basis reads. The constant
-// function reads none.
+// Whether a point or sample of `size` values has all values that the record's basis reads. The
+// constant function reads none.
 bool CoversBasis(const CMLSData& data, std::size_t size) {
   return data.PolynomialType == PolyConstant ||
          (data.NumberOfInputVariables >= 0 &&
@@ -66,7 +66,7 @@ void FillDistances(const CMLSData& data, const std::vector<double>& x,
   }
 }
 
-// Element `rank` of the values in ascending order, NaNs behind all numbers.
+// Element `rank` of the values in ascending order, NaNs after all numbers.
 double OrderStatistic(const std::vector<double>& values, std::size_t rank) {
   std::vector<double> numbers;
   numbers.reserve(values.size());
@@ -83,9 +83,9 @@ double OrderStatistic(const std::vector<double>& values, std::size_t rank) {
 struct NormalEquations {
   explicit NormalEquations(std::size_t p) : side(p), matrix(p * p), b(p) {}
 
-  // Adds `Count` samples. All elements grow at once, sample by sample, so that each sum has the
-  // order of the samples, no two sums wait for each other, and B is never needed as a whole. Taking
-  // several samples at a time saves fetching the elements for each of them.
+  // Adds `Count` samples to all elements, sample by sample. So each sum has the order of the
+  // samples, no sum waits for another, and B is never needed as a whole. Several samples at a time
+  // load each element only once.
   template <std::size_t Count>
   void Add(const double* rows, const double* weights, const double* outputs) {
     double factors[Count];
@@ -103,7 +103,7 @@ struct NormalEquations {
     }
   }
 
-  // Fills the upper half and regularises the diagonal, however well-conditioned it is.
+  // Fills the upper half and adds the ridge to the diagonal, even of a well-conditioned matrix.
   void Complete() {
     const auto p = static_cast<double>(side);
     const double ridge = std::sqrt(p) * 1e-08 + (p + 10.0) * 1e-14;
@@ -119,7 +119,8 @@ struct NormalEquations {
   std::vector<double> b;
 };
 
-// Whether the first `used` samples, which are there, have all that the record's basis reads.
+// Whether the first `used` samples, which must exist, have all values that the record's basis
+// reads.
 bool HasSamplesForBasis(const CMLSData& data, std::size_t used) {
   return std::all_of(data.InputSamples.begin(),
                      data.InputSamples.begin() + static_cast<std::ptrdiff_t>(used),
@@ -162,7 +163,8 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   // although the formulas would work. It is the ordinary least squares line.
   if (record.PolynomialType == PolyLinear && record.WeightFunction == WeightConstant) return 1;
 
-  // Before anything is computed: only a basis that the samples outnumber is worth its memory.
+  // Tested before anything is computed: a basis with more functions than samples must not take
+  // memory.
   if (!HasBasisSize(record, BasisSize(record))) return 1;
   std::vector<double> weights;
   if (ComputeWeights(&record, x, weights) != 0) return 1;

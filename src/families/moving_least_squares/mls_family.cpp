@@ -6,7 +6,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-// Each value is fitted to the outputs.
+// Each value comes from a fit to the outputs.
 bool NeedsOutputs(int) { return true; }
 
 const char* CauseOfRefusal(const CRSData&) { return ": its equations have no solution there"; }

@@ -26,7 +26,7 @@ int FamilyOf<CMLSData>::Fields(Visitor& visit, Record& record) {
     return to.SetUsedPointOption(to.UsedPointOption, percent);
   };
   if constexpr (Visitor::kWrites) {
-    // A reader sets option and percentage together, which leaves the percentage at 0 for some.
+    // A reader sets option and percentage together, which leaves the percentage 0 for most options.
     CMLSData read;
     read.UsedPointOption = record.UsedPointOption;
     setPercent(read, record.ExtraPointPercent);

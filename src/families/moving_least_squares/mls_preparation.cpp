@@ -1,5 +1,5 @@
-// Moving least squares. Each point has a system of equations of its own, so that the evaluator does
-// the work on a copy of the record; what is prepared is the derivative.
+// Moving least squares. Each point has its own system of equations, so the evaluator computes
+// values from a copy of the record. Only the derivative is prepared.
 
 #include "families/moving_least_squares/mls_preparation.h"
 
@@ -43,7 +43,7 @@ double Dot(const double* a, const double* b, std::size_t count) {
   return sum;
 }
 
-/// What a derivative works on, laid out over a working area.
+/// The parts of a derivative's working area.
 struct GradientWork {
   GradientWork(const CMLSData& record, double* start) {
     WorkArea area(start);
@@ -94,17 +94,18 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     }
   }
 
-  // With A c = b the normal equations, z = A^-1 f(x) and e the residuals at the samples:
+  // By implicit differentiation of the normal equations A c = b, with z = A^-1 f(x) and the
+  // residuals e at the samples:
   //   dy = f'(x) c + sum over the samples of dw (z' B) e
-  // since a weight enters A and b alone.
+  // since the weights occur only in A and b.
   int Gradient(const double* x, double*, double* gradient) const override {
-    // The evaluator tells whether there is a value.
+    // The evaluator decides whether there is a value.
     const auto d = static_cast<std::size_t>(record_.NumberOfInputVariables);
     double y = 0.0;
     const std::vector<double> point(x, x + d);
     const int status = CMLSEvaluator().EvaluateResponseSurface(&record_, point, y);
     if (status != 0 || !std::isfinite(y)) return 1;
-    // Only here do the counts fit what is there.
+    // From here on the counts fit the data.
     std::vector<double> area(GradientWork(record_, nullptr).size);
     const GradientWork work(record_, area.data());
     const auto p = static_cast<std::size_t>(record_.NumberOfBasisFunctions);
@@ -129,8 +130,8 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     const FlatMatrix factor(work.matrix, p);
     SolveCholesky(factor, p, work.basis, work.basis);
 
-    // The derivative of a weight w = v / sum v is (dv - w d(sum v)) / sum v; the mean of what the
-    // weights are multiplied with takes care of the second part.
+    // The derivative of a weight w = v / sum v is (dv - w d(sum v)) / sum v. Subtracting the
+    // weighted mean from the factors of dw gives the second part.
     double mean = 0.0;
     double* const effects = work.ranked;
     for (std::size_t j = 0; j < used; ++j) {
@@ -148,7 +149,7 @@ class MovingLeastSquaresSurface : public PreparedSurface {
         gradient[i] += effect * work.ofDistances[j] * (x[i] - Sample(j)[i]);
       }
     }
-    // The reference distance is that of one sample, and moves with the point as that one's does.
+    // The reference distance is that of one sample, and so is its derivative.
     if (throughReference == 0.0 || rho == 0.0) return 0;
     for (std::size_t i = 0; i < d; ++i) {
       gradient[i] += throughReference * (x[i] - Sample(reference)[i]) / rho;
@@ -159,7 +160,7 @@ class MovingLeastSquaresSurface : public PreparedSurface {
  private:
   const double* Sample(std::size_t j) const { return record_.InputSamples[j].data(); }
 
-  /// A sample of another length than the point is at the distance 0, wherever the point is.
+  /// A sample of another length than the point is at distance 0, wherever the point is.
   bool HasDistance(std::size_t j) const {
     return record_.InputSamples[j].size() ==
            static_cast<std::size_t>(record_.NumberOfInputVariables);
@@ -179,7 +180,7 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     }
     const auto rank = std::min(static_cast<std::size_t>(record_.NumberOfBasisFunctions), n - 1);
     std::copy_n(work.distances, n, work.ranked);
-    // NaNs stand behind all numbers.
+    // NaNs come after all numbers.
     std::nth_element(work.ranked, work.ranked + rank, work.ranked + n,
                      [](double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); });
     const double* const found = std::find(work.distances, work.distances + n, work.ranked[rank]);

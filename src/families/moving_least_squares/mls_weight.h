@@ -6,7 +6,7 @@
 namespace Tarvane::Plexura::PXROM {
 
 /// Calls `use(weight)` with the record's weight function in the formulas of `version`, for the
-/// reference distance `rho`. An unknown function weighs 0.
+/// reference distance `rho`. An unknown function gives the weight 0.
 template <class Use>
 void WithWeight(const CMLSData& record, E_CMLSDataVersion version, double rho, const Use& use) {
   const kernels::WeightSetting setting = {version == MLSDataVersion162, rho,

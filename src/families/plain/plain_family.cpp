@@ -6,7 +6,7 @@ namespace {
 
 constexpr Family Describe() {
   Family family = StartFamily<CRSData, CRSEvaluator>();
-  // A record of any family takes the base's attributes.
+  // The base's attributes can be read into a record of any family.
   family.resume = &reading::ResumeRSData;
   family.hasValue = false;
   return family;

@@ -5,7 +5,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// A record of no family: it is read and written, and no evaluation takes it.
+/// A record of no family. It is read and written, and every evaluation refuses it.
 template <>
 struct FamilyOf<CRSData> {
   static constexpr E_DataType kType = DT_RSData;

@@ -17,7 +17,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-/// The clones of a record's terms until they are deleted.
+/// Owns clones of a record's terms.
 class ClonedTerms {
  public:
   explicit ClonedTerms(const CQRSData& record)
@@ -62,7 +62,7 @@ int PredictSamples(const CQRSEvaluator& evaluator, const CQRSData& record, std::
   return 0;
 }
 
-/// Physical values and what they are in the space of the regression sum.
+/// Physical values, and the same values in the space of the regression sum.
 struct Columns {
   explicit Columns(const int& length) : plain(length), transformed(length) {}
 

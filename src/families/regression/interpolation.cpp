@@ -1,4 +1,5 @@
-// The interpolation over a hole of the surface, from the corners of a small box round the point.
+// The interpolation over a hole of the surface, from the corners of a small box around the point: a
+// multilinear interpolation (Press et al., Numerical Recipes in C, 1992, section 3.6).
 
 #include <algorithm>
 #include <cstddef>
@@ -14,14 +15,14 @@ constexpr int kMostVariables = 13;
 constexpr int kMostCorners = 1 << 15;
 constexpr int kDeepestBox = 8;
 
-/// Where the samples lie on one axis.
+/// The range of the samples on one axis.
 struct Extent {
   double lower;
   double upper;
   double range;
 };
 
-/// False when there is no sample or one without all inputs.
+/// False without samples, or with a sample that lacks an input.
 bool HasFullSamples(const CQRSData& record) {
   const auto inputs = static_cast<std::size_t>(record.NumberOfInputVariables);
   return !record.InputSamples.empty() &&
@@ -50,8 +51,8 @@ std::vector<double> CodedPoint(const std::vector<Extent>& extents, const double*
   return coded;
 }
 
-/// Which way a retry moves a variable with value `x`: towards the middle of its range. In the very
-/// middle neither test holds, or by rounding both.
+/// The direction in which a retry moves a variable with value `x`: towards the middle of its range.
+/// Exactly in the middle neither test holds, or by rounding both do.
 struct Move {
   Move(double x, const Extent& axis)
       : down(x > axis.upper - axis.range * 0.5), up(axis.lower + axis.range * 0.5 > x) {}
@@ -61,8 +62,8 @@ struct Move {
   bool up;
 };
 
-/// `value` moved inward by `step`, `times` over: the sum of roundings is what it is meant to be, so
-/// it is no product.
+/// `value` moved inward by `step`, repeated `times`. This is not a product, since the rounding of
+/// each step belongs to the result.
 double Moved(double value, const Move& move, double step, int times) {
   for (int i = 0; i < times; ++i) {
     const double next = move.down ? value - step : value + step;
@@ -72,7 +73,7 @@ double Moved(double value, const Move& move, double step, int times) {
   return value;
 }
 
-/// What a coordinate is at the two sides of the box.
+/// A coordinate at the two sides of the box.
 struct Sides {
   double lower;
   double upper;
@@ -86,7 +87,7 @@ std::vector<Sides> BoxRound(const double* x, const std::vector<Extent>& extents,
     const double range = extents[j].range;
     Sides sides{x[j] + 0.005 * range * (-1.0 - coded[j]), x[j] + 0.005 * range * (1.0 - coded[j])};
     if (failures > 0.0) {
-      // Both sides move alike and once per corner, on purpose.
+      // Both sides move by the same amount, once per corner. This defines the result.
       const Move move(x[j], extents[j]);
       const double step = failures * 0.5 * 0.01 * range;
       sides = {Moved(sides.lower, move, step, corners), Moved(sides.upper, move, step, corners)};
@@ -106,7 +107,8 @@ InterpolationSize MostOfInterpolation(const CQRSData& record) {
   return {kMostCorners, kBoxes * cornersOfBox * (n + 1.0) * sizeof(double)};
 }
 
-/// What an interpolation works with and has used up, boxes inside boxes included.
+/// The data of an interpolation and how much it has used of its limits, including boxes inside
+/// boxes.
 struct CQRSEvaluator::InterpolationEffort {
   std::vector<Extent> extents;
   int corners = 0;
@@ -179,7 +181,7 @@ int CQRSEvaluator::Interplt(const CQRSData& record, const double* x,
   std::vector<double> point(inputs);
   for (double failures = 0.0;; failures += 1.0) {
     y = 0.0;
-    // A point in the very middle of an axis has no way to move inward: no retry could succeed.
+    // A box whose point is exactly in the middle of an axis cannot move, so no retry could succeed.
     if (failures > 0.0 && !canMove) return 1;
     effort.corners += numPnts;
     if (effort.corners > kMostCorners) return 1;
@@ -200,9 +202,9 @@ int CQRSEvaluator::Interplt(const CQRSData& record, const double* x,
   }
 }
 
-// A corner that is a hole itself is interpolated from here, with the count of the boxes around it,
-// since an evaluator keeps no state that could carry one. All others go through the virtual
-// operation, which an override may answer.
+// A corner that is a hole itself is interpolated from here with the depth of its boxes, since an
+// evaluator has no state that could hold it. All other corners use the virtual operation, which a
+// host may override.
 int CQRSEvaluator::EvaluateCorner(const CQRSData& record, const std::vector<double>& point,
                                   double& y, InterpolationEffort& effort) const {
   WorkingPoint transformed(point);
@@ -212,8 +214,8 @@ int CQRSEvaluator::EvaluateCorner(const CQRSData& record, const std::vector<doub
   }
   if (effort.depth == kDeepestBox) return 1;
   ++effort.depth;
-  // The box of the samples is known by now: there can be far more corners than it is worth a walk
-  // through the samples for each.
+  // The box of the samples is already known: there can be too many corners to go through the
+  // samples for each.
   const std::vector<double> coded = CodedPoint(effort.extents, point.data());
   const int status = Interplt(record, point.data(), coded, y, effort);
   --effort.depth;

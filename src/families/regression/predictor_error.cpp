@@ -1,4 +1,4 @@
-// What a regression surface says about the uncertainty of a prediction.
+// The prediction interval of a regression surface.
 
 #include <algorithm>
 #include <cmath>
@@ -97,7 +97,7 @@ int CQRSData::EvalErrorPredictions(std::vector<std::vector<double>>& points,
                                    std::vector<double>& errors) {
   int status = 1;
   if (!points.empty() && HasTermArray(*this) && NumberOfRegTerms >= 0) {
-    // A check only: the matrix is not used.
+    // Only a check: the matrix is not used.
     std::vector<std::vector<double>> design(
         points.size(), std::vector<double>(static_cast<std::size_t>(NumberOfRegTerms)));
     status = BuildDesignMtx(points, NumberOfRegTerms, RegTerms, design);

@@ -9,19 +9,20 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Term `k` of the record, or null when there is none.
+/// Term `k` of the record, or null without such a term.
 inline const RegTerm* TermOf(const CQRSData& record, int k) {
   const bool isThere = record.RegTerms != nullptr && k >= 0 && k < record.NumberOfRegTerms;
   return isThere ? record.RegTerms[k] : nullptr;
 }
 
-/// Whether the terms that the record counts can be there: SetRegTerm may leave a count without any.
+/// Whether the record has an array for its count of terms. SetRegTerm may set a count without
+/// terms.
 inline bool HasTermArray(const CQRSData& record) {
   return record.NumberOfRegTerms <= 0 || record.RegTerms != nullptr;
 }
 
-/// A point that is worked on: a copy of the caller's, without an allocation for as many inputs as
-/// models usually have.
+/// A copy of the caller's point that may be changed. For the usual numbers of inputs it allocates
+/// nothing.
 class WorkingPoint {
  public:
   explicit WorkingPoint(const std::vector<double>& x)
@@ -40,7 +41,7 @@ class WorkingPoint {
   std::vector<double> far_;
 };
 
-/// The number of inputs that a term may read at a point of `size` values: never more than that.
+/// The number of inputs that a term may read at a point of `size` values: at most `size`.
 inline int UsableInputs(const CQRSData& record, std::size_t size) {
   const int inputs = std::max(record.NumberOfInputVariables, 0);
   return size < static_cast<std::size_t>(inputs) ? static_cast<int>(size) : inputs;
@@ -53,13 +54,13 @@ int SumTerms(const CQRSData& record, std::size_t count, const double* x, double&
 int PredictorErrorAt(const CQRSData& record, std::size_t count, const double* x, double& error);
 
 /// The steps from a point in physical units to the back-transformed sum `b`; `point` becomes the
-/// scaled and transformed point. All steps run, whatever one before reported; 1 if one failed.
+/// scaled and transformed point. All steps run, even after one that failed; 1 if any failed.
 int BacktransformedSum(const CQRSData& record, WorkingPoint& point, double& b);
 
-/// Whether a back-transformed sum is the value that stands for a hole of the surface.
+/// Whether a back-transformed sum is the value that marks a hole of the surface.
 bool IsHole(double b);
 
-/// What the interpolation over a hole takes at most, boxes inside boxes included.
+/// The largest size of an interpolation over a hole, including boxes inside boxes.
 struct InterpolationSize {
   double corners = 0.0;
   double bytes = 0.0;

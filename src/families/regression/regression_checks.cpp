@@ -35,7 +35,7 @@ void CheckIndices(const GroupText& in, std::optional<int> inputs) {
   const std::optional<int> type = in.Int(Labels::attQRSRegTermFuncType());
   const std::optional<std::size_t> needed = IndicesOf(type);
   const std::vector<int> indices = in.Ints(Labels::attQRSRegTermInputVarIdx());
-  // The constant term takes no notice of any.
+  // The constant term ignores indices.
   if (!needed || (*needed == 0 && indices.empty())) return;
   if (indices.size() != *needed) {
     ReportIndices(in, *needed == 0 ? SeverityWarning : SeverityError, std::to_string(*needed),
@@ -62,7 +62,7 @@ void CheckIndices(const GroupText& in, std::optional<int> inputs) {
   }
 }
 
-// Whether the term takes part.
+// Whether the term is active.
 bool CheckTerm(const SurfaceText& surface, const Group& group) {
   const KeyTable& keys = FamilyOf<CQRSData>::family.innerKeys();
   GroupText in = surface.in.Inner(group, {&keys});
@@ -78,7 +78,7 @@ bool CheckTerm(const SurfaceText& surface, const Group& group) {
   return in.Int(Labels::attQRSRegTermIsActive()) == 1;
 }
 
-// The number of active terms; none when a term is missing or damaged.
+// The number of active terms; empty when a term is missing or damaged.
 std::optional<std::size_t> CheckTerms(const SurfaceText& surface) {
   const GroupText& in = surface.in;
   const Outline& outline = in.Groups();
@@ -139,7 +139,7 @@ void CheckInputTransformation(const SurfaceText& surface) {
   }
 }
 
-// Whether the count of selected terms is right; with error data it is the order of its matrix.
+// Checks the count of selected terms, which with error data is the order of their matrix.
 void CheckSelected(const SurfaceText& surface, std::optional<std::size_t> active, bool hasData) {
   const GroupText& in = surface.in;
   const std::string& label = Labels::attQRSNumSelRegTerm();

@@ -15,14 +15,14 @@ constexpr double kLargestWithoutHole = 1e80;
 // The quantile of Student's t, by bisection and a continued fraction.
 constexpr double kQuantile = 10000.0;
 
-/// What the terms of a record come to.
+/// The sizes of a record's terms.
 struct TermSizes {
   double count = 0.0;
   double active = 0.0;
   double variables = 0.0;
-  /// Products that a gradient takes of terms with more than two variables.
+  /// How many products a gradient of the terms with more than two variables needs.
   double longProducts = 0.0;
-  /// How large the sum gets where no variable is larger than the one of AddTerms.
+  /// The largest magnitude of the sum, if no variable is larger than the one of AddTerms.
   double reach = 0.0;
 };
 
@@ -42,7 +42,7 @@ void AddTerm(const RegTerm& term, double largest, TermSizes& sizes) {
   sizes.reach += std::fabs(coefficient) * std::pow(largest, v);
 }
 
-/// How large a scaled and transformed coordinate gets where no coordinate is larger than `reach`.
+/// The largest scaled and transformed coordinate, if no coordinate is larger than `reach`.
 double LargestVariable(const CQRSData& record, double reach) {
   const CTransformer* const transformer = FindTransformer(record.InputTransformType);
   double largest = 1.0;
@@ -64,7 +64,7 @@ double LargestVariable(const CQRSData& record, double reach) {
 
 /// Whether an ordinary point may meet a hole, over which the surface is interpolated.
 bool MayHaveHoles(const CQRSData& record, const TermSizes& sizes) {
-  // Only this way back makes a large negative number of a modest one.
+  // Only this back-transformation turns a moderate number into a large negative one.
   const bool isLogarithm =
       record.OutputTransformType == TransformLogA && std::log(record.OutputTransformValue) < -1.0;
   return isLogarithm || !(sizes.reach < kLargestWithoutHole);

@@ -10,7 +10,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-/// Owns copies until all of them are made.
+/// Owns the copies until all of them exist.
 using Terms = std::vector<std::unique_ptr<RegTerm>>;
 
 Terms CopiesOf(const RegTerm* const* terms, int count) {
@@ -50,7 +50,7 @@ CQRSData::CQRSData() = default;
 
 CQRSData::CQRSData(const CQRSData& other) : CRSData(other) { *this = other; }
 
-// Clones the terms: two records can't both delete one array.
+// Clones the terms, since two records must not delete one array.
 CQRSData& CQRSData::operator=(const CQRSData& other) {
   if (this == &other) return *this;
   CRSData::operator=(other);
@@ -68,7 +68,7 @@ CQRSData& CQRSData::operator=(const CQRSData& other) {
   SavePredictorError = other.SavePredictorError;
   Sigma2 = other.Sigma2;
   InvXtX = other.InvXtX;
-  // Last, so that a copy that fails half-way leaves nothing behind.
+  // Last, so that a copy that fails leaks nothing.
   SetRegTerm(other.RegTerms, other.NumberOfRegTerms);
   return *this;
 }

@@ -1,4 +1,4 @@
-// Sums, gradients and design matrices: what is evaluated over all terms of a list.
+// Sums, gradients and design matrices of a list of terms.
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +16,7 @@ namespace {
 
 using Matrix = std::vector<std::vector<double>>;
 
-/// How many coefficients a list of terms has.
+/// The number of coefficients of a list of terms, and of its largest term.
 struct Width {
   std::int64_t sum = 0;
   int largest = 0;
@@ -35,7 +35,7 @@ int WidthOf(int numTerms, const RegTerm* const* terms, Width& width) {
   return 0;
 }
 
-/// Points by rows in one block.
+/// Points by rows in one array.
 struct WorkingCopy {
   WorkingCopy(int rowCount, int columnCount)
       : columns(static_cast<std::size_t>(columnCount)),
@@ -62,7 +62,7 @@ int FillDesign(const CQRSData& record, const WorkingCopy& points, int numTerms,
       int count = 0;
       status = term.GetNumParam(count);
       if (status != 0) return status;
-      // Only a term that changes its answer meanwhile can get here.
+      // Only a host's term that has changed its count since can get here.
       if (count < 0 || count > width.largest || column + count > width.sum) return 1;
       for (int i = 0; i < count; ++i) at(r, column++) = values[static_cast<std::size_t>(i)];
     }

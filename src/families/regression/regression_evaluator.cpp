@@ -96,8 +96,8 @@ int CQRSEvaluator::CalIntmedDrvtVal(const CRSData* data, const double& s, double
   const double a = record.OutputTransformValue;
   const double lambda = record.OutputLambda;
   const bool isLambdaZero = std::fabs(lambda) < LambdaZeroTolerance;
-  // Types 1 to 6 take the derivative of the way forward, where the chain rule asks for the way
-  // back, as 7 and 8 take it. The mix is what the system computes; no type is to be corrected.
+  // Types 1 to 6 use the derivative of the forward formula, where the chain rule needs that of the
+  // back-transformation, which types 7 and 8 use. Hosts depend on this, so no type is corrected.
   switch (record.OutputTransformType) {
     case TransformNone:
       d = c;

@@ -20,7 +20,7 @@ bool LacksErrorData(const CRSData& surface) {
   return !static_cast<const CQRSData&>(surface).SavePredictorError;
 }
 
-// Its derivative knows no input transformation and only some of the output's.
+// The derivative ignores input transformations and is right for only some output transformations.
 bool IsDerivativeOff(const CRSData& surface) {
   const auto& record = static_cast<const CQRSData&>(surface);
   return record.InputTransformType != TransformNone ||

@@ -28,8 +28,8 @@ void TermFields(Visitor& visit, Term& term) {
   visit(Key(&Labels::attQRSRegTermParameter), "coefficients", term.coefficients);
 }
 
-/// The groups 0 to `count` - 1 into the record. 1 with its terms untouched when one is missing,
-/// reaches out of the record's range, or is refused.
+/// Reads the groups 0 to `count` - 1 into the record. 1 with its terms untouched when a group is
+/// missing, ends outside the record's range, or is refused.
 int ReadTerms(reading::AttributeRange& in, int count, CQRSData& record);
 void WriteTerms(writing::AttributeSink& out, const CQRSData& record);
 
@@ -98,7 +98,7 @@ template <class Visitor, class Record>
 int FamilyOf<CQRSData>::Fields(Visitor& visit, Record& record) {
   using fields::Key;
   using fields::Labels;
-  // Whoever lists what is missing begins with the version, as in the other families.
+  // A list of keys begins with the version, as in the other families.
   constexpr bool kLists = !Visitor::kReads && !Visitor::kWrites;
   if constexpr (kLists) FitFields(visit, record);
   TransformationFields(visit, record);
@@ -144,7 +144,7 @@ int FamilyOf<CQRSData>::ErrorFields(Visitor& visit, Record& record, int order) {
   using fields::Labels;
   visit.Kept(Key(&Labels::attQRSSigmaSquare), "Sigma2", record.Sigma2);
   if constexpr (Visitor::kWrites) {
-    // A list that is missing is read as no matrix.
+    // A missing list is read as an empty matrix.
     if (record.InvXtX.empty()) return 0;
   }
   return visit.Matrix(Key(&Labels::attQRSInverseOfXtX), "InvXtX", record.InvXtX, order, order);

@@ -19,12 +19,12 @@ namespace {
 
 constexpr double kHoleTolerance = 1e-10;
 
-/// The active terms. Those of more than two variables stand apart, and the products of two come in
-/// stretches between them, so that the sum keeps its order.
+/// The active terms. Products of up to two variables are in stretches, separated by the terms of
+/// more variables, so that the sum keeps its order.
 struct Terms {
   struct Stretch {
     std::size_t count = 0;  ///< of the products of two
-    /// What follows them: one product of more, unless this is the last stretch.
+    /// The term of more variables that follows, unless this is the last stretch.
     bool hasLongTerm = false;
     double coefficient = 0.0;
     std::vector<std::uint32_t> variables;
@@ -35,7 +35,7 @@ struct Terms {
   std::size_t count = 0;
 };
 
-/// Appends an active term of the record. `inputs` stands for the variable that is always 1.
+/// Appends an active term of the record. The index `inputs` means a variable that is always 1.
 void Append(double coefficient, const std::vector<int>& variables, std::size_t inputs,
             Terms& terms) {
   const auto one = static_cast<std::uint32_t>(inputs);
@@ -64,7 +64,7 @@ bool FindTerms(const CQRSData& record, std::size_t inputs, Terms& terms) {
     const RegTerm* const term = record.RegTerms != nullptr ? record.RegTerms[k] : nullptr;
     double value = 0.0;
     if (term == nullptr || term->EvaluateValue(d, origin.data(), &value) != 0) return false;
-    // Terms that are not active add a zero, which changes no sum that begins with one.
+    // Inactive terms add a zero, which changes no sum that begins with 0.
     if (term->QryIsActive() != 1) continue;
     E_FuncType type{};
     int parameters = 0;
@@ -109,7 +109,7 @@ std::unique_ptr<const IntervalData> IntervalDataOf(const CQRSData& record, std::
   return data;
 }
 
-/// What an evaluation works on, laid out over a working area.
+/// The parts of an evaluation's working area.
 struct RegressionWork {
   RegressionWork(std::size_t inputs, std::size_t terms, double* start) {
     WorkArea area(start);
@@ -176,7 +176,7 @@ class RegressionSurface : public PreparedSurface {
     const double value = record_.OutputTransformValue;
     const double lambda = record_.OutputLambda;
     if (back_->BacktransformAndOverwrite(b, value, lambda) != 0) return 1;
-    // Over a hole the value is an interpolation, which is not told by the terms.
+    // Over a hole the value is an interpolation, which the terms do not determine.
     if (std::fabs(b - YeoFailureValue) < kHoleTolerance) return 1;
     const double slope = BacktransformationSlope(*back_, sum, value, lambda);
     for (std::size_t i = 0; i < inputs_; ++i) {
@@ -205,7 +205,8 @@ class RegressionSurface : public PreparedSurface {
   }
 
   void Sum(std::size_t count, const LoopTable& loops, const RegressionWork& work) const {
-    // The usual surface is one stretch; longer terms and what follows them are added one by one.
+    // Most surfaces are a single stretch. Terms of more variables and the stretches after them are
+    // added one by one.
     loops.polynomial({terms_.pairs.data(), terms_.stretches.front().count, true}, work.x, count,
                      work.sums);
     if (terms_.stretches.size() == 1) return;
@@ -240,7 +241,7 @@ class RegressionSurface : public PreparedSurface {
     return 0;
   }
 
-  /// A point in a hole of the surface is rare enough for the evaluator's own way.
+  /// A point in a hole of the surface is rare, so the evaluator computes it.
   int FillHole(const Points& points, std::size_t point, double& value) const {
     std::vector<double> x(inputs_);
     for (std::size_t i = 0; i < inputs_; ++i) x[i] = points.x[i * kBlock + point];
@@ -249,7 +250,7 @@ class RegressionSurface : public PreparedSurface {
 
   void FillErrors(std::size_t count, const LoopTable& loops, const RegressionWork& work,
                   double* errors) const {
-    // Products in the order of the terms; the long ones leave gaps that are filled apart.
+    // Products in the order of the terms. Those of more variables are filled into gaps afterwards.
     std::size_t row = 0;
     const Monomial* pair = terms_.pairs.data();
     for (const Terms::Stretch& stretch : terms_.stretches) {
@@ -303,7 +304,7 @@ class RegressionSurface : public PreparedSurface {
   CQRSData record_;
   std::size_t inputs_;
   Terms terms_;
-  std::unique_ptr<const IntervalData> interval_;  ///< null when there is no error to tell
+  std::unique_ptr<const IntervalData> interval_;  ///< null without the data of an error
   const CTransformer* forward_;
   const CTransformer* back_;
 };

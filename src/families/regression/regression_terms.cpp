@@ -13,7 +13,7 @@ namespace {
 constexpr double kResetCoefficient = -99.0;
 constexpr int kUnknownCount = -99;
 
-/// x to the power `exponent`. The square is a product: pow need not round as that does.
+/// x to the power `exponent`. The square is a product, since pow may round differently.
 double Power(double x, int exponent) { return exponent == 2 ? x * x : std::pow(x, exponent); }
 
 }  // namespace
@@ -284,9 +284,9 @@ int CrossPolyTerm::EvaluateDesignRow(const int& numInputVars, const double* x, d
 
 namespace Tarvane::Plexura::PXROM {
 
-/// Adds the value of a term that fills a quadratic, without a virtual call and with as few loads as
-/// can be: the additions, one after the other, are then what takes the time. False when the term is
-/// not ready for that, for whatever reason: EvaluateValue tells.
+/// Adds the value of a term of up to two variables, without a virtual call and with as few loads as
+/// possible, so that only the chain of additions takes time. False when the term is not ready for
+/// this; EvaluateValue then gives the value or the status.
 inline bool TermSum::AddReady(const RegTerm& term, unsigned numInputVars, const double* x,
                               double& sum) {
   if (term.readyKind == RegTerm::ReadyQuad) {
@@ -343,7 +343,7 @@ bool TermSum::AddGradient(const RegTerm& term, int numInputVars, const double* x
   }
   const int second = term.inputVariablesIndex[1];
   if (second < 0 || second >= numInputVars) return false;
-  // The same index twice counts once, as in CrossQuadTerm.
+  // An index that occurs twice counts once, as in CrossQuadTerm.
   if (first != second) g[first] += slopes[first] * (x[second] * c);
   g[second] += slopes[second] * (x[first] * c);
   return true;
@@ -384,8 +384,8 @@ std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source) {
   } else {
     copy->SetInactive();
   }
-  // What the source doesn't have, or has in another number, the copy goes without. A count of 0 is
-  // passed on without indices: a product over no variables is set all the same.
+  // If the source lacks indices or coefficients, or has another number of them, so does the copy. A
+  // count of 0 is passed on without indices: a product of no variables still has to be set.
   int indexCount = 0;
   if (source.GetNumUsedInpVar(indexCount) == 0 && indexCount >= 0) {
     std::vector<int> indices(static_cast<std::size_t>(indexCount));

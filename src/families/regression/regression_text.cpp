@@ -16,14 +16,14 @@ namespace {
 
 using writing::Labels;
 
-/// A term from its group, or null for a type that no database holds. Indices or a coefficient whose
-/// number does not fit the term are passed over in silence; its evaluation refuses then.
+/// A term from its group, or null for a type that no database holds. Indices or coefficients whose
+/// number does not fit the term are ignored, and its evaluation then refuses.
 std::unique_ptr<RegTerm> ReadTerm(reading::AttributeRange& in) {
   TermText text;
   fields::FieldReader reader(in);
   TermFields(reader, text);
 
-  // A product of any list has no known number of indices that a database's list could match.
+  // A product of any number of variables has no fixed number of indices to compare with.
   if (text.type == FuncTypeCrossPoly) return nullptr;
   std::unique_ptr<RegTerm> term = TermSum::NewTerm(text.type);
   if (!term) return nullptr;
@@ -60,8 +60,7 @@ void WriteTerm(writing::AttributeSink& out, const RegTerm& term) {
     plain->GetNumUsedInpVar(plainIndexCount);
     plain->GetNumParam(plainCoefficientCount);
   }
-  // Nothing is asked of a term that is not like one that would be read: its lists have unknown
-  // lengths.
+  // A host's own term may have lists of unknown lengths, so it is not asked for them.
   if (plain == nullptr || indexCount != plainIndexCount ||
       coefficientCount != plainCoefficientCount) {
     return out.Refuse("no database holds a term of this kind");
@@ -69,7 +68,7 @@ void WriteTerm(writing::AttributeSink& out, const RegTerm& term) {
   text.isActive = term.QryIsActive();
   if (text.isActive != 0 && text.isActive != 1) out.Refuse("its activity is neither 0 nor 1");
 
-  // What the term does not have, an empty list leaves it without.
+  // If the term has no indices or no coefficient, the list stays empty and is read as missing.
   text.indices.resize(static_cast<std::size_t>(indexCount));
   if (term.GetUsedInpVarIdx(text.indices.data()) != 0) text.indices.clear();
   text.coefficients.resize(static_cast<std::size_t>(coefficientCount));
@@ -84,7 +83,7 @@ void WriteTerm(writing::AttributeSink& out, const RegTerm& term) {
 
 int ReadTerms(reading::AttributeRange& in, int count, CQRSData& record) {
   if (count < 0) return 1;
-  // Grows with the groups that are there: the number alone is worth nothing.
+  // Grows with the groups that exist, since the count may be wrong.
   std::vector<std::unique_ptr<RegTerm>> terms;
   for (int k = 0; k < count; ++k) {
     reading::Bounds bounds;

@@ -6,8 +6,8 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// A term of the class that `source` names, with its activity, indices and coefficient; null when
-/// it names none. A CrossPolyTerm loses its list, see there.
+/// A term of the class that `source` names, with its activity, indices and coefficient; null for an
+/// unknown class. A CrossPolyTerm loses its list (regression_terms.h).
 std::unique_ptr<RegTerm> CopyOfTerm(const RegTerm& source);
 
 /// The sum of a list of terms.
@@ -18,17 +18,17 @@ class TermSum {
   static int Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
                  double& sum);
 
-  /// Adds slopes[i] times entry i of the term's gradient to g[i] for all inputs, by touching only
-  /// the entries that are not zero: the same for finite slopes and a `g` that began at 0.0. False
-  /// with `g` untouched when the term has to be asked itself.
+  /// Adds slopes[i] times entry i of the term's gradient to g[i] for all inputs. It changes only
+  /// the entries that are not zero, which gives the same for finite slopes and a `g` that began at
+  /// 0.0. False with `g` untouched when only the term itself can compute its gradient.
   static bool AddGradient(const RegTerm& term, int numInputVars, const double* x,
                           const double* slopes, double* g);
 
-  /// A new term of a class of its own, or null for a number that is no type. Only such a term is
-  /// known to be of that class and none derived from it, so that it may be added the short way.
+  /// A new term of one of the library's classes, or null for an unknown type. Only such a term is
+  /// known to be exactly of its class, so that it may be added without a virtual call.
   static std::unique_ptr<RegTerm> NewTerm(E_FuncType type);
 
-  /// Whether `term` has a coefficient. GetParamVal delivers one after ResetParamVal too.
+  /// Whether `term` has a coefficient. GetParamVal also returns one after ResetParamVal.
   static bool HasCoefficient(const RegTerm& term) {
     return term.coefficientValue != nullptr && term.isCoefficientSet != 0;
   }

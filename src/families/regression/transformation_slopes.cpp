@@ -8,13 +8,13 @@ namespace {
 
 bool CountsAsZero(double lambda) { return !(std::fabs(lambda) >= LambdaZeroTolerance); }
 
-/// Of the inverse of Box-Cox, (lambda x + 1)^(1 / lambda).
+/// The derivative of the inverse of Box-Cox, (lambda x + 1)^(1 / lambda).
 double InverseBoxSlope(double x, double lambda) {
   if (CountsAsZero(lambda)) return std::exp(x);
   return std::pow(lambda * x + 1.0, 1.0 / lambda - 1.0);
 }
 
-/// Of the exponential of that.
+/// The derivative of the exponential of that inverse.
 double ExpOfInverseBoxSlope(double x, double lambda) {
   const double power =
       CountsAsZero(lambda) ? std::exp(x) : std::pow(lambda * x + 1.0, 1.0 / lambda);

@@ -4,11 +4,11 @@
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// The derivative of the way forward at `x`: 1 where the transformer refuses `x`, which then stays
-/// as it is.
+/// The derivative of the forward formula at `x`: 1 where the transformer refuses `x`, which then
+/// does not change.
 double TransformationSlope(const CTransformer& transformer, double x, double value, double lambda);
 
-/// The derivative of the way back at `x`, which the transformer takes.
+/// The derivative of the back-transformation at `x`, which the transformer must accept.
 double BacktransformationSlope(const CTransformer& transformer, double x, double value,
                                double lambda);
 

@@ -8,17 +8,17 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-/// The way back of CTransformerExpo takes values above this one only.
+/// The back-transformation of CTransformerExpo accepts only larger values.
 constexpr double kLeastOfLog = 1e-99;
 
-// The arguments at which exp, and exp of exp, reach the largest value that a way back may yield.
+// The arguments at which exp, and exp of exp, reach the largest result of a back-transformation.
 double LimitOfExp() { return std::log(TransformValueLimit); }
 double LimitOfExpExp() { return std::log(std::log(TransformValueLimit)); }
 
 bool CountsAsZero(double lambda) { return !(std::fabs(lambda) >= LambdaZeroTolerance); }
 
 /// (lambda * x + 1)^(1 / lambda), the inverse of Box-Cox. The upper limit of the base is
-/// `limit(1e99^lambda)`, and is asked only where the exponent is above 1.
+/// `limit(1e99^lambda)`, which is computed only for an exponent above 1.
 template <class Limit>
 int InverseBox(double x, double lambda, Limit limit, double& out) {
   const double base = lambda * x + 1.0;
@@ -30,8 +30,8 @@ int InverseBox(double x, double lambda, Limit limit, double& out) {
 }
 
 int InverseBox(double x, double lambda, double& out) {
-  // 1e99^lambda is above 1 + lambda ln 1e99, and ln 1e99 above 227: below that no power is needed
-  // to know that the base is inside.
+  // 1e99^lambda is above 1 + lambda ln 1e99, and ln 1e99 is above 227. So for a smaller x the base
+  // is below the limit, and the power is not needed.
   constexpr double kBelowLimit = 227.0;
   const double base = lambda * x + 1.0;
   if (lambda > 0.0 && base >= 0.0 && base < 1.0 + kBelowLimit * lambda) {
@@ -191,7 +191,7 @@ int CTransformerYeo::Forward(double x, double, double lambda, double& out) {
 }
 
 int CTransformerYeo::Backward(double x, double, double lambda, double& out) {
-  // Below zero it is the branch above zero, mirrored in x and with 2 - lambda.
+  // The branch below zero is that above zero with -x and 2 - lambda.
   const bool below = x < 0.0;
   const double shape = below ? 2.0 - lambda : lambda;
   const double argument = below ? -x : x;

@@ -7,12 +7,12 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// A transformation of one variable and its way back; this class itself is the identity. Which
-/// parameter a class reads, `value` or `lambda`, stands with E_QRSTransformationType.
+/// A transformation of one variable and its way back; this class itself is the identity.
+/// E_QRSTransformationType says which parameter a class reads, `value` or `lambda`.
 ///
-/// Statuses: 0 done, 1 the argument is outside the formula's guard. A refused argument stays as it
-/// was, but for the way back of CTransformerYeo. A formula without a guard passes on whatever the
-/// standard function gives, also a NaN.
+/// Statuses: 0 done, 1 the argument is outside the formula's guard. A refused argument does not
+/// change, except for the way back of CTransformerYeo. A formula without a guard returns whatever
+/// the standard function gives, also a NaN.
 ///
 /// The objects have no data: one of each class serves all calls of all threads.
 class CTransformer {
@@ -25,11 +25,11 @@ class CTransformer {
   virtual E_QRSTransformationType TransformationType() const;
   /// A new object of the same class, owned by the caller.
   virtual CTransformer* Clone() const;
-  // Without parameters both are the identity in ALL classes, on purpose.
+  // Without parameters both are the identity in ALL classes.
   virtual int Transform(const double& in, double& out) const;
   virtual int Backtransform(const double& in, double& out) const;
   /// Each x[i] with values[i] and lambdas[i], which must be there unless this is the identity.
-  /// Always 0: an element that fails stays as it was and the loop goes on.
+  /// Always 0: an element that fails does not change, and the loop continues.
   virtual int TransformAndOverwrite(std::vector<double>& x, const std::vector<double>& values,
                                     const std::vector<double>& lambdas) const;
   virtual int TransformAndOverwrite(double& x, double value, double lambda) const;
@@ -39,7 +39,7 @@ class CTransformer {
   virtual int BacktransformAndOverwrite(double& x, double value, double lambda) const;
 };
 
-/// What the transformers share: the operations, written on the two formulas of `Child`,
+/// The operations that the transformers share, over the two formulas of `Child`:
 /// Forward(x, value, lambda, out) and Backward(x, value, lambda, out), which write `out` or
 /// return 1.
 template <class Child, E_QRSTransformationType kType>
@@ -132,23 +132,23 @@ class CTransformerYeo : public FormulaTransformer<CTransformerYeo, TransformYeo>
   static int Backward(double x, double value, double lambda, double& out);
 };
 
-/// The transformer of `type`, which lives as long as the program, or null for a number that is no
-/// type.
+/// The transformer of `type`, which exists as long as the program, or null for an unknown type.
 const CTransformer* FindTransformer(E_QRSTransformationType type) noexcept;
 
 /// TransformAndOverwrite of a transformer for `count` values in a block: one call for all of them.
-/// A transformer has no virtual operation for it, since its slots are settled.
+/// It is not a virtual operation of a transformer, since hosts depend on the table of its
+/// operations.
 using BlockTransform = void (*)(std::size_t count, double* x, const double* values,
                                 const double* lambdas);
 
-/// The one of `type`, or null for a number that is no type.
+/// The block transformation of `type`, or null for an unknown type.
 BlockTransform FindBlockTransform(E_QRSTransformationType type) noexcept;
 
 /// Below this magnitude a lambda counts as zero.
 constexpr double LambdaZeroTolerance = 1e-06;
 /// The largest value that a way back may yield.
 constexpr double TransformValueLimit = 1e99;
-/// What a failed way back of CTransformerYeo leaves, and what the evaluator looks for.
+/// The result of a failed way back of CTransformerYeo, and the mark of a hole for the evaluator.
 constexpr double YeoFailureValue = -9e99;
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -13,7 +13,7 @@ namespace {
 
 using Labels = CPXROMDatabaseLabels;
 
-// A value outside of its range is not taken: the record keeps its default.
+// The reader ignores a value outside its range, and the record keeps its default.
 void CheckSetting(const GroupText& in, const std::string& label, double most,
                   const std::string& range) {
   const std::optional<double> value = in.Double(label);
@@ -68,7 +68,7 @@ void CheckSupportVector(SurfaceText& surface) {
   CheckSetting(in, Labels::attSVRNuValue(), 1.0, "between 0 and 1");
   CheckSetting(in, Labels::attSVRConstantValue(), std::numeric_limits<double>::infinity(),
                "above 0");
-  // Older records have no widths: they are computed from the samples.
+  // The kernel scales of older records are computed from the samples.
   if (in.Int(Labels::attSVRVersion()).value_or(0) < SVRDataVersion171) return;
   in.Require(FamilyOf<CSVRData>::family.keys().keysOfPart);
   if (surface.shape.inputs) {

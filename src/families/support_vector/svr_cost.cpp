@@ -6,7 +6,7 @@ namespace {
 
 using namespace costing;
 
-/// The operations of a kernel beside its sum over the inputs.
+/// The operations of a kernel in addition to its sum over the inputs.
 double PerCentre(E_SVRKernType type) {
   switch (type) {
     case SVRKernLinear:

@@ -190,8 +190,8 @@ int CSVRData::EvaluateKernelMatrix(const std::vector<std::vector<double>>& a,
 int CSVRData::EvaluateKernelArray(const std::vector<std::vector<double>>& rows,
                                   std::vector<double>& out) const {
   out.clear();
-  // The diagonal has the same bits as in the whole covariance matrix, which could grow far beyond
-  // the samples.
+  // The diagonal has the same bits as that of the whole covariance matrix, which could be far
+  // larger than the samples.
   const std::vector<double> variances = GetDiagVarianceCovarianceMatrix(rows);
   const double mean = ComputeMean(variances);
   if (mean == 0.0) return 1;

@@ -51,7 +51,7 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (multipliers.size() > samples.size()) return 1;
   if (isPaired && record.Alphas.size() < multipliers.size()) return 1;
 
-  // Only samples with a multiplier count, but each of them has to be one that its kernel takes.
+  // Only samples with a multiplier count, but the kernel has to accept every sample.
   std::vector<double> values(multipliers.size());
   if (!samples.empty()) {
     if (x.empty() || record.KernelArray.size() != x.size()) return 1;

@@ -24,7 +24,7 @@ int FamilyOf<CSVRData>::Fields(Visitor& visit, Record& record) {
   using fields::Key;
   using fields::Labels;
   if constexpr (Visitor::kWrites) {
-    // A reader computes the widths of an older record and raises its version.
+    // A reader computes the kernel scales of an older record and changes its version.
     if (record.SVRDataVersion_ < SVRDataVersion171) {
       visit.Text().Refuse("an SVRVersion below 171 has no SVRKernelArray");
     }
@@ -34,7 +34,7 @@ int FamilyOf<CSVRData>::Fields(Visitor& visit, Record& record) {
   visit(Key(&Labels::attSVRKernType), "SVRKernType", record.SVRKernType);
   visit(Key(&Labels::attSVRCompType).Optional(), "SVRKernCompType", record.SVRKernCompType);
   visit(Key(&Labels::attSVRLossFuncType), "SVRLossFuncType", record.SVRLossFuncType);
-  // A value out of its range, and so a missing one too, leaves the default without a word.
+  // A value outside its range, and so a missing value too, silently leaves the default.
   visit.Property(
       Key(&Labels::attSVREpsilonValue).Optional(), "EpsilonValue", record, record.EpsilonValue,
       [](auto& to, double value) { return to.SetEpsVal(value); }, "is not between 0 and 1");
