@@ -10,9 +10,9 @@ namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
 
-/// A surface of a family that does not prepare its records: a copy of the record, given to the
-/// family's evaluator point by point. Not for a family that changes records: threads share the
-/// copy.
+/// A surface of a family that does not prepare its records: a copy of the record, which the
+/// family's evaluator evaluates point by point. Not for a family that changes records, since
+/// threads share the copy.
 class EvaluatedSurface : public PreparedSurface {
  public:
   EvaluatedSurface(const Family& family, const CRSData& record, std::size_t inputs)

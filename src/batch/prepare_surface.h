@@ -4,7 +4,7 @@
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// Prepares `record`, which may go afterwards, for points of `inputs` values.
+/// Prepares `record` for points of `inputs` values and keeps no reference to it.
 std::unique_ptr<const PreparedSurface> PrepareSurface(const CRSData& record, std::size_t inputs);
 
 }  // namespace Tarvane::Plexura::PXROM::batch

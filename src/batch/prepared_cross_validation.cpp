@@ -7,7 +7,7 @@ namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
 
-/// What an evaluation works on, laid out over a working area.
+/// The parts of an evaluation's working area.
 struct ValidationWork {
   ValidationWork(std::size_t rows, std::size_t folds, double* start) {
     WorkArea area(start);
@@ -29,8 +29,8 @@ struct ValidationWork {
   std::size_t size;
 };
 
-/// The least of `count` blocks of values, point by point, and whether at each point all but its
-/// copies lie more than `threshold` above it: then it is what a tolerant sort puts first.
+/// The least of `count` blocks of values, point by point, and whether at each point all values
+/// except its copies are more than `threshold` above it. Then a tolerant sort puts it first.
 void FindLeast(const double* values, std::size_t count, double threshold, double* least,
                bool* isClear) {
   std::copy_n(values, kBlock, least);

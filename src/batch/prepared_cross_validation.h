@@ -12,7 +12,7 @@ namespace Tarvane::Plexura::PXROM::batch {
 /// blocks of points.
 class PreparedCrossValidation {
  public:
-  /// Copies what it needs for points of `inputs` values. `validation` must fit `folds` and them.
+  /// Copies the data for points of `inputs` values. `validation` must fit both numbers.
   PreparedCrossValidation(const CrossValidation& validation, std::size_t folds, std::size_t inputs);
 
   std::size_t Folds() const { return foldCounts_.size(); }

@@ -16,7 +16,7 @@ using batch::kBlock;
 using batch::PreparedOutput;
 using kernels::LoopTable;
 
-/// The outputs are shared by copies that differ in their loops.
+/// Copies with other loops share the outputs.
 struct CPreparedModel::Parts {
   using Outputs = std::vector<std::unique_ptr<const PreparedOutput>>;
   /// Inputs of one rank. Their values are sorted, as Evaluate sorts them.
@@ -54,7 +54,7 @@ std::string Listed(const std::vector<int>& values) {
   return text;
 }
 
-/// The values by rank, and by value where ranks are equal: what a combination is registered under.
+/// The values by rank, and by value where ranks are equal: the key of a combination.
 int KeyOf(const CDiscreteCombinations& model, const DiscreteValues& values, std::vector<int>& key,
           std::string* reason) {
   const std::size_t expected = model.Count(CausalityInput, DiscreteParameter, true);
@@ -120,12 +120,12 @@ class AlignedArea {
   std::size_t offset_ = 0;
 };
 
-/// Inputs of which an unordered comparison stands last, as Evaluate sorts.
+/// Orders inputs, NaN last, as Evaluate does.
 bool ComesBefore(double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); }
 
 }  // namespace
 
-/// From each place of a row as it is worked on to its place in the caller's.
+/// For each place of the sorted row its place in the caller's row.
 std::vector<std::size_t> CPreparedModel::Parts::Order(const double* row) const {
   std::vector<std::size_t> order(inputIDs.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
@@ -137,7 +137,7 @@ std::vector<std::size_t> CPreparedModel::Parts::Order(const double* row) const {
   return order;
 }
 
-/// The first `count` of `points`, input by input, and copies of the last one behind them.
+/// The first `count` of `points`, input by input, followed by copies of the last one.
 void CPreparedModel::Parts::FillBlock(const double* points, std::size_t count, double* x) const {
   const std::size_t inputs = inputIDs.size();
   for (std::size_t i = 0; i < inputs; ++i) {

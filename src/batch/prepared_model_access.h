@@ -5,7 +5,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What our own tests and benchmarks need of a prepared model: to choose its instructions.
+/// Lets our own tests and benchmarks choose the instructions of a prepared model.
 struct PreparedModelAccess {
   /// `model` with the loops of `set`; empty when FindLoops has none.
   static CPreparedModel With(const CPreparedModel& model, simd::InstructionSet set);

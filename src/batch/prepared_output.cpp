@@ -15,7 +15,7 @@ namespace {
 using Access = CandidateAccess;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-// What the fast mode promises, and a little less, which leaves room for the last roundings.
+// A little less than the fast mode's tolerance, which leaves a margin for the last roundings.
 constexpr double kFastTolerance = 0.9e-11;
 
 std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
@@ -26,8 +26,8 @@ std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
   return surfaces;
 }
 
-/// The larger of `largest` and the magnitudes of the values that are there; infinite when one of
-/// these is no number.
+/// The larger of `largest` and the magnitudes of the values with a status other than 1; infinite if
+/// one of them is NaN.
 double LargestOf(double largest, const double* values, const int* statuses, std::size_t count) {
   for (std::size_t point = 0; point < count; ++point) {
     if (statuses[point] == 1) continue;
@@ -39,7 +39,7 @@ double LargestOf(double largest, const double* values, const int* statuses, std:
 
 }  // namespace
 
-/// What an evaluation works on, laid out over a working area.
+/// The parts of an evaluation's working area.
 struct PreparedOutput::Work {
   Work(const PreparedOutput& output, bool withErrors, double* start) {
     WorkArea area(start);
@@ -112,8 +112,8 @@ std::size_t PreparedOutput::QuestionCount() const {
 }
 
 bool PreparedOutput::HasFastForm(bool withErrors) const {
-  // The errors of single surfaces are small differences of large numbers: nothing that is only near
-  // would do for them, and an exact one brings the exact value with it.
+  // The errors of single surfaces are small differences of large numbers, so approximations are not
+  // good enough. The exact error also gives the exact value.
   if (withErrors && validation_ == nullptr) return false;
   const auto hasOne = [](const auto& surface) { return surface->HasFastForm(); };
   return std::any_of(surfaces_.begin(), surfaces_.end(), hasOne) ||
@@ -130,7 +130,7 @@ bool PreparedOutput::IsNearEnough(const FastProgress& progress, bool withErrors)
     }
     return sum;
   };
-  // A result that is no finite number may be one of the fast form only.
+  // A result that is not finite may come only from the fast form.
   const bool isFinite = std::isfinite(progress.largestValue) &&
                         std::isfinite(progress.largestError) &&
                         std::isfinite(progress.largestSurface);
@@ -157,7 +157,7 @@ void PreparedOutput::Evaluate(const Points& points, const Tools& tools, const Re
   } else if (progress == nullptr || !HasFastForm(withErrors)) {
     Run(points, tools, results, nullptr);
   } else {
-    // Tried on the first block, and then wherever it would have been near enough so far.
+    // Tried on the first block, and on others if it has been accurate enough so far.
     const bool isTried = progress->isFirst || IsNearEnough(*progress, withErrors);
     FastProgress next = *progress;
     next.isFirst = false;
@@ -201,7 +201,7 @@ void PreparedOutput::AddValue(const PreparedSurface& surface, double weight, con
   }
 }
 
-// With `progress` the surfaces' fast forms, and their largest results noted there.
+// With `progress` it uses the surfaces' fast forms and stores their largest results there.
 void PreparedOutput::Run(const Points& points, const Tools& tools, const Results& results,
                          FastProgress* progress) const {
   const bool withErrors = results.errors != nullptr;
@@ -225,9 +225,9 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
       int own[kBlock];
       surfaces_[i]->Evaluate(scaled, surfaceTools, {work.values, work.errors, own});
       for (std::size_t point = 0; point < points.count; ++point) {
-        // A failure stands; a missing error stands unless something fails.
+        // Status 1 takes precedence over -2, and -2 over 0.
         if (results.statuses[point] != 1 && own[point] != 0) results.statuses[point] = own[point];
-        // The errors are not combined: the last one stands.
+        // The errors are not combined: the last one remains.
         if (own[point] == 0) results.errors[point] = work.errors[point];
         results.values[point] += weights_[i] * work.values[point];
       }
@@ -265,7 +265,7 @@ void PreparedOutput::Backscale(std::size_t count, const Results& results) const 
     if (outputSlope_ != 0.0) {
       results.values[point] = (results.values[point] - outputIntercept_) / outputSlope_;
     } else if (results.statuses[point] == 0) {
-      // Where an error is missing that status wins, and the value stays in the scaled space.
+      // The status -2 of a missing error has precedence, and the value remains in the scaled space.
       results.statuses[point] = 1;
     }
   }

@@ -10,7 +10,7 @@
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// What the fast mode knows of the blocks of a batch that are done.
+/// The results of the fast mode for the blocks so far.
 struct FastProgress {
   bool isFirst = true;
   double largestValue = 0.0;
@@ -18,7 +18,7 @@ struct FastProgress {
   double largestSurface = 0.0;  ///< of the values of surfaces and sub surfaces
 };
 
-/// One output: the ensemble of the candidate that its list has chosen, prepared. It never changes.
+/// One prepared output: the ensemble of the candidate that its list has chosen. It never changes.
 class PreparedOutput {
  public:
   PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs);
@@ -26,14 +26,14 @@ class PreparedOutput {
   std::size_t WorkSize(bool withErrors) const;
   std::size_t QuestionCount() const;
 
-  /// As CFittingCandidatesEvaluator at each of the points, in physical units; with `progress` in
-  /// the fast mode. Values and errors that a status says are not there become NaN.
+  /// Gives what CFittingCandidatesEvaluator gives at each of the points, in physical units; with
+  /// `progress` in the fast mode. Values and errors that are missing by their status become NaN.
   void Evaluate(const Points& points, const Tools& tools, const Results& results,
                 FastProgress* progress) const;
 
   std::size_t GradientWorkSize() const;
   /// The derivative of the value at `x` with respect to `x`, both in physical units. 1, with NaN in
-  /// `gradient`, where there is none.
+  /// `gradient`, where there is no derivative.
   int Gradient(const double* x, double* work, double* gradient) const;
 
  private:

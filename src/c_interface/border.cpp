@@ -9,7 +9,7 @@ namespace Tarvane::Plexura::PXROM::c_interface {
 void Message::Write(std::string_view sentence) const noexcept {
   if (buffer_ == nullptr || size_ == 0) return;
   std::size_t length = std::min(sentence.size(), size_ - 1);
-  // A character of several bytes is not cut in its middle.
+  // Does not cut a UTF-8 character in its middle.
   constexpr unsigned char kTwoBits = 0xC0;
   constexpr unsigned char kContinuation = 0x80;
   while (length > 0 && length < sentence.size() &&

@@ -31,8 +31,8 @@ inline void RequireArgument(const void* argument, const char* name) {
   if (argument == nullptr) throw Refusal{PXROM_NULL_ARGUMENT, std::string(name) + " is null"};
 }
 
-/// The text of a caller. A length that no text can have, such as that of a difference below zero,
-/// would otherwise be taken for a lack of memory.
+/// The text of a caller. A length that no text can have, such as a negative difference, would
+/// otherwise look like a lack of memory.
 inline std::string RequireText(const char* text, std::size_t length) {
   RequireArgument(text, "text");
   if (length > static_cast<std::size_t>(PTRDIFF_MAX)) {

@@ -10,7 +10,7 @@
 namespace Tarvane::Plexura::PXROM::c_interface {
 namespace {
 
-/// The value that a query by ID gave for its one ID.
+/// The only value in the result of a query for one ID.
 template <class Value>
 Value Only(const std::vector<std::pair<std::string, Value>>& named) {
   return named.empty() ? Value() : named.front().second;
@@ -63,7 +63,7 @@ void Describe(pxrom_model& model) {
       model.lists[PXROM_OUTPUTS].push_back(i);
     }
   }
-  // Parameters stand by ID, which is the order of outputs, and of inputs that have one rank.
+  // Parameters are ordered by ID. Outputs keep this order, and so do inputs of equal rank.
   for (const pxrom_list list : {PXROM_ALL_PARAMETERS, PXROM_INPUTS, PXROM_DISCRETE_INPUTS}) {
     std::stable_sort(model.lists[static_cast<std::size_t>(list)].begin(),
                      model.lists[static_cast<std::size_t>(list)].end(),

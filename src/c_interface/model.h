@@ -7,7 +7,7 @@
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/pxrom_c.h"
 
-/// A model with all that is handed out of it, laid down when it is read.
+/// A model with all data that it hands out, which are prepared when it is read.
 struct pxrom_model {
   struct Parameter {
     std::string id;

@@ -16,7 +16,7 @@ using namespace Tarvane::Plexura::PXROM::c_interface;
 
 struct pxrom_prepared {
   pxrom::CPreparedModel model;
-  /// By output: whether its error is in its unit.
+  /// For each output, whether its error is in the output's unit.
   std::vector<bool> error_in_unit;
 };
 
@@ -41,8 +41,8 @@ DiscreteValues NamedValues(const pxrom_model& model, const char* const* names,
   return named;
 }
 
-/// The values in the order of the discrete inputs. Any names of the right number pass the library's
-/// own test, so that each input is looked for.
+/// The values in the order of the discrete inputs. The library itself only checks the number of
+/// registered names, so each input is searched for here.
 std::vector<int> RankedValues(const pxrom_model& model, const DiscreteValues& named) {
   std::multimap<std::string_view, int> values;
   for (const auto& [id, value] : named) values.emplace(id, value);

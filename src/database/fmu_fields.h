@@ -27,7 +27,7 @@ void FmuFields(Visitor& visit, Description& fmu) {
   visit.Kept(Key(&Labels::attFMUNumberOfBooleans).Count(), "Booleans", fmu.booleans);
   visit.Kept(Key(&Labels::attFMUNumberOfStrings).Count(), "Strings", fmu.strings);
   visit.Kept(Key(&Labels::attFMUNumberOfEvents).Count(), "Events", fmu.events);
-  // Last, so that no name stands in front of a key that is looked for.
+  // Last, so that no name comes before a key that is searched for.
   visit(Key(&Labels::attFMUIDToValRef), "References", fmu.references);
 }
 

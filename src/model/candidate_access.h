@@ -8,8 +8,8 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What reading, writing and evaluation need of candidates beyond their public operations: to fill
-/// one in place, hand surfaces over, and look at the data, all without a copy.
+/// What reading, writing and evaluation need in addition to the public operations of candidates: to
+/// fill one in place, to move surfaces and to read the data, all without a copy.
 struct CandidateAccess {
   static CFittingCandidate& Append(CFittingCandidates& list) {
     return list.Candidates.emplace_back();
@@ -27,7 +27,7 @@ struct CandidateAccess {
   static void AddSubSurface(CFittingCandidate& candidate, std::unique_ptr<CRSData> surface) {
     candidate.SubRSList.push_back(std::move(surface));
   }
-  // The fields themselves, const for a candidate that is.
+  // The fields themselves, const for a const candidate.
   template <class Candidate>
   static auto& Surfaces(Candidate& candidate) {
     return candidate.RSList;

@@ -7,17 +7,17 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// One point on its way through the candidates of several outputs: the caller's values and, for
-/// surfaces that look at the point, a vector scaled for the candidate at hand. The vector is made
-/// when it is first asked for and reused from candidate to candidate; constants never ask.
+/// One point for the candidates of several outputs: the caller's values and, for surfaces that use
+/// the point, a vector that is scaled for the current candidate. The vector is made at its first
+/// use and reused for other candidates. Constants never use it.
 class EvaluationPoint {
  public:
   EvaluationPoint(const double* x, std::size_t size) : x_(x), size_(size) {}
 
   std::size_t Size() const { return size_; }
-  /// Turns to `candidate`. False when the point does not fit its scaling.
+  /// Makes `candidate` the current one. False when the point does not fit its scaling.
   bool TurnTo(const CFittingCandidate& candidate);
-  /// The point scaled for the candidate last turned to.
+  /// The point, scaled for the current candidate.
   const std::vector<double>& Scaled();
 
  private:

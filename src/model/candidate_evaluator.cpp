@@ -19,7 +19,7 @@ bool Predict(const CRSData& surface, EvaluationPoint& point, double& value) {
   const Family* const family = FindFamily(surface.DataType());
   if (family == nullptr) return false;
   if (family->constantValue != nullptr) {
-    // What the evaluator does, for which no point has to be made.
+    // As the evaluator does, but without a scaled point.
     if (!IsReadyFor(surface, point.Size())) return false;
     family->constantValue(surface, value);
     return true;
@@ -38,8 +38,8 @@ bool AddPredictions(const Surfaces& surfaces, const std::vector<double>& weights
   return true;
 }
 
-// The same with each surface's own predictor error, which it writes over `error`: the errors are
-// not combined, the last one stands. `hasError` becomes false when a surface has none.
+// The same with each surface's own predictor error, which it writes over `error`: errors are not
+// combined, the last one remains. `hasError` becomes false when a surface has no error.
 bool AddPredictionsWithErrors(const Surfaces& surfaces, const std::vector<double>& weights,
                               EvaluationPoint& point, double& sum, double& error, bool& hasError) {
   for (std::size_t i = 0; i < surfaces.size(); ++i) {
@@ -110,7 +110,7 @@ int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& poi
                                      slope, inputs};
     if (!validation.Fits(folds, point.Size())) return 1;
     if (!AddPredictions(surfaces, weights, point, value)) return 1;
-    // Sub surfaces stand surface by surface, and within each fold by fold.
+    // Sub surfaces are in the order of their surfaces, and for each surface in that of the folds.
     std::vector<double> foldPredictions(folds, 0.0);
     for (std::size_t k = 0; k < subSurfaces.size(); ++k) {
       double prediction = 0.0;

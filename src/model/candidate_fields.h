@@ -5,7 +5,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What the text of a candidate says about its parts.
+/// The attributes of a candidate that describe its parts.
 struct CandidateHead {
   int version = 0;
   int surfaces = 0;
@@ -26,8 +26,8 @@ void CrossValidationFlagField(Visitor& visit, Head& head) {
         head.hasCrossValidation);
 }
 
-/// The samples and the scaling. Texts begin with the version and end with the flag of the
-/// cross-validation data; reading needs both only once it has the surfaces.
+/// The samples and the scaling. A text begins with the version and ends with the flag of the
+/// cross-validation data; reading needs both only after it has read the surfaces.
 template <class Visitor, class Candidate, class Head>
 int CandidateFields(Visitor& visit, Candidate& candidate, Head& head) {
   using Access = CandidateAccess;
@@ -77,7 +77,7 @@ int CrossValidationFields(Visitor& visit, Candidate& candidate, Head& head) {
   return 0;
 }
 
-/// What a `Genome` group holds before the record of its surface.
+/// The attributes of a `Genome` group before the record of its surface.
 struct SurfaceHead {
   E_DataType type = static_cast<E_DataType>(0);
   double weight = 0.0;

@@ -11,8 +11,8 @@ namespace {
 constexpr double kSortTolerance = 1.0e-12;
 constexpr std::uint64_t kLongestSort = 100'000'000;
 
-// Whether nothing but copies of the least value lies within `threshold` of it. It then passes every
-// other value and ends up in front, and no sort is needed to know that. NaN anywhere says no.
+// Whether only copies of the least value are within `threshold` of it. Then the sort moves it to
+// the front past every other value, so the sort itself is not needed. False with a NaN.
 bool HasClearLeast(const double* values, std::size_t count, double threshold, double& least) {
   least = *std::min_element(values, values + count);
   return std::all_of(values, values + count,
@@ -86,7 +86,8 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
     if (r == 0 || sum < nearest) nearest = sum;
   }
 
-  // A fold whose samples are near gets little weight: its prediction misses what is known here.
+  // A fold with samples near the point gets little weight, since its prediction was made without
+  // these samples.
   const double threshold = SortThreshold(inputs);
   double total = 0.0;
   double* start = distances;
@@ -113,7 +114,7 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
     variance += weights[f] * (deviation * deviation);
   }
 
-  // Near a sample the prediction is known well: the error fades to 0 there.
+  // Near a sample the prediction is known well, so the error goes to 0 there.
   const double damping = std::min(1.0, std::log(1.0 + 10.0 * nearest / (distanceScale + 0.0001)));
   error = ((0.005 * nearest + std::sqrt(variance)) * damping / outputScaleSlope) * 3.0;
   return 0;

@@ -21,8 +21,8 @@ struct Ranked {
   Value value;
 };
 
-// Ascending by rank and by value on equal ranks, with NaN behind every number so that the order
-// stays strict.
+// Ascending by rank, and by value for equal ranks, with NaN after every number so that the order is
+// strict.
 template <class Value>
 bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
   if (a.rank != b.rank) return a.rank < b.rank;
@@ -34,16 +34,15 @@ bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
   return a.value < b.value;
 }
 
-// Whether two names are equal. The last characters tell most of them apart.
+// Whether two names are equal. Most names differ in their last character.
 bool IsSame(const std::string& a, const std::string& b) {
   const std::size_t size = a.size();
   return size == b.size() && (size == 0 || a[size - 1] == b[size - 1]) &&
          std::memcmp(a.data(), b.data(), size) == 0;
 }
 
-// Finds ranks of names that come in some sensible order. A caller mostly lists them by rank or by
-// ID, so that both of these guesses come before a search: through the list of those that are
-// expected while it is short, else through the map.
+// Finds the ranks of names. A caller mostly lists them by rank or by ID, so both orders are tried
+// before a search: through the list of the expected names while it is short, else through the map.
 class RankFinder {
  public:
   using Ranks = std::map<std::string, std::int32_t>;
@@ -76,7 +75,7 @@ class RankFinder {
   Ranks::const_iterator nextByID_;
 };
 
-// Room for some values: a few take no allocation, more take one.
+// A working array: a few values need no allocation, more need one.
 template <class Value>
 class FewValues {
  public:
@@ -144,7 +143,7 @@ CDiscreteCombinations::CDiscreteCombinations(const CDiscreteCombinations& other)
 }
 
 CDiscreteCombinations& CDiscreteCombinations::operator=(const CDiscreteCombinations& other) {
-  // Copied aside first: pointers without their owner must not stay behind when memory runs out.
+  // Copied first: if memory runs out, no pointer must remain without its owner.
   auto ranks = other.RegistrationRank;
   auto parameters = other.Parameters;
   auto names = other.NameToImmutableID;
@@ -205,8 +204,8 @@ int CDiscreteCombinations::RegisterDiscreteCombination(
   std::vector<int> key;
   if (PickAndSortValuesWrtParameterRegistrationRank(discreteValues, key) != 0) return 1;
 
-  // Everything that may run out of memory works on empty boxes. The pointers change hands at the
-  // end, where nothing can fail, so that an exception leaves them with the caller.
+  // Everything that may run out of memory works on empty boxes. The object takes the pointers at
+  // the end, where nothing can fail, so an exception leaves them with the caller.
   OutputsByID byID(outputs.begin(), outputs.end());
   Boxes fresh;
   for (const auto& output : outputs) {
@@ -360,7 +359,7 @@ std::vector<int> CDiscreteCombinations::ListRegisteredValuesForDiscreteParameter
   const std::size_t position = PlaceOfDiscrete(id);
   std::vector<int> values;
   for (const auto& combination : DiscreteCombinationsIndexing) {
-    // Keys can be shorter where parameters were registered after combinations.
+    // Keys are shorter if parameters were registered after combinations.
     if (position < combination.first.size()) values.push_back(combination.first[position]);
   }
   std::sort(values.begin(), values.end());

@@ -18,11 +18,12 @@ using costing::SurfaceCost;
 
 // Coordinates of ordinary points, in the scaled space of a candidate.
 constexpr double kOrdinary = 100.0;
-// Calls and allocations round an evaluation, whatever its surfaces are.
+// Calls and allocations around an evaluation, for any surfaces.
 constexpr double kFrame = 200.0;
-// What a prepared surface and its place in an ensemble hold, whatever the surface is.
+// The size of a prepared surface and its entry in an ensemble, without its data.
 constexpr double kBytesPerSurface = 1000.0;
-// The blocks of a working area, by input and beside them, and the questions of a block of kernels.
+// The parts of a working area: blocks per input and others, and the questions of a block of
+// kernels.
 constexpr double kBlock = kernels::kBlock;
 constexpr double kWorkPerInput = 3.0 * sizeof(double);
 constexpr double kWorkOfBlock = kernels::kChunk * sizeof(kernels::Question);
@@ -39,7 +40,7 @@ SurfaceCost CostOfSurface(const CRSData& surface, double reach) {
   return isKnown ? family->cost(surface, reach) : SurfaceCost();
 }
 
-/// Adds the value of a surface, weighted; returns the rest.
+/// Adds the cost of a surface's weighted value; returns all costs of the surface.
 SurfaceCost AddValue(const CRSData& surface, double reach, EnsembleCost& cost) {
   const SurfaceCost own = CostOfSurface(surface, reach);
   cost.operations += own.value + 2.0;
@@ -48,7 +49,7 @@ SurfaceCost AddValue(const CRSData& surface, double reach, EnsembleCost& cost) {
   return own;
 }
 
-/// Adds the error from cross-validation, beside the predictions without each fold.
+/// Adds the cost of the error from cross-validation, without the predictions for each fold.
 void AddCrossValidation(const CFittingCandidate& candidate, double inputs, EnsembleCost& cost) {
   const auto rows = static_cast<double>(Access::SortedInput(candidate).size());
   const std::vector<int>& counts = Access::FoldCounts(candidate);

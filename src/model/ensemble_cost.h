@@ -5,7 +5,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// What the evaluation of one or more outputs takes. Estimates, as doubles.
+/// The cost of an evaluation of one or more outputs. The numbers are estimates.
 struct EnsembleCost {
   double operations = 0.0;  ///< of values and errors
   double gradientOperations = 0.0;
@@ -18,7 +18,7 @@ struct EnsembleCost {
 };
 
 EnsembleCost CostOf(const CFittingCandidate& candidate);
-/// Of the candidates that the lists have chosen.
+/// The cost of the candidates that the lists have chosen.
 EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs);
 
 }  // namespace Tarvane::Plexura::PXROM

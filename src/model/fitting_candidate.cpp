@@ -55,7 +55,7 @@ CFittingCandidate::CFittingCandidate(const CFittingCandidate& other)
       InputScaleIntercepts(other.InputScaleIntercepts),
       OutputScaleSlope(other.OutputScaleSlope),
       OutputScaleIntercept(other.OutputScaleIntercept),
-      // SubRSPerRS is not copied, on purpose; nothing in an evaluation reads it.
+      // SubRSPerRS is not copied: no evaluation reads it.
       bIsErrPredRequired(other.bIsErrPredRequired),
       viNumPtsPerFold(other.viNumPtsPerFold),
       vvdScSortedInput(other.vvdScSortedInput),
@@ -108,7 +108,7 @@ int CFittingCandidate::AddSubRS(const CRSData* rs) {
 
 int CFittingCandidate::SetRSAndWeights(const std::vector<CRSData*>& surfaces,
                                        const std::vector<double>& weights, bool errorPrediction) {
-  // First of all, so that a call which is refused below has changed the flag.
+  // First, since a call that is refused below changes the flag too.
   bIsErrPredRequired = errorPrediction;
   const std::size_t count = surfaces.size();
   if (errorPrediction ? weights.empty() || count % weights.size() != 0 : count != weights.size()) {
@@ -116,8 +116,9 @@ int CFittingCandidate::SetRSAndWeights(const std::vector<CRSData*>& surfaces,
   }
   if (std::find(surfaces.begin(), surfaces.end(), nullptr) != surfaces.end()) return 1;
 
-  // Every surface stands in front of its sub surfaces; without error prediction it has none. The
-  // clones are made before anything is released, since the surfaces may be this candidate's own.
+  // Each surface comes before its sub surfaces; without error prediction it has no sub surfaces.
+  // The clones are made before anything is released, since the surfaces may be this candidate's
+  // own.
   const std::size_t stride = errorPrediction ? count / weights.size() : 1;
   Surfaces ensemble;
   Surfaces subSurfaces;
@@ -126,7 +127,7 @@ int CFittingCandidate::SetRSAndWeights(const std::vector<CRSData*>& surfaces,
   }
   std::vector<double> newWeights(weights);
   if (errorPrediction) {
-    // No reset here: the new surfaces go behind those that are there.
+    // No reset here: the new surfaces are appended.
     SubRSPerRS = static_cast<int>(stride) - 1;
     RSList.reserve(RSList.size() + ensemble.size());
     SubRSList.reserve(SubRSList.size() + subSurfaces.size());
@@ -317,7 +318,7 @@ int CFittingCandidate::SetStatusStopped() {
 }
 
 int CFittingCandidate::computeMinDist() {
-  // Counts beyond the rows and columns that are there are cut, so that nothing else is read.
+  // Counts are limited to the existing rows and columns.
   const std::size_t rows =
       std::min(static_cast<std::size_t>(std::max(NumberOfSamples, 0)), vvdScSortedInput.size());
   std::size_t columns = static_cast<std::size_t>(std::max(NumberOfInputVariables, 0));

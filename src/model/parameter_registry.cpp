@@ -1,4 +1,4 @@
-// The registry of parameters: what CDiscreteCombinations knows of each ID.
+// The registry of parameters: the entries of CDiscreteCombinations for each ID.
 
 #include <algorithm>
 

@@ -8,12 +8,12 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-/// The registry as its text has it: lists by parameter, and pairs of a parameter and a value.
+/// The registry in the form of its text: lists by parameter, and pairs of a parameter and a value.
 struct RegistryText {
   template <class Value>
   using Pairs = std::vector<std::pair<std::string, Value>>;
 
-  /// The one that registries have.
+  /// The version that every registry has.
   int version = 170;
   std::vector<std::string> ids;
   std::vector<int> causalities;
@@ -27,7 +27,7 @@ struct RegistryText {
   Pairs<double> upperBounds;
 };
 
-/// What parameters there are, and their ranks.
+/// The parameters and their ranks.
 template <class Visitor, class Registry>
 void RoleFields(Visitor& visit, Registry& registry) {
   using fields::Key;
@@ -37,14 +37,14 @@ void RoleFields(Visitor& visit, Registry& registry) {
   visit(Key(&Labels::attParameterCausalities), "Causalities", registry.causalities);
   visit(Key(&Labels::attParameterTypes), "Types", registry.types);
   visit(Key(&Labels::attParameterAvailability), "Availability", registry.availability);
-  // It says nothing that is used, and is read all the same: what is damaged in it ends the reading
-  // as in any other list of pairs.
+  // Its content is not used, but it is read: a damaged pair in it ends the reading as in any other
+  // list of pairs.
   visit(Key(&Labels::attParameterDiscreteIndexing).Optional(), "DiscreteIndexing",
         registry.discreteIndexing);
   visit(Key(&Labels::attParameterRegistrationRank), "RegistrationRank", registry.ranks);
 }
 
-/// What is said of parameters. Reading needs them registered first.
+/// The infos of parameters. Reading registers the parameters first.
 template <class Visitor, class Registry>
 void InfoFields(Visitor& visit, Registry& registry) {
   using fields::Key;

@@ -13,7 +13,7 @@
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
-/// What the registry says, once for each ID.
+/// The facts of the registry, once for each ID.
 struct RegistryFacts {
   struct Parameter {
     int causality = 0;
@@ -23,21 +23,21 @@ struct RegistryFacts {
 
   bool IsDiscreteInput(const std::string& id) const;
   bool IsOutput(const std::string& id) const;
-  /// "; did you mean "..."?" for the nearest ID, or nothing.
+  /// "; did you mean "..."?" for the nearest ID, or an empty text.
   std::string DidYouMean(std::string_view typed) const;
 
-  /// False when its damage leaves open which parameters there are.
+  /// False when the registry is too damaged to know its parameters.
   bool isKnown = false;
-  /// Of the IDs.
+  /// The offset of the IDs.
   std::size_t offset = 0;
   std::map<std::string, Parameter> parameters;
-  /// The enabled parameters that a line and an evaluation name.
+  /// The enabled parameters, which a line and an evaluation name.
   std::vector<std::string> discreteInputs;
   std::vector<std::string> continuousInputs;
   std::vector<std::string> outputs;
 };
 
-/// What the checks of one text share.
+/// The data that the checks of one text share.
 struct Context {
   std::string_view text;
   const LineTable& lines;
@@ -45,7 +45,7 @@ struct Context {
   const Outline& outline;
   CDatabaseOverview& overview;
   RegistryFacts registry;
-  /// By number; each once.
+  /// The groups that lines use, by number.
   std::map<int, const Group*> used;
 };
 
@@ -57,7 +57,7 @@ void CheckDiscreteSets(Context& context);
 /// Needs both.
 void CheckEnsembles(Context& context);
 void CheckFmu(Context& context);
-/// Reads and evaluates the text, and reports what the library refuses without a word.
+/// Reads and evaluates the text, and reports what the library silently refuses.
 void TryText(Context& context, const std::string& text);
 
 }  // namespace Tarvane::Plexura::PXROM::inspection

@@ -16,7 +16,7 @@ namespace {
 
 using Labels = CPXROMDatabaseLabels;
 
-/// How many surfaces an ensemble is said to have.
+/// The numbers of surfaces that an ensemble states.
 struct Cardinality {
   std::int64_t surfaces = 0;
   std::int64_t subSurfaces = 0;
@@ -100,7 +100,7 @@ class EnsembleCheck {
     return cardinality;
   }
 
-  // The `Genome` groups against the counts. False when something disagrees.
+  // Compares the `Genome` groups with the counts. False when they disagree.
   bool CheckGenomes(const Cardinality& cardinality) {
     if (context_.outline.IsDamaged(Word::Genome, group_.tag, group_.end)) return false;
     const Outline& outline = context_.outline;
@@ -139,7 +139,7 @@ class EnsembleCheck {
         std::move(sentence));
   }
 
-  // At the group that stands where the missing one should.
+  // Reports the gap at the group that follows the missing one.
   void ReportGap(int missing) {
     for (const std::size_t index : group_.children) {
       const Group& genome = context_.outline.At(index);
@@ -151,13 +151,13 @@ class EnsembleCheck {
     }
   }
 
-  // All groups follow each other, so that a count is wrong; the fold counts may tell which.
+  // The groups have no gap, so a count is wrong. The fold counts may show which one.
   void ReportCardinality(const Cardinality& cardinality, std::int64_t there) {
     const std::string& surfaces = Labels::attCandidateRSCardinality();
     const std::string& subSurfaces = Labels::attCandidateSubRSCardinality();
     const std::string genomes = Counted(static_cast<std::size_t>(there), "Genome group");
     if (!hasErrorData_) {
-      // Sub surfaces that a flag keeps from being read have been reported.
+      // Sub surfaces that are not read because of a flag are already reported.
       if (in_.Int(subSurfaces).value_or(0) + cardinality.surfaces == there) return;
       in_.Report(SeverityError, FindingCardinalityMismatch, surfaces,
                  std::to_string(cardinality.surfaces), std::to_string(there),
@@ -283,8 +283,8 @@ class EnsembleCheck {
   CEnsembleOverview overview_;
 };
 
-// The number of inputs that evaluations pass. Where all ensembles agree on another number than the
-// registry, the registry is wrong, and one finding there is worth more than one in each ensemble.
+// The number of inputs that evaluations pass. If all ensembles agree on a number other than that of
+// the registry, the registry is wrong, and one finding there replaces one in each ensemble.
 std::optional<int> AgreedInputs(Context& context,
                                 const std::vector<std::unique_ptr<EnsembleCheck>>& ensembles) {
   if (!context.registry.isKnown) return std::nullopt;

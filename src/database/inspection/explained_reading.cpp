@@ -8,7 +8,7 @@ namespace Tarvane::Plexura::PXROM {
 
 namespace {
 
-/// Hands a text over and back, so that a long one is not held twice.
+/// Takes a text and returns it, so that a long text is not held twice.
 class BorrowingReader : public CReaderPXROMDatabase {
  public:
   explicit BorrowingReader(std::string& text) : text_(text) { DataStream.swap(text_); }
@@ -20,7 +20,7 @@ class BorrowingReader : public CReaderPXROMDatabase {
   std::string& text_;
 };
 
-// The reader itself tells nothing.
+// The reader itself reports nothing.
 std::string FirstError(const std::string& text) {
   const CInspectionReport report = InspectPXROMDatabase(text);
   for (const CFinding& finding : report.findings) {

@@ -1,4 +1,4 @@
-// The order of an inspection: lines, groups, contents, and then the library's own answers.
+// The steps of an inspection: lines, groups, contents, and then a trial of the library itself.
 
 #include "pxrom/inspection.h"
 
@@ -16,7 +16,7 @@ using namespace inspection;
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-// A line end is "\n"; a carriage return before it does no harm as long as all lines are alike.
+// A line end is "\n". A carriage return before it is harmless if all lines have one.
 void CheckLineEnds(Context& context) {
   const std::string_view text = context.text;
   std::size_t plain = 0;
@@ -43,7 +43,7 @@ void CheckLineEnds(Context& context) {
                            " a carriage return, unlike the others; this is the first");
 }
 
-// Between the groups stands nothing that is read; a key there has lost its group.
+// Nothing between the groups is read. A key there has lost its group.
 void CheckBetweenGroups(Context& context) {
   std::size_t at = 0;
   auto next = context.outline.Top().begin();

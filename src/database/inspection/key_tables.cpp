@@ -15,7 +15,7 @@ using fields::Form;
 using fields::Key;
 using fields::Labels;
 
-/// The keys that `list` shows a lister.
+/// The keys that `list` passes to a lister.
 template <class List>
 KeyTable Collected(List list) {
   FieldLister lister;

@@ -33,7 +33,7 @@ class RegistryCheck {
       CheckRoles();
       CheckIds();
     }
-    // Where it is open which parameters there are, the lists of pairs can't be judged.
+    // Without the parameters, the lists of pairs can't be checked.
     if (context_.registry.isKnown) {
       CheckRanks();
       CheckNames(Labels::attParameterUnits(), SeverityWarning);
@@ -127,7 +127,7 @@ class RegistryCheck {
     }
   }
 
-  // The walk to an element is spared where nobody will see the place.
+  // The place of an element is not needed if the finding is only counted.
   std::size_t ElementOffset(E_FindingCode code, const std::string& label, std::size_t i) const {
     return context_.findings.IsFull(code) ? in_.OffsetOf(label) : in_.OffsetOfElement(label, i);
   }
@@ -174,7 +174,7 @@ class RegistryCheck {
     }
   }
 
-  // Names that are not registered, or stand twice. True when there is one.
+  // Reports names that are not registered or occur twice. True when there is such a name.
   bool CheckNames(const std::string& label, E_FindingSeverity severity) {
     const RegistryFacts& facts = context_.registry;
     if (facts.parameters.empty()) return false;

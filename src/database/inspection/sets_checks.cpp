@@ -108,8 +108,8 @@ class SetsCheck {
     return parameter != parameters.end() && parameter->second.causality == CausalityInput;
   }
 
-  // Names that are none, or of no use here. Where there is one, what is missing is likely what it
-  // was meant to be.
+  // Reports names that are unknown or not allowed here. With such a name, a missing one is probably
+  // what it was meant to be.
   bool CheckNames(const SetLine& line) {
     bool isRight = true;
     std::set<std::string> seen;
@@ -176,7 +176,7 @@ class SetsCheck {
                " has the same discrete values; the later line is used");
   }
 
-  // Stops at the first that is missing, so that short lines cost little.
+  // Stops at the first missing output, so that short lines cost little.
   void CheckOutputs(const SetLine& line) {
     std::set<std::string> there;
     for (const SetPair& pair : line.pairs) {
@@ -198,7 +198,7 @@ class SetsCheck {
       context_.used.emplace(pair.value, group);
       return;
     }
-    // A group with a damaged tag is there, but can't be told.
+    // A group with a damaged tag exists, but its number is unknown.
     if (context_.outline.IsDamaged(Word::PlexuraData, 0, context_.text.size())) return;
     const std::string number = std::to_string(pair.value);
     Report(pair.offset, FindingGroupMissing, "", "<PlexuraData ID=" + number + ">",

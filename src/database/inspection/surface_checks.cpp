@@ -1,4 +1,4 @@
-// What all surfaces have in common, and the choice of the family.
+// The checks that all surfaces share, and the choice of the family.
 
 #include "database/inspection/surface_checks.h"
 
@@ -37,7 +37,7 @@ void CheckFlags(const GroupText& in) {
   }
 }
 
-// "2 to 8", of families whose numbers follow each other.
+// "2 to 8", for families with consecutive numbers.
 template <class Families>
 std::string NumbersOf(const Families& families) {
   return std::to_string((*families.begin())->type) + " to " +
@@ -52,7 +52,7 @@ std::vector<const Family*> FamiliesWithValue() {
   return families;
 }
 
-// Whether the family can be judged: its number is one, and the keys are its own.
+// Whether the family can be checked: its number is known, and the keys are those of the family.
 bool CheckFamily(GroupText& in, int type, const Family* family) {
   const std::string& label = Labels::attType();
   if (!in.Has(label)) return false;
@@ -81,7 +81,7 @@ bool CheckFamily(GroupText& in, int type, const Family* family) {
   return true;
 }
 
-// Reports a list that does not fit the counts; blames the count where the lists agree.
+// Reports a list that does not fit the counts, or a count if the lists agree with each other.
 std::optional<int> CheckSamples(const GroupText& in, const ShapeLabels& labels,
                                 std::optional<int> inputs, bool mayLackOutputs) {
   std::optional<int> samples = in.Int(labels.samples);

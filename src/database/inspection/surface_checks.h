@@ -8,8 +8,8 @@
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
-/// The keys that tell how many inputs and samples there are, and hold the samples and the scaling:
-/// a candidate has them as well as a surface.
+/// The keys of the numbers of inputs and samples, the samples and the scaling. A candidate has them
+/// as well as a surface.
 struct ShapeLabels {
   const std::string& inputs;
   const std::string& samples;
@@ -20,7 +20,7 @@ struct ShapeLabels {
   const std::string& outputSlope;
 };
 
-/// What a group is compared with.
+/// The facts that a group is compared with.
 struct ShapeFrame {
   std::optional<int> inputs;
   /// Where that number comes from, in words.
@@ -31,14 +31,14 @@ struct ShapeFrame {
   bool mayLackOutputs = false;
 };
 
-/// Compares counts, lists and scaling with each other. Of two that disagree, the one is wrong
-/// against which the most speaks.
+/// Compares counts, lists and scaling with each other. If two disagree, it blames the one that the
+/// other evidence contradicts.
 Shape CheckShape(const GroupText& in, const ShapeLabels& labels, const ShapeFrame& frame);
 
 /// "3 samples of 2 inputs".
 std::string SamplesOfInputs(const Shape& shape);
 
-/// What the ensemble needs to know of a surface.
+/// The facts of a surface that its ensemble needs.
 struct SurfaceFacts {
   CSurfaceOverview overview;
   std::optional<double> weight;

@@ -1,4 +1,5 @@
-// Reading and evaluating, for what no shape tells: on objects of its own, as a host would.
+// Reads and evaluates the text on objects of its own, as a host would, to find what no check of
+// shapes can find.
 
 #include <algorithm>
 #include <cmath>
@@ -19,15 +20,15 @@ namespace {
 
 using reading::DatabaseText;
 
-// Floating-point operations that the evaluations of any text may take, and more for each of its
-// characters.
+// The limit of floating-point operations for the evaluations of any text, and the addition for each
+// of its characters.
 constexpr double kWorkForAnyText = 1e9;
 constexpr double kWorkPerCharacter = 256.0;
 
 class OpenReader : public CReaderPXROMDatabase {
  public:
   using CReaderPXROMDatabase::ResumeParameterRegistry;
-  /// As ReadDataStream, which asks for a text that it may change.
+  /// As ReadDataStream, which takes a text that is not const.
   void Take(const std::string& text) { DataStream = text; }
 };
 
@@ -36,7 +37,7 @@ class OpenModel : public CDiscreteCombinations {
   using CDiscreteCombinations::PickAndSortValuesWrtParameterRegistrationRank;
 };
 
-/// What a call gave: a status, or -1 for an exception because of the text.
+/// The status of a call, or -1 for an exception because of the text.
 template <class Call>
 int StatusOf(Call call) {
   constexpr int kThrown = -1;
@@ -52,7 +53,7 @@ std::string Answer(int status) {
                      : "the library throws std::out_of_range";
 }
 
-/// The family of a surface that was read, which has one.
+/// The family of a surface that was read. Such a surface always has a family.
 const Family& FamilyOfSurface(const CRSData& surface) { return *FindFamily(surface.DataType()); }
 
 class Trial {
@@ -81,7 +82,7 @@ class Trial {
     context_.findings.Add(severity, code, {offset, path, "", "", ""}, std::move(sentence));
   }
 
-  // Whether the text's own findings say already why something does not work.
+  // Whether earlier findings already explain why something does not work.
   bool IsExplained(const Group& group, const std::string& path) const {
     return context_.findings.HasErrorIn(path) || context_.outline.IsDamaged(group);
   }
@@ -134,7 +135,7 @@ class Trial {
     if (TryValue(list, *candidate, group, path)) TryError(list, *candidate, group, path);
   }
 
-  // False where an evaluation costs more than what is left for the text.
+  // False if an evaluation costs more than what is left of the limit.
   bool TakesWork(const CEvaluationCost& cost) {
     const auto operations = static_cast<double>(cost.operations);
     if (operations > workLeft_) {
@@ -177,7 +178,8 @@ class Trial {
     return family.causeOfRefusal == nullptr ? "" : family.causeOfRefusal(surface);
   }
 
-  // The first surface that refuses, or whose value is not finite; their number when there is none.
+  // The first surface that refuses or whose value is not finite; the number of surfaces without
+  // one.
   std::size_t Culprit(const CFittingCandidate& candidate, bool isRefused) const {
     std::vector<double> point = point_;
     if (candidate.ScaleAndOverwriteInputSample(point) != 0) return candidate.GetRSCount();
@@ -191,7 +193,7 @@ class Trial {
     return candidate.GetRSCount();
   }
 
-  // The form with errors may write a record, which is of no more use here.
+  // The form with errors may write a record, which is not used afterwards.
   void TryError(const CFittingCandidates& list, const CFittingCandidate& candidate,
                 const Group& group, const std::string& path) {
     double value = 0.0;
@@ -217,7 +219,7 @@ class Trial {
     }
   }
 
-  // The first surface whose record the form with an error may change; null without any.
+  // The first surface whose record the form with an error may change; null without such a surface.
   static const Family* FindChanging(const CFittingCandidate& candidate) {
     for (std::size_t i = 0; i < candidate.GetRSCount(); ++i) {
       const Family& family = FamilyOfSurface(*candidate.GetRSPtr(static_cast<int>(i)));
@@ -226,7 +228,7 @@ class Trial {
     return nullptr;
   }
 
-  // Why an ensemble that is as it should be can't have an error; empty for any other.
+  // Why a sound ensemble can't have an error; empty for any other ensemble.
   static std::string ReasonOfRefusal(const CFittingCandidate& candidate) {
     if (candidate.GetIsErrPredRequired()) return "";
     for (std::size_t i = 0; i < candidate.GetRSCount(); ++i) {
@@ -253,7 +255,7 @@ class Trial {
     return found != all.end() && found->id == id ? &*found : nullptr;
   }
 
-  // Remembers where each kind of surface comes first whose derivative is of no use.
+  // Stores the first place of each kind of surface whose derivative is not that of the value.
   void NoteFamilies(const CFittingCandidate& candidate, const Group& group) {
     for (std::size_t i = 0; i < candidate.GetRSCount(); ++i) {
       const CRSData* const surface = candidate.GetRSPtr(static_cast<int>(i));
@@ -326,7 +328,7 @@ class Trial {
     }
   }
 
-  // Each group could be read once, so that reading them again and again must be what is refused.
+  // Each group could be read once, so the refusal must come from reading groups repeatedly.
   void ReportUnreadable(int status) {
     std::size_t uses = 0;
     for (const CCombinationOverview& line : context_.overview.combinations) {

@@ -16,8 +16,8 @@ namespace reading {
 namespace {
 
 // Reads `Genome` group `id` of the candidate's group into a new record of the type that its head
-// names. Null when the group is missing, its type is no family, or its content is
-// refused. A `Genome` group whose closing tag is missing is read all the same.
+// names. Null when the group is missing, its type is unknown, or its content is refused. A `Genome`
+// group without its closing tag is read all the same.
 std::unique_ptr<CRSData> ReadSurface(DatabaseText& text, const Bounds& candidate, std::int64_t id,
                                      SurfaceHead& head) {
   Bounds bounds;
@@ -75,7 +75,7 @@ int ReadFittingCandidates(DatabaseText& text, int id, CFittingCandidates& out) {
     return 1;
   }
   out.ResetData();
-  // Handed over when it is complete: neither a refusal nor an exception leaves a part of it.
+  // Handed over only when complete, so neither a refusal nor an exception leaves a part of it.
   CFittingCandidates read;
   if (ReadCandidate(text, bounds, CandidateAccess::Append(read)) != 0 || text.IsExhausted()) {
     return 1;

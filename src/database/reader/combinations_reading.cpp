@@ -15,7 +15,7 @@ namespace reading {
 
 namespace {
 
-// Pairs by name; the first of one name wins. The pairs must outlive it.
+// Pairs by name; of several pairs with one name the first counts. The pairs must outlive it.
 template <class Value>
 class FirstByName {
  public:

@@ -22,8 +22,8 @@ int SearchBounds(const std::string& text, const std::string& opening, const std:
   return status;
 }
 
-// The value of the first `key` in the range. Any string can be a key here, so that the search is a
-// plain one; the reader's own reads go through AttributeRange.
+// The value of the first `key` in the range. Any string can be a key here, so this is a plain
+// search; the reader's own reads use AttributeRange.
 bool FindValue(const std::string& text, const std::string& key, std::size_t lower,
                std::size_t upper, std::string_view& value) {
   const std::string_view range = reading::ViewOf(text, lower, upper);
@@ -85,7 +85,7 @@ int CReaderPXROMDatabase::SearchBoundsOfTaggedGroup(const std::string& text, con
 int CReaderPXROMDatabase::SearchBoundsOfTaggedGroup(const std::string& text, const std::string& tag,
                                                     int id, std::size_t lower, std::size_t upper,
                                                     std::size_t& start, std::size_t& end) const {
-  // `upper` limits the result and not the search, so that the bounds are written beyond it too.
+  // `upper` limits the result and not the search, so bounds after it are written too.
   const int status = SearchBounds(text, reading::OpeningTag(tag, id), tag, lower, start, end);
   return end > upper ? 1 : status;
 }

@@ -12,18 +12,18 @@ namespace Tarvane::Plexura::PXROM {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-// What the values of all variables may add up to; those of a sound text stay within its length.
+// The limit for the sum of all values' lengths. In a sound text they add up to less than its
+// length.
 constexpr std::size_t kRoomForAnyText = std::size_t{1} << 20;
 constexpr std::size_t kRoomPerCharacter = 4;
 
-// The first place of a word at or behind positions that never go back. The last place found is
-// kept, so that all searches together walk through the text once, also for a word that is not
-// there.
+// The first place of a word at or after positions that never decrease. The last place is kept, so
+// all searches together go through the text once, also for a word that does not occur.
 class ForwardSearch {
  public:
   ForwardSearch(std::string_view text, std::string word) : text_(text), word_(std::move(word)) {}
 
-  // kNone when there is none; from kNone nothing is found.
+  // kNone if the word does not follow; from kNone nothing is found.
   std::size_t From(std::size_t position) {
     if (!hasSearched_ || place_ < position) place_ = text_.find(word_, position);
     hasSearched_ = true;
@@ -37,15 +37,15 @@ class ForwardSearch {
   std::size_t place_ = 0;
 };
 
-// The value of the first attribute `key` at or behind positions that never go back: it begins one
-// character behind the key, where the opening quotation mark stands, and ends in front of the next
-// one or at the end of the text.
+// The value of the first attribute `key` at or after positions that never decrease. It begins one
+// character after the key, which is after the opening quotation mark, and ends before the next
+// quotation mark or at the end of the text.
 class QuotedAttribute {
  public:
   QuotedAttribute(std::string_view text, const std::string& key)
       : text_(text), keyLength_(key.size()), key_(text, key), closing_(text, "\"") {}
 
-  // Nothing without the key.
+  // Empty without the key.
   std::optional<std::string_view> From(std::size_t position) {
     const std::size_t place = key_.From(position);
     if (place == kNone) return std::nullopt;
@@ -76,7 +76,7 @@ CReaderFMUModelDescription::CReaderFMUModelDescription() = default;
 
 CReaderFMUModelDescription::CReaderFMUModelDescription(const CReaderFMUModelDescription& other)
     : CReader(other) {
-  // The base's copy is an empty reader; this one is full.
+  // The base's copy is an empty reader, so assignment copies everything.
   *this = other;
 }
 
@@ -132,8 +132,8 @@ void CReaderFMUModelDescription::ParseVariables(std::size_t from) {
     const bool isInteger = !isReal && isInside(integer.From(current));
     if (isReal) NumberOfReals += 2;
     if (isInteger) NumberOfIntegers += 1;
-    // Many variables can share one far and long value. One that there is no room for is counted and
-    // not entered.
+    // Many variables can share one long value far away. A variable that exceeds the limit is
+    // counted but not entered.
     const std::size_t taken = nameText.size() + referenceText.size();
     if (taken > room) continue;
     room -= taken;

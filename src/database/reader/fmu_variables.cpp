@@ -17,7 +17,7 @@ int CReaderPXROMDatabase::ResumeFMUDescriptionVariables(
     return 1;
   }
   reading::AttributeRange in(text, bounds);
-  // Their owner's variables, so that what was read before an exception is there.
+  // References to the caller's variables, which keep what was read before an exception.
   struct {
     int& reals;
     int& integers;

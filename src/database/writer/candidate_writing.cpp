@@ -56,7 +56,7 @@ void WriteCandidate(AttributeSink& out, const CFittingCandidate& candidate) {
   }
   if (out.IsRefused()) return;
 
-  // All attributes in front of the first surface: searches for them run through the surfaces too.
+  // All attributes come before the first surface, since searches for them include the surfaces.
   fields::FieldWriter writer(out);
   CandidateFields(writer, candidate, head);
   if (head.hasCrossValidation) CrossValidationFields(writer, candidate, head);
@@ -88,7 +88,7 @@ std::string_view CandidateGroups::BodyOf(const Group& group) const {
   return std::string_view(text_).substr(group.start, group.length);
 }
 
-// Writes a group for `list`, and takes it back if there is one of that body.
+// Writes a group for `list`, and removes it again if there is a group with the same body.
 CandidateGroups::Group CandidateGroups::Written(const CFittingCandidates& list) {
   const std::string& word = Labels::tagPlexuraData();
   const std::size_t before = text_.size();
@@ -123,8 +123,8 @@ int CandidateGroups::NumberOf(const CFittingCandidates& list) {
   return group.number;
 }
 
-// One more use of a group that is there: by its number, or where that would be more work than the
-// text allows, by a copy.
+// One more use of an existing group: by its number, or by a copy if its number would cause more
+// work than the text allows.
 int CandidateGroups::NumberOfUse(const Group& group) {
   work_ += group.work;
   if (work_ <= reading::WorkAllowedFor(text_.size())) return group.number;

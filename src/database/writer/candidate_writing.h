@@ -13,9 +13,9 @@ namespace Tarvane::Plexura::PXROM::writing {
 /// The attributes and `Genome` groups of one `PlexuraData` group.
 void WriteFittingCandidates(AttributeSink& out, const CFittingCandidates& list);
 
-/// The `PlexuraData` groups of a database while they grow, numbered from 0. Lists of one content
-/// share a group as long as the reader, which reads a group anew for each use, bears that. The
-/// lists must stay as they are meanwhile.
+/// Builds the `PlexuraData` groups of a database, numbered from 0. Lists with the same content
+/// share a group, within the reader's limit of work: a reader reads a group again for each use. The
+/// lists must not change meanwhile.
 class CandidateGroups {
  public:
   /// The number of the group that holds `list`. It has no meaning once the sink is refused.
@@ -23,13 +23,13 @@ class CandidateGroups {
 
   AttributeSink& Sink() { return sink_; }
   const std::string& Text() const { return text_; }
-  /// What reading all groups as often as they are used is charged for.
+  /// The work of reading all groups as often as they are used.
   std::size_t Work() const { return work_; }
 
  private:
   struct Group {
     int number = 0;
-    /// Where the body stands in the text.
+    /// The place of the body in the text.
     std::size_t start = 0;
     std::size_t length = 0;
     std::size_t work = 0;

@@ -30,7 +30,7 @@ fields::KeyTable RegistryKeys() {
   return lister.Keys();
 }
 
-/// The value in a list of at most one: what an operation of the registry answers for one ID.
+/// The value in a list of at most one element: the result of the registry for one ID.
 template <class Value>
 Value Only(const std::vector<std::pair<std::string, Value>>& list) {
   return list.empty() ? Value{} : list.front().second;
@@ -89,8 +89,8 @@ class Registry {
     text_.upperBounds.emplace_back(id, upper);
   }
 
-  /// Refuses a word that can't stand behind `key`. A search for one of the keys below would stop at
-  /// one inside the word.
+  /// Refuses a word that can't follow `key`. A search for one of the later keys would find that key
+  /// inside the word.
   void CheckWord(const std::string& what, const std::string& word, const std::string& key) {
     const std::string reason = ReasonAgainst(word);
     if (!reason.empty()) return out_.Refuse(what + " " + reason);
@@ -120,7 +120,7 @@ class DiscreteSets {
   }
 
   void Write() {
-    // By position, which is the order of their registration.
+    // By position, which is the order of registration.
     std::map<std::int32_t, const std::vector<int>*> keys;
     for (const auto& [key, position] : *model_.GetDiscreteCombinationsIndexingPtr()) {
       keys.emplace(position, &key);
@@ -167,7 +167,7 @@ class DiscreteSets {
     out_.Put(Labels::attDiscreteSet(), pairs);
   }
 
-  // Whether an evaluation, and so a reader, can make this key: values of one rank are sorted.
+  // Whether an evaluation, and so a reader, can form this key: values of equal rank are sorted.
   bool IsReachable(const std::vector<int>& key) const {
     const auto& ranks = *model_.GetRegistrationRank();
     for (std::size_t i = 1; i < key.size(); ++i) {
@@ -183,7 +183,7 @@ class DiscreteSets {
   std::vector<std::string> inputs_;
 };
 
-/// Hands over what was written, or tells why nothing was.
+/// Returns the text, or the reason of a refusal.
 int Finish(AttributeSink& sink, std::string& out, std::string& reason) {
   if (sink.IsRefused()) {
     reason = sink.Reason();
