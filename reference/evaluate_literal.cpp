@@ -89,7 +89,7 @@ int EvaluateCandidate(const CFittingCandidates& list, const std::vector<double>&
   return candidate->BackscaleAndOverwriteOutputSample(value);
 }
 
-// What stands first after the tolerant bubble sort.
+// The first value after the tolerant bubble sort.
 double Closest(std::vector<double> q, int d) {
   const double threshold = 2 * std::sqrt(static_cast<double>(d)) * 1.0e-12;
   for (std::size_t pass = q.size() - 1; pass > 0; --pass) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Evaluation by names word by word: walks through maps for every count, a table of evaluators built
-// for every output, an evaluator cloned for every surface.
+// Evaluation by names, step by step: it goes through maps for every count, builds a table of
+// evaluators for every output, and clones an evaluator for every surface.
 
 #include <map>
 #include <string>

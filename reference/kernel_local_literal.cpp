@@ -67,7 +67,7 @@ int EvaluateKernelMatrix(const CSVRData& record, const Matrix& a, const Matrix& 
   return 0;
 }
 
-// Of the first d values of x.
+// The basis functions of the first d values of x.
 int AppendBasis(E_PolynomialType type, const Vector& x, std::size_t d, Vector& f) {
   if (type < PolyConstant || type > PolyFullQuadratic) return 1;
   f.push_back(1.0);

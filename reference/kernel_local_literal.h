@@ -6,9 +6,9 @@
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/support_vector.h"
 
-// Support vector, moving least squares and linear basis surfaces as their steps are told, one after
-// the other and without any of the library's shortcuts: what the fast paths are measured against,
-// and what they must equal to the last bit. The records have to be sound.
+// Support vector, moving least squares and linear basis surfaces, step by step and without any of
+// the library's shortcuts. The fast paths are compared with them and must equal them to the last
+// bit. The records have to be sound.
 namespace literal {
 
 using Tarvane::Plexura::PXROM::CLBFData;

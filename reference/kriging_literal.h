@@ -5,8 +5,8 @@
 
 #include "pxrom/kriging.h"
 
-// Kriging as its steps are told, one after the other and without any of the library's shortcuts:
-// what the fast paths are measured against, and what they must equal to the last bit.
+// Kriging, step by step and without any of the library's shortcuts. The fast paths are compared
+// with it and must equal it to the last bit.
 namespace literal {
 
 using Tarvane::Plexura::PXROM::CKrigingData;

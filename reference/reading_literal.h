@@ -1,7 +1,7 @@
 #pragma once
 
-// The reading engine word by word, as slow as it reads: every range is copied, every number goes
-// through a stream of its own. The library's engine is compared with it, to the bit.
+// The reading engine, step by step and slow: it copies every range and reads every number through a
+// stream of its own. The library's engine is compared with it to the bit.
 
 #include <cstddef>
 #include <string>
@@ -10,8 +10,8 @@
 
 namespace literal {
 
-/// Extraction from a fresh stream in the classic locale; a failed one leaves what the stream
-/// leaves.
+/// Extraction from a new stream in the classic locale. After a failure the target is what the
+/// stream leaves.
 void Extract(const std::string& text, int& target);
 void Extract(const std::string& text, double& target);
 void Extract(const std::string& text, bool& target);
@@ -35,7 +35,7 @@ int SearchBounds(const std::string& text, const std::string& opening, const std:
 int SearchBounds(const std::string& text, const std::string& opening, const std::string& closing,
                  std::size_t from, std::size_t upper, std::size_t& start, std::size_t& end);
 
-/// True when `key` was found; `value` is then what stands behind it.
+/// True when `key` was found; `value` is then the text after it.
 bool CatchKeyValue(const std::string& text, const std::string& key, std::string& value,
                    std::size_t lower, std::size_t upper);
 std::size_t CountAttribute(const std::string& text, const std::string& key, std::size_t lower,

@@ -456,7 +456,7 @@ int Derivative(const CQRSData& record, double s, double& d) {
   }
 }
 
-/// The interpolation without any bound on attempts and depth: only for holes that it can fill.
+/// The interpolation without a limit on attempts and depth: only for holes that it can fill.
 int Interpolate(const Surface& surface, const std::vector<double>& x, double& y) {
   const CQRSData& record = surface.record;
   const std::size_t n = x.size();

@@ -5,9 +5,8 @@
 
 #include "pxrom/regression.h"
 
-// A regression surface as its steps are told, one after the other and without any of the library's
-// shortcuts: what the fast paths are measured against, and what they must equal to the last bit. It
-// has terms and transformers of its own.
+// A regression surface, step by step and without any of the library's shortcuts. The fast paths are
+// compared with it and must equal it to the last bit. It has its own terms and transformers.
 namespace literal {
 
 /// One term, evaluated through the virtual table.

@@ -9,13 +9,13 @@ namespace {
 
 using Lists = std::vector<std::pair<std::string, CFittingCandidates*>>;
 
-// Blanks, signs and letters beyond ASCII are as good as any in a name.
+// A name may have blanks, signs and letters outside ASCII.
 const std::vector<std::string> kNames = {
     "L", "b", "h",     "Load case", "Wand-St\xC3\xA4rke", "x_1",  "x_10",   "T/K", "p (bar)",
     "0", "#", "alpha", "beta",      "Stiffness",          "mass", "stress", "Q=2", "omega",
     "n", "z"};
 
-/// A surface without one of its folds has to have samples enough for a full trend.
+/// A surface without one of its folds needs enough samples for a full trend.
 constexpr int kFewestSamples = 11;
 
 class ModelMaker {
@@ -81,7 +81,7 @@ class ModelMaker {
     if (draw_.Chance(options_.idleParameters)) Register(id, causality, type, enabled);
   }
 
-  // Ranks with gaps and below zero, so that neither IDs nor their order give them away.
+  // Ranks with gaps and below zero, which do not follow from the IDs or their order.
   void ShuffleRanks() {
     const std::vector<std::string> ids = model_.ListParameterImmutableID();
     std::vector<std::pair<std::string, int>> ranks;
@@ -141,7 +141,7 @@ class ModelMaker {
         candidate.AddRSAndWeight(surface.get(), draw_.Real(-1, 2));
       }
     }
-    // From the scaled rows, which stand fold by fold, back to physical ones.
+    // From the scaled rows, which are in the order of the folds, back to physical ones.
     std::vector<double> slopes;
     std::vector<double> intercepts;
     candidate.GetInputScaleSlopes(slopes);
@@ -154,7 +154,7 @@ class ModelMaker {
     return candidate;
   }
 
-  // From the bounds, by rank, to 0 and 1.
+  // Scales the bounds, by rank, to 0 and 1.
   void SetScaling(CFittingCandidate& candidate) {
     std::vector<std::pair<int, std::string>> ranked;
     for (const std::string& id : continuous_) {
@@ -177,7 +177,7 @@ class ModelMaker {
 
   void SetCrossValidation(CFittingCandidate& candidate, std::vector<std::vector<double>>& rows) {
     const auto samples = static_cast<int>(rows.size());
-    // Folds of one row at least, none so large that a surface without it has too few samples.
+    // Folds of at least one row, and none so large that a surface without it has too few samples.
     std::vector<int> counts;
     for (int left = samples; left > 0; left -= counts.back()) {
       counts.push_back(std::min(left, draw_.Int(1, samples - kFewestSamples)));
@@ -204,7 +204,7 @@ class ModelMaker {
   std::vector<std::string> discrete_;
   std::vector<std::string> continuous_;
   std::vector<std::string> outputs_;
-  /// Those that the model has taken over.
+  /// The lists that the model owns.
   std::vector<CFittingCandidates*> lists_;
 };
 

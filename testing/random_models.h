@@ -43,9 +43,9 @@ struct RandomModelOptions {
   /// At least 14: a full quadratic trend of three inputs has 10 functions.
   int minSamples = 14;
   int maxSamples = 18;
-  /// Percentages of candidates with cross-validation data, of records that can have them with error
-  /// data, of outputs that take over the candidate list of another combination, and of parameters
-  /// that are registered but take no part (disabled, derived).
+  /// Percentages: of candidates with cross-validation data, of records with error data among those
+  /// that can have them, of outputs that reuse the candidate list of another combination, and of
+  /// parameters that are registered but not passed (disabled, derived).
   int crossValidation = 30;
   int errorData = 60;
   int sharedLists = 10;
@@ -53,7 +53,7 @@ struct RandomModelOptions {
 };
 
 /// Fills an empty `model`. Every combination evaluates with 0 at every point between the bounds;
-/// with errors it gives 0 or -2, or 1 where an output has no predicted error to offer.
+/// with errors it gives 0 or -2, or 1 where an output has no predicted error.
 void FillRandomModel(std::uint32_t seed, const RandomModelOptions& options,
                      CDiscreteCombinations& model);
 
@@ -62,7 +62,7 @@ void FillRandomModel(std::uint32_t seed, const RandomModelOptions& options,
 std::unique_ptr<CRSData> RandomSurface(Draw& draw, E_DataType family, int inputs, int samples,
                                        bool errorData);
 
-/// What one evaluation is asked.
+/// The arguments of one evaluation.
 struct Question {
   std::vector<std::pair<std::string, int>> discrete;
   std::vector<std::pair<std::string, double>> continuous;

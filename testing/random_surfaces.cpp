@@ -101,8 +101,8 @@ std::unique_ptr<CRSData> MovingLeastSquares(Draw& draw, int inputs, int samples,
   record->WeightFunction = OneType<E_WeightFunction>(
       draw, record->PolynomialType == PolyLinear ? WeightGaussian : WeightConstant, WeightInverse);
   record->NumberOfBasisFunctions = BasisSize(record->PolynomialType, inputs);
-  // All but one: the reference distance is that of the second nearest or beyond, so that one used
-  // sample has weight.
+  // At most one sample is not used. The reference distance is that of the second nearest sample or
+  // a farther one, so at least one used sample has a weight.
   record->NumberOfUsedPoints = samples - draw.Int(0, 1);
   const auto option = OneType<E_UsedPointsOption>(draw, UsedPointsOption0, UsedPointsExtraPercent);
   record->SetUsedPointOption(option, draw.Real(0, 100));
@@ -121,7 +121,7 @@ std::unique_ptr<CRSData> LinearBasis(Draw& draw, int inputs, int samples, bool) 
 }
 
 // All terms up to the second order. With inputs between 0.1 and 1.2 their sum stays between 1 and 5
-// under any transformation of the inputs, where all ways back go.
+// under any transformation of the inputs, which all back-transformations accept.
 void SetTerms(Draw& draw, int inputs, CQRSData& record) {
   std::vector<std::unique_ptr<RegTerm>> terms;
   const auto add = [&](std::unique_ptr<RegTerm> term, const std::vector<int>& indices) {
@@ -145,7 +145,7 @@ void SetTerms(Draw& draw, int inputs, CQRSData& record) {
   for (const auto& term : terms) record.NumberOfSelectedRegTerms += term->QryIsActive();
 }
 
-// A lambda around 1, or now and then the 0 for which a transformation has a formula of its own.
+// A lambda around 1, or sometimes 0, for which a transformation has another formula.
 double Lambda(Draw& draw, E_QRSTransformationType type) {
   const bool canBeZero = type == TransformBox || type == TransformYeo;
   return canBeZero && draw.Chance(30) ? 0.0 : draw.Real(0.8, 1.6);
@@ -178,7 +178,7 @@ struct Maker {
   std::unique_ptr<CRSData> (*make)(Draw&, int inputs, int samples, bool errorData);
 };
 
-// One row per family. Their order decides what a seed gives.
+// One row per family. The result of a seed depends on their order.
 constexpr Maker kMakers[] = {
     {DT_KrigingData, &Kriging},        {DT_QRSData, &Regression},  {DT_SVRData, &SupportVector},
     {DT_MLSData, &MovingLeastSquares}, {DT_LBFData, &LinearBasis}, {DT_ConstantData, &Constant},
