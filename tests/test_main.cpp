@@ -1,4 +1,4 @@
-// Runs the tests; with --comma-locale under a global locale whose numbers look different.
+// Runs the tests; with --comma-locale under a global locale with another form of numbers.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ class CommaNumbers : public std::numpunct<char> {
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   if (argc > 1 && std::strcmp(argv[1], "--comma-locale") == 0) {
-    // The C locale follows where the machine has such a one; the C++ locale needs no installation.
+    // The C locale changes only if the machine has this one; the C++ locale needs no installation.
     std::setlocale(LC_ALL, "de_DE.UTF-8");
     std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
   }

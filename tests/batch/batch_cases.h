@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of prepared models share: points, and what the evaluators say at them.
+// What the tests of prepared models share: points, and the results of the evaluators there.
 
 #include <gtest/gtest.h>
 
@@ -86,7 +86,7 @@ inline CPreparedModel Prepared(const CDiscreteCombinations& model,
   return prepared;
 }
 
-/// The evaluator's answers to the one combination `outputs`, each on a fresh copy.
+/// The evaluator's results for the combination `outputs`, each on a fresh copy.
 inline Table Expected(const CDiscreteCombinations::OutputsByID& outputs,
                       const std::vector<double>& points, std::size_t rows, bool withErrors) {
   const std::size_t inputs = points.size() / rows;
@@ -114,8 +114,8 @@ inline Table Expected(const CDiscreteCombinations::OutputsByID& outputs,
   return table;
 }
 
-/// Both modes and forms, and all instruction sets, against the evaluators: the same bits, or in the
-/// fast mode numbers within 1e-11 of the largest one of their output.
+/// Compares both modes and forms, and all instruction sets, with the evaluators: the same bits, or
+/// in the fast mode numbers within 1e-11 of the largest one of their output.
 inline void ExpectAsEvaluated(const CPreparedModel& model,
                               const CDiscreteCombinations::OutputsByID& outputs,
                               const std::vector<double>& points, std::size_t rows) {
@@ -170,8 +170,8 @@ inline std::vector<double> ValuesOf(const CPreparedModel& model,
   return values;
 }
 
-/// Each derivative at a point against the difference of the values beside it, over a step that is
-/// so small a part of the input's range that it hardly meets a kink.
+/// Compares each derivative at a point with a difference of values, over a step that is too small a
+/// part of the input's range to meet a kink often.
 inline void ExpectGradientsAreDifferences(const CPreparedModel& model,
                                           const std::vector<double>& point,
                                           const std::vector<double>& ranges) {

@@ -1,4 +1,4 @@
-// What an evaluation is said to cost before it runs, and the limit that a host may set.
+// The estimated cost of an evaluation before it runs, and the limit that a host may set.
 
 #include <gtest/gtest.h>
 
@@ -84,7 +84,7 @@ CEvaluationCost CostOf(const CDiscreteCombinations& model) {
   return cost;
 }
 
-/// How many times the operations of `small` those of `large` are.
+/// The operations of `large`, divided by those of `small`.
 double Growth(const CRSData& small, const CRSData& large) {
   return static_cast<double>(CostOf(ModelOf(large)).operations) /
          static_cast<double>(CostOf(ModelOf(small)).operations);
@@ -96,7 +96,7 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
   EXPECT_NEAR(Growth(Kriging(500, 5, true), Kriging(2000, 5, true)), 16.0, 1.5);
   EXPECT_NEAR(Growth(SupportVector(500, 5), SupportVector(2000, 5)), 4.0, 0.1);
   EXPECT_NEAR(Growth(LinearBasis(500, 5), LinearBasis(2000, 5)), 4.0, 0.1);
-  // The matrix of 231 functions grows by each sample, and the factorisation by none.
+  // Each sample adds to the matrix of 231 functions; the factorisation does not depend on them.
   EXPECT_NEAR(Growth(MovingLeastSquares(2000, 20), MovingLeastSquares(8000, 20)), 4.0, 0.2);
   // 66 and 861 functions: the sixth power of the inputs.
   EXPECT_NEAR(Growth(MovingLeastSquares(66, 10), MovingLeastSquares(861, 40)), 2000.0, 700.0);
@@ -108,7 +108,7 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
   EXPECT_GT(Growth(Regression(1000, 2, 1.0), Regression(1000, 2, -9e99)), 10000.0);
   // A gradient takes the products of a long term variable by variable.
   CQRSData product = Regression(1, 1000, 1.0);
-  product.InputScaleSlopes.assign(6, 0.001);  // and not out of range
+  product.InputScaleSlopes.assign(6, 0.001);  // so that nothing overflows
   EXPECT_GT(Prepared(ModelOf(product)).GradientCost().operations,
             500U * CostOf(ModelOf(product)).operations);
 }
@@ -137,7 +137,7 @@ TEST(EvaluationCost, BelievesNoCountBeyondWhatIsThere) {
   basis.NumberOfUsedPoints = INT_MAX;
   basis.NumberOfBasisFunctions = INT_MAX;
   EXPECT_LT(Growth(MovingLeastSquares(20, 2), basis), 1.01);
-  // Numbers that are out of range stay at the largest.
+  // Numbers out of range become the largest ones.
   EXPECT_EQ(CheckEvaluationCost({kLargest, kLargest}, CEvaluationLimit()), 0);
   std::string reason;
   EXPECT_EQ(CheckEvaluationCost({kLargest, 0}, {kLargest - 1, 0}, &reason), 1);
@@ -165,7 +165,7 @@ TEST(EvaluationCost, PreparesWithinItsLimitOnly) {
   EXPECT_EQ(CPreparedModel::Prepare(large, {}, prepared, &reason, {9'100'000'000, kLargest}), 0);
   EXPECT_EQ(prepared.Cost().operations, cost.operations);
 
-  // A gradient that costs more is refused when it is asked for.
+  // A gradient that costs more is refused when it is called.
   double gradient = kUntouched;
   const Vector point(60, 0.5);
   EXPECT_EQ(prepared.EvaluateGradients(point.data(), 1, &gradient, nullptr, &reason), 1);

@@ -1,5 +1,5 @@
-// A prepared model answers as the evaluators do: to the last bit, or within the fast mode's
-// tolerance, with every instruction set that there is.
+// A prepared model gives the results of the evaluators, to the last bit or within the fast mode's
+// tolerance, with every instruction set of this machine.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
-/// Rows between the bounds and a little beyond; now and then one that is far away.
+/// Rows between the bounds and a little outside; sometimes one that is far away.
 std::vector<double> PointsFor(Draw& draw, const CDiscreteCombinations& model,
                               const std::vector<std::string>& ids, std::size_t rows) {
   std::vector<double> points;
@@ -39,8 +39,8 @@ void ExpectAsEvaluatedAtRandom(const CDiscreteCombinations& model, std::uint32_t
   }
 }
 
-TEST(PreparedModel, AnswersAsEvaluateForRandomModels) {
-  // Rows for whole blocks of points and a rest, where the last one stands alone or not.
+TEST(PreparedModel, EvaluatesRandomModelsAsTheModelDoes) {
+  // Rows for whole blocks of points and a rest of one or several points.
   const std::size_t rowCounts[] = {1, 33, 32, 70, 3, 9};
   for (std::uint32_t seed = 1; seed <= 120; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -50,8 +50,9 @@ TEST(PreparedModel, AnswersAsEvaluateForRandomModels) {
   }
 }
 
-// More inputs and samples than the random models have, so that loops over samples go in parts.
-TEST(PreparedModel, AnswersAsTheEvaluatorOfEachFamily) {
+// More inputs and samples than the random models have, so that loops over samples need several
+// parts.
+TEST(PreparedModel, EvaluatesAsTheEvaluatorOfEachFamily) {
   const std::vector<E_DataType> families = RandomFamilies();
   for (int round = 0; round < 360; ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
@@ -61,14 +62,14 @@ TEST(PreparedModel, AnswersAsTheEvaluatorOfEachFamily) {
     const auto surface = RandomSurface(draw, family, inputs, draw.Int(60, 140), true);
     const std::size_t rows = 45;
     std::vector<double> points = draw.Reals(static_cast<int>(rows) * inputs, 0, 1);
-    // A point on a sample, and one that is no point.
+    // A point on a sample, and one with a NaN or an infinity.
     std::copy_n(surface->InputSamples[7].begin(), inputs, points.begin() + 3 * inputs);
     points[static_cast<std::size_t>(40 * inputs)] = round % 4 < 2 ? kNaN : HUGE_VAL;
     ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*surface), points, rows));
   }
 }
 
-TEST(PreparedModel, AnswersAsEvaluateForFittedModels) {
+TEST(PreparedModel, EvaluatesFittedModelsAsTheModelDoes) {
   ForEachFittedModel([](const auto& model) { ExpectAsEvaluatedAtRandom(model, 5, 50); });
 }
 

@@ -30,7 +30,7 @@ TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
       const std::string& id = prepared.OutputIDs()[at % outputs];
       const auto& wanted = reference["outputs"][id][at / outputs];
       SCOPED_TRACE(id + " at point " + std::to_string(at / outputs));
-      // The Gram matrices of moving least squares are near singular where few samples weigh.
+      // The matrices of moving least squares are nearly singular where few samples have weight.
       const double tolerance = id.rfind("moving", 0) == 0 ? 1e-6 : 2e-10;
       const auto isNear = [tolerance](double a, double b) {
         return std::fabs(a - b) <= tolerance * std::max(1.0, std::fabs(b));

@@ -1,4 +1,4 @@
-// What a prepared model refuses, and the rare ways through it that random models hardly take.
+// What a prepared model refuses, and cases that random models rarely have.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ CConstantData Constant(double value) {
   return surface;
 }
 
-TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
+TEST(PreparedModel, RefusesWithAReasonAndChangesNothing) {
   CPreparedModel prepared = Prepared(ModelOf(Constant(7.0)));
   CDiscreteCombinations beam;
   ReadModel(SourcePath("examples/beam.pxdb"), beam);
@@ -45,7 +45,7 @@ TEST(PreparedModel, RefusesWithAReasonAndLeavesWhatThereIs) {
   EXPECT_EQ(CPreparedModel::Prepare(CDiscreteCombinations(), {}, prepared, &reason), 1);
   EXPECT_EQ(reason, "The model has no combination without discrete values.");
 
-  // It still answers as before, and so do copies of it after it has gone.
+  // It still gives the same results, and so do copies after it is destroyed.
   CPreparedModel copy;
   copy = CPreparedModel(prepared);
   const CPreparedModel moved = std::move(prepared);
@@ -131,20 +131,20 @@ TEST(PreparedModel, InputsOfEqualRankChangePlaces) {
     std::vector<std::pair<std::string, double>> outputs;
     ASSERT_EQ(tied.Evaluate({}, named, outputs), 0);
     EXPECT_EQ(ValuesOf(prepared, point), std::vector<double>{outputs[0].second});
-    // Each derivative goes to the input that stood at its place.
+    // Each derivative belongs to the input that was at its place.
     if (x[0] == x[2]) continue;
     ASSERT_NO_FATAL_FAILURE(ExpectGradientsAreDifferences(prepared, point, {1.0, 1.0, 1.0}));
   }
 }
 
-// Distances of a fold that differ by less than the tolerance of its sort, in all orders, and one
-// that is no number: what stands first then is not the least one.
+// Distances of a fold that differ by less than the tolerance of its sort, in all orders, and a NaN.
+// The first one after the sort is then not the least one.
 TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   CConstantData constants[] = {Constant(4.0), Constant(3.0), Constant(6.0)};
   const std::vector<CRSData*> surfaces = {&constants[0], &constants[1], &constants[2]};
   std::vector<double> offsets = {0.0, 0.7e-12, 1.5e-12, 2.2e-12};
   do {
-    // The number of inputs that the candidate states decides about the tolerance, not the point's.
+    // The candidate's number of inputs determines the tolerance, not that of the point.
     for (const auto& [odd, inputs] : {std::pair(1.0, 1), std::pair(1.0, 4), std::pair(kNaN, 1)}) {
       CFittingCandidate candidate;
       candidate.SetNumberOfInputVariables(inputs);
@@ -167,7 +167,7 @@ TEST(PreparedModel, FoldsOfNearlyEqualDistances) {
   } while (std::next_permutation(offsets.begin(), offsets.end()));
 }
 
-// Records that no text gives: counts and lengths that the evaluators do not compare.
+// Records that no text can give: counts and lengths that the evaluators do not compare.
 TEST(PreparedModel, HandBuiltRecordsThatTheEvaluatorsTake) {
   for (std::uint32_t seed = 1; seed <= 20; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -218,8 +218,8 @@ TEST(PreparedModel, CrossValidationThatDoesNotFit) {
   }
 }
 
-// One sample of a linear basis is its value; a sum that is the mark of a hole has the answer of the
-// evaluator.
+// The value of a linear basis surface with one sample is its output. A sum that marks a hole gets
+// the value of the evaluator.
 TEST(PreparedModel, RecordsOfOneSampleOrTermOrNoFamily) {
   CLBFData basis;
   CQRSData regression;

@@ -1,5 +1,5 @@
-// The C interface: the same answers as the classes behind it, refusals with a sentence, and nothing
-// thrown across the border.
+// The C interface gives the results of the classes that it uses, refuses with a sentence, and
+// throws nothing across the border.
 
 #include <gtest/gtest.h>
 
@@ -99,7 +99,7 @@ TEST_F(CInterface, ListsWhatTheModelHolds) {
   EXPECT_EQ(values[1], 2);
 }
 
-TEST_F(CInterface, AnswersAsThePreparedModel) {
+TEST_F(CInterface, EvaluatesAsThePreparedModel) {
   CDiscreteCombinations combinations;
   ASSERT_NO_FATAL_FAILURE(ReadModel(kBeam, combinations));
   CPreparedModel direct;
@@ -137,7 +137,7 @@ TEST_F(CInterface, AnswersAsThePreparedModel) {
         PXROM_OK);
     EXPECT_TRUE(AreSame(gradients, wanted));
   }
-  // The mass of this combination is a regression with an error of its own.
+  // The mass of this combination is a regression with its own error.
   EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 0), 1);
   EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 1), 0);
   EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 3), 0);

@@ -1,4 +1,4 @@
-// In place of the library's: its families, and one row more.
+// Replaces the library's list: its families and one more.
 
 #include "extra_family/plane.h"
 #include "families/families.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-// A family as somebody would add one: a plane, start + sum of slopes[i] x[i], in physical units. It
-// is linked into its own test alone, and shows what a family has to bring and what it gets for it.
+// An example of an added family: a plane, start + sum of slopes[i] x[i], in physical units. Only
+// its own test links it. It shows what a family has to define and what it gets from the library.
 
 #include "families/family_of.h"
 #include "pxrom/rs_data.h"
@@ -33,7 +33,7 @@ class CPlaneEvaluator : public CRSEvaluator {
       std::vector<double>& gradient) const override;
 };
 
-// The words that the format would get.
+// The words that it adds to the format.
 const std::string& attPlaneVersion();
 const std::string& attPlaneStart();
 const std::string& attPlaneSlopes();

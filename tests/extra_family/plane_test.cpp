@@ -1,4 +1,4 @@
-// A family that the library does not know is served all the same, once it is in the list.
+// The library handles a new family as soon as it is in the list.
 
 #include "extra_family/plane.h"
 
@@ -35,7 +35,7 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
   return text;
 }
 
-/// What is wrong, without the notes.
+/// The codes of errors and warnings.
 std::vector<std::string> CodesOf(const std::string& text) {
   std::vector<std::string> codes;
   for (const CFinding& finding : InspectPXROMDatabase(text).findings) {

@@ -1,4 +1,4 @@
-// What is set is what is got, in the record and in its copies, and setting touches nothing else.
+// Accessors return what was set, in the record and in its copies, and setting changes nothing else.
 
 #include <functional>
 

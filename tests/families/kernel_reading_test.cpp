@@ -76,7 +76,7 @@ TEST(KernelLocalReading, MovingLeastSquaresTakesThePercentageWithItsOptionAlone)
   EXPECT_EQ(percent("2", "12.5"), 0.0);
 }
 
-TEST(KernelLocalReading, RefusedRecordsAreToldAndOtherFamiliesLeftAlone) {
+TEST(KernelLocalReading, RefusesBadRecordsAndLeavesOtherFamiliesAlone) {
   const OpenReader reader(kBase);
   CSVRData svr;
   CMLSData mls;

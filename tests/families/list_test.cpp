@@ -1,4 +1,4 @@
-// The one list of families, and what goes by it.
+// The list of families, and what depends on it.
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ TEST(Families, PrepareTheirRecordsIfTheyChangeThem) {
   }
 }
 
-// Without it an evaluation would pass for almost free.
+// Without it an evaluation would seem to cost almost nothing.
 TEST(Families, SayWhatAnEvaluationCosts) {
   for (const Family* const family : kAllFamilies) {
     EXPECT_EQ(family->cost != nullptr, family->hasValue) << family->name;

@@ -1,5 +1,5 @@
-// One point against rows on vectors: the bits of the plain loops, with every instruction set that
-// this machine has.
+// The loops for one point and rows on vectors give the bits of the plain loops, with every
+// instruction set of this machine.
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-// Each row of the table of kernels, and a kernel that is in no table of the library: its derivative
-// in closed form against dual numbers, its loops on vectors against plain ones, its fast form
-// against the bound beside it.
+// For each row of the table of kernels, and for a kernel outside the library's table: compares the
+// derivative in closed form with dual numbers, the loops on vectors with plain ones, and the fast
+// form with its bound.
 
 #define PXROM_SIMD PXROM_SIMD_PORTABLE
 
@@ -55,7 +55,7 @@ Dual Tanh(Dual a) {
 }
 Dual J0(Dual a) { return Chain(a, BesselJ0(a.value), -BesselJ1(a.value)); }
 
-/// In no table: the product of (1 - z^2)^3, with all that a kernel can have.
+/// Outside the table: the product of (1 - z^2)^3, with all parts that a kernel can have.
 struct Triweight : Product {
   static constexpr const char* kName = "triweight";
   static constexpr bool kHasEnd = true;
@@ -85,7 +85,7 @@ struct Triweight : Product {
   };
 };
 
-/// Three inputs, some centres near 0, and points that all of the kernels' branches see.
+/// Three inputs, some centres near 0, and points in all branches of the kernels.
 class AllKernels : public testing::Test {
  protected:
   static constexpr std::size_t kInputs = 3;

@@ -1,4 +1,4 @@
-// Takes the place of the library's own answer, which would be the machine's best vectors.
+// Replaces the library's choice, which is the machine's best vectors.
 
 #include "kernels/loops/loop_table.h"
 

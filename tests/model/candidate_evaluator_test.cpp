@@ -108,7 +108,7 @@ TEST(CandidateEvaluator, ErrorFormNotVirtual) {
       value = 42;
       return 0;
     }
-    // Hides the base's, and no more.
+    // Only hides the form of the base.
     int EvaluateResponseSurfaceCandidate(const CFittingCandidates&, const Vector&, double&,
                                          double&) const {
       return 1;
@@ -129,7 +129,7 @@ TEST(CandidateEvaluator, WithoutASlopeTheValueStaysScaled) {
   CFittingCandidate candidate = Ensemble();
   candidate.SetOutputScaleSlope(0);
   ExpectAnswer(EvaluateValue(candidate, {0}), 1, 4.25, -2);
-  // A missing error wins over it.
+  // The status of a missing error has precedence.
   ExpectAnswer(Evaluate(candidate, {0}), -2, 4.25, -2);
   CFittingCandidate withoutInputs = Ensemble(0);
   withoutInputs.SetOutputScaleSlope(0);
@@ -138,7 +138,7 @@ TEST(CandidateEvaluator, WithoutASlopeTheValueStaysScaled) {
   EXPECT_EQ(EvaluateValue(candidate, {0}).status, 0);
 }
 
-TEST(CandidateEvaluator, RefusalsSayWhatTheyLeaveBehind) {
+TEST(CandidateEvaluator, RefusalsLeaveThePartialSum) {
   ExpectAnswer(EvaluateValue(Ensemble(), {0, 0}), 1, -1, -2);
   ExpectAnswer(Evaluate(Ensemble(), {}), 1, -1, -2);
   double value = 5;
@@ -213,8 +213,8 @@ TEST(CandidateEvaluator, AtASampleTheErrorIsZeroWithTheSlopesSign) {
   EXPECT_TRUE(std::signbit(Evaluate(candidate, {1}).error));
 }
 
-// Squared distances of 1e-12 and 4e-12 in one fold. Where the sort tells them apart, their order
-// plays no part.
+// Squared distances of 1e-12 and 4e-12 in one fold. Where the sort distinguishes them, their order
+// does not matter.
 TEST(CandidateEvaluator, TheSortsToleranceGrowsWithTheInputsThatTheCandidateStates) {
   const auto errorOf = [](int statedInputs, double first, double second) {
     CFittingCandidate candidate = Ensemble();
@@ -261,7 +261,7 @@ TEST(CandidateEvaluator, CrossValidationShapesThatDoNotFitAreRefused) {
     const Answer answer = Evaluate(candidate, {0.5});
     EXPECT_EQ(answer.status, 1) << &damage - damages;
     EXPECT_EQ(answer.error, -2) << &damage - damages;
-    // The value form does not care.
+    // The form without an error works.
     EXPECT_EQ(EvaluateValue(candidate, {0.5}).status, 0);
   }
   CFittingCandidate empty;
@@ -269,7 +269,7 @@ TEST(CandidateEvaluator, CrossValidationShapesThatDoNotFitAreRefused) {
   EXPECT_EQ(Evaluate(empty, {}).status, 1);
 }
 
-// The sort as it is told, and what stands in front after it.
+// The first value after the tolerant bubble sort.
 double FirstOfBubbleSort(Vector values, double threshold) {
   for (std::size_t pass = values.size() - 1; pass > 0; --pass) {
     for (std::size_t i = 0; i < pass; ++i) {
@@ -282,7 +282,7 @@ double FirstOfBubbleSort(Vector values, double threshold) {
 TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
   std::mt19937 random(17);
   for (int round = 0; round < 20000; ++round) {
-    // Steps of a quarter of the threshold, so that nearly every neighbour is a close call.
+    // Steps of a quarter of the threshold, so that most neighbours are close to it.
     const double spread = round % 2 == 0 ? 40 : 4000;
     Vector values(1 + random() % 12);
     for (double& value : values) {
@@ -296,7 +296,7 @@ TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
   }
 }
 
-TEST(TolerantSort, GivesUpRatherThanSortForMinutes) {
+TEST(TolerantSort, GivesUpAfterTooManyComparisons) {
   Vector values(200000);
   for (std::size_t i = 0; i < values.size(); ++i) {
     values[i] = 10.0 * static_cast<double>(values.size() - i);

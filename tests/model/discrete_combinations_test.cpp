@@ -138,12 +138,12 @@ TEST(Combinations, EvaluateAppendsErrors) {
   EXPECT_EQ(study.Evaluate({{"Q", 5}, {"P", 2}}, {{"x", 0}, {"a", 0}}, outputs, errors), -2);
   EXPECT_EQ(outputs, (NamedValues{{"u", 30}, {"v", 40}}));
   EXPECT_EQ(errors, (NamedValues{{"old", 0}}));
-  // The same values again re-point the combination.
+  // Registering the same values again replaces the outputs.
   Register(study, 2, 5, 31, 41);
   EXPECT_EQ(study.Evaluate({{"P", 2}, {"Q", 5}}, {{"a", 0}, {"x", 0}}, outputs), 0);
   EXPECT_EQ(outputs, (NamedValues{{"u", 31}, {"v", 41}}));
   EXPECT_EQ(study.GetDiscreteCombinationsIndexingPtr()->at({5, 2}), 2);
-  // Without any surface there is nothing to be wrong about.
+  // An ensemble without surfaces has the error 0.
   CFittingCandidate empty;
   empty.SetInputScaleSlopes({1, 1});
   empty.SetInputScaleIntercepts({0, 0});

@@ -98,7 +98,7 @@ TEST(FittingCandidate, AssignmentShares) {
   EXPECT_EQ(first.GetRSPtr(0), source->GetRSPtr(0));
   EXPECT_EQ(first.GetSubRSPtr(0), second.GetSubRSPtr(0));
   EXPECT_EQ(first.DataVersion(), FittingCandidateVersion170);
-  // Whoever goes first, the others keep what they share.
+  // Shared surfaces live until the last candidate is gone, in any order.
   source->ResetData();
   EXPECT_EQ(Values(first), (Vector{4}));
   source.reset();
@@ -189,7 +189,7 @@ TEST(FittingCandidate, FirstSampleNotCounted) {
                                              {{{0, 0}}, 2, 0},
                                              {Matrix(), 2, 0},
                                              {{{0}, {3}}, 0, 0},
-                                             // Row 0 is the loneliest one and does not count.
+                                             // Row 0 is the farthest one and does not count.
                                              {{{9, 9}, {0, 0}, {0, 1}, {0, 3}}, 2, 4}};
   for (auto& [rows, inputs, scale] : cases) {
     OpenCandidate candidate;

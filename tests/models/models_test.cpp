@@ -1,4 +1,4 @@
-// Every fitted model answers as the tool that fitted it: the whole road from text to numbers.
+// Every fitted model gives the results of the tool that fitted it, from the text to the numbers.
 
 #include <algorithm>
 #include <cmath>
@@ -41,7 +41,7 @@ void ExpectNear(const NamedValues& got, const Json& want, double tolerance) {
 
 class FittedModel : public testing::TestWithParam<std::string> {};
 
-TEST_P(FittedModel, AnswersAsItsToolDoes) {
+TEST_P(FittedModel, GivesTheResultsOfItsTool) {
   const fs::path folder = fs::path(SourcePath("tests/data/models")) / GetParam();
   CDiscreteCombinations model;
   ASSERT_NO_FATAL_FAILURE(ReadModel((folder / "model.pxdb").string(), model));
@@ -53,14 +53,14 @@ TEST_P(FittedModel, AnswersAsItsToolDoes) {
     NamedValues outputs;
     EXPECT_EQ(model.Evaluate(discrete, continuous, outputs), 0);
     ExpectNear(outputs, c["outputs"], c["tolerance"]);
-    // The order in which a caller names the values is its own.
+    // A caller may name the values in any order.
     std::reverse(continuous.begin(), continuous.end());
     NamedValues reversed;
     EXPECT_EQ(model.Evaluate(discrete, continuous, reversed), 0);
     EXPECT_EQ(reversed, outputs);
     if (c["errors"].is_null()) continue;
 
-    // The form with errors may leave scaled samples in a Kriging record: a fresh copy for each.
+    // The form with errors may leave scaled samples in a Kriging record, so each call gets a copy.
     const CDiscreteCombinations fresh(model);
     NamedValues errors;
     const bool all = c["errors"].size() == c["outputs"].size();

@@ -40,7 +40,7 @@ Content ContentOf(const DMtx& matrix) {
   return {rows, cols, values};
 }
 
-/// What an operation that has to give 0 has left.
+/// The content after an operation, which must have returned 0.
 Content After(int status, const DMtx& matrix) {
   EXPECT_EQ(status, 0);
   return ContentOf(matrix);
@@ -143,12 +143,12 @@ TEST(DenseMatrix, RowsAndColumns) {
   EXPECT_EQ(After(matrix.SetColumnFromVector(0, column), matrix),
             (Content{2, 3, {3, 2, 3, 6, 5, 6}}));
 
-  // An empty vector is a failure for a row and none for a column.
+  // An empty vector is refused for a row and accepted for a column.
   DRowVec noRow;
   DColVec noColumn;
   EXPECT_EQ(matrix.GetRowAsVector(1, noRow), 1);
   EXPECT_EQ(matrix.GetColumnAsVector(1, noColumn), 0);
-  // What would be read or written past an end is refused.
+  // Reading or writing past an end is refused.
   DRowVec longRow(4);
   DColVec longColumn(3);
   EXPECT_EQ(matrix.GetRowAsVector(1, longRow), 1);

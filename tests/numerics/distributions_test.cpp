@@ -45,7 +45,7 @@ Function By(int (StudTDist::*f)(const double&, double&) const) {
   return [f](const Row& a, double& out) { return (StudTDist(a[0]).*f)(a[1], out); };
 }
 
-/// What `function` writes, which has to give 0.
+/// The result of `function`, which must return 0.
 template <class F>
 double Of(F function, const Row& arguments) {
   double out = kNan;
@@ -80,8 +80,8 @@ TEST(Distributions, FunctionsAgreeWithReference) {
       {"gauss_quantile", 3e-8, 1e-9, By(&StdGaussInvCdf)},
       {"student_pdf", 1e-11, 0.0, By(&StudTDist::EvalPdf)},
       {"student_cdf", 0.0, 4e-7, By(&StudTDist::EvalCdf)},
-      // Where the step ends the iteration early, its path shows: starts, steps out of the interval,
-      // the tolerance. The value is far from the quantile there.
+      // Where the iteration ends early, the result depends on its path: starts, steps out of the
+      // interval, and the tolerance. It is far from the quantile there.
       {"student_iteration", 1e-7, 0.0, By(&StudTDist::EvalInvCdf)},
       {"beta_quantile", 0.0, 1.25e-8,
        [](const Row& a, double& out) {
@@ -106,7 +106,7 @@ TEST(StudTDist, QuantilesAgreeWithReference) {
     const double dof = row[0];
     const double p = row[1];
     if (dof == 1.0 && p == 0.25) continue;  // see LimitCycle
-    // Near the middle many degrees of freedom show the step at which the iteration ends.
+    // Near the middle, with many degrees of freedom, the iteration ends too early.
     const bool middle = std::fabs(p - 0.5) < 0.05;
     const double absolute = dof >= 500.0 ? 6e-5 : middle ? 4e-5 : 1e-7;
     EXPECT_TRUE(IsNear(Quantile(dof, p), row[2], dof < 500.0 && !middle ? 1e-7 : 0.0, absolute))
@@ -115,7 +115,7 @@ TEST(StudTDist, QuantilesAgreeWithReference) {
   }
 }
 
-// Each cut-off shows in the error of the formula that takes over.
+// Beyond each cut-off the error is that of the other formula.
 TEST(StudTDist, FormulasChangeAtTheirCutOffs) {
   EXPECT_NEAR(Quantile(499.9, 0.999), 3.1066149167171, 1e-6);
   EXPECT_GT(std::fabs(Quantile(500.0, 0.999) - 3.1066116243216), 1e-5);
@@ -165,7 +165,7 @@ TEST(StudTDist, RefusesWithoutTouchingTheResult) {
   EXPECT_EQ(Both(StudTDist(10.0).EvalSkewness(out), out), Outcome(0, 0.0));
 }
 
-// It passes every comparison, and its step ends each iteration after one round: where that began.
+// A NaN passes every comparison, and a NaN step ends each iteration after one round.
 TEST(Distributions, NanConfidenceLevel) {
   double out = 7.0;
   EXPECT_EQ(BetaDist::EvalInvCdf(5.0, 0.5, 0.0, 1.0, kNan, out), 0);
@@ -206,7 +206,7 @@ TEST(StudTDist, RefusesEverythingOnceReset) {
   EXPECT_EQ(dist.EvalInvCdf(0.5, out), 1);
   EXPECT_EQ(dist.TabulatePdf(3, -1, 1, xs, xs), 1);
   EXPECT_EQ(dist.TabulateCdf(3, -1, 1, xs, xs), 1);
-  EXPECT_EQ(dist.GetPlotBounds(1, out, out), 0);  // the status is the distribution's own 0
+  EXPECT_EQ(dist.GetPlotBounds(1, out, out), 0);  // the 0 of its DistStatus
   EXPECT_EQ(out, 7.0);
   EXPECT_EQ(dist.SetParam(1, 5.0), 1);
   EXPECT_EQ(dist.SetParam(0, 0.0), 2);
@@ -216,8 +216,8 @@ TEST(StudTDist, RefusesEverythingOnceReset) {
   EXPECT_EQ(facts(), (std::vector<int>{1, 1, 10, 3, 1}));
 }
 
-// The two fractions of the incomplete Beta function differ by 4e-8 where they meet, which is just
-// where this root lies: the iteration steps from one to the other and back.
+// The two fractions of the incomplete Beta function differ by 4e-8 where they meet, and this root
+// is there, so the iteration jumps from one to the other and back.
 TEST(Distributions, LimitCycle) {
   const std::string beta =
       " \n *** ERROR in EvalInvCdf *** \n NO convergence of Newton-Raphson algorithm \n"
@@ -289,7 +289,7 @@ TEST(StudTDist, Tabulates) {
   Row xs(4);
   Row ys(4);
   EXPECT_EQ(dist.TabulateCdf(4, -0.1, 0.2, xs.data(), ys.data()), 0);
-  // The last place is the given one, its probability that of the steps' sum.
+  // The last point is the given one, but its value is that of the accumulated point.
   const double step = (0.2 - -0.1) / 3;
   EXPECT_EQ(xs, (Row{-0.1, -0.1 + step, -0.1 + step + step, 0.2}));
   EXPECT_NE(-0.1 + step + step + step, 0.2);
@@ -355,7 +355,7 @@ TEST(StudTDist, AttributesSetTheDegreesOfFreedom) {
   EXPECT_EQ(dof, 3.0);
   EXPECT_EQ(dist.SetAttributes({&ten}), 0);
 
-  // A copy has attributes of its own, which are ours to delete.
+  // A copy has its own attributes, which the caller deletes.
   StudTDist copy(1.0);
   EXPECT_EQ(dist.CopyTo(&copy), 0);
   EXPECT_EQ(dist.CopyTo(nullptr), 1);

@@ -1,5 +1,6 @@
-// Every allocation fails once in turn, while reading and while evaluating. What comes out is
-// std::bad_alloc or a status; nothing leaks (the address sanitizer looks), and the objects go on.
+// Every allocation fails once in turn, while reading and while evaluating. The result is
+// std::bad_alloc or a status, nothing leaks (the address sanitizer checks), and the objects still
+// work.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@
 
 namespace {
 
-// Counts down to the allocation that fails; negative: none does.
+// Counts down to the allocation that fails; if negative, no allocation fails.
 thread_local long long countdown = -1;
 
 void* AllocateOrFail(std::size_t size) {
@@ -59,8 +60,8 @@ NamedValues Answer(const CDiscreteCombinations& model) {
   return outputs;
 }
 
-// Lets the allocations of `action` fail, one of each `stride`, until it succeeds undisturbed, and
-// calls `after` behind each failure. Returns how often it failed.
+// Lets the allocations of `action` fail, one in `stride`, until it succeeds without a failure, and
+// calls `after` after each failure. Returns how often it failed.
 template <class After, class Action>
 int FailEachAllocation(long long stride, After after, Action action) {
   int failures = 0;
@@ -82,8 +83,8 @@ int FailEachAllocation(long long stride, After after, Action action) {
   }
 }
 
-// Opens one combination of the beam: every family, with and without cross-validation, but not so
-// long that each of its allocations couldn't have its turn.
+// Opens one combination of the beam: every family, with and without cross-validation, but short
+// enough to let each of its allocations fail.
 void OpenSmallBeam(CReaderPXROMDatabase& reader) {
   std::string text = ContentOf(SourcePath("examples/beam.pxdb"));
   const std::string key = "DiscreteSet={Material;1},{Holes;2}";

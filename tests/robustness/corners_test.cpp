@@ -1,5 +1,5 @@
-// What hosts may ask and evaluation does not: sample access, scaling of tables, clones, what a
-// derived reader catches, distributions of odd arguments.
+// Operations that hosts may call and evaluations don't: sample access, scaling of tables, clones,
+// the values that a derived reader catches, distributions of odd arguments.
 
 #include <stdexcept>
 
@@ -105,8 +105,8 @@ TEST(Corners, OneReaderType) {
   EXPECT_EQ(base->ReaderType(), ReaderTypeNone);
 }
 
-// Iterations end by their count where they don't converge.
-TEST(Corners, DistributionsEndWhateverTheyAreAsked) {
+// Iterations that don't converge end by their count.
+TEST(Corners, DistributionsEndForAnyArguments) {
   const double arguments[] = {std::nan(""), HUGE_VAL, -HUGE_VAL,   1.7e308, -1.7e308,
                               5e-324,       0.0,      -1.0,        1.0,     0.25,
                               0.5,          1e-300,   1.0 - 1e-16, 1e8};

@@ -1,5 +1,5 @@
-// The seeds of the fuzz targets, and the cases that they found: each holds what its target
-// promises.
+// The seeds of the fuzz targets and the cases that they found: each fulfils the promise of its
+// target.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ TEST(FuzzSeeds, HoldThePromisesOfTheirTargets) {
         const std::string content(std::istreambuf_iterator<char>(file), {});
         const std::clock_t start = std::clock();
         EXPECT_NO_THROW(target.run(content));
-        // Processor time and a wide margin for sanitizers: this is about what hangs.
+        // Processor time with a wide margin for sanitizers, to find hangs.
         EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
       }
     }
@@ -35,8 +35,8 @@ TEST(FuzzSeeds, HoldThePromisesOfTheirTargets) {
   }
 }
 
-// Each parameter asks for its values, and each combination for the number of parameters: together
-// they must not take the product. Long texts of many more shapes: script/growth.
+// Each parameter needs its values, and each combination the number of parameters. Together they
+// must not take the product. script/growth tests long texts of many more shapes.
 TEST(FuzzSeeds, ManyParametersTakeNoLongerThanTheirText) {
   constexpr int kCount = 8000;
   std::string ids = "y", causalities = "1", types = "0", ones = "1", ranks = "{y;0}", values, sets;

@@ -1,5 +1,5 @@
-// The library and the literal programs, which take no shortcut: the same to the last bit, for whole
-// databases from their text, and for surfaces of each family where guards and refusals are.
+// The library gives the results of the literal programs, which take no shortcut, to the last bit:
+// for whole databases from their text, and for surfaces of each family with guards and refusals.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ bool SameBits(const NamedValues& a, const NamedValues& b) {
   });
 }
 
-// Every group of `text` as the reader's index finds it, and every attribute as its range does.
+// Compares every group that the reader's index finds in `text`, and every attribute of its range.
 void ExpectLiteralReading(const std::string& text) {
   reading::DatabaseText indexed(text);
   indexed.Index();
@@ -61,7 +61,7 @@ void ExpectLiteralReading(const std::string& text) {
   }
 }
 
-// What a host may ask as well.
+// Values that a host may pass too.
 const Vector kOddValues = {std::nan(""), HUGE_VAL, -HUGE_VAL, 1.7e308, -1e200, 5e-324, -0.0};
 
 void ExpectLiteralValues(const CDiscreteCombinations& model, double oddFraction) {
@@ -73,7 +73,7 @@ void ExpectLiteralValues(const CDiscreteCombinations& model, double oddFraction)
       ASSERT_EQ(model.Evaluate(question.discrete, question.continuous, got),
                 slow.Evaluate(question.discrete, question.continuous, want));
       ASSERT_TRUE(SameBits(got, want));
-      // Kriging records drift where they are asked for errors, so that each asks its own.
+      // The form with errors may write Kriging records, so each call gets its own copy.
       const CDiscreteCombinations fresh(model);
       const CDiscreteCombinations other(model);
       NamedValues gotErrors;
@@ -103,9 +103,9 @@ TEST(Literal, RandomDatabasesReadAndEvaluateTheSame) {
   }
 }
 
-// Takes a sound surface to where its types, shapes and guards may refuse it.
+// Changes a sound surface so that its types, shapes and guards may refuse it.
 void Distort(Draw& draw, CKrigingData& record) {
-  // Factors are triangular; no one checks that.
+  // Factors are triangular, but nothing checks this.
   if (draw.Chance(30)) return;
   for (std::size_t k = 0; k < record.InvC.size(); ++k) {
     std::fill(record.InvC[k].begin() + static_cast<std::ptrdiff_t>(k) + 1, record.InvC[k].end(),
@@ -125,7 +125,7 @@ void Distort(Draw& draw, CQRSData& record) {
     const double coefficient = draw.Real(-0.6, 1);
     record.RegTerms[k]->SetParamVal(1, &coefficient);
   }
-  // The literal program has no answer without degrees of freedom.
+  // The literal program needs degrees of freedom.
   record.NumberOfSamples = record.NumberOfRegTerms + 100;
 }
 
@@ -138,7 +138,7 @@ void Distort(Draw& draw, CSVRData& record) {
   record.NumberOfSamples = draw.Int(-1, 40);
 }
 
-// What a row holds behind its inputs.
+// Adds values after the inputs of a row.
 void Lengthen(Draw& draw, CRSData& record) {
   const int row = draw.Int(0, static_cast<int>(record.InputSamples.size()) - 1);
   if (draw.Chance(30)) record.InputSamples[static_cast<std::size_t>(row)].push_back(0.25);
@@ -167,7 +167,7 @@ void ExpectSame(const Vector& got, const Vector& want) {
       << testing::PrintToString(got) << " " << testing::PrintToString(want);
 }
 
-// All that the literal program of a family knows; returns the value's status.
+// Compares everything that the literal program of a family gives; returns the value's status.
 template <class Record>
 int ExpectSame(const CRSEvaluator& evaluator, const Record& record, const Vector& x,
                int (*literal)(const Record&, const Vector&, double&)) {
@@ -237,7 +237,7 @@ void ExpectLiteralSurfaces(E_DataType family, int rounds) {
   int refused = 0;
   for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
     SCOPED_TRACE("family " + std::to_string(family) + ", round " + std::to_string(round));
-    // Every rest in groups of samples, and more inputs than a working point holds in place.
+    // Every remainder of groups of samples, and more inputs than a working point holds in place.
     const int inputs = round % 97 == 96 && family == DT_QRSData ? 33 : draw.Int(1, 5);
     const int samples = family == DT_KrigingData ? draw.Int(0, 40) : draw.Int(1, 30);
     const auto surface = RandomSurface(draw, family, inputs, samples, true);

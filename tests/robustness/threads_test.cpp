@@ -1,4 +1,4 @@
-// Many threads on one object: each gets what one thread gets. ThreadSanitizer watches.
+// Many threads use one object, and each gets what one thread gets. ThreadSanitizer checks this too.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
 
-/// All that a call answers, bit by bit; what it leaves out is 0.
+/// All results of a call, bit by bit; missing results are 0.
 using Answers = std::vector<double>;
 
 void ExpectTheSameFromEightThreads(const std::function<Answers()>& ask) {

@@ -1,5 +1,5 @@
-// Prints what random models of all families and the fitted ones answer, to the last bit: for
-// comparing builds (script/same-bits).
+// Prints the results of random models of all families and of the fitted models, to the last bit, to
+// compare builds (script/same-bits).
 
 #include <cstdio>
 #include <filesystem>

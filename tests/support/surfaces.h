@@ -41,7 +41,7 @@ inline nlohmann::json ReferenceData(const char* file) {
   return nlohmann::json::parse(std::ifstream(SourcePath(std::string("tests/data/") + file)));
 }
 
-/// Takes an enumeration out of reference data, or one that there isn't.
+/// Sets an enumeration from reference data, also to an unknown number.
 template <class Enum>
 void Take(const nlohmann::json& number, Enum& target) {
   target = static_cast<Enum>(number.get<int>());

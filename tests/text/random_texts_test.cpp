@@ -1,5 +1,5 @@
 // Odd and random texts: numbers, lists, pairs and groups read as the slow engine reads them, and no
-// sequence of its words breaks the reader of FMI files.
+// sequence of words breaks the reader of FMI files.
 
 #include <gtest/gtest.h>
 
@@ -78,8 +78,8 @@ TEST(RandomTexts, ReadAsTheSlowEngineReadsThem) {
   }
 }
 
-// Decimals of up to 20 digits, and odd numbers of 54 bits over a power of two, which lie in the
-// middle between two doubles.
+// Decimals of up to 20 digits, and odd numbers of 54 bits divided by a power of two, which are
+// midpoints of two doubles.
 TEST(RandomTexts, OfDecimalsReadToTheNearestDouble) {
   const std::vector<std::string> digits = Split("0|1|2|3|4|5|6|7|8|9");
   std::mt19937 random(13);
@@ -99,7 +99,7 @@ TEST(RandomTexts, OfDecimalsReadToTheNearestDouble) {
   }
 }
 
-TEST(DatabaseText, BearsSoMuchWorkAndNoMore) {
+TEST(DatabaseText, RefusesWorkBeyondItsLimit) {
   const std::size_t most = reading::WorkAllowedFor(3);
   reading::DatabaseText text("abc");
   EXPECT_TRUE(text.Charge(most - 1));
@@ -111,7 +111,7 @@ TEST(DatabaseText, BearsSoMuchWorkAndNoMore) {
   EXPECT_TRUE(text.IsExhausted());
 }
 
-// Tags, keys and line ends are looked up in whole databases, where plain searches walk.
+// In whole databases tags and keys are found by an index, and else by plain searches.
 TEST(RandomTexts, OfTagsReadTheSameWithAnIndex) {
   const std::vector<std::string> pieces = Split(
       "<FMU>|</FMU>|<FMU ID=1>|<FMU ID=12>|<FMU ID=1|a=|ba=|=|\n|\n|1|2.5|,|{x;1}|<|>|</| |\r|"

@@ -25,7 +25,7 @@ inline std::string Contents(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// A folder with what the sessions read, for the time of the program: two runs don't meet.
+/// A folder with the files of the sessions, which exists while the program runs: one per run.
 class Folder {
  public:
   Folder() : path_(fs::temp_directory_path() / ("pxrom_tools_test_" + std::to_string(getpid()))) {
@@ -63,7 +63,7 @@ inline fs::path Command() {
   return other != nullptr ? other : PXROM_COMMAND;
 }
 
-/// What comes of a line of the shell, as a person types it in the folder.
+/// The result of a shell command, as a person types it in the folder.
 inline Result Shell(const std::string& line) {
   Write(".line", line);
   const std::string call = "cd '" + Here().string() + "' && PATH='" +

@@ -1,4 +1,4 @@
-// The numbers of pxrom eval are those of the library, by single points and by tables.
+// The numbers of pxrom eval are those of the library, for single points and for tables.
 
 #include <gtest/gtest.h>
 
@@ -87,7 +87,7 @@ std::string Shortest(const nlohmann::json& number) {
           std::to_chars(buffer.data(), buffer.data() + buffer.size(), number.get<double>()).ptr};
 }
 
-/// Random points of the beam in columns of any order, with one that no model knows.
+/// Random points of the beam in columns of any order, with an unknown column.
 std::string BeamTable(int rows) {
   std::mt19937 random(11);
   const auto between = [&random](double low, double high) {

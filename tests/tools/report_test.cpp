@@ -6,8 +6,8 @@
 
 #include "command.h"
 
-// The page where it depends on the build, and what a hostile model may not do. The session "pages"
-// has whole pages; tests/report has them in a browser, where they are evaluated.
+// The parts of the page that depend on the build, and what a hostile model may not do. The session
+// "pages" has whole pages; tests/report has them in a browser, where they are evaluated.
 
 namespace {
 
@@ -49,14 +49,14 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
-/// Behind the style, and without what the browser takes as data or as the script.
+/// The page after the style, without the data and the script.
 std::string Visible(const std::string& page) {
   const std::size_t begin = page.find("</style>");
   const std::size_t end = page.find("<script type=");
   return page.substr(begin, end == std::string::npos ? end : end - begin);
 }
 
-/// What of a page can make a browser ask for something.
+/// The parts of a page that can make a browser request something.
 std::vector<std::string> Addresses(const std::string& page) {
   static const std::regex kAddress(
       R"re((?:href|src|srcset|action|data|poster)="([^"]*)"|url\(|@import|https?://)re");
@@ -76,7 +76,7 @@ TEST(Report, SaysWhetherItEvaluates) {
   EXPECT_NE(Holds(page, "was built without the live part"), kLive);
 }
 
-TEST(Report, WritesWhereItIsTold) {
+TEST(Report, WritesToTheGivenFile) {
   const std::string out = Written("beam.html", "");
   const Result result = Pxrom("report examples/beam.pxdb -o " + out);
   EXPECT_EQ(result.status, 0);
@@ -108,7 +108,7 @@ TEST(Report, HostileNamesStayText) {
   EXPECT_TRUE(Holds(page, "<p>&quot;&lt;b&gt;&amp;.pxdb: "));
   EXPECT_FALSE(Holds(page, "<img"));
   EXPECT_FALSE(Holds(page, "<b>"));
-  // Nothing that the model says opens or closes an element, in the data neither.
+  // No text of the model opens or closes an element, not even in the data.
   const std::string plain = Pxrom("report examples/constant.pxdb").out;
   for (const char* part : {"<script", "</script", "<!--", "<"}) {
     EXPECT_EQ(CountOf(result.out, part), CountOf(plain, part)) << part;

@@ -12,8 +12,8 @@ namespace {
 using command::Result;
 using command::Shell;
 
-/// What a session shows when its lines behind "$ " run again: each line of the standard error
-/// stream behind "! ", and behind "= " a status that is not 0.
+/// The session when its lines after "$ " run again: each line of the standard error stream follows
+/// "! ", and a status that is not 0 follows "= ".
 std::string Again(const std::string& session) {
   std::string again;
   std::istringstream lines(session);
@@ -41,7 +41,7 @@ TEST(Sessions, ShowTheSameAgain) {
   }
 }
 
-TEST(Command, TellsItsVersionAndItsExamplesWork) {
+TEST(Command, ShowsItsVersionAndItsExamplesWork) {
   EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");
   for (const char* const name : {"eval", "info", "check", "fmu", "format", "report"}) {
     const Result result =

@@ -1,4 +1,4 @@
-// What the inspection says of each damage of a table.
+// The findings of an inspection for each damage of a table.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-// An error is the first one that is told; a warning or a note stands anywhere.
+// An error is the first finding; a warning or a note may be anywhere in the list.
 TEST(Damages, AreNamedWithTheirLine) {
   for (const Damage& damage : Damages()) {
     const CInspectionReport report = InspectPXROMDatabase(damage.text);
@@ -32,7 +32,7 @@ TEST(Damages, AreNamedWithTheirLine) {
   }
 }
 
-// What was found stands where the finding points, or in the pair that begins there.
+// The text of a finding is at the place that it names, or in the pair that begins there.
 TEST(Damages, PointAtWhatTheyFound) {
   const std::set<E_FindingCode> pointing = {FindingKeyUnknown,         FindingKeyMisplaced,
                                             FindingParameterUnknown,   FindingOutputUnexpected,
@@ -51,7 +51,7 @@ TEST(Damages, PointAtWhatTheyFound) {
   EXPECT_EQ(seen, pointing);
 }
 
-// Samples of a surface without their outputs: sound, unless values are made from the outputs.
+// Samples of a surface without their outputs: sound, unless the value needs the outputs.
 TEST(Damages, OutputsOfSamplesAreMissedOnlyWhereValuesNeedThem) {
   const std::map<std::string, std::size_t> errorsOf = {{"svr_sk_eps_rbf", 0},
                                                        {"kriging_sk_linnerud", 0},
@@ -68,8 +68,8 @@ TEST(Damages, OutputsOfSamplesAreMissedOnlyWhereValuesNeedThem) {
   }
 }
 
-// Nothing is wrong with any group, but forty thousand lines read one of them again and again.
-TEST(Damages, ATextThatAsksForTooMuchIsToldSo) {
+// All groups are sound, but forty thousand lines read one of them again.
+TEST(Damages, ATextOfTooMuchWorkIsReported) {
   std::string text = ContentOf(SourcePath("examples/constant.pxdb"));
   std::string lines;
   for (int i = 0; i < 40000; ++i) lines += "DiscreteSet={m;" + std::to_string(i) + "},{y;0}\n";
@@ -126,7 +126,7 @@ std::string LeastSquaresText(int inputs, int combinations) {
   return text.replace(text.find(line), line.size(), lines);
 }
 
-// The time of an inspection is in proportion to the text, whatever its surfaces would take.
+// The time of an inspection is in proportion to the text, whatever its surfaces would cost.
 TEST(Damages, WhatWouldTakeTooLongIsNotTried) {
   const auto notTried = [](const std::string& text) {
     std::string groups;
@@ -143,7 +143,7 @@ TEST(Damages, WhatWouldTakeTooLongIsNotTried) {
   EXPECT_EQ(notTried(LeastSquaresText(44, 1)), "PlexuraData 0;");
 }
 
-// Of findings of one kind a hundred are listed; the last one tells how many more there are.
+// A hundred findings of one kind are listed; the last one says how many more there are.
 TEST(Damages, ManyOfAKindAreCounted) {
   std::string text = ContentOf(SourcePath("examples/beam.pxdb"));
   const std::string flag = "IsStopped=0";
@@ -188,7 +188,7 @@ TEST(Damages, ShowEveryCodeOfTheDocumentWithItsSeverities) {
     for (const char* severity : {"error", "warning", "note"}) {
       const bool isShown = shown[name].count(SeverityOf(severity)) > 0;
       const bool isDocumented = severities.find(severity) != std::string::npos;
-      // The first word is the common one; of the others not all are shown.
+      // The first word is the usual severity. The damages need not show the others.
       if (severities.rfind(severity, 0) == 0) {
         EXPECT_TRUE(isShown) << name;
       }

@@ -1,5 +1,5 @@
-// What the fuzz targets promise of any text: where an inspection finds no error, everything works,
-// where something is refused, it has found an error; and what was read and written reads the same.
+// The laws of the fuzz targets for any text: without an error of the inspection everything works,
+// any refusal has an error, and a text that was read and written reads the same again.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// What the inspection says, to the letter: of sound models, of each damage of a table, and of texts
-// that are damaged at random. tests/data/damaged/reports.txt has the whole of it.
+// The findings of an inspection, to the letter, for sound models, for each damage of a table and
+// for texts that are damaged at random. All of them are in tests/data/damaged/reports.txt.
 
 #include <gtest/gtest.h>
 
@@ -60,7 +60,7 @@ class Reports {
  public:
   explicit Reports(std::string& all) : all_(all) {}
 
-  /// Everything that a sound model has.
+  /// All findings of a sound model.
   void AddSound(const std::string& name, const std::string& text) {
     const CInspectionReport report = InspectPXROMDatabase(text);
     Begin(name, report);
@@ -68,7 +68,7 @@ class Reports {
     for (const std::string& line : FindingsOf(report)) all_ += line;
   }
 
-  /// What a damage adds to the findings of its sound model.
+  /// The findings that a damage adds to those of its sound model.
   void AddDamaged(const std::string& name, const std::string& sound, const std::string& text) {
     if (sound != sound_) {
       sound_ = sound;

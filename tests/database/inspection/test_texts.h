@@ -1,6 +1,6 @@
 #pragma once
 
-// Good and damaged texts, and what the library makes of them.
+// Good and damaged texts, and the results of the library for them.
 
 #include <algorithm>
 #include <filesystem>
@@ -24,7 +24,7 @@ inline const CFinding* FirstError(const CInspectionReport& report) {
   return error == report.findings.end() ? nullptr : &*error;
 }
 
-/// All findings as a person would read them, for the message of a test.
+/// All findings in readable form, for the message of a test.
 inline std::string Shown(const CInspectionReport& report) {
   std::string text;
   for (const CFinding& f : report.findings) {
@@ -40,7 +40,7 @@ struct Damage {
   std::string text;
   std::string code;
   std::size_t line = 0;
-  /// What a person is to be told: an error before all others, or anywhere a warning or a note.
+  /// The expected finding: an error before all others, or a warning or note anywhere.
   E_FindingSeverity severity = SeverityError;
 };
 
@@ -81,7 +81,7 @@ inline std::vector<Damage> Damages() {
   return damages;
 }
 
-/// One of the damages that files come by.
+/// Damages the text in one of the ways that happen to files.
 inline void DamageAtRandom(std::string& text, std::mt19937& random) {
   if (text.empty()) return;
   const auto upTo = [&](std::size_t count) { return random() % count; };

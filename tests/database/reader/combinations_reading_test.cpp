@@ -1,4 +1,4 @@
-// Reading of whole databases: what a text means, and what a damaged one does.
+// Reading of whole databases, sound and damaged ones.
 
 #include <stdexcept>
 
@@ -92,7 +92,7 @@ TEST(Database, VersionsMostlyIgnored) {
        {std::pair("CandidateVersion=192", "CandidateVersion=170"),
         std::pair("OfError=1", "OfError=0"), std::pair("GARS_", "gone_")}) {
     CDiscreteCombinations model;
-    // What is not asked for isn't looked at.
+    // Data that are not asked for are not read.
     const std::string text = Replaced(Replaced(Database(), from, to), "InputPoints=0.5,", "bad=");
     ASSERT_EQ(Read(text, model), 0) << from;
     const auto* candidate = model.GetOutputsWrtDiscCombPtr()->at(0).at("y")->GetCandidatePtr(0);
@@ -162,7 +162,7 @@ TEST(Database, GroupSearchUntested) {
   EXPECT_EQ(Status(Replaced(Database(), "{y;3}", "{y;4}")), 0);
   // A surface without its closing tag reaches to the next one.
   EXPECT_EQ(Status(Replaced(Database(), "</Genome>", "")), 0);
-  // A surface behind the candidate's closing tag isn't part of it.
+  // A surface after the candidate's closing tag isn't part of it.
   EXPECT_EQ(Status(Replaced(Database(), "<Genome ID=0>", "</PlexuraData><Genome ID=0>")), 1);
   // Without a line end the last line's value ends with the range.
   EXPECT_EQ(Status(Replaced(Database(), "\n</DiscreteSets>", "</DiscreteSets>")), 0);
@@ -173,12 +173,12 @@ TEST(Database, ReadingOutOfRange) {
   EXPECT_THROW(Read("", model), std::out_of_range);
   EXPECT_THROW(Read(Replaced(Database(), "{x;0},{y", "{x;0},,{y"), model), std::out_of_range);
   EXPECT_THROW(Read(Replaced(Database(), "{y;3}", ",{y;3}"), model), std::out_of_range);
-  // Nothing is done with the indexing; it is read.
+  // The indexing is read but not used.
   const std::string indexing = "DiscreteIndexing=";
   EXPECT_THROW(Read(Replaced(Database(), indexing, indexing + "{k;0},,{m;1}"), model),
                std::out_of_range);
   EXPECT_EQ(Status(Replaced(Database(), indexing, indexing + "{k;0},{m;1}")), 0);
-  // A list of candidates has lost what it held, and got no part of another.
+  // A list of candidates has lost its content and has no part of another one.
   CFittingCandidates list = OneConstant(1, 1);
   EXPECT_THROW(OpenReader("").ResumeFittingCandidates(list, 3), std::out_of_range);
   EXPECT_EQ(list.GetCandidateCount(), 0u);

@@ -27,7 +27,7 @@ TEST(DatabaseReader, GroupsAreFoundByTheirNumber) {
   EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", -3, start, end), 0);
   EXPECT_EQ(numbered.substr(start, end - start), "d");
   EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", -3, 0, 20, start, end), 1);
-  // Without the tag the search wraps: it begins behind where the tag would end at the text's start.
+  // Without the tag the search wraps: it begins where a tag at the text's start would end.
   EXPECT_EQ(reader.SearchBoundsOfTaggedGroup(numbered, "G", 1, 1, kNone, start, end), 0);
   EXPECT_EQ(start, 7u);
 }
@@ -135,7 +135,7 @@ TEST(DatabaseReader, CountsBeyondTheListAreRefusedBeforeAnythingIsAllocated) {
   EXPECT_EQ(Read(With("NumberOfInputVariables=-1")).status, 1);
   EXPECT_EQ(Read(With("NumberOfSamples=2147483647\nNumberOfInputVariables=2147483647")).status, 1);
   EXPECT_EQ(Read(With("NumberOfSamples=65536\nNumberOfInputVariables=65536")).status, 1);
-  // Rows of no columns claim no values, but they do take memory.
+  // Rows without columns need no values, but they take memory.
   EXPECT_EQ(Read(With("NumberOfSamples=2147483647\nNumberOfInputVariables=0")).status, 1);
   EXPECT_EQ(Read(With("NumberOfSamples=9\nNumberOfInputVariables=0")).status, 0);
 }

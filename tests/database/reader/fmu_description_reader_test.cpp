@@ -20,7 +20,7 @@ CReaderFMUModelDescription Parsed(std::string text) {
   return reader;
 }
 
-// One variable whose attributes and element are as given.
+// One variable with these attributes and this element.
 std::string Variable(const std::string& attributes, const std::string& element) {
   return "<ScalarVariable " + attributes + "><" + element + "/></ScalarVariable>\n";
 }
@@ -97,7 +97,7 @@ TEST(FMUDescriptionReader, FmiWordScan) {
   EXPECT_EQ(reader.GetParameterValueReferences(),
             (std::map<std::string, int>{{"a", 5}, {"z", 5}, {"last", 0}}));
   EXPECT_EQ(reader.ListParameterImmutableID(CausalityInput), (Names{"a", "z"}));
-  // The type alone has to stand inside of the variable.
+  // Only the type has to be inside the variable.
   EXPECT_EQ(reader.ListParameterImmutableID(ContinuousNotManufacturable), Names{"z"});
 }
 
@@ -113,12 +113,12 @@ TEST(FMUDescriptionReader, DamagedTextsGiveWhatIsThere) {
                {root + "guid=", "", {}, 0},
                {root + "guid=\"", "", {}, 0},
                {root + "guid=\"open name=\"x4\"", "open name=", {}, 0},
-               // Variables count behind their heading alone.
+               // Variables count only after their heading.
                {root + "guid=\"g\">" + Variable("name=\"a\"", "Real"), "g", {}, 0},
                {variable, "", {{"", 0}}, 0},
                {variable + "name=", "", {{"", 0}}, 0},
                {variable + "name=\"a", "", {{"a", 0}}, 0},
-               // Without its closing tag a variable takes all the rest.
+               // Without its closing tag a variable includes the rest of the text.
                {variable + "name=\"a\"" + variable + "name=\"b\" valueReference=\"-2\"><Real",
                 "",
                 {{"a", -2}},
@@ -146,7 +146,7 @@ TEST(FMUDescriptionReader, TextsWithoutWhatTheyPromiseTakeNoQuadraticTimeOrMemor
     return Parsed(text + end).GetParameterValueReferences();
   };
   const std::map<std::string, int> nameless = {{"", 0}};
-  // No word behind the variables; one far and long value for all; names that run to the far end.
+  // No word after the variables; one long value far away for all; names that run to the end.
   EXPECT_EQ(parsed("<ScalarVariable></ScalarVariable>", ""), nameless);
   EXPECT_EQ(
       parsed("<ScalarVariable></ScalarVariable>", "valueReference=\"" + std::string(3000000, '0')),
@@ -194,7 +194,7 @@ TEST(FMUVariables, OfADatabaseAreReadFromTheirGroup) {
   EXPECT_EQ(references, (Pairs{{"a", 1}, {"b", 2}}));
   EXPECT_EQ(read("<FMU></FMU>"), 1);
   EXPECT_EQ(references.size(), 2U);
-  // Without the group the search wraps and succeeds: nothing is found but the empty list.
+  // Without the group the search wraps and succeeds, but finds only an empty list.
   EXPECT_EQ(read("<ParameterRegistry>\n</ParameterRegistry>\n"), 0);
   EXPECT_EQ(n, (std::vector<int>{1, 2, 3, 4, 5}));
   EXPECT_TRUE(references.empty());

@@ -1,4 +1,4 @@
-// What docs/database-format.md shows and lists.
+// The example and the tables of docs/database-format.md.
 
 #include <gtest/gtest.h>
 
@@ -40,11 +40,11 @@ TEST(FormatDocument, ItsExampleReadsEvaluatesAndIsCanonicalWithoutItsNotes) {
   EXPECT_EQ(Written(model), plain);
 }
 
-/// What the page says of keys: from key to form.
+/// The keys of the page: from key to form.
 using DocumentedKeys = std::map<std::string, std::string>;
 
-/// The first table behind `heading`.
-DocumentedKeys TableBehind(const std::string& document, const std::string& heading) {
+/// The first table after `heading`.
+DocumentedKeys TableAfter(const std::string& document, const std::string& heading) {
   DocumentedKeys keys;
   const std::size_t begin = document.find(heading);
   EXPECT_NE(begin, std::string::npos) << heading;
@@ -88,12 +88,12 @@ void ExpectDocumented(DocumentedKeys documented, const std::vector<fields::KeyTa
     for (const fields::Key& key : table) {
       if (key.form == fields::Form::Unread) continue;
       const std::string words = documented[key.label()];
-      EXPECT_PRED2(IsForm, words, key.form) << key.label() << " behind " << heading;
+      EXPECT_PRED2(IsForm, words, key.form) << key.label() << " after " << heading;
       documented.erase(key.label());
     }
   }
   for (const auto& [key, form] : documented) {
-    ADD_FAILURE() << key << " behind " << heading << " is no key of it";
+    ADD_FAILURE() << key << " after " << heading << " is not a key of it";
   }
 }
 
@@ -101,7 +101,7 @@ TEST(FormatDocument, ListsTheKeysOfEachGroup) {
   const std::string document = ContentOf(SourcePath("docs/database-format.md"));
   const auto expect = [&](const std::string& heading, const std::vector<fields::KeyTable>& tables,
                           const std::string& unread = "") {
-    DocumentedKeys documented = TableBehind(document, heading);
+    DocumentedKeys documented = TableAfter(document, heading);
     documented.erase(unread);
     ExpectDocumented(documented, tables, heading);
   };
@@ -121,11 +121,11 @@ TEST(FormatDocument, ListsTheKeysOfEachFamily) {
     EXPECT_NE(document.find(number + ' ' + family->name), std::string::npos) << family->name;
     std::string heading = "**" + std::string(family->name) + ", " + number + "**";
     heading[2] = static_cast<char>(std::toupper(heading[2]));
-    ExpectDocumented(TableBehind(document, heading),
+    ExpectDocumented(TableAfter(document, heading),
                      {family->keys().keys, family->keys().keysOfPart}, heading);
     if (family->innerGroup == nullptr) continue;
     const std::string inner = "Each `" + family->innerGroup() + "`";
-    ExpectDocumented(TableBehind(document, inner), {family->innerKeys()}, inner);
+    ExpectDocumented(TableAfter(document, inner), {family->innerKeys()}, inner);
   }
 }
 

@@ -1,4 +1,4 @@
-// What a text can't hold is refused with a reason, and nothing is written.
+// Objects that a text can't hold are refused with a reason, and nothing is written.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 using Model = CDiscreteCombinations;
 using Candidate = CFittingCandidate;
 
-/// A change of a sound object, and what is then said of it.
+/// A change of a sound object, and the reason of its refusal.
 template <class Object>
 struct Change {
   const char* why;
@@ -112,7 +112,7 @@ TEST(Refusals, RegistryAndCombinations) {
     ExpectRefused(model, change.why);
   }
 
-  // Values of equal rank are sorted in a key, so that this one is lost once the ranks are equal.
+  // Values of equal rank are sorted in a key, so this key is unreachable once the ranks are equal.
   Model model;
   model.RegisterParameter("k", CausalityInput, DiscreteParameter, true);
   model.RegisterParameter("n", CausalityInput, DiscreteParameter, true);
@@ -231,7 +231,7 @@ TEST(Refusals, BaseRecords) {
       {"ConstantValue holds a number that is not finite",
        [](CConstantData& r) { r.SetConstantValue(kNaN); }},
       {"its RSDataVersion is none that a reader restores", Set(&CRSData::RSDataVersion_, 170)},
-      // Rows without values leave no trace in the text, and readers bound their number by it.
+      // Rows without values are not in the text, and readers limit their number by its length.
       {"1000 samples without any input are too many",
        All(Set(&CRSData::NumberOfInputVariables, 0), Set(&CRSData::NumberOfSamples, 1000),
            Set(&CRSData::InputSamples, Matrix(1000)))},
@@ -266,7 +266,7 @@ TEST(Refusals, Families) {
   });
 }
 
-/// A term of the host's own, with a length that only it knows.
+/// A host's own term, whose number of coefficients only it knows.
 class WideTerm : public ConstTerm {
  public:
   int GetNumParam(int& count) const override {

@@ -1,4 +1,4 @@
-// What was written reads back as it was, to the last bit, and gives the same text again.
+// A written model reads back unchanged, to the last bit, and gives the same text again.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ namespace {
 using NamedValues = std::vector<std::pair<std::string, double>>;
 using tests::Question;
 
-/// Everything that an evaluation can tell, from copies: the form with errors may write records.
+/// All results of an evaluation, from copies, since the form with errors may write records.
 std::string Answer(const CDiscreteCombinations& model, const Question& question) {
   const CDiscreteCombinations copy(model);
   NamedValues tables[3];
@@ -34,7 +34,7 @@ std::string Answer(const CDiscreteCombinations& model, const Question& question)
   return all.str();
 }
 
-/// What a list of at most one tells; who gave no infos reads back zeros and empty words.
+/// The value in a list of at most one element. Missing infos read back as zeros and empty words.
 template <class Value>
 Value Only(const std::vector<std::pair<std::string, Value>>& list) {
   return list.empty() ? Value() : list.front().second;
@@ -119,7 +119,7 @@ TEST(RoundTrip, EqualListsShareAGroup) {
   model.RegisterDiscreteCombination({{"k", 3}}, {{"a", shared}, {"b", ListOf(other)}});
   model.RegisterDiscreteCombination({{"k", 9}}, {{"a", ListOf(other)}, {"b", shared}});
   model.RegisterDiscreteCombination({{"k", 1}}, {{"a", shared}, {"b", ListOf(equal)}});
-  // The first combination again: the maps of before stay in the object, but nobody reaches them.
+  // The first combination again: its old map stays in the object but is unreachable.
   model.RegisterDiscreteCombination({{"k", 3}}, {{"a", ListOf(other)}, {"b", ListOf(other)}});
 
   const std::string text = Written(model);
@@ -132,9 +132,9 @@ TEST(RoundTrip, EqualListsShareAGroup) {
   ExpectRoundTrip(model, tests::QuestionsFor(model, 0.5));
 }
 
-// A reader reads a group anew for each use and limits the sum, so that beyond it uses need groups
-// of their own.
-TEST(RoundTrip, SharingStaysWithinWhatAReaderBears) {
+// A reader reads a group again for each use and limits the sum, so further uses need copies of the
+// group.
+TEST(RoundTrip, SharingStaysWithinTheLimitOfAReader) {
   CConstantData record;
   MakeReady(record, 1, Matrix(20000, {0.5}));
   const CFittingCandidate candidate = CandidateOf(record);
@@ -153,8 +153,8 @@ TEST(RoundTrip, SharingStaysWithinWhatAReaderBears) {
 
 TEST(RoundTrip, UnusualObjectsThatATextCanHold) {
   CDiscreteCombinations model;
-  // An empty ID, a key that stands further up, words that only look like tags, equal ranks, numbers
-  // that are no role and no type, infos that nobody gave.
+  // An empty ID, a key that occurs earlier, words that only look like tags, equal ranks, numbers of
+  // no role and no type, and missing infos.
   for (const char* const id : {"", "IDs=4", "<Genome ID=0>", "a < b > c", " "}) {
     model.RegisterParameter(id, CausalityInput, ContinuousManufacturable, true);
   }
@@ -191,7 +191,7 @@ TEST(RoundTrip, ErrorDataThatWereDropped) {
   EXPECT_TRUE(again.SavePredictorError);
   EXPECT_TRUE(again.InvC.empty());
   EXPECT_EQ(again.NumberOfPolyCoeff, 0);
-  // A surface without a trend has a matrix for its samples alone.
+  // A surface without a trend has only the matrix for its samples.
   kriging.InvC = {{1, 2}, {3, 4}};
   kriging.Sigma2 = 0.5;
   again = ReadBack(kriging);
@@ -227,7 +227,7 @@ TEST(RoundTrip, TermsWithoutTheirPartsStayWithoutThem) {
   record.SetRegTerm(terms, 4);
   CDiscreteCombinations model;
   FillWith(CandidateOf(record), model);
-  // GetParamVal delivers a number for this one, which evaluations don't take.
+  // GetParamVal returns a number for this term, but evaluations refuse it.
   SurfaceOf<CQRSData>(model).RegTerms[2]->ResetParamVal();
 
   const CDiscreteCombinations again = Again(model);

@@ -83,7 +83,7 @@ TEST(KrigingData, KrigingOutputIntercept) {
   const double deviation = std::sqrt(8.0);
   EXPECT_EQ(record.ComputeScalingFactorsForInputs(), 0);
   EXPECT_EQ(record.InputScaleIntercepts[0], -(1 / deviation) * 3.0);
-  // What was there before is gone.
+  // The old values are gone.
   EXPECT_EQ(record.InputScaleSlopes.size(), 4U);
   EXPECT_EQ(record.InputScaleIntercepts.size(), 4U);
   record.ComputeScalingFactorsForInputsUsingInfNorm();
@@ -131,7 +131,7 @@ TEST(KrigingCorrelation, CutsOffAtTheStatedPlaces) {
   EXPECT_EQ(Correlate(CorrBesselJ0, {1.0}, {3.8318}, {0.0}, 1), 0.0);
   EXPECT_EQ(Correlate(CorrSinc, {1.0}, {1e-06}, {0.0}, 1), 1.0);
   EXPECT_LT(Correlate(CorrSinc, {-1.0}, {1.0001e-06}, {0.0}, 1), 1.0);
-  // Beyond the cut-off 0 is assigned, not multiplied, and the loop goes on behind it.
+  // Beyond the cut-off 0 is assigned, not multiplied, and the loop continues after it.
   for (const int type : {CorrSpline, CorrParabolic}) {
     EXPECT_EQ(Correlate(type, {1.0}, {1.0}, {0.0}, 1), 0.0) << type;
     EXPECT_EQ(Correlate(type, {-1e200, 1.0}, {1.0, 2.0}, {0.0, 0.0}, 2), 0.0) << type;
@@ -165,7 +165,7 @@ TEST(KrigingData, KrigingUnknownTrend) {
   } cases[] = {{PolyNone, 1, {}},
                {PolyConstant, 0, {1}},
                {PolyLinear, 0, {1, 3, 5}},
-               // An unknown type appends nothing, and is no failure.
+               // An unknown type appends nothing and is not a failure.
                {99, 0, {}}};
   for (const auto& each : cases) {
     Vector basis = {kUntouched};

@@ -12,7 +12,7 @@ int ReadError(const std::string& text, CRSData* record) {
   return OpenReader(text).ResumeKrigingDataPredictorError(record, 0, std::string::npos);
 }
 
-// Texts of surfaces, with values and errors from elsewhere. What is put in front of a text wins.
+// Texts of surfaces, with independent values and errors. A line that is put before a text counts.
 nlohmann::json Surfaces() { return ReferenceData("kriging/predictions.json"); }
 
 TEST(KrigingReading, SurfacesFromTextAgreeWithADenseSolve) {

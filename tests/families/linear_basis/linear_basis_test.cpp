@@ -13,8 +13,8 @@ class Evaluator : public CLBFEvaluator {
 
 const Evaluator kEvaluator;
 
-// Rational functions of width 1 at 0 and 2, trend 10 + 100 x, all scalings that of the identity but
-// for the point, which is doubled.
+// Rational functions of width 1 at 0 and 2, and the trend 10 + 100 x. The point is doubled; nothing
+// else is scaled.
 CLBFData SmallRecord() {
   CLBFData record;
   MakeReady(record, 1, {{0}, {2}}, {7, 8});
@@ -42,7 +42,7 @@ TEST(LinearBasis, RadialFunctionsMatchTheFormulasAtAndAroundTheirCutOffs) {
     const double want = item["value"];
     ASSERT_EQ(out.size(), 1U);
     EXPECT_NEAR(out[0], want, 2e-15) << item;
-    // What lies at or beyond a cut-off is exact.
+    // Values at or beyond a cut-off are exact.
     if (want == 0.0 || want == 1.0) {
       EXPECT_EQ(out[0], want) << item;
     }
@@ -106,7 +106,7 @@ TEST(LinearBasis, RefusedPartsLeaveWhatTheyPromise) {
   EXPECT_EQ(out, (Vector{0, 0}));
   EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {}, out), 1);
   EXPECT_TRUE(out.empty());
-  // Distances run over the inputs of the record, whatever the point has behind them.
+  // Distances use the inputs of the record; further values of the point are ignored.
   record.BasisFunctionType = LBFRational;
   EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {2, 77}, out), 0);
   EXPECT_EQ(out, (Vector{0.2, 1}));

@@ -115,13 +115,13 @@ TEST(MovingLeastSquares, TheBasisIsThatOfTheRecordAndTheUsedSamples) {
   }
   EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, {}, f), 1);
   EXPECT_TRUE(f.empty());
-  // A wrong count is not worth the memory of 200,000 inputs.
+  // With a wrong count the basis of 200,000 inputs is not computed.
   record.PolynomialType = PolyFullQuadratic;
   record.NumberOfInputVariables = 200000;
   EXPECT_EQ(kEvaluator.EvaluateBasisFunction(&record, Vector(200000), f), 1);
   EXPECT_TRUE(f.empty());
-  // The third nearest sample gives the width of the weights. Where it has no distance they have
-  // none, and no weight is a number.
+  // The third nearest sample gives the width of the weights. If its distance is NaN, so are all
+  // weights.
   record = SmallRecord();
   record.InputSamples = {{1}, {2}, {kNaN}, {kNaN}};
   record.NumberOfUsedPoints = 2;
@@ -148,11 +148,11 @@ TEST(MovingLeastSquares, ASampleOfAnotherLengthIsAtThePointAndGivesItsFirstValue
   Matrix B;
   EXPECT_EQ(kEvaluator.ComputeB(&record, B), 0);
   EXPECT_EQ(B, (Matrix{{1, 1}, {1, 2}, {1, 3}}));
-  // The parabola's chord, whatever the weights: what the longer sample says of itself.
+  // The line through the samples, whatever the weights, with the first value of the longer sample.
   record.OutputSamples = {10, 20, 30, -1};
   EXPECT_NEAR(Value(kEvaluator, record, {1.5}), 15.0, 1e-6);
-  // One that is not used needs no value at all. A constant needs none either: distances 0, 0.5,
-  // 1.5 and 3.5 with rho 0.5.
+  // An unused sample needs no value. For a constant no sample needs one: distances 0, 0.5, 1.5
+  // and 3.5 with rho 0.5.
   record.InputSamples = {{1}, {2}, {3}, {}};
   EXPECT_NEAR(Value(kEvaluator, record, {1.5}), 15.0, 1e-6);
   record.InputSamples = {{}, {2}, {3}, {5}};

@@ -6,7 +6,7 @@ namespace {
 TEST(QRSEvaluator, RecordsThatCannotBeHonouredAreRefused) {
   const CQRSData sound = ConstantRecord(-1e100);
   ExpectEachRefused<CQRSData>(kEvaluator, sound, {0.0}, {}, true);
-  // These have an error all the same.
+  // The form with an error writes it even for these.
   const Damage<CQRSData> damages[] = {
       {"no intercepts", [](CQRSData& r) { r.InputScaleIntercepts.clear(); }},
       {"no way back", [](CQRSData& r) { Take(-1, r.OutputTransformType); }},
@@ -103,7 +103,7 @@ TEST(PredictorError, OneSidedRegressionError) {
   }
 }
 
-TEST(PredictorError, RefusesWhatCannotBeTold) {
+TEST(PredictorError, RefusesWithoutTheDataOfAnError) {
   const Matrix one = {{0.25}};
   const Matrix two = {{1.0, 0.0}, {0.0, 1.0}};
   // The status for a point, with one term active or both, a matrix, samples and a level.

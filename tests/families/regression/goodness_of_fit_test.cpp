@@ -13,7 +13,7 @@ Vector ValuesOf(const DMtx& matrix) {
   return values;
 }
 
-/// Keeps what it is handed.
+/// Stores its arguments.
 class Recorder : public Core::GOFMeasr {
  public:
   int ComputeAllMeasures(const DRecMtx& design, const DRowVec& paramStatus,
@@ -104,7 +104,7 @@ TEST(GoodnessOfFit, RefusalsDoNotTouchTheMeasure) {
     EXPECT_TRUE(refused(&record)) << &damage - damages;
   }
   CQRSData record = LogRecord();
-  record.OutputTransformType = TransformBox;  // a sample that its way forward refuses
+  record.OutputTransformType = TransformBox;  // which refuses a sample
   record.OutputSamples[1] = -100.0;
   EXPECT_EQ(evaluator.EvalGoodnessOfFit(&record, gof), 1);
   record = LogRecord();

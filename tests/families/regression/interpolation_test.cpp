@@ -15,7 +15,7 @@ void ExpectAsLiteral(const CQRSData& record, const Vector& x) {
   EXPECT_NE(y[0], kHole);
 }
 
-// The operation is private, which an explicit instantiation need not mind.
+// The operation is private, but an explicit instantiation may name it.
 using CodingOperation = int (CQRSEvaluator::*)(const CRSData*, const double*, Vector&) const;
 CodingOperation Coding();
 template <CodingOperation kOperation>
@@ -70,7 +70,7 @@ TEST(Interpolation, MovesTheBoxInwardUntilAllCornersSucceed) {
 }
 
 TEST(Interpolation, ACornerMayBeAHoleItself) {
-  // Holes at 0 and at 2, which is a corner of the box round 0.
+  // Holes at 0 and at 2, which is a corner of the box around 0.
   CQRSData record = PlainRecord(1,
                                 {{FuncTypeConst, {}, kHole},
                                  {FuncTypeLinear, {0}, kHole / 2.0},

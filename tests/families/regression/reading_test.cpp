@@ -21,8 +21,8 @@ std::string Counted(int count, const std::string& groups) {
   return kBase + "MaxRegTerm=" + std::to_string(count) + "\n" + groups;
 }
 
-/// Reads what stands from `lower` to `upper`, far enough from the text's start for a missing group
-/// not to be found in it.
+/// Reads the text from `lower` to `upper`. It is far enough from the text's start that a missing
+/// group is not found in it.
 int Read(const std::string& body, CRSData* record, std::size_t lower = 0,
          std::size_t upper = std::string::npos) {
   const std::string before(64, '\n');
@@ -116,7 +116,7 @@ TEST(QRSReading, RefusesBadTermListsAndKeepsTheTermsThatWere) {
   EXPECT_EQ(Read(Counted(4, kFour), nullptr), 1);
   EXPECT_EQ(ReadError(kBase, &other), 1);
 
-  // A group that begins or ends outside of the record's range is none of its own.
+  // A group that begins or ends outside the record's range does not belong to it.
   const std::string text = Counted(1, "") + one;
   CQRSData record;
   EXPECT_EQ(Read(text, &record), 0);
@@ -133,7 +133,7 @@ TEST(QRSReading, ErrorDataThatDoNotFitLeaveTheMatrix) {
     EXPECT_EQ(ReadError(order + kBase, &record), 1) << order;
     EXPECT_EQ(record.InvXtX, Matrix{{5.0}});
     EXPECT_EQ(record.Sigma2, 9.0);
-    // The record is read all the same, and its error can't be told.
+    // The record is read all the same, but it has no error.
     EXPECT_EQ(
         Read(order + Counted(4, kFour) + "QRSVersion=192\nQRSSavePredictorError=1\n", &record), 0);
     EXPECT_TRUE(record.SavePredictorError);

@@ -14,7 +14,7 @@ double ValueAt(const CQRSData& record, Vector x) {
   return record.EvaluateRegTerm(x, y) == 0 ? y : -7.0;
 }
 
-/// A host's own term that borrows the number of another class.
+/// A host's own term with the number of another class.
 class HostTerm : public LinearTerm {
  public:
   int EvaluateValue(const int&, const double*, double* value) const override {
@@ -92,7 +92,7 @@ TEST(QRSData, AProductOfAnyListLosesItsListInACopy) {
   std::vector<int> indices(3, -1);
   EXPECT_EQ(record.GetRegTermUsedInpVarIdx(0, indices.data()), 0);
   EXPECT_EQ(indices, std::vector<int>(3));
-  // Over no variables there is nothing to lose: it stays the constant that it is.
+  // A product of no variables has no list to lose and stays a constant.
   SetTerms(record, {{FuncTypeCrossPoly, {}, 2.0}});
   Vector nowhere;
   double y = -7.0;
@@ -124,7 +124,7 @@ TEST(QRSData, SumStopsAtTheFirstTermThatRefusesWithThePartialSum) {
   EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables(x, g), 1);
   record.NumberOfInputVariables = 2;
   EXPECT_EQ(ValueAt(record, x), 14.5);
-  // A point shorter than the record says is not read beyond its end, nor are the slopes.
+  // Neither a point that is too short nor the slopes are read beyond their ends.
   EXPECT_EQ(ValueAt(record, {3.0}), -7.0);
   record.NumberOfInputVariables = INT_MAX;
   EXPECT_EQ(record.EvaluateRegTermDerivativeWrtInputVariables(x, g), 1);

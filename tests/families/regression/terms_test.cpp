@@ -11,7 +11,7 @@ struct Answers {
   Vector gradient;
 };
 
-/// -7 stands where nothing was written.
+/// -7 means that nothing was written.
 Answers Ask(const RegTerm& term, const Vector& x) {
   Answers a{{}, -7.0, -7.0, Vector(x.size(), -7.0)};
   const int n = static_cast<int>(x.size());
@@ -78,7 +78,7 @@ TEST(RegTerms, RefuseWhatIsNotSetOrOutsideAndWriteNothing) {
     term->SetInactive();
     EXPECT_EQ(Ask(*term, x).statuses.front(), 0);
   }
-  // Without a coefficient, and yet a design row.
+  // A term without a coefficient has a design row.
   for (const auto type : {FuncTypeLinear, FuncTypePureQuad, FuncTypeCrossQuad, FuncTypeCrossPoly}) {
     const auto term = MakeTerm({type, std::vector<int>(type == FuncTypeLinear ? 1 : 2), c});
     term->SetInactive();

@@ -84,7 +84,7 @@ TEST(Transformers, TransformationsWithoutInverse) {
 
 #ifndef _MSC_VER  // which writes pointers to virtual operations in another way
 
-// Where an operation stands in the table of its class, from a place that all of them share.
+// The place of an operation in the table of its class, relative to a common one.
 template <class Operation>
 std::ptrdiff_t PlaceOf(Operation operation) {
   std::ptrdiff_t place = 0;

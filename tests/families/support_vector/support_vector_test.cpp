@@ -90,7 +90,7 @@ TEST(SupportVector, EvaluatorsSkipChecks) {
     record.NumberOfSamples = samples;
     EXPECT_EQ(Value(kEvaluator, record, {3}), 10.0);
   }
-  // Without samples no kernel is asked for, so that none can be refused.
+  // Without samples no kernel is evaluated, so none can be refused.
   record.InputSamples.clear();
   record.Betas.clear();
   record.KernelArray.clear();
@@ -121,7 +121,7 @@ TEST(SupportVector, WidthsAreHalfTheInverseMeanVariance) {
   const std::tuple<Matrix, int, Vector> cases[] = {
       {{{1, 2}, {3, 6}}, 0, {0.5 / 5.0, 0.5 / 5.0}},  // variances 2 and 8
       {{{1, 2}, {1, 2}}, 1, Vector()},
-      // The mean of no variances is 0/0, which is not 0; of a single row all are.
+      // The mean of no variances is 0/0, which is not 0. All variances of a single row are 0/0.
       {Matrix(), 0, Vector()},
       {{{1, 2}, {3}}, 0, Vector()},
       {{{1, 2}}, 0, Vector(2, std::nan(""))}};
