@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What we ship has the guards that the build asked for, and the library unloads.
+# The library and the command have the guards of the build, and the library can be unloaded.
 #
 #   hardened.sh WORK HEADERS LIBRARY COMMAND FLAGS...
 set -euo pipefail

@@ -26,12 +26,12 @@ else
 fi
 cmake --install "$build" --prefix "$prefix" >>"$work/log"
 
-# Moved after installation: nothing may remember where it was put first.
+# Moved after installation: nothing may depend on the first place.
 mv "$prefix" "$work/moved"
 prefix=$work/moved
 library_folder=$(dirname "$(find "$prefix" -name 'libpxrom.*' | head -n 1)")
 
-# Without the compiler options of whoever runs this test, as an unrelated project would be.
+# Without the compiler options of the environment, as in an unrelated project.
 unset CFLAGS CXXFLAGS LDFLAGS
 cmake -S "$source/tests/consumer" -B "$work/by_cmake" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
   -DCMAKE_PREFIX_PATH="$prefix" >>"$work/log"

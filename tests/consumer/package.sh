@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The Debian package of a build holds all that a host needs, and its command runs where it is put.
+# The Debian package of a build has everything that a host needs, and its command runs from any place.
 #
 #   package.sh SOURCE WORK BUILD CPACK
 set -euo pipefail

@@ -15,15 +15,15 @@ exported=$(nm -DC --defined-only "$library" | cut -d ' ' -f 3-)
   echo "symbols.sh: the library does not export what it should" >&2
   exit 1
 }
-# Weak instances of the standard library's templates are everybody's.
+# Weak instances of the standard library's templates are allowed.
 if others=$(grep -vE "$public" <<<"$exported" | grep -vE "^${about}([^(<]* )?(std|__gnu_cxx)::"); then
   echo "symbols.sh: exported, but no part of the public headers:" >&2
   echo "$others" >&2
   exit 1
 fi
 
-# What keeps a library in memory after dlclose, by the compilers that can do without: a symbol that
-# is unique in the process.
+# A symbol that is unique in the process keeps a library in memory after dlclose. Compilers that can
+# avoid such symbols must do so.
 if unique=$(nm -DC --defined-only "$library" | grep -E '^\S* u '); then
   echo "symbols.sh: unique symbols keep the library loaded:" >&2
   echo "$unique" >&2

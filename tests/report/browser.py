@@ -55,11 +55,11 @@ class Browser:
         path.write_bytes(self.driver.get_screenshot_as_png())
 
     def complaints(self) -> list:
-        """What the console says since the page was opened."""
+        """The messages of the console since the page was opened."""
         return [entry["message"] for entry in self.driver.get_log("browser")]
 
     def requests(self) -> list:
-        """Addresses that were asked for since then, but for the page itself."""
+        """Addresses that were requested since then, except the page itself."""
         events = [json.loads(e["message"])["message"] for e in self.driver.get_log("performance")]
         asked = [
             event["params"]["request"]["url"]

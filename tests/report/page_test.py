@@ -92,7 +92,7 @@ class PageTest(unittest.TestCase):
             "return [...document.querySelectorAll('#notes li')].map((note) => note.textContent)")
 
     def command_line(self) -> list:
-        """The words behind `pxrom eval FILE` that the page offers to copy."""
+        """The words after `pxrom eval FILE` that the page offers to copy."""
         words = shlex.split(self.element("#command").get_attribute("textContent"))
         self.assertEqual(words[:3], ["pxrom", "eval", self.model.name])
         return words[3:]
@@ -104,7 +104,7 @@ class PageTest(unittest.TestCase):
         self.assertTrue(math.isclose(float(text), expected, rel_tol=TOLERANCE), (text, expected))
 
     def check_numbers(self) -> None:
-        """Everything in the table is what the command says at the point."""
+        """The table shows what the command prints for the point."""
         said = pxrom("eval", self.model, *self.command_line(), "--json")
         self.assertEqual(said.returncode, 0, said.stderr)
         outputs = json.loads(said.stdout)["outputs"]
@@ -301,7 +301,7 @@ class PageTest(unittest.TestCase):
             "This page can't evaluate the model: " + reason.rstrip())
 
     def test_nothing_runs_or_loads_but_the_page(self):
-        """What slipped in all the same would meet the policy of the page."""
+        """The policy of the page blocks scripts and images that got into it."""
         self.open(CONSTANT)
         self.browser.run(
             "const s = document.createElement('script'); s.textContent = 'hostile = 1';"

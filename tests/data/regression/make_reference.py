@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Writes reference.json: what numpy 1.24 and scipy 1.10 say about transformations and predictor errors.
+"""Writes reference.json: transformations and predictor errors by numpy 1.24 and scipy 1.10.
 
 transforms: [type, parameter, x, forward(x), back(forward(x))] for the types that are textbook pairs.
 errors: least squares fits with their prediction half-widths at new points, in the output's own unit.
