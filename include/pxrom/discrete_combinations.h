@@ -48,7 +48,7 @@ class PXROM_API CDiscreteCombinations {
   /// Predicts every output of one combination, with predicted errors.
   ///
   /// `discreteValues` names each enabled discrete input once, `continuousValues` each enabled
-  /// continuous input. `outputs` is replaced and gets
+  /// continuous input; derived and disabled parameters are left out. `outputs` is replaced and gets
   /// (ID, value) in the order of IDs; **`errors` is appended to, not emptied**, and lacks the
   /// outputs that have no error.
   /// 0; -2 when an output has no error; 1 when a count, a name or the combination doesn't fit, with

@@ -26,8 +26,8 @@ std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
   return surfaces;
 }
 
-/// The larger of `largest` and the magnitudes of the values with a status other than 1; infinite if
-/// one of them is NaN.
+/// The larger of `largest` and the magnitudes of the values with a status other than 1. Infinite if
+/// one of them is not finite.
 double LargestOf(double largest, const double* values, const int* statuses, std::size_t count) {
   for (std::size_t point = 0; point < count; ++point) {
     if (statuses[point] == 1) continue;
