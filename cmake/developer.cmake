@@ -6,6 +6,7 @@ include(CheckLinkerFlag)
 set(PXROM_SANITIZE "" CACHE STRING "Sanitizers for the whole build, for example address,undefined")
 option(PXROM_COVERAGE "Instrument the build for coverage" OFF)
 option(PXROM_JOIN_SOURCES "Compile the sources of a folder together, to build faster; our presets do" OFF)
+option(PXROM_JOIN_TESTS "The same for the tests alone" ${PXROM_JOIN_SOURCES})
 option(PXROM_WERROR "Treat warnings as errors; our presets do" OFF)
 option(PXROM_HARDEN "Guard stacks, string functions and tables of addresses, where it can be done" ON)
 
@@ -82,12 +83,11 @@ if(PXROM_COVERAGE)
   target_link_options(pxrom_developer INTERFACE -fprofile-instr-generate)
 endif()
 
-# pxrom_join_by_folder(TARGET sources...): compiles the sources that lie in one folder together where
-# PXROM_JOIN_SOURCES asks for it. Each name of their unnamed namespaces is used once in the folder then.
-function(pxrom_join_by_folder target)
-  set_target_properties(${target} PROPERTIES
-    UNITY_BUILD ${PXROM_JOIN_SOURCES} UNITY_BUILD_MODE GROUP)
-  if(PXROM_JOIN_SOURCES)
+# pxrom_join_by_folder(TARGET JOIN sources...): if JOIN is true, compiles the sources that lie in one
+# folder together. Each name of their unnamed namespaces may be used once in the folder then.
+function(pxrom_join_by_folder target join)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${join} UNITY_BUILD_MODE GROUP)
+  if(join)
     # g++ takes a class of a joined source for one of a header.
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()
