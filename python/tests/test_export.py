@@ -23,6 +23,7 @@ from sklearn.preprocessing import StandardScaler as Standard
 
 import pxrom
 from pxrom.export import NotExportable, to_text
+from pxrom.export._rounding import correlation, kernels_off
 
 ot.Log.Show(ot.Log.NONE)
 DRAW = np.random.default_rng(7)
@@ -266,9 +267,35 @@ def test_what_rounding_explains_is_exported_with_a_warning(n):
         to_text(fitted)
 
 
+@pytest.mark.parametrize(
+    "kind, model",
+    [
+        (1, lambda k: ot.AbsoluteExponential([1 / k])),
+        (2, lambda k: ot.SquaredExponential([np.sqrt(0.5 / k)])),
+        (4, lambda k: ot.SphericalModel([1 / k], [1.0], 1.0)),
+        (8, lambda k: ot.MaternModel([1 / k], [1.0], 2.5)),
+    ],
+)
+def test_rounding_of_kernels(kind, model):
+    """The kernels are those of the tools, and what moves them is as much as moving a point does."""
+    scales, off = np.array([0.7, 1.2]), 1e-10
+    samples, point = np.array([[0, 0.1], [0.3, 1.0], [1.9, 0.4]]), np.array([0.6, 0.2])
+
+    def product(moved):
+        away = np.abs(point - samples) + moved
+        return [np.prod([model(k)([a])[0, 0] for k, a in zip(scales, row)]) for row in away]
+
+    values, bound = kernels_off(correlation(kind, scales), samples, point, np.full((3, 2), off))
+    np.testing.assert_allclose(values, product(0.0), rtol=1e-13)
+    np.testing.assert_allclose(bound, np.subtract(product(-off), product(off)), rtol=1e-3)
+    still = kernels_off(correlation(kind, scales), samples, point, np.zeros((3, 2)))[1]
+    assert np.all((2.2e-16 * 8 * values < still) & (still < 2.2e-16 * 16 * values))
+
+
 FRAME = pandas.DataFrame(X, columns=["a", "b", "c"])
 BOTH = pandas.DataFrame({"u": Y, "v": 2 * Y})
 PAIR = linear_model.LinearRegression().fit(X, BOTH.to_numpy())
+PIPED = pipe(Standard(), dummy.DummyRegressor()).fit(X, BOTH.to_numpy())
 
 
 @pytest.mark.parametrize(
@@ -279,6 +306,8 @@ PAIR = linear_model.LinearRegression().fit(X, BOTH.to_numpy())
         (LINE, (), {"inputs": FRAME.columns, "outputs": "flow"}, ["a", "b", "c"], ["flow"]),
         (PAIR, (X, BOTH), {}, ["x0", "x1", "x2"], ["u", "v"]),
         (PAIR, (X, BOTH[["v", "u"]]), {"outputs": ["u", "v"]}, ["x0", "x1", "x2"], ["u", "v"]),
+        # Without X it knows neither its inputs nor how many outputs it has.
+        (PIPED, (X, BOTH.to_numpy()), {}, ["x0", "x1", "x2"], ["y0", "y1"]),
     ],
 )
 def test_names_come_from_where_there_are_some(fitted, given, named, inputs, outputs):
