@@ -511,6 +511,7 @@ REFUSED = [
     (lambda: rbf(kernel="gaussian", epsilon=1.0, neighbors=9), "neighbors=None"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, degree=3), "has the degree 3"),
     (lambda: to_text(ols(np.c_[X, X[:, 0] ** 3]), X), "'x4' is not a constant, an input, a square"),
+    (lambda: to_text(sm.OLS(Y, np.ones(40)).fit()), "design is a constant: pass the inputs as X"),
     (lambda: to_text(ols(X, cov_type="HC3"), error=True), "'HC3' has no counterpart"),
     (
         lambda: to_text(sm.OLS(Y, X).fit_regularized(alpha=0.1), X),

@@ -199,6 +199,7 @@ def test_lists_what_the_model_holds(beam):
         (STEEL, [[1j, 2, 3, 4]], "can't be read as real numbers"),
         (STEEL, {**POINT, "l": 1}, "no input 'l'; did you mean 'L'?"),
         (STEEL, {"L": 1, "b": 2, "h": 3}, "input 'F' is missing"),
+        (STEEL, {**POINT, "L": [[1, 2]]}, "'L' has 2 dimensions; give one value per point"),
         (STEEL, {**POINT, "L": [1, 2], "F": [1, 2, 3]}, "length: 2 values for 'L', 3 for 'F'"),
         (STEEL, pandas.DataFrame({"L": [1], "b": [2], "h": [3], "f": [4]}), "did you mean 'f'?"),
     ],
@@ -220,6 +221,8 @@ def test_refuses_other_arguments(beam):
         beam.predict(STEEL, POINT, mode="quick")
     with pytest.raises(KeyError, match="did you mean 'mass'"):
         beam.predict(STEEL, POINT)["Mass"]
+    with pytest.raises(ValueError, match="no output 'Mass'; did you mean 'mass'"):
+        beam.samples(STEEL, output="Mass")
     for act, said in (
         (lambda: pxrom.loads(b"bytes"), "not bytes; call decode('utf-8', 'surrogateescape')"),
         (lambda: pxrom.loads(BEAM), f"call pxrom.load('{BEAM}')"),

@@ -84,6 +84,10 @@ def test_refuses_what_there_is_not(beam):
         pxrom.plot.slices(beam, STEEL, {"l": 1.5})
     with pytest.raises(ValueError, match="samples=0.15 has to be a number of samples, 0 for none"):
         pxrom.plot.slices(beam, STEEL, samples=0.15)
+    with pytest.raises(ValueError, match="there is no output to show"):
+        pxrom.plot.slices(beam, STEEL, outputs=[])
+    with pytest.raises(ValueError, match="no input 'l'; did you mean 'L'"):
+        pxrom.plot.contour(beam, STEEL, output="mass", x="L", y="l")
     with pytest.raises(ValueError, match="two inputs"):
         pxrom.plot.contour(beam, STEEL, output="mass", x="L", y="L")
     with pytest.raises(ValueError, match="was not fitted"):

@@ -13,7 +13,7 @@ from sklearn.dummy import DummyRegressor
 from sklearn.gaussian_process import GaussianProcessRegressor
 from sklearn.gaussian_process.kernels import RBF, WhiteKernel
 from sklearn.linear_model import LinearRegression
-from sklearn.model_selection import KFold
+from sklearn.model_selection import KFold, ShuffleSplit
 from sklearn.pipeline import make_pipeline
 from sklearn.preprocessing import PolynomialFeatures, StandardScaler
 from sklearn.svm import SVR
@@ -244,6 +244,11 @@ def test_an_ensemble_has_no_error_of_its_own():
         (lambda s, f, y: s.add("mass", f, X, y[:9], at={"Material": 1}), "one row per point"),
         (lambda s, f, y: s.add("mass", f, at={"Material": 1}, folds=5), "pass X and y"),
         (lambda s, f, y: s.add("mass", f, X, y, at={"Material": 1}, folds=99), "2 to 30"),
+        (
+            lambda s, f, y: s.add("mass", f, X, y, at={"Material": 1}, folds=ShuffleSplit(3)),
+            "the folds have to hold each sample once",
+        ),
+        (lambda s, f, y: s.add("mass", f, at={"Material": 1}, error="yes"), "'auto', True or False"),
         (
             lambda s, f, y: s.add("mass", f, at={"Material": 1}).to_text(),
             "output 'cost' at Material=1",
