@@ -11,7 +11,7 @@ import pytest
 import statsmodels.api as sm
 import statsmodels.formula.api as formula
 from scipy import interpolate
-from sklearn import decomposition, dummy, ensemble, kernel_ridge, linear_model, svm
+from sklearn import clone, decomposition, dummy, ensemble, kernel_ridge, linear_model, svm
 from sklearn.compose import TransformedTargetRegressor as Target
 from sklearn.gaussian_process import GaussianProcessRegressor as Process
 from sklearn.gaussian_process.kernels import RBF, ConstantKernel, DotProduct, Matern, WhiteKernel
@@ -23,6 +23,7 @@ from sklearn.preprocessing import StandardScaler as Standard
 
 import pxrom
 from pxrom.export import NotExportable, to_text
+from pxrom.export._convert import Options, convert
 from pxrom.export._rounding import correlation, kernels_off
 
 ot.Log.Show(ot.Log.NONE)
@@ -290,6 +291,25 @@ def test_rounding_of_kernels(kind, model):
     np.testing.assert_allclose(bound, np.subtract(product(-off), product(off)), rtol=1e-3)
     still = kernels_off(correlation(kind, scales), samples, point, np.zeros((3, 2)))[1]
     assert np.all((2.2e-16 * 8 * values < still) & (still < 2.2e-16 * 16 * values))
+
+
+@pytest.mark.parametrize(
+    "fit",
+    [
+        kernel_ridge.KernelRidge(kernel="poly", degree=2, gamma=0.1),
+        kernel_ridge.KernelRidge(kernel="rbf"),
+        Process(RBF([1, 10, 1]) + WhiteKernel(0.1), optimizer=None, normalize_y=True),
+    ],
+)
+def test_rounding_grows_with_sums_and_outputs(fit):
+    """A sum of n terms is off by n u times their magnitude, and all is linear in the outputs."""
+    one, large = (
+        convert(clone(fit).fit(X, c * Y), Options(), "auto", INF, INF)[0] for c in (1, 1000)
+    )
+    np.testing.assert_allclose(large.rounding(NEW), 1e3 * one.rounding(NEW), rtol=1e-6)
+    np.testing.assert_allclose(large.error_rounding(NEW), 1e6 * one.error_rounding(NEW), rtol=1e-6)
+    magnitude, error = one._terms(NEW)
+    assert np.all(error >= 40 * 2.2e-16 * magnitude)
 
 
 FRAME = pandas.DataFrame(X, columns=["a", "b", "c"])

@@ -242,13 +242,14 @@ def test_an_ensemble_has_no_error_of_its_own():
         (lambda s, f, y: s.add("mass", [(f, 0.5)], at={"Material": 1}), "add up to 1, not 0.5"),
         (lambda s, f, y: s.add("mass", [f], at={"Material": 1}), "pairs (fitted, weight)"),
         (lambda s, f, y: s.add("mass", f, X, y[:9], at={"Material": 1}), "one row per point"),
+        (lambda s, f, y: s.add("mass", f, X, 5.0, at={"Material": 1}), "y has the shape ()"),
         (lambda s, f, y: s.add("mass", f, at={"Material": 1}, folds=5), "pass X and y"),
         (lambda s, f, y: s.add("mass", f, X, y, at={"Material": 1}, folds=99), "2 to 30"),
         (
             lambda s, f, y: s.add("mass", f, X, y, at={"Material": 1}, folds=ShuffleSplit(3)),
             "the folds have to hold each sample once",
         ),
-        (lambda s, f, y: s.add("mass", f, at={"Material": 1}, error="yes"), "'auto', True or False"),
+        (lambda s, f, y: s.add("mass", f, at={"Material": 1}, error="yes"), "True or False, not"),
         (
             lambda s, f, y: s.add("mass", f, at={"Material": 1}).to_text(),
             "output 'cost' at Material=1",
