@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <limits>
+#include <set>
 
 #include "batch/batch_cases.h"
 #include "pxrom/constant.h"
@@ -111,6 +112,27 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
   product.InputScaleSlopes.assign(6, 0.001);  // so that nothing overflows
   EXPECT_GT(Prepared(ModelOf(product)).GradientCost().operations,
             500U * CostOf(ModelOf(product)).operations);
+}
+
+// Operations and bytes of an evaluation and of a gradient: each formula of a cost shows here.
+TEST(EvaluationCost, OfFittedModelsIsThatOfTheTable) {
+  std::multiset<std::string> lines;
+  ForEachFittedModel([&lines](const CDiscreteCombinations& model) {
+    const auto ids = model.ListEnabledDiscreteParameterWrtRegistrationRank();
+    for (const auto& [key, place] : *model.GetDiscreteCombinationsIndexingPtr()) {
+      DiscreteValues values;
+      for (std::size_t i = 0; i < ids.size(); ++i) values.emplace_back(ids[i], key[i]);
+      const CPreparedModel prepared = Prepared(model, values);
+      std::string line;
+      for (const CEvaluationCost& cost : {prepared.Cost(), prepared.GradientCost()}) {
+        line += std::to_string(cost.operations) + ' ' + std::to_string(cost.bytes) + ' ';
+      }
+      lines.insert(line + std::to_string(prepared.InputIDs().size()) + '\n');
+    }
+  });
+  std::string table;
+  for (const std::string& line : lines) table += line;
+  EXPECT_EQ(table, ContentOf(SourcePath("tests/data/batch/costs.txt")));
 }
 
 TEST(EvaluationCost, AddsSurfacesAndThoseOfEachFold) {
