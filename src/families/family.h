@@ -111,7 +111,7 @@ extern const FamilyList kAllFamilies;
 /// The family of `type`, or null for an unknown number.
 inline const Family* FindFamily(E_DataType type) noexcept {
   const FamilyList& families = kAllFamilies;
-  // The numbers are consecutive, so the first test normally finds it.
+  // The numbers are consecutive except for our own, so the first test normally finds it.
   const auto place = static_cast<std::size_t>(std::int64_t{type} - families.first[0]->type);
   if (place < families.count && families.first[place]->type == type) return families.first[place];
   for (const Family* const family : families) {

@@ -37,11 +37,19 @@ void CheckFlags(const GroupText& in) {
   }
 }
 
-// "2 to 8", for families with consecutive numbers.
+// "2 to 8 or 102": consecutive numbers are joined.
 template <class Families>
 std::string NumbersOf(const Families& families) {
-  return std::to_string((*families.begin())->type) + " to " +
-         std::to_string((*(families.end() - 1))->type);
+  std::string numbers;
+  for (auto family = families.begin(); family != families.end();) {
+    const int first = (*family)->type;
+    int last = first;
+    while (++family != families.end() && (*family)->type == last + 1) ++last;
+    if (!numbers.empty()) numbers += " or ";
+    numbers += std::to_string(first);
+    if (last != first) numbers += " to " + std::to_string(last);
+  }
+  return numbers;
 }
 
 std::vector<const Family*> FamiliesWithValue() {
