@@ -7,6 +7,7 @@
 #include "pxrom/regression.h"
 #include "reference/kernel_local_literal.h"
 #include "reference/kriging_literal.h"
+#include "reference/polynomial_literal.h"
 
 namespace literal {
 
@@ -43,6 +44,8 @@ class EvaluatorTable {
     table_[DT_MLSData] = new LiteralValues<CMLSEvaluator, CMLSData>(&EvaluateMovingLeastSquares);
     table_[DT_LBFData] = new LiteralValues<CLBFEvaluator, CLBFData>(&EvaluateLinearBasis);
     table_[DT_ConstantData] = new CConstantEvaluator;
+    table_[DT_PolynomialData] =
+        new LiteralValues<CPolynomialEvaluator, CPolynomialData>(&EvaluatePolynomial);
   }
   ~EvaluatorTable() {
     for (auto& entry : table_) delete entry.second;

@@ -623,4 +623,20 @@ int EvaluateRegressionDerivative(const Surface& surface, const std::vector<doubl
   return 0;
 }
 
+int TransformForward(int type, double value, double lambda, double& x) {
+  const Table table;
+  Transformer* const transformer = table.NewTransformer(type);
+  const int status = transformer->TransformAndOverwrite(x, value, lambda);
+  delete transformer;
+  return status;
+}
+
+int TransformBack(int type, double value, double lambda, double& x) {
+  const Table table;
+  Transformer* const transformer = table.NewTransformer(type);
+  const int status = transformer->BacktransformAndOverwrite(x, value, lambda);
+  delete transformer;
+  return status;
+}
+
 }  // namespace literal

@@ -46,4 +46,8 @@ int EvaluateRegression(const Surface& surface, const std::vector<double>& x, dou
 int EvaluateRegressionDerivative(const Surface& surface, const std::vector<double>& x,
                                  std::vector<double>& gradient);
 
+/// A transformation and its way back, for a type from 0 to 9. 1 where it refuses `x`.
+int TransformForward(int type, double value, double lambda, double& x);
+int TransformBack(int type, double value, double lambda, double& x);
+
 }  // namespace literal

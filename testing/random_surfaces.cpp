@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "kernels/kernels.h"
@@ -5,6 +6,7 @@
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
+#include "pxrom/polynomial.h"
 #include "pxrom/regression.h"
 #include "pxrom/support_vector.h"
 #include "testing/random_models.h"
@@ -173,6 +175,63 @@ std::unique_ptr<CRSData> Regression(Draw& draw, int inputs, int samples, bool er
   return record;
 }
 
+// Terms of every degree up to the fourth. With an output transformation their sum stays between 1
+// and 5, as that of a regression does.
+std::unique_ptr<CRSData> PolynomialOfAnyDegree(Draw& draw, int inputs, int samples,
+                                               bool errorData) {
+  auto record = Base<CPolynomialData>(draw, inputs, samples);
+  const int variables = inputs + draw.Int(0, 1);
+  const bool isTransformed = draw.Chance(50);
+  const bool hasBases = draw.Chance(70);
+  for (int v = 0; v < variables; ++v) {
+    record->VariableInputs.push_back(v % inputs);
+    if (isTransformed) {
+      const auto type = OneType<E_QRSTransformationType>(draw, TransformNone, TransformYeo);
+      record->VariableTransformTypes.push_back(type);
+      record->VariableLambdas.push_back(Lambda(draw, type));
+    }
+    if (hasBases) {
+      record->VariableBases.push_back(draw.Int(PolyBasisMonomial, PolyBasisRecurrence));
+    }
+  }
+  if (isTransformed) record->VariableTransformValues = draw.Reals(variables, 1.5, 3);
+  if (draw.Chance(50)) record->VariableSlopes = draw.Reals(variables, -1, 1);
+  if (draw.Chance(50)) record->VariableIntercepts = draw.Reals(variables, -0.5, 0.5);
+  if (draw.Chance(50)) record->VariableAlphas = draw.Reals(variables, -0.9, 2);
+  if (draw.Chance(50)) record->VariableBetas = draw.Reals(variables, -0.9, 2);
+  record->Orthonormal = draw.Chance(50);
+  if (draw.Chance(40)) {
+    record->OutputTransformType =
+        OneType<E_QRSTransformationType>(draw, TransformNone, TransformYeo);
+  }
+  record->OutputTransformValue = draw.Real(1.5, 3);
+  record->OutputLambda = Lambda(draw, record->OutputTransformType);
+  const double most = record->OutputTransformType == TransformNone ? 2.0 : 1e-7;
+  const int terms = draw.Int(1, 8);
+  for (int k = 0; k < terms; ++k) {
+    int left = k == 0 ? 0 : 4;
+    for (int v = 0; v < variables; ++v) {
+      record->Degrees.push_back(draw.Int(0, left));
+      left -= record->Degrees.back();
+    }
+    record->Coefficients.push_back(k == 0 ? draw.Real(1.5, 2) : draw.Real(-most, most));
+  }
+  // Each variable needs three numbers for each step to its largest degree.
+  for (int v = 0; hasBases && v < variables; ++v) {
+    if (record->VariableBases[static_cast<std::size_t>(v)] != PolyBasisRecurrence) continue;
+    int largest = 0;
+    for (auto at = static_cast<std::size_t>(v); at < record->Degrees.size();
+         at += record->VariableInputs.size()) {
+      largest = std::max(largest, record->Degrees[at]);
+    }
+    const std::vector<double> steps = draw.Reals(3 * largest, -1, 1);
+    record->Recurrences.insert(record->Recurrences.end(), steps.begin(), steps.end());
+  }
+  record->SavePredictorError = errorData;
+  if (errorData) record->Covariance = RandomInverse(draw, terms);
+  return record;
+}
+
 struct Maker {
   E_DataType family;
   std::unique_ptr<CRSData> (*make)(Draw&, int inputs, int samples, bool errorData);
@@ -180,8 +239,13 @@ struct Maker {
 
 // One row per family. The result of a seed depends on their order.
 constexpr Maker kMakers[] = {
-    {DT_KrigingData, &Kriging},        {DT_QRSData, &Regression},  {DT_SVRData, &SupportVector},
-    {DT_MLSData, &MovingLeastSquares}, {DT_LBFData, &LinearBasis}, {DT_ConstantData, &Constant},
+    {DT_KrigingData, &Kriging},
+    {DT_QRSData, &Regression},
+    {DT_SVRData, &SupportVector},
+    {DT_MLSData, &MovingLeastSquares},
+    {DT_LBFData, &LinearBasis},
+    {DT_ConstantData, &Constant},
+    {DT_PolynomialData, &PolynomialOfAnyDegree},
 };
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
+#include "pxrom/polynomial.h"
 #include "pxrom/ranking.h"
 #include "pxrom/reader.h"
 #include "pxrom/regression.h"

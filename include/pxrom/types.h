@@ -15,6 +15,8 @@ enum E_DataType : std::int32_t {
   DT_MLSData = 6,
   DT_LBFData = 7,
   DT_ConstantData = 8,
+  // The library's own families, well apart from the others.
+  DT_PolynomialData = 102,
 };
 
 /// The kind of a reader.

@@ -5,6 +5,7 @@
 #include "families/linear_basis/lbf_fields.h"
 #include "families/moving_least_squares/mls_fields.h"
 #include "families/plain/plain_fields.h"
+#include "families/polynomial/polynomial_fields.h"
 #include "families/regression/regression_fields.h"
 #include "families/support_vector/svr_fields.h"
 
@@ -15,8 +16,8 @@ struct RecordList {};
 
 /// The families of the library, by ascending number. This is the only list. A family without its
 /// description does not compile, and one without its `family` does not link.
-using AllRecords =
-    RecordList<CRSData, CQRSData, CKrigingData, CSVRData, CMLSData, CLBFData, CConstantData>;
+using AllRecords = RecordList<CRSData, CQRSData, CKrigingData, CSVRData, CMLSData, CLBFData,
+                              CConstantData, CPolynomialData>;
 
 template <class Records>
 struct FamilyRows;

@@ -11,6 +11,7 @@
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
+#include "pxrom/polynomial.h"
 #include "pxrom/regression.h"
 #include "pxrom/regression_terms.h"
 #include "pxrom/support_vector.h"
@@ -79,6 +80,17 @@ CQRSData Regression(int terms, int variables, double coefficient, bool withError
   return record;
 }
 
+CPolynomialData Polynomial(std::size_t terms, int degree, bool withErrors = false) {
+  auto record = RecordOf<CPolynomialData>(0, 2);
+  record.VariableInputs = {0, 1};
+  record.VariableBases = {PolyBasisHermite, PolyBasisHermite};
+  record.Degrees.assign(2 * terms, degree);
+  record.Coefficients.assign(terms, 1.0);
+  record.SavePredictorError = withErrors;
+  if (withErrors) record.Covariance = Matrix(terms, Vector(terms, 0.5));
+  return record;
+}
+
 CEvaluationCost CostOf(const CDiscreteCombinations& model) {
   CEvaluationCost cost;
   EXPECT_EQ(CPreparedModel::EstimateCost(model, {}, cost), 0);
@@ -103,6 +115,9 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
   EXPECT_NEAR(Growth(MovingLeastSquares(66, 10), MovingLeastSquares(861, 40)), 2000.0, 700.0);
   EXPECT_NEAR(Growth(Regression(1000, 3, 1.0), Regression(4000, 3, 1.0)), 4.0, 0.1);
   EXPECT_NEAR(Growth(Regression(200, 3, 1.0, true), Regression(800, 3, 1.0, true)), 16.0, 2.0);
+  EXPECT_NEAR(Growth(Polynomial(1000, 2), Polynomial(4000, 2)), 4.0, 0.2);
+  EXPECT_NEAR(Growth(Polynomial(1, 200), Polynomial(1, 800)), 4.0, 0.1);
+  EXPECT_NEAR(Growth(Polynomial(200, 2, true), Polynomial(800, 2, true)), 16.0, 0.5);
   EXPECT_LT(CostOf(ModelOf(RecordOf<CConstantData>(500, 5))).operations, 1000U);
 
   // A sum that reaches the mark of a hole is interpolated over thousands of corners.

@@ -3,7 +3,7 @@ as the script that imports them asks for (python3-mpmath)."""
 
 import random
 
-from mpmath import besselj, exp, fabs, lu_solve, matrix, mpf, sin, sqrt, tanh
+from mpmath import besselj, exp, fabs, log, lu_solve, matrix, mpf, sin, sqrt, tanh
 
 SINC_CUT = mpf(4.71238898038469)  # the doubles, exactly
 BESSEL_CUT = mpf(3.8317)
@@ -136,3 +136,29 @@ def lbf_function(kind, d, r, h):
     if kind == 4:
         return 1 / ((r / h)**2 + 1)
     return tanh(r / d / h)
+
+
+def box(x, lam):
+    return log(x) if lam == 0 else (x**lam - 1) / lam
+
+
+def inverse_box(x, lam):
+    return exp(x) if lam == 0 else (lam * x + 1)**(1 / lam)
+
+
+def forward(kind, x, a, lam):
+    if kind in (7, 8):
+        return box(x, lam) if kind == 7 else exp(inverse_box(x, lam))
+    if kind == 9:
+        return box(x + 1, lam) if x >= 0 else -box(1 - x, 2 - lam)
+    return {0: lambda: x, 1: lambda: exp(x), 2: lambda: log(x) / log(a), 3: lambda: log(x),
+            4: lambda: log(x) / log(mpf(10)), 5: lambda: sqrt(x), 6: lambda: x**a}[kind]()
+
+
+def back(kind, s, a, lam):
+    if kind in (7, 8):
+        return inverse_box(s, lam) if kind == 7 else exp(inverse_box(s, lam))
+    if kind == 9:
+        return inverse_box(s, lam) - 1 if s >= 0 else 1 - inverse_box(-s, 2 - lam)
+    return {0: lambda: s, 1: lambda: log(s), 2: lambda: log(a) * exp(s), 3: lambda: exp(s),
+            4: lambda: mpf(10)**s, 5: lambda: s**2, 6: lambda: s**(1 / a)}[kind]()

@@ -11,6 +11,7 @@
 #include "reference/evaluate_literal.h"
 #include "reference/kernel_local_literal.h"
 #include "reference/kriging_literal.h"
+#include "reference/polynomial_literal.h"
 #include "reference/reading_literal.h"
 #include "reference/regression_literal.h"
 #include "support/surfaces.h"
@@ -162,6 +163,18 @@ void Distort(Draw& draw, CLBFData& record) {
   Lengthen(draw, record);
 }
 
+void Distort(Draw& draw, CPolynomialData& record) {
+  const Vector lambdas = {-1.5, 0.0, 1e-6, 0.5, 2.0};
+  for (double& lambda : record.VariableLambdas) lambda = draw.OneOf(lambdas);
+  for (double& slope : record.InputScaleSlopes) slope = draw.Real(-1, 2);
+  for (double& coefficient : record.Coefficients) coefficient = draw.Real(-2, 2);
+  if (draw.Chance(5)) record.VariableInputs.back() = draw.Int(-1, record.NumberOfInputVariables);
+  if (draw.Chance(5)) record.Degrees.push_back(1);
+  if (draw.Chance(5)) record.VariableAlphas.push_back(0.5);
+  if (draw.Chance(5)) record.Degrees[0] = draw.OneOf(std::vector<int>{-1, 40, 1000, 1001});
+  if (draw.Chance(10)) record.Covariance.pop_back();
+}
+
 void ExpectSame(const Vector& got, const Vector& want) {
   EXPECT_TRUE(SameBits(got, want))
       << testing::PrintToString(got) << " " << testing::PrintToString(want);
@@ -189,6 +202,16 @@ int ExpectLiteral(const CMLSData& record, const Vector& x) {
 
 int ExpectLiteral(const CLBFData& record, const Vector& x) {
   return ExpectSame(CLBFEvaluator(), record, x, &literal::EvaluateLinearBasis);
+}
+
+int ExpectLiteral(const CPolynomialData& record, const Vector& x) {
+  const CPolynomialEvaluator evaluator;
+  Vector got(2, -7.0);
+  Vector want(2, -7.0);
+  EXPECT_EQ(evaluator.EvaluateResponseSurface(&record, x, got[0], got[1]),
+            literal::EvaluatePolynomial(record, x, want[0], want[1]));
+  ExpectSame(got, want);
+  return ExpectSame(evaluator, record, x, &literal::EvaluatePolynomial);
 }
 
 int ExpectLiteral(const CQRSData& record, const Vector& x) {
@@ -264,6 +287,7 @@ TEST(Literal, BitsAreDefined) {
   ExpectLiteralSurfaces<CSVRData>(DT_SVRData, 1000);
   ExpectLiteralSurfaces<CMLSData>(DT_MLSData, 1500);
   ExpectLiteralSurfaces<CLBFData>(DT_LBFData, 1000);
+  ExpectLiteralSurfaces<CPolynomialData>(DT_PolynomialData, 600);
 }
 
 }  // namespace

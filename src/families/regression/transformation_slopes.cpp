@@ -14,6 +14,12 @@ double InverseBoxSlope(double x, double lambda) {
   return std::pow(lambda * x + 1.0, 1.0 / lambda - 1.0);
 }
 
+/// The second derivative of that inverse.
+double InverseBoxCurvature(double x, double lambda) {
+  if (CountsAsZero(lambda)) return std::exp(x);
+  return (1.0 - lambda) * std::pow(lambda * x + 1.0, 1.0 / lambda - 2.0);
+}
+
 /// The derivative of the exponential of that inverse.
 double ExpOfInverseBoxSlope(double x, double lambda) {
   const double power =
@@ -83,6 +89,36 @@ double BacktransformationSlope(const CTransformer& transformer, double x, double
       return x < 0.0 ? InverseBoxSlope(-x, 2.0 - lambda) : InverseBoxSlope(x, lambda);
   }
   return 1.0;
+}
+
+double BacktransformationCurvature(const CTransformer& transformer, double x, double value,
+                                   double lambda) {
+  switch (transformer.TransformationType()) {
+    case TransformNone:
+      return 0.0;
+    case TransformExpo:
+      return -1.0 / (x * x);
+    case TransformLogA:
+    case TransformLogE:
+      return BacktransformationSlope(transformer, x, value, lambda);
+    case TransformLog10:
+      return BacktransformationSlope(transformer, x, value, lambda) * std::log(10.0);
+    case TransformSquare:
+      return 2.0;
+    case TransformPower:
+      return std::pow(x, 1.0 / value - 2.0) * (1.0 / value - 1.0) / value;
+    case TransformBox:
+      return InverseBoxCurvature(x, lambda);
+    case TransformLogBox: {
+      const double slope = InverseBoxSlope(x, lambda);
+      const double power =
+          CountsAsZero(lambda) ? std::exp(x) : std::pow(lambda * x + 1.0, 1.0 / lambda);
+      return std::exp(power) * (slope * slope + InverseBoxCurvature(x, lambda));
+    }
+    case TransformYeo:
+      return x < 0.0 ? -InverseBoxCurvature(-x, 2.0 - lambda) : InverseBoxCurvature(x, lambda);
+  }
+  return 0.0;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::batch

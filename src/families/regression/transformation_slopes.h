@@ -12,4 +12,8 @@ double TransformationSlope(const CTransformer& transformer, double x, double val
 double BacktransformationSlope(const CTransformer& transformer, double x, double value,
                                double lambda);
 
+/// The second derivative of the way back at `x`.
+double BacktransformationCurvature(const CTransformer& transformer, double x, double value,
+                                   double lambda);
+
 }  // namespace Tarvane::Plexura::PXROM::batch

@@ -342,6 +342,12 @@ std::vector<int> GroupText::Ints(const std::string& label) const {
   return values;
 }
 
+std::vector<double> GroupText::Doubles(const std::string& label) const {
+  std::vector<double> values;
+  reading::Tokenize(reading::EmptyIfBlank(TextOf(label)), kSeparator, values);
+  return values;
+}
+
 std::vector<std::string> GroupText::Strings(const std::string& label) const {
   std::vector<std::string> values;
   reading::Tokenize(reading::EmptyIfBlank(TextOf(label)), kSeparator, values);

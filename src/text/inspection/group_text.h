@@ -67,6 +67,7 @@ class GroupText {
   /// The first value of a list that is zero.
   std::optional<std::size_t> FirstZero(const std::string& label) const;
   std::vector<int> Ints(const std::string& label) const;
+  std::vector<double> Doubles(const std::string& label) const;
   std::vector<std::string> Strings(const std::string& label) const;
   /// Malformed pairs are left out.
   std::vector<Pair> Pairs(const std::string& label) const;

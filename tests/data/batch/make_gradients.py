@@ -8,10 +8,10 @@ import json
 import pathlib
 import sys
 
-from mpmath import diff, exp, log, mp, mpf, sqrt
+from mpmath import diff, mp, mpf, sqrt
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
-from formulas import (basis, correlation, dot, drawer, exact, lbf_function, mls_value,
+from formulas import (back, basis, correlation, dot, drawer, exact, forward, lbf_function, mls_value,
                       squared_distance, svr_kernel)
 
 mp.dps = 40
@@ -104,32 +104,6 @@ def moving_least_squares(version, kind, trend):
     def value(x):
         return mls_value(version, kind, trend, x, rows(r), exact(r["OutputSamples"]), N - 1)
     return r, value
-
-
-def box(x, lam):
-    return log(x) if lam == 0 else (x**lam - 1) / lam
-
-
-def inverse_box(x, lam):
-    return exp(x) if lam == 0 else (lam * x + 1)**(1 / lam)
-
-
-def forward(kind, x, a, lam):
-    if kind in (7, 8):
-        return box(x, lam) if kind == 7 else exp(inverse_box(x, lam))
-    if kind == 9:
-        return box(x + 1, lam) if x >= 0 else -box(1 - x, 2 - lam)
-    return {0: lambda: x, 1: lambda: exp(x), 2: lambda: log(x) / log(a), 3: lambda: log(x),
-            4: lambda: log(x) / log(mpf(10)), 5: lambda: sqrt(x), 6: lambda: x**a}[kind]()
-
-
-def back(kind, s, a, lam):
-    if kind in (7, 8):
-        return inverse_box(s, lam) if kind == 7 else exp(inverse_box(s, lam))
-    if kind == 9:
-        return inverse_box(s, lam) - 1 if s >= 0 else 1 - inverse_box(-s, 2 - lam)
-    return {0: lambda: s, 1: lambda: log(s), 2: lambda: log(a) * exp(s), 3: lambda: exp(s),
-            4: lambda: mpf(10)**s, 5: lambda: s**2, 6: lambda: s**(1 / a)}[kind]()
 
 
 def regression(before, behind, lam, constant=3):
