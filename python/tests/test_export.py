@@ -15,7 +15,6 @@ from sklearn import clone, decomposition, dummy, ensemble, kernel_ridge, linear_
 from sklearn.compose import TransformedTargetRegressor as Target
 from sklearn.gaussian_process import GaussianProcessRegressor as Process
 from sklearn.gaussian_process.kernels import RBF, ConstantKernel, DotProduct, Matern, WhiteKernel
-from sklearn.model_selection import GridSearchCV
 from sklearn.pipeline import make_pipeline as pipe
 from sklearn.preprocessing import MaxAbsScaler, MinMaxScaler, PolynomialFeatures, PowerTransformer
 from sklearn.preprocessing import RobustScaler
@@ -492,20 +491,12 @@ REFUSED = [
     (Process(RBF() + RBF(9.0)), "2 correlations in its sum"),
     (Process(RBF() * Matern([1, INF, INF], "fixed", nu=2.5)), "of different kinds"),
     (Process(DotProduct()), "the kernel DotProduct has no counterpart"),
-    (svm.SVR(kernel="poly", degree=2, gamma=1e-3), "coef0 has to be above 0"),
-    (svm.SVR(kernel="poly", degree=3, gamma=1e-3), "degree 3 has no counterpart"),
     (svm.SVR(kernel="sigmoid"), "coef0 has to be -e"),
     (kernel_ridge.KernelRidge(kernel="cosine"), "'cosine' has no counterpart"),
     (kernel_ridge.KernelRidge(kernel=np.dot), "a kernel that is a function of one's own has no"),
     (svm.SVR(kernel=lambda a, b: a @ b.T), "a kernel that is a function of one's own has no"),
     (lambda: to_text(svm.SVR(kernel="precomputed").fit(X @ X.T, Y)), "a precomputed kernel has no"),
     (pipe(PowerTransformer(), svm.SVR()), "a PowerTransformer, is not a slope and an intercept"),
-    (
-        ensemble.VotingRegressor([("a", svm.SVR()), ("b", svm.SVR())]),
-        "pass the weighted ensemble list(zip(voting.estimators_, [1 / 2] * 2))",
-    ),
-    (GridSearchCV(svm.SVR(), {"C": [1, 2]}), "pass its best_estimator_"),
-    (pipe(PolynomialFeatures(3), linear_model.LinearRegression()), "has the degree 3"),
     (pipe(PolynomialFeatures(2), svm.SVR()), "has to be a linear model"),
     (
         pipe(decomposition.PCA(2), svm.SVR()),
@@ -530,17 +521,9 @@ REFUSED = [
     (lambda: rbf(kernel="thin_plate_spline"), "'thin_plate_spline' is not one of"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, neighbors=9), "neighbors=None"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, degree=3), "has the degree 3"),
-    (lambda: to_text(ols(np.c_[X, X[:, 0] ** 3]), X), "'x4' is not a constant, an input, a square"),
+    (lambda: to_text(ols(np.c_[X, np.sin(X[:, 0])]), X), "'x4' is not a product of inputs of X"),
     (lambda: to_text(sm.OLS(Y, np.ones(40)).fit()), "design is a constant: pass the inputs as X"),
     (lambda: to_text(ols(X, cov_type="HC3"), error=True), "'HC3' has no counterpart"),
-    (
-        lambda: to_text(sm.OLS(Y, X).fit_regularized(alpha=0.1), X),
-        "what OLS.fit_regularized returns has no counterpart; call fit()",
-    ),
-    (
-        lambda: to_text(ols(np.c_[np.log(X[:, 0]), X[:, 1:]]), X),
-        "takes log of some inputs, 'x1', and the others unchanged",
-    ),
     (
         lambda: to_text(sm.Logit(Y > Y.mean(), X).fit(disp=0)),
         "no counterpart; the exporter accepts the results of OLS",
@@ -550,19 +533,13 @@ REFUSED = [
 
 def test_what_refusals_advise_works():
     """The code in a message, unchanged."""
-    two, names = X[:, [0, 2]], {"Matern": Matern, "numpy": np}
-    weighted = ensemble.VotingRegressor([("a", svm.SVR(C=9)), ("b", LINE)], weights=[3, 1])
+    two, names = X[:, [0, 2]], {"Matern": Matern}
     with pytest.raises(NotExportable) as refusal:
         to_text(quiet(Process(Matern(nu=2.5)).fit, two, Y))
     kernel = eval(str(refusal.value).partition("for two inputs ")[2], names)
     fitted = quiet(Process(kernel, alpha=0.01, normalize_y=True).fit, two, Y)
     model = read(to_text(fitted))
     assert_near(model.predict(NEW[:, [0, 2]]).values["y"], fitted.predict(NEW[:, [0, 2]]))
-    names["voting"] = weighted.fit(X, Y)
-    with pytest.raises(NotExportable) as refusal:
-        to_text(weighted)
-    members = eval(str(refusal.value).partition("the weighted ensemble ")[2], names)
-    assert_near(read(to_text(members)).predict(NEW).values["y"], weighted.predict(NEW))
 
 
 @pytest.mark.parametrize("refused, said", REFUSED)

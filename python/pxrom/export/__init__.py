@@ -10,9 +10,11 @@ errors from cross-validation: :class:`Study`.
 | Tool         | Exported                                                        |
 |--------------|-----------------------------------------------------------------|
 | scikit-learn | see :mod:`pxrom.export.scikit_learn`                            |
-| OpenTURNS    | Kriging results (:mod:`pxrom.export.openturns`)                 |
+| OpenTURNS    | results of Kriging, functional chaos and linear models          |
+|              | (:mod:`pxrom.export.openturns`)                                 |
 | scipy        | ``RBFInterpolator`` (:mod:`pxrom.export.scipy_rbf`)             |
-| statsmodels  | results of ``OLS`` (:mod:`pxrom.export.statsmodels`)            |
+| statsmodels  | results of ``OLS`` and other linear models                      |
+|              | (:mod:`pxrom.export.statsmodels`)                               |
 
 **Every export checks itself**: it compares the predictions of the exported text and of the tool, at
 the samples and at points between and a little beyond them. If they differ by more than the
@@ -21,9 +23,9 @@ something has no counterpart in a database, :class:`NotExportable` says why. Not
 approximated.
 
 **Errors.** A predicted error is exported if the tool has one that maps: the standard deviation of a
-Gaussian process, the root of OpenTURNS' conditional variance, the half-width of statsmodels'
-prediction interval. It is exported in the unit of the output. ``Prediction.scaled_errors`` still
-names the output, because the format can't express that.
+Gaussian process or of a Bayesian linear model, the root of OpenTURNS' conditional variance, the
+half-width of statsmodels' prediction interval. It is exported in the unit of the output.
+``Prediction.scaled_errors`` still names the output, because the format can't express that.
 """
 
 from ._surface import NotExportable

@@ -1,13 +1,13 @@
 """From a fitted object to checked surfaces."""
 
 import importlib
-from typing import Any, List, Optional
+from typing import Any, List, Optional, Tuple
 
 import numpy as np
 
 from ._given import require_samples_of
 from ._options import Options
-from ._surface import NotExportable, Surface
+from ._surface import NotExportable, Predict, Surface
 from ._verify import check_points, verify
 
 # The exporter by the package that an object's class comes from.
@@ -52,8 +52,40 @@ def convert(
                 options.y[:, column] if surface.rows is None else (options.y[surface.rows, column])
             )
         samples = options.X if options.X is not None else surface.physical_samples()
-        verify(surface, check_points(samples, surface.inputs, bounds), tolerance, error_tolerance)
+        points = check_points(samples, surface.inputs, bounds)
+        if samples is None and bounds is None:
+            _require_prediction(surface, points)
+        verify(surface, points, tolerance, error_tolerance)
     return surfaces
+
+
+def unchecked(fitted: Any) -> List[Surface]:
+    """The surfaces of ``fitted`` before any comparison: to count its inputs and outputs."""
+    return list(_exporter(fitted).surfaces(fitted, Options()))
+
+
+def _require_prediction(surface: Surface, points: np.ndarray) -> None:
+    assert surface.predict is not None
+    try:
+        is_finite = bool(np.all(np.isfinite(surface.predict(points))))
+    except ValueError:
+        is_finite = False
+    if not is_finite:
+        raise NotExportable(
+            "the tool does not predict between -1 and 1, where an export without samples is "
+            "checked: pass X, the samples of the fit"
+        )
+
+
+def parts_of(fitted: Any) -> Optional[Tuple[List[Tuple[Any, float]], Predict]]:
+    """The members with their weights and the prediction of an object that averages others; None
+    for any other."""
+    if not type(fitted).__module__.startswith("sklearn."):
+        return None
+    from . import scikit_learn
+
+    members = scikit_learn.parts(fitted)
+    return None if members is None else (members, scikit_learn.Column(fitted, 0))
 
 
 def _exporter(fitted: Any) -> Any:

@@ -13,7 +13,7 @@ import numpy as np
 
 from .. import _core
 from . import _rounding
-from ._monomials import Term, design, trend_terms
+from ._monomials import design, trend_terms
 from ._rounding import STEPS, UNIT
 
 # Sums of the magnitudes of all terms, and bounds of their error, by point.
@@ -236,123 +236,6 @@ class KrigingSurface(Surface):
             record.InvC = self.error_data.inv_c.tolist()
             record.InvG = self.error_data.inv_g.tolist()
             record.Ft = self.error_data.ft.tolist()
-        return record
-
-
-# E_QRSTransformationType by the function that leads into the space of the regression.
-TRANSFORMS: Dict[str, int] = {"log": 3, "log10": 4, "sqrt": 5}
-
-# The functions themselves, their inverses, and the slopes of those.
-FORWARD: Dict[Optional[str], Predict] = {
-    None: lambda X: X,
-    "log": np.log,
-    "log10": np.log10,
-    "sqrt": np.sqrt,
-}
-BACK: Dict[Optional[str], Predict] = {
-    None: lambda t: t,
-    "log": np.exp,
-    "log10": lambda t: 10.0**t,
-    "sqrt": np.square,
-}
-_BACK_SLOPE: Dict[str, Predict] = {
-    "log": np.exp,
-    "log10": lambda t: np.log(10.0) * 10.0**t,
-    "sqrt": lambda t: 2.0 * t,
-}
-
-
-@dataclass
-class RegressionSurface(Surface):
-    terms: Dict[Term, float] = field(default_factory=dict)
-    input_transform: Optional[str] = None
-    output_transform: Optional[str] = None
-    variance: float = 0.0
-    inv_xtx: Optional[np.ndarray] = None  # in the order of the terms
-    level: float = 0.95  # one-sided
-
-    def fold(self) -> None:
-        """Multiplies the scaling of the output, and of the inputs of linear terms, into the
-        terms."""
-        folded: Dict[Term, float] = {(): self.shift}
-        for term, coefficient in self.terms.items():
-            if len(term) > 1:
-                raise NotExportable(
-                    "polynomial features follow terms of the second degree, and a database holds "
-                    "no higher terms"
-                )
-            if not term:
-                folded[()] += self.scale * coefficient
-                continue
-            (i,) = term
-            folded[()] += self.scale * coefficient * self.intercept[i]
-            folded[term] = folded.get(term, 0.0) + self.scale * coefficient * self.slope[i]
-        self.terms = folded
-        self.scale, self.shift = 1.0, 0.0
-        self.slope, self.intercept = np.ones(self.inputs), np.zeros(self.inputs)
-
-    def after_polynomial(self, powers: np.ndarray) -> None:
-        """Applies monomial features before the surface: one row of exponents per feature."""
-        self.fold()
-        made: Dict[Term, float] = {}
-        for term, coefficient in self.terms.items():
-            monomial: Term = ()
-            if term:
-                row = powers[term[0]]
-                monomial = tuple(int(i) for i in np.repeat(np.arange(len(row)), row))
-            if len(monomial) > 2 and coefficient != 0.0:
-                raise NotExportable(
-                    f"a polynomial feature has the degree {len(monomial)}: a database holds terms "
-                    "up to the second degree (PolynomialFeatures(degree=2))"
-                )
-            if len(monomial) <= 2:
-                made[monomial] = made.get(monomial, 0.0) + coefficient
-        self.terms = made
-        self.slope, self.intercept = np.ones(powers.shape[1]), np.zeros(powers.shape[1])
-        self.samples = None
-
-    def before_output_transform(self, name: str) -> None:
-        """Applies the inverse of a transformation after the surface."""
-        self.terms = {term: self.scale * value for term, value in self.terms.items()}
-        self.terms[()] = self.terms.get((), 0.0) + self.shift
-        self.scale, self.shift = 1.0, 0.0
-        self.output_transform = name
-        self.drop_error("a predicted error can't go back through a transformation of the output")
-
-    def _terms(self, X: np.ndarray) -> Terms:
-        reach, points = self._reach(X), self.slope * X + self.intercept
-        if self.input_transform is not None:
-            points = FORWARD[self.input_transform](points)
-            reach = np.abs(points) + 1.0
-        terms, coefficients = list(self.terms), np.array(list(self.terms.values()))
-        magnitude = design(terms, reach) @ np.abs(coefficients)
-        error = (len(self.terms) + STEPS) * UNIT * magnitude
-        if self.output_transform is None:
-            return magnitude, error
-        value = design(terms, points) @ coefficients
-        slope = _BACK_SLOPE[self.output_transform](value)
-        return np.abs(BACK[self.output_transform](value)), np.abs(slope) * error
-
-    @property
-    def error_accuracy(self) -> float:
-        # The library iterates for its quantile of Student's t and ends at about 1e-8.
-        return 1e-6
-
-    def record(self, ensemble: EnsembleScale) -> _core.CRSData:
-        record = _core.CQRSData()
-        self._fill(record, ensemble, own_samples=False)
-        if self.input_transform is not None:
-            record.InputTransformType = TRANSFORMS[self.input_transform]
-            record.InputTransformValues = [0.0] * self.inputs
-            record.InputLambdas = [0.0] * self.inputs
-        if self.output_transform is not None:
-            record.OutputTransformType = TRANSFORMS[self.output_transform]
-        record.SetTerms([(list(term), float(value)) for term, value in self.terms.items()])
-        if self.inv_xtx is not None and self.predict_error is not None:
-            record.SavePredictorError = True
-            record.RegTermFilterConfVal = self.level
-            record.Sigma2 = self.variance
-            record.InvXtX = self.inv_xtx.tolist()
         return record
 
 

@@ -1,4 +1,5 @@
-"""OpenTURNS: Kriging results as Kriging surfaces, with their trend and conditional variance."""
+"""OpenTURNS: Kriging results as Kriging surfaces, with their trend and conditional variance;
+functional chaos and linear model results as polynomials (:mod:`._openturns_polynomials`)."""
 
 from typing import Any, Dict, List, Tuple
 
@@ -6,6 +7,7 @@ import numpy as np
 
 from . import _monomials
 from ._monomials import Term, trend_of
+from ._openturns_polynomials import chaos, linear_algorithms, linear_model
 from ._options import Options
 from ._surface import KrigingErrorData, KrigingSurface, NotExportable, Surface, identity
 
@@ -13,15 +15,19 @@ _EXPONENTIAL, _GAUSSIAN, _SPHERICAL, _MATERN52 = 1, 2, 4, 8
 
 
 def surfaces(fitted: Any, options: Options) -> List[Surface]:
-    """A ``KrigingResult``, or a ``KrigingAlgorithm`` that has run."""
+    """A result, or an algorithm that has run."""
     import openturns as ot
 
-    if isinstance(fitted, ot.KrigingAlgorithm):
+    if isinstance(fitted, (ot.KrigingAlgorithm, ot.FunctionalChaosAlgorithm, *linear_algorithms())):
         fitted = fitted.getResult()
+    if isinstance(fitted, ot.FunctionalChaosResult):
+        return chaos(fitted)
+    if isinstance(fitted, ot.LinearModelResult):
+        return linear_model(fitted)
     if not isinstance(fitted, ot.KrigingResult):
         raise NotExportable(
-            f"a {type(fitted).__name__} has no counterpart; the exporter accepts KrigingResult and "
-            "KrigingAlgorithm"
+            f"a {type(fitted).__name__} has no counterpart; the exporter accepts KrigingResult, "
+            "FunctionalChaosResult, LinearModelResult, and the algorithms that have run for them"
         )
     model = fitted.getCovarianceModel()
     if model.getOutputDimension() != 1:

@@ -1,11 +1,16 @@
 """scikit-learn: which estimator maps to which family, and what may surround it.
 
 Exported: ``GaussianProcessRegressor``, ``SVR``, ``NuSVR``, ``KernelRidge``, linear models
-(``LinearRegression``, ``Ridge``, ``Lasso``, ``LinearSVR``, ...), ``DummyRegressor``; in a
-``Pipeline`` after ``StandardScaler``, ``MinMaxScaler``, ``MaxAbsScaler``, ``RobustScaler`` and,
-before a linear model, ``PolynomialFeatures`` up to the second degree; in a
-``TransformedTargetRegressor`` with one of these scalers, or with log, log10 or sqrt around a linear
-model.
+(``LinearRegression``, ``Ridge``, ``Lasso``, ``LinearSVR``, ``PLSRegression``, ...),
+``DummyRegressor``; averages of these (``VotingRegressor``, ``BaggingRegressor``),
+``MultiOutputRegressor``, and what a ``GridSearchCV`` or its like found.
+
+In a ``Pipeline`` after scalers. Before a linear model, or one with a polynomial kernel, also after
+``PolynomialFeatures`` of any degree, ``PowerTransformer``, ``FunctionTransformer`` of a function
+that a database has, ``PCA`` and other linear maps, selectors, ``ColumnTransformer`` and
+``FeatureUnion``, in any order that leaves one function of each input. Around the target
+(``TransformedTargetRegressor``): a scaler, or around such a model a function or
+``PowerTransformer``.
 """
 
 from typing import Any, Dict, List, Optional, Tuple
@@ -13,22 +18,24 @@ from typing import Any, Dict, List, Optional, Tuple
 import numpy as np
 
 from . import _scikit_learn_kernels, _scikit_learn_process
+from ._features import Features
+from ._functions import KNOWN, NAMED, Function, Recognised, recognise
 from ._monomials import Term
 from ._options import Options
-from ._surface import ConstantSurface, NotExportable, RegressionSurface, Surface, identity
-
-Affine = Tuple[np.ndarray, np.ndarray]
+from ._regression_surface import RegressionSurface, merged
+from ._scikit_learn_steps import affine, after, named, passes, power_functions, require_fitted
+from ._surface import ConstantSurface, NotExportable, Surface, identity
 
 
 def surfaces(fitted: Any, options: Options) -> List[Surface]:
     """One surface per output."""
     made = _convert(fitted, options)
     for column, surface in enumerate(made):
-        surface.predict = _Column(fitted, column)
+        surface.predict = Column(fitted, column)
     return made
 
 
-class _Column:
+class Column:
     """One column of an estimator's predictions; passes the names of features if it knows them."""
 
     def __init__(self, fitted: Any, column: int) -> None:
@@ -47,14 +54,21 @@ class _Column:
 
 def _convert(fitted: Any, options: Options) -> List[Surface]:
     from sklearn.compose import TransformedTargetRegressor
+    from sklearn.cross_decomposition import PLSRegression
     from sklearn.dummy import DummyRegressor
+    from sklearn.ensemble import BaggingRegressor, VotingRegressor
     from sklearn.gaussian_process import GaussianProcessRegressor
     from sklearn.kernel_ridge import KernelRidge
+    from sklearn.multioutput import MultiOutputRegressor
     from sklearn.pipeline import Pipeline
     from sklearn.svm import SVR, NuSVR
 
+    fitted = _inner(fitted)
     for kind, convert in (
         (Pipeline, _pipeline),
+        (MultiOutputRegressor, _several),
+        ((VotingRegressor, BaggingRegressor), _average),
+        (PLSRegression, _least_squares),
         (TransformedTargetRegressor, _target),
         (GaussianProcessRegressor, _scikit_learn_process.convert),
         ((SVR, NuSVR), _scikit_learn_kernels.vectors),
@@ -65,27 +79,12 @@ def _convert(fitted: Any, options: Options) -> List[Surface]:
             return list(convert(fitted, options))
     if _is_linear(fitted):
         return _linear(fitted, options)
-    hint = _instead(fitted)
-    if hint:
-        raise NotExportable(f"a {type(fitted).__name__} is exported by its parts: {hint}")
     raise NotExportable(
         f"a {type(fitted).__name__} has no counterpart among the families of a database; "
-        "the exporter accepts GaussianProcessRegressor, SVR, NuSVR, KernelRidge, linear models, "
-        "DummyRegressor, and pipelines of them"
+        "the exporter accepts GaussianProcessRegressor, SVR, NuSVR, KernelRidge, PLSRegression, "
+        "linear models and DummyRegressor, and pipelines, averages and searches of them; fit one "
+        "of these"
     )
-
-
-def _instead(fitted: Any) -> str:
-    """What to pass in place of an estimator that only wraps others."""
-    name = type(fitted).__name__
-    if name == "VotingRegressor":
-        weights = "numpy.divide(voting.weights, sum(voting.weights))"
-        if fitted.weights is None:
-            weights = f"[1 / {len(fitted.estimators)}] * {len(fitted.estimators)}"
-        return f"pass the weighted ensemble list(zip(voting.estimators_, {weights}))"
-    if hasattr(fitted, "best_estimator_") or name.endswith(("SearchCV", "HalvingSearchCV")):
-        return "pass its best_estimator_"
-    return "add each of its estimators_ for one output" if name == "MultiOutputRegressor" else ""
 
 
 def _is_linear(fitted: Any) -> bool:
@@ -100,11 +99,6 @@ def _is_linear(fitted: Any) -> bool:
     )
 
 
-def require_fitted(fitted: Any, attribute: str) -> None:
-    if not hasattr(fitted, attribute):
-        raise NotExportable(f"the {type(fitted).__name__} is not fitted; call fit first")
-
-
 def _dummy(fitted: Any, options: Options) -> List[Surface]:
     require_fitted(fitted, "constant_")
     inputs = getattr(fitted, "n_features_in_", None)
@@ -114,6 +108,9 @@ def _dummy(fitted: Any, options: Options) -> List[Surface]:
         inputs = options.X.shape[1]
     return [ConstantSurface(*identity(inputs), value=float(v)) for v in fitted.constant_.ravel()]
 
+
+# Linear models with a standard deviation.
+_BAYESIAN = ("BayesianRidge", "ARDRegression")
 
 # Linear models of the logarithm of the output.
 _LOG_LINKED = ("PoissonRegressor", "GammaRegressor")
@@ -129,64 +126,70 @@ def _linear(fitted: Any, options: Options) -> List[Surface]:
         terms.update({(i,): float(value) for i, value in enumerate(row)})
         surface = RegressionSurface(*identity(len(row)), terms=terms)
         if type(fitted).__name__ in _LOG_LINKED:
-            surface.before_output_transform("log")
+            surface.before_output_transform(NAMED["log"])
+        elif type(fitted).__name__ in _BAYESIAN:
+            _add_deviation(fitted, surface)
         made.append(surface)
     return made
 
 
+def _add_deviation(fitted: Any, surface: RegressionSurface) -> None:
+    """That of a new observation: the noise counts as the constant's."""
+    used = np.arange(surface.inputs)
+    if hasattr(fitted, "threshold_lambda"):
+        used = used[fitted.lambda_ < fitted.threshold_lambda]
+    covariance = np.zeros((1 + surface.inputs, 1 + surface.inputs))
+    covariance[np.ix_(1 + used, 1 + used)] = fitted.sigma_
+    covariance[0, 0] = 1.0 / fitted.alpha_
+    surface.covariance = covariance
+    surface.predict_error = lambda X: fitted.predict(X, return_std=True)[1]
+
+
 def _pipeline(fitted: Any, options: Options) -> List[Surface]:
-    steps = [(name, step) for name, step in fitted.steps if not _passes(step)]
+    steps = [(name, step) for name, step in fitted.steps if not passes(step)]
     made = _convert(steps[-1][1], options)
-    for name, step in reversed(steps[:-1]):
-        if type(step).__name__ == "PolynomialFeatures":
-            for surface in made:
-                if not isinstance(surface, RegressionSurface):
-                    raise NotExportable(
-                        "polynomial features map only to a regression surface, so the "
-                        "estimator after them has to be a linear model"
-                    )
-                surface.after_polynomial(np.asarray(step.powers_))
-            continue
-        scale = affine(step)
-        if scale is None:
-            raise NotExportable(
-                f"the step {name!r}, a {type(step).__name__}, is not a slope and an intercept per "
-                "input; the exporter accepts StandardScaler, MinMaxScaler(clip=False), "
-                "MaxAbsScaler, RobustScaler and PolynomialFeatures"
-            )
-        for surface in made:
+    features = Features.of_inputs(_inputs_of(fitted, steps, made))
+    culprit = ""
+    for name, step in steps[:-1]:
+        features = after(name, step, features)
+        if not culprit and features.affine() is None:
+            culprit = named(name, step)
+    scale = features.affine()
+    for surface in made:
+        if scale is not None:
             surface.after_inputs(*scale)
+        elif isinstance(surface, RegressionSurface):
+            surface.after_features(features)
+        else:
+            raise NotExportable(
+                f"{culprit} is not a slope and an intercept per input, so the estimator after it "
+                "has to be a linear model, or one with a polynomial kernel"
+            )
     return made
 
 
-def _passes(step: Any) -> bool:
-    return step is None or step == "passthrough"
+def _inputs_of(fitted: Any, steps: List[Tuple[str, Any]], made: List[Surface]) -> int:
+    for _, step in steps:
+        count = getattr(step, "n_features_in_", None)
+        if count is not None:
+            return int(count)
+    return int(getattr(fitted, "n_features_in_", made[0].inputs))
 
 
-def affine(step: Any) -> Optional[Affine]:
-    """x' = slope x + intercept of a fitted scaler; None for any other transformer."""
-    kind = type(step).__name__
-    if not type(step).__module__.startswith("sklearn.preprocessing"):
+def _target_function(transformer: Any) -> Optional[Recognised]:
+    """The function of a target if a database has its inverse."""
+    if getattr(transformer, "func", None) is None:
         return None
-    require_fitted(step, "n_features_in_")
-    ones, zeros = identity(step.n_features_in_)
-    if kind == "StandardScaler":
-        slope = ones if step.scale_ is None else ones / step.scale_
-        return slope, (-step.mean_ * slope if step.with_mean else zeros)
-    if kind == "MinMaxScaler" and not step.clip:
-        return np.asarray(step.scale_), np.asarray(step.min_)
-    if kind == "MaxAbsScaler":
-        return ones / step.scale_, zeros
-    if kind == "RobustScaler":
-        slope = ones / step.scale_ if step.with_scaling else ones
-        return slope, (-step.center_ * slope if step.with_centering else zeros)
-    if kind == "FunctionTransformer" and step.func is None and step.inverse_func is None:
-        return ones, zeros
-    return None
-
-
-# Functions of a target for which a regression surface has a back-transformation.
-_TARGET_FUNCTIONS = {np.log: "log", np.log10: "log10", np.sqrt: "sqrt"}
+    points = np.linspace(0.5, 2.5, 9)[:, None]
+    with np.errstate(all="ignore"):
+        got = np.asarray(transformer.transform(points), dtype=float)
+    known = recognise(points, got) if got.shape == points.shape else None
+    if known is None or (known.function is None and known.power == 1):
+        return None
+    if known.function is not None and known.function.kind == 6 and 0.0 < known.function.value < 1.0:
+        return None  # a database has no way back from roots of this kind
+    # x^2 and x^3 as powers, which have an inverse.
+    return known if known.function is not None else Recognised(Function(6, float(known.power)))
 
 
 def _target(fitted: Any, options: Options) -> List[Surface]:
@@ -199,18 +202,130 @@ def _target(fitted: Any, options: Options) -> List[Surface]:
         for surface, slope, intercept in zip(made, slopes, intercepts):
             surface.before_output(1.0 / slope, -intercept / slope)
         return made
-    name = _TARGET_FUNCTIONS.get(getattr(transformer, "func", None))
-    if name is None:
-        raise NotExportable(
-            f"the transformer of the target, a {type(transformer).__name__}, has no counterpart; "
-            "the exporter accepts the scalers, and func=numpy.log, log10 or sqrt around a linear "
-            "model"
-        )
-    for surface in made:
+    kind = type(transformer).__name__
+    if kind == "PowerTransformer":
+        known = [Recognised(function) for function in power_functions(transformer)]
+        scale = affine(transformer._scaler) if transformer.standardize else None
+    else:
+        one = _target_function(transformer)
+        if one is None:
+            raise NotExportable(
+                f"the transformer of the target, a {kind}, has no counterpart; the exporter "
+                f"accepts the scalers, PowerTransformer, and func= of {KNOWN} around a linear model"
+            )
+        known = [one] * len(made)
+    for place, (surface, each) in enumerate(zip(made, known)):
         if not isinstance(surface, RegressionSurface):
             raise NotExportable(
-                f"a target under {name} maps only to a regression surface, so the regressor "
-                "has to be a linear model"
+                "a function of the target maps only to a regression surface, so the regressor "
+                "has to be a linear model, or one with a polynomial kernel"
             )
-        surface.before_output_transform(name)
+        # The target t = scale f(slope y + intercept) + shift, from t back to y.
+        if scale is not None:
+            slope, intercept = scale[0][place], scale[1][place]
+            surface.before_output(1.0 / slope, -intercept / slope)
+        surface.before_output(1.0 / each.scale, -each.shift / each.scale)
+        assert each.function is not None
+        surface.before_output_transform(each.function)
+        surface.before_output(1.0 / each.slope, -each.intercept / each.slope)
+    return made
+
+
+def parts(fitted: Any) -> Optional[List[Tuple[Any, float]]]:
+    """The members and weights of an estimator that is an average of others, each with the steps
+    around it; None for any other. A search counts as its best estimator."""
+    from sklearn.ensemble import BaggingRegressor, VotingRegressor
+    from sklearn.pipeline import Pipeline
+
+    fitted = _inner(fitted)
+    if isinstance(fitted, Pipeline):
+        last = parts(fitted.steps[-1][1])
+        if last is None:
+            return None
+        return [
+            (Pipeline([*fitted.steps[:-1], ("member", member)]), weight) for member, weight in last
+        ]
+    if isinstance(fitted, VotingRegressor):
+        require_fitted(fitted, "estimators_")
+        weights = np.ones(len(fitted.estimators_))
+        if fitted.weights is not None:
+            weights = np.array(
+                [w for w, (_, e) in zip(fitted.weights, fitted.estimators) if e != "drop"], float
+            )
+        members = list(fitted.estimators_)
+    elif isinstance(fitted, BaggingRegressor):
+        require_fitted(fitted, "estimators_")
+        weights = np.ones(len(fitted.estimators_))
+        members = [
+            _of_columns(member, columns, fitted.n_features_in_)
+            for member, columns in zip(fitted.estimators_, fitted.estimators_features_)
+        ]
+    else:
+        return None
+    flat: List[Tuple[Any, float]] = []
+    for member, weight in zip(members, weights / weights.sum()):
+        inner = parts(member) or [(member, 1.0)]
+        flat += [(one, float(weight) * share) for one, share in inner]
+    return flat
+
+
+def _of_columns(member: Any, columns: np.ndarray, inputs: int) -> Any:
+    """A member of a bag that may know some of the inputs only."""
+    if list(columns) == list(range(inputs)):
+        return member
+    from sklearn.compose import ColumnTransformer
+    from sklearn.pipeline import Pipeline
+
+    choice = ColumnTransformer([("chosen", "passthrough", [int(c) for c in columns])])
+    choice.fit(np.zeros((1, inputs)))
+    return Pipeline([("chosen", choice), ("member", member)])
+
+
+def _inner(fitted: Any) -> Any:
+    """What a search or a robust fit found."""
+    while True:
+        if type(fitted).__name__.endswith(("SearchCV", "HalvingSearchCV")):
+            if not hasattr(fitted, "best_estimator_"):
+                require_fitted(fitted, "best_index_")
+                raise NotExportable(
+                    f"the {type(fitted).__name__} kept no best estimator: search with refit=True"
+                )
+            fitted = fitted.best_estimator_
+        elif type(fitted).__name__ == "RANSACRegressor":
+            require_fitted(fitted, "estimator_")
+            fitted = fitted.estimator_
+        else:
+            return fitted
+
+
+def _several(fitted: Any, options: Options) -> List[Surface]:
+    """A MultiOutputRegressor: an estimator for each output."""
+    require_fitted(fitted, "estimators_")
+    return [surface for one in fitted.estimators_ for surface in _convert(one, options)]
+
+
+def _average(fitted: Any, options: Options) -> List[Surface]:
+    """An average inside something else: of linear models it is a linear model."""
+    members = parts(fitted) or []
+    made = [_convert(member, options)[0] for member, _ in members]
+    whole = merged(made, [weight for _, weight in members])
+    if whole is None:
+        raise NotExportable(
+            f"a {type(fitted).__name__} inside another estimator is exported only if its members "
+            "are linear or polynomial; pass it alone or as the last step of a pipeline"
+        )
+    return [whole]
+
+
+def _least_squares(fitted: Any, options: Options) -> List[Surface]:
+    """PLSRegression, by its values at the mean and one deviation beside it."""
+    require_fitted(fitted, "x_rotations_")
+    mean, spread = np.asarray(fitted._x_mean), np.asarray(fitted._x_std)
+    points = np.vstack([mean, mean + np.diag(spread)])
+    values = np.asarray(fitted.predict(points), dtype=float).reshape(len(points), -1)
+    made: List[Surface] = []
+    for column in values.T:
+        terms: Dict[Term, float] = {(): float(column[0])}
+        terms.update({(i,): float(v - column[0]) for i, v in enumerate(column[1:])})
+        made.append(RegressionSurface(1.0 / spread, -mean / spread, terms=terms))
     return made

@@ -1,37 +1,37 @@
-"""statsmodels: ordinary least squares as a regression surface, with its prediction interval.
+"""statsmodels: linear models as regression or polynomial surfaces, with the prediction interval of
+ordinary least squares.
 
-The columns of the design are recognised by their values: each has to be a constant, an input, a
-square or a product of two inputs, of the points ``X`` that are passed with the results, or of
-their logarithms. The exported error is the half-width of the two-sided prediction interval of an
-observation (``obs_ci``) at the requested level.
+The columns of the design are recognised by their values at the points ``X`` that are passed with
+the results: each has to be a product of inputs and of functions of one input that a database has,
+such as logarithms, roots, exponentials and powers. In a formula, each factor of a term is
+recognised for itself. The exported error is the half-width of the two-sided prediction interval of
+an observation (``obs_ci``) at the requested level.
 """
 
-from typing import Any, Dict, List, Optional, Tuple
+from typing import Any, Callable, List, Optional
 
 import numpy as np
 
-from .._wording import listed
-from . import _monomials
-from ._monomials import Term
+from ._columns import Columns
+from ._features import Features, Polynomial, by_terms, combined, multiplied
+from ._functions import KNOWN, NAMED
 from ._options import Options
-from ._surface import BACK, FORWARD, NotExportable, RegressionSurface, Surface, identity
+from ._regression_surface import RegressionSurface
+from ._surface import NotExportable, Surface, identity
+
+_LINEAR_MODELS = ("OLS", "WLS", "GLS", "GLSAR", "RLM")
 
 
 def surfaces(fitted: Any, options: Options) -> List[Surface]:
-    """The results of an ``OLS`` fit."""
+    """The results of a linear model."""
     model: Any = getattr(fitted, "model", None)
     kind = type(model).__name__
-    if kind not in ("OLS", "WLS") or not hasattr(fitted, "params"):
+    if kind not in _LINEAR_MODELS or not hasattr(fitted, "params"):
         raise NotExportable(
             f"a {type(fitted).__name__} has no counterpart; the exporter accepts the results of "
-            "OLS().fit()"
+            "OLS, WLS, GLS, GLSAR and RLM; fit one of these"
         )
-    if not hasattr(fitted, "cov_type"):
-        raise NotExportable(
-            f"what {kind}.fit_regularized returns has no counterpart; call fit(), or fit with "
-            "scikit-learn's Ridge, Lasso or ElasticNet, which are exported"
-        )
-    if options.output_transform not in BACK:
+    if options.output_transform not in (None, *NAMED):
         raise NotExportable(
             f"output_transform={options.output_transform!r} has to be 'log', 'log10' or 'sqrt'"
         )
@@ -39,39 +39,45 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     X = _points(exog) if options.X is None else options.X
     if len(X) != len(exog):
         raise NotExportable(f"X has {len(X)} rows, but the fit had {len(exog)} observations")
-    transform, terms = _terms(exog, X, list(model.exog_names))
+    features = Features.of_inputs(X.shape[1])
+    columns = Columns(features, X)
+    info = getattr(model.data, "design_info", None)
+    if info is not None and options.names is not None:
+        found = _by_formula(columns, info, exog, options)
+    else:
+        found = columns.all_of(exog, list(model.exog_names))
 
     def design(points: np.ndarray) -> np.ndarray:
-        info = getattr(model.data, "design_info", None)
         if info is not None and options.names is not None:
-            import pandas
             import patsy
 
-            frame = pandas.DataFrame(points, columns=list(options.names))
-            return np.asarray(patsy.dmatrix(info, frame))
-        return _monomials.design(terms, FORWARD[transform](points))
+            return np.asarray(patsy.dmatrix(info, _frame(points, options)))
+        return features.with_columns(found).values(points)
 
-    back = BACK[options.output_transform]
+    function = None if options.output_transform is None else NAMED[options.output_transform]
+    back: Callable[[np.ndarray], np.ndarray] = np.asarray if function is None else function.back
+    params = np.asarray(fitted.params, dtype=float).ravel()
     surface = RegressionSurface(
         *identity(X.shape[1]),
         samples=X,
         outputs=back(np.asarray(model.endog, dtype=float)),
-        terms={term: float(value) for term, value in zip(terms, np.asarray(fitted.params))},
-        input_transform=transform,
-        output_transform=options.output_transform,
+        terms=combined(zip(params, found)),
+        variables=features.variables,
+        output_transform=function,
     )
-    surface.predict = lambda points: back(
-        np.asarray(fitted.predict(design(points), transform=False))
-    )
-    why = _why_no_error(fitted, kind, terms, options.output_transform)
+    surface.predict = lambda points: back(model.predict(params, design(points)))
+    why = _why_no_error(fitted, kind, options.output_transform)
     if why is not None:
         surface.drop_error(why)
         return [surface]
     if not 0.0 < options.level < 1.0:
         raise NotExportable(f"level={options.level!r} has to be between 0 and 1, such as 0.95")
+    terms, by_term = by_terms(found)
+    surface.terms = dict(zip(terms, params @ by_term))
+    normal = np.asarray(fitted.normalized_cov_params, dtype=float)
+    surface.inv_xtx = by_term.T @ normal @ by_term
     surface.level = 0.5 + 0.5 * options.level
-    surface.variance = float(fitted.scale)
-    surface.inv_xtx = np.asarray(fitted.normalized_cov_params, dtype=float)
+    surface.variance, surface.freedom = float(fitted.scale), float(fitted.df_resid)
     surface.predict_error = lambda points: 0.5 * np.ptp(
         fitted.get_prediction(design(points), transform=False).conf_int(
             obs=True, alpha=1.0 - options.level
@@ -81,16 +87,16 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     return [surface]
 
 
-def _why_no_error(
-    fitted: Any, kind: str, terms: List[Term], transform: Optional[str]
-) -> Optional[str]:
+def _why_no_error(fitted: Any, kind: str, transform: Optional[str]) -> Optional[str]:
+    if not hasattr(fitted, "cov_type"):
+        return "a regularized fit has no covariance of its coefficients"
     if kind != "OLS":
         return "an interval of a weighted fit depends on the weight of a new observation"
     if fitted.cov_type != "nonrobust":
         return f"the covariance type {fitted.cov_type!r} has no counterpart; 'nonrobust' has"
     if transform is not None:
         return "a predicted error can't go back through a transformation of the output"
-    if fitted.df_resid != fitted.nobs - len(terms):
+    if fitted.df_resid != fitted.nobs - len(fitted.params):
         return "the design has not full rank"
     return None
 
@@ -103,26 +109,39 @@ def _points(exog: np.ndarray) -> np.ndarray:
     return exog[:, varying]
 
 
-def _terms(exog: np.ndarray, X: np.ndarray, names: List[str]) -> Tuple[Optional[str], List[Term]]:
-    known: Dict[Optional[str], List[Optional[Term]]] = {}
-    for transform in (None, "log", "log10", "sqrt"):
-        if transform is not None and not np.all(X > 0):
-            break
-        found = known[transform] = _monomials.recognised(exog, FORWARD[transform](X))
-        terms = [term for term in found if term is not None]
-        if len(terms) == len(found) and len(set(terms)) == len(terms):
-            return transform, terms
-    unknown = [name for name, term in zip(names, known[None]) if term is None]
-    for transform, found in known.items():
-        both = [a is not None or b is not None for a, b in zip(found, known[None])]
-        if unknown and transform is not None and all(both):
+def _frame(points: np.ndarray, options: Options) -> Any:
+    import pandas
+
+    return pandas.DataFrame(points, columns=list(options.names or ()))
+
+
+def _by_formula(
+    columns: Columns, info: Any, exog: np.ndarray, options: Options
+) -> List[Polynomial]:
+    """The columns of a formula, from those of its factors."""
+    assert options.X is not None
+    frame = _frame(options.X, options)
+    factors = {}
+    for factor, facts in info.factor_infos.items():
+        if facts.type != "numerical":
             raise NotExportable(
-                f"the design takes {transform} of some inputs, {listed(unknown)}, and the others "
-                f"unchanged, but a regression surface transforms all inputs or none: take "
-                f"{transform} of every input, or make it a column of X and an input of its own"
+                f"the formula has the categories {factor.name()}, and a surface has numbers only; "
+                "make them a discrete input of a Study, with one fit for each"
             )
-    raise NotExportable(
-        f"in the design, {', '.join(map(repr, unknown)) or 'a repeated column'} is not a constant, "
-        "an input, a square or a product of two inputs of X, or of their logarithms or roots; "
-        "X holds the inputs as points, one row per observation"
-    )
+        values = np.asarray(factor.eval(facts.state, frame), dtype=float)
+        one = columns.find(values.ravel()) if values.size == len(frame) else None
+        if one is None:
+            raise NotExportable(
+                f"{factor.name()!r} in the formula is not a product of inputs and of functions "
+                f"that a database has ({KNOWN}); make it an input of its own"
+            )
+        factors[factor] = one
+    found: List[Polynomial] = []
+    for term in info.terms:
+        product: Polynomial = {(): 1.0}
+        for factor in term.factors:
+            product = multiplied(product, factors[factor])
+        found.append(product)
+    if len(found) != exog.shape[1]:
+        raise NotExportable("a term of the formula has more than one column: write it out")
+    return found

@@ -2,7 +2,7 @@
 
 import os
 import warnings
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from typing import Any, Callable, Dict, List, Mapping, Optional, Sequence, Tuple, Union
 
 import numpy as np
@@ -12,9 +12,9 @@ from .._model import Model
 from .._points import floats, has_names, is_frame, names_of, require_key, table
 from .._wording import counted, did_you_mean, listed
 from . import _folds
-from ._convert import convert
+from ._convert import convert, parts_of, unchecked
 from ._options import Options
-from ._surface import EnsembleScale, NotExportable, Surface
+from ._surface import EnsembleScale, NotExportable, Predict, Surface
 from ._verify import check_points, compare
 
 Bounds = Optional[Tuple[float, float]]
@@ -39,6 +39,7 @@ class _Ensemble:
     X: Optional[np.ndarray]
     y: Optional[np.ndarray]
     folds: Optional[_folds.Folds]
+    whole: Optional[Predict]  # of the tool, if the members came from one object
 
 
 class Study:
@@ -146,7 +147,10 @@ class Study:
             level=level,
             output_transform=output_transform,
         )
-        members, weights = _members(fitted)
+        members, weights, whole = _members(fitted)
+        if whole is not None:
+            # Each member was fitted to samples of its own.
+            options = replace(options, y=None, are_given=False)
         for member in members:
             self._require_order(member)
         if len(members) > 1 and len(names) > 1:
@@ -172,7 +176,7 @@ class Study:
                     members, points, targets, place, folds, refit, converted, options
                 )
             column = None if targets is None else targets[:, place]
-            ensemble = _Ensemble(surfaces, weights, points, column, cross_validation)
+            ensemble = _Ensemble(surfaces, weights, points, column, cross_validation, whole)
             self._check(key, name, ensemble, tolerance)
             ensembles[name] = ensemble
         self._ensembles.setdefault(key, {}).update(ensembles)
@@ -313,6 +317,8 @@ class Study:
             expected += weight * surface.predict(points)
             # Twice: the scaling of the ensemble rounds as well.
             rounding += 2.0 * abs(weight) * surface.rounding(points)
+        if ensemble.whole is not None:
+            expected = ensemble.whole(points)
         model = Model(self._text({key: {name: ensemble}}, only=name))
         at = dict(zip(self._discrete, key))
         got = model.predict(at, points).values[name]
@@ -366,15 +372,20 @@ def _range(samples: Sequence[Optional[np.ndarray]], place: int) -> Bounds:
     return (lower, upper) if lower < upper else None
 
 
-def _members(fitted: Any) -> Tuple[List[Any], List[float]]:
+def _members(fitted: Any) -> Tuple[List[Any], List[float], Optional[Predict]]:
+    """Members, weights, and the prediction of the object that they are the parts of."""
     if not isinstance(fitted, list):
-        return [fitted], [1.0]
+        found = parts_of(fitted)
+        if found is None:
+            return [fitted], [1.0], None
+        members, predict = found
+        return [member for member, _ in members], [weight for _, weight in members], predict
     if not fitted or not all(isinstance(one, tuple) and len(one) == 2 for one in fitted):
         raise ValueError("an ensemble is a list of pairs (fitted, weight)")
     weights = [float(weight) for _, weight in fitted]
     if abs(sum(weights) - 1.0) > 1e-9:
         raise ValueError(f"the weights of an ensemble have to add up to 1, not {sum(weights):g}")
-    return [member for member, _ in fitted], weights
+    return [member for member, _ in fitted], weights, None
 
 
 def _candidate(ensemble: _Ensemble) -> _core.Candidate:
@@ -463,8 +474,8 @@ def _output_count(fitted: Any, y: Any) -> int:
 
 
 def _first(fitted: Any) -> Surface:
-    member = fitted[0][0] if isinstance(fitted, list) and fitted else fitted
-    return convert(member, Options(), False, np.inf, np.inf)[0]
+    member = fitted[0][0] if isinstance(fitted, list) and fitted else _members(fitted)[0][0]
+    return unchecked(member)[0]
 
 
 def _count_of(fitted: Any) -> int:
@@ -472,7 +483,9 @@ def _count_of(fitted: Any) -> int:
     coefficients = getattr(fitted, "n_outputs_", None)
     if coefficients is not None:
         return int(coefficients)
+    if parts_of(fitted) is not None:
+        return 1
     try:
-        return len(convert(fitted, Options(), False, np.inf, np.inf))
+        return len(unchecked(fitted))
     except NotExportable:
         return 1
