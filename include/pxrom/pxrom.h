@@ -14,6 +14,7 @@
 #include "pxrom/fitting_candidate.h"
 #include "pxrom/fitting_candidates.h"
 #include "pxrom/fmu_description_reader.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/goodness_of_fit.h"
 #include "pxrom/inspection.h"
 #include "pxrom/kriging.h"

@@ -36,6 +36,7 @@ namespace Tarvane::Plexura::PXROM {
 /// | SVR        | yes              | yes, a copy per call  | yes                  |
 /// | MLS        | no               | no                    | no                   |
 /// | LBF        | yes              | no                    | yes                  |
+/// | GP         | yes              | yes                   | yes                  |
 /// | Polynomial | yes              | no                    | yes                  |
 ///
 /// Threads: evaluators have no fields, so any number of threads may evaluate at once, as long as

@@ -16,6 +16,7 @@ enum E_DataType : std::int32_t {
   DT_LBFData = 7,
   DT_ConstantData = 8,
   // The library's own families, well apart from the others.
+  DT_GaussianProcessData = 101,
   DT_PolynomialData = 102,
 };
 
