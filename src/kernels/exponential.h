@@ -30,4 +30,43 @@ struct Exponential : ExpOfSum {
   };
 };
 
+/// exp(-r), the same of the distance: the Matern kernel for nu = 1 / 2, equation 4.18.
+struct ExponentialOfDistance : Distance {
+  static constexpr const char* kName = "exponential of distance";
+  template <class N>
+  PXROM_INLINE static auto Value(const Constants&, N r2, N) {
+    return ExpOfMinus(Sqrt(r2));
+  }
+  static double Slope(const Constants&, double r2) {
+    const double r = std::sqrt(r2);
+    return r2 == 0.0 ? 0.0 : -std::exp(-r) / r;
+  }
+
+  struct Fast : FastSquaredDistance {
+    static double InputFactor(double scale) { return scale * kLog2OfE; }
+    template <class N>
+    PXROM_INLINE static N Value(const Constants&, N r2, N) {
+      return Exp2OfMinus(Sqrt(r2));
+    }
+    static double Deviation(double d, double /*norm1*/, double norm2) {
+      return 3.0 * norm2 + d + 30.0;
+    }
+  };
+};
+
+/// exp(-r^a). Rasmussen and Williams (2006), equation 4.18, the gamma-exponential.
+struct PowerExponential : Distance {
+  static constexpr const char* kName = "power exponential";
+  static constexpr bool kHasVectorForm = false;
+  template <class N>
+  PXROM_INLINE static N Value(const Constants& constants, N r2, N) {
+    return ExpOfMinus(Power(r2, 0.5 * constants.parameter));
+  }
+  static double Slope(const Constants& constants, double r2) {
+    if (r2 == 0.0) return 0.0;
+    const double power = std::pow(r2, 0.5 * constants.parameter);
+    return -constants.parameter * power / r2 * std::exp(-power);
+  }
+};
+
 }  // namespace Tarvane::Plexura::PXROM::kernels

@@ -5,7 +5,7 @@
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
-// The squared exponential, in three conventions of its scale. Rasmussen and Williams, Gaussian
+// The squared exponential, in several conventions of its scale. Rasmussen and Williams, Gaussian
 // Processes for Machine Learning (2006), equation 4.9.
 
 /// exp(-sum of k (x - y)^2).
@@ -47,6 +47,27 @@ struct RadialGaussian : Radial {
       return Exp2OfMinus(r2 * factor);
     }
     static double Deviation(double d, double /*norm1*/, double /*norm2*/) { return d + 20.0; }
+  };
+};
+
+/// exp(-r^2 / 2).
+struct GaussianOfDistance : Distance {
+  static constexpr const char* kName = "gaussian of distance";
+  template <class N>
+  PXROM_INLINE static auto Value(const Constants&, N r2, N) {
+    return ExpOfMinus(0.5 * r2);
+  }
+  static double Slope(const Constants&, double r2) { return -std::exp(-(0.5 * r2)); }
+
+  struct Fast : FastSquaredDistance {
+    static double InputFactor(double scale) { return std::sqrt(0.5 * kLog2OfE) * scale; }
+    template <class N>
+    PXROM_INLINE static N Value(const Constants&, N r2, N) {
+      return Exp2OfMinus(r2);
+    }
+    static double Deviation(double d, double /*norm1*/, double norm2) {
+      return 3.0 * norm2 + d + 20.0;
+    }
   };
 };
 

@@ -49,9 +49,11 @@ std::vector<int> Numbers() {
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept { return Found(type); }
 const Kernel* FindKernel(E_SVRKernType type) noexcept { return Found(type); }
 const Kernel* FindKernel(E_LinearBasisFunction type) noexcept { return Found(type); }
+const Kernel* FindKernel(E_CovarianceFunctionType type) noexcept { return Found(type); }
 
 std::vector<int> NumbersOfCorrelations() { return Numbers<E_KringingCorrelationFunctionType>(); }
 std::vector<int> NumbersOfSupportVectorKernels() { return Numbers<E_SVRKernType>(); }
 std::vector<int> NumbersOfRadialFunctions() { return Numbers<E_LinearBasisFunction>(); }
+std::vector<int> NumbersOfCovarianceFunctions() { return Numbers<E_CovarianceFunctionType>(); }
 
 }  // namespace Tarvane::Plexura::PXROM::kernels

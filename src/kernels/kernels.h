@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "kernels/loops/loop_table.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/support_vector.h"
@@ -50,10 +51,12 @@ struct Kernel {
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept;
 const Kernel* FindKernel(E_SVRKernType type) noexcept;
 const Kernel* FindKernel(E_LinearBasisFunction type) noexcept;
+const Kernel* FindKernel(E_CovarianceFunctionType type) noexcept;
 
 /// The numbers that mean a kernel, in ascending order.
 std::vector<int> NumbersOfCorrelations();
 std::vector<int> NumbersOfSupportVectorKernels();
 std::vector<int> NumbersOfRadialFunctions();
+std::vector<int> NumbersOfCovarianceFunctions();
 
 }  // namespace Tarvane::Plexura::PXROM::kernels

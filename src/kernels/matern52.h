@@ -64,4 +64,32 @@ struct Matern52 : ExpOfSum {
   };
 };
 
+/// (1 + t + t^2 / 3) exp(-t), t = sqrt(5) r, of the distance.
+struct Matern52OfDistance : Distance {
+  static constexpr const char* kName = "matern 5/2 of distance";
+  template <class N>
+  PXROM_INLINE static auto Value(const Constants&, N r2, N) {
+    const N t = Matern52::kRoot5 * Sqrt(r2);
+    return ExpTimes(t, 1.0 + t + Third(t * t));
+  }
+  static double Slope(const Constants&, double r2) {
+    const double t = Matern52::kRoot5 * std::sqrt(r2);
+    return ExpTimes(t, -5.0 / 3.0 * (1.0 + t));
+  }
+
+  struct Fast : FastSquaredDistance {
+    static double InputFactor(double scale) { return Matern52::kRoot5 * kLog2OfE * scale; }
+    /// q = t log2(e), so that exp(-t) is a power of 2.
+    template <class N>
+    PXROM_INLINE static N Value(const Constants&, N r2, N) {
+      const N q = Sqrt(r2);
+      return Exp2OfMinus(q) *
+             Fma(q, Fma(q, N(1.0 / (3.0 * kLog2OfE * kLog2OfE)), N(1.0 / kLog2OfE)), N(1.0));
+    }
+    static double Deviation(double d, double /*norm1*/, double norm2) {
+      return 2.0 * norm2 + d + 40.0;
+    }
+  };
+};
+
 }  // namespace Tarvane::Plexura::PXROM::kernels

@@ -20,4 +20,27 @@ struct Multiquadric : Product {
   }
 };
 
+/// -sqrt(1 + r^2), Hardy's own, with the sign that makes it conditionally positive definite.
+struct MultiquadricOfDistance : Distance {
+  static constexpr const char* kName = "multiquadric of distance";
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N r2, N) {
+    return 0.0 - Sqrt(1.0 + r2);
+  }
+  static double Slope(const Constants&, double r2) { return -1.0 / std::sqrt(1.0 + r2); }
+};
+
+/// 1 / sqrt(1 + r^2).
+struct InverseMultiquadric : Distance {
+  static constexpr const char* kName = "inverse multiquadric";
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N r2, N) {
+    return 1.0 / Sqrt(1.0 + r2);
+  }
+  static double Slope(const Constants&, double r2) {
+    const double square = 1.0 + r2;
+    return -1.0 / (square * std::sqrt(square));
+  }
+};
+
 }  // namespace Tarvane::Plexura::PXROM::kernels

@@ -25,6 +25,46 @@ struct RadialRational : Radial {
   }
 };
 
+/// Of the scaled distance.
+struct InverseQuadratic : Distance {
+  static constexpr const char* kName = "inverse quadratic";
+  template <class N>
+  PXROM_INLINE static N Value(const Constants&, N r2, N) {
+    return RationalOf(r2);
+  }
+  static double Slope(const Constants&, double r2) {
+    const double value = RationalOf(r2);
+    return -2.0 * value * value;
+  }
+};
+
+/// (1 + r^2 / 2 a)^-a, as an exponential: the power would magnify the rounding of its base by a.
+struct RationalQuadratic : Distance {
+  static constexpr const char* kName = "rational quadratic";
+  static constexpr bool kHasVectorForm = false;
+  template <class N>
+  PXROM_INLINE static N Value(const Constants& constants, N r2, N) {
+    const double a = constants.parameter;
+    return ExpOfMinus(a * Log1p(r2 / (2.0 * a)));
+  }
+  static double Slope(const Constants& constants, double r2) {
+    const double a = constants.parameter;
+    return -std::exp(-((a + 1.0) * std::log1p(r2 / (2.0 * a))));
+  }
+
+  struct Fast : FastSquaredDistance {
+    static double InputFactor(double scale) { return scale; }
+    template <class N>
+    PXROM_INLINE static N Value(const Constants& constants, N r2, N) {
+      const double a = constants.parameter;
+      return Exp2OfMinus(a * Log2OfOnePlus(r2 * (0.5 / a)));
+    }
+    static double Deviation(double d, double /*norm1*/, double norm2) {
+      return 3.0 * norm2 + 2.0 * d + 40.0;
+    }
+  };
+};
+
 /// Of z = r / rho; in the old version of z = r / 2, without rho.
 struct RationalWeight {
   explicit RationalWeight(const WeightSetting& setting)

@@ -10,6 +10,7 @@
 //              IsInside(distance, scale): outside, the product becomes 0
 //   Dot        Value(constants, x . y)
 //   Radial     Value(constants, squared distance, scale of the centre)
+//   Distance   Value(constants, squared scaled distance, unused): each input has its scale
 // and beside it
 //   Descent or Slope, the derivative in closed form, which is better conditioned near a centre than
 //   the chain rule. At a kink, where a coordinate equals the centre's under an absolute value, it
@@ -37,6 +38,8 @@ using simd::ExpOfMinus;
 using simd::If;
 using simd::J0;
 using simd::Log;
+using simd::Log1p;
+using simd::Power;
 using simd::Power4;
 using simd::Select;
 using simd::Sin;
@@ -46,11 +49,12 @@ using simd::Third;
 
 /// What a kernel needs besides its arguments, by the number of inputs.
 struct Constants {
-  double shift = 0.0;     ///< for functions that are shifted to end at 0
-  double perInput = 0.0;  ///< the factor of functions that depend on the number of inputs
+  double shift = 0.0;      ///< for functions that are shifted to end at 0
+  double perInput = 0.0;   ///< the factor of functions that depend on the number of inputs
+  double parameter = 1.0;  ///< for functions of a distance that have one, from the record
 };
 
-enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial };
+enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial, Distance };
 
 struct AnyShape {
   static constexpr bool kAsksPerInput = false;
@@ -88,6 +92,11 @@ struct Dot : AnyShape {
 
 struct Radial : AnyShape {
   static constexpr Shape kShape = Shape::Radial;
+  static constexpr double kStart = 0.0;
+};
+
+struct Distance : AnyShape {
+  static constexpr Shape kShape = Shape::Distance;
   static constexpr double kStart = 0.0;
 };
 
@@ -130,6 +139,9 @@ PXROM_INLINE N Step([[maybe_unused]] const Constants& constants, N state, N x, N
     }
   } else if constexpr (K::kShape == Shape::Dot) {
     return state + x * y;
+  } else if constexpr (K::kShape == Shape::Distance) {
+    const N difference = (x - y) * scale;
+    return state + difference * difference;
   } else {
     const N difference = x - y;
     return state + difference * difference;
@@ -177,6 +189,14 @@ struct FastSquaredDistance : FastSum {
     return Fma(a, a, sum);
   }
 };
+
+/// exp(-t) times a polynomial in t, 0 where the exponential has vanished: there the polynomial may
+/// be infinite. A NaN stays one.
+template <class N>
+PXROM_INLINE auto ExpTimes(N t, N polynomial) {
+  constexpr double kVanished = 746.0;
+  return Select(!(kVanished < t), ExpOfMinus(t) * polynomial, N(0.0));
+}
 
 template <class K>
 constexpr bool kHasFast = !std::is_void_v<typename K::Fast>;

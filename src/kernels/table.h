@@ -14,9 +14,11 @@
 #include "kernels/gaussian.h"
 #include "kernels/inverse.h"
 #include "kernels/linear.h"
+#include "kernels/matern32.h"
 #include "kernels/matern52.h"
 #include "kernels/multiquadric.h"
 #include "kernels/parabolic.h"
+#include "kernels/polyharmonic.h"
 #include "kernels/polynomial.h"
 #include "kernels/rational.h"
 #include "kernels/sinc.h"
@@ -24,6 +26,7 @@
 #include "kernels/spline.h"
 #include "kernels/tanh.h"
 #include "kernels/wendland.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
@@ -104,7 +107,21 @@ using Kernels = Table<                                      //
     Row<RadialCubic, LBFCubic>,                             //
     Row<RadialSinc, LBFSinc>,                               //
     Row<RadialRational, LBFRational>,                       //
-    Row<RadialTanh, LBFTanh>>;
+    Row<RadialTanh, LBFTanh>,                               //
+    Row<ExponentialOfDistance, CovMatern12>,                //
+    Row<Matern32OfDistance, CovMatern32>,                   //
+    Row<Matern52OfDistance, CovMatern52>,                   //
+    Row<GaussianOfDistance, CovGaussian>,                   //
+    Row<RationalQuadratic, CovRationalQuadratic>,           //
+    Row<PowerExponential, CovGeneralisedExponential>,       //
+    Row<ConstantOfDistance, CovConstant>,                   //
+    Row<ThinPlateSpline, CovThinPlateSpline>,               //
+    Row<LinearSpline, CovLinear>,                           //
+    Row<CubicSpline, CovCubic>,                             //
+    Row<QuinticSpline, CovQuintic>,                         //
+    Row<MultiquadricOfDistance, CovMultiquadric>,           //
+    Row<InverseMultiquadric, CovInverseMultiquadric>,       //
+    Row<InverseQuadratic, CovInverseQuadratic>>;
 
 /// The weights of moving least squares. They are not kernels of a sum: their scale is a distance
 /// that depends on the point.

@@ -193,21 +193,32 @@ PXROM_INLINE Vector LeadingPowerOf2(Vector v) {
   return AsDoubles(And(AsInts(v), Ints(std::int64_t{0x7ff} << 52)));
 }
 
+/// x = 2^k m, with m from the root of 1/2 to that of 2.
+struct Parts {
+  Vector k;
+  Vector m;
+};
+
+/// For a normal x above 0.
+PXROM_INLINE Parts SplitFromPowerOf2(Vector x) {
+  constexpr std::int64_t kRootHalf = 0x3fe6a09e667f3bcd;
+  constexpr std::int64_t kBias = std::int64_t{1024} << 52;
+  constexpr std::int64_t kDoubleOf52 = 0x4330000000000000;  // 2^52; integers below add up to it
+  const I bits = AsInts(x);
+  const I biased = ShiftRight<52>(Plus(Minus(bits, Ints(kRootHalf)), Ints(kBias)));
+  return {AsDoubles(Or(biased, Ints(kDoubleOf52))) - (0x1p52 + 1024.0),
+          AsDoubles(Minus(bits, ShiftLeft<52>(Minus(biased, Ints(1024)))))};
+}
+
 /// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1 (Abramowitz and
 /// Stegun 4.1.27). For x of at least 1/8; other lanes are left open.
 PXROM_INLINE Exact Log(Vector x) {
   constexpr double kLn2 = 0x1.62e42fefa2000p-1;
   constexpr double kLn2Rest = 0x1.9ef35793c7673p-41;
   constexpr double kDoubt = (0.0215 + 0.028) * 0x1p-52;  // the host's and ours
-  constexpr std::int64_t kRootHalf = 0x3fe6a09e667f3bcd;
-  constexpr std::int64_t kBias = std::int64_t{1024} << 52;
-  constexpr std::int64_t kDoubleOf52 = 0x4330000000000000;  // 2^52; integers below add up to it
-
-  const I bits = AsInts(x);
-  const I biased = ShiftRight<52>(Plus(Minus(bits, Ints(kRootHalf)), Ints(kBias)));
-  const Vector k = AsDoubles(Or(biased, Ints(kDoubleOf52))) - (0x1p52 + 1024.0);
-  const Vector m = AsDoubles(Minus(bits, ShiftLeft<52>(Minus(biased, Ints(1024)))));
-
+  const Parts parts = SplitFromPowerOf2(x);
+  const Vector k = parts.k;
+  const Vector m = parts.m;
   const Vector above = m - 1.0;
   const Vector sum = m + 1.0;
   const Vector sumRest = m - (sum - 1.0);
@@ -276,6 +287,22 @@ PXROM_INLINE Vector Exp2OfMinus(Vector q) {
                           0x1.ebfbdff82c5aep-3, -0x1.62e42fefa39efp-1, 1.0);
   return OverPowerOf2(p, shifted);
 }
+
+/// log2(1 + q) for q from 0 up to 1e300.
+#if PXROM_SIMD == PXROM_SIMD_PORTABLE
+PXROM_INLINE Vector Log2OfOnePlus(Vector q) { return std::log1p(q.v) * 0x1.71547652b82fep+0; }
+#else
+PXROM_INLINE Vector Log2OfOnePlus(Vector q) {
+  const Vector sum = 1.0 + q;
+  const Vector rest = q - (sum - 1.0);
+  const Parts x = SplitFromPowerOf2(sum);
+  const Vector s = (x.m - 1.0) / (x.m + 1.0);
+  const Vector w = s * s;
+  const Vector series = Horner(w, 2.0 / 19.0, 2.0 / 17.0, 2.0 / 15.0, 2.0 / 13.0, 2.0 / 11.0,
+                               2.0 / 9.0, 2.0 / 7.0, 2.0 / 5.0, 2.0 / 3.0, 2.0);
+  return Fma(Fma(s, series, rest / sum), 0x1.71547652b82fep+0, x.k);
+}
+#endif
 
 /// sin(z) / z for w = z z up to (3 pi / 2)^2.
 PXROM_INLINE Vector SineRatio(Vector w) {

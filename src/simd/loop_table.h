@@ -42,6 +42,18 @@ struct KrigingErrorSum {
   double* errors = nullptr;
 };
 
+/// A matrix, row by row, times the columns of a block: out[r] grows by m[r][c] x[c], c ascending.
+struct MatrixProduct {
+  const double* matrix = nullptr;
+  std::size_t rows = 0;
+  std::size_t columns = 0;
+  /// After which a row is zero, so that its rest may be left out; null where all of it counts.
+  const std::size_t* lengths = nullptr;
+  const double* x = nullptr;
+  std::size_t points = 0;
+  double* out = nullptr;
+};
+
 /// How many rows LoopTable::rowProducts takes: enough independent sums to hide the latency of an
 /// addition.
 constexpr std::size_t kRowsOfProducts = 16;
@@ -58,6 +70,7 @@ struct LoopTable {
   void (*quadraticForm)(const double* matrix, const double* f, std::size_t order,
                         std::size_t points, double* sums);
   void (*krigingError)(const KrigingErrorSum& call);
+  void (*matrixProduct)(const MatrixProduct& call);
   /// out[k] grows by rows[k][j] x[j], in ascending j, for kRowsOfProducts rows. Null for an
   /// instruction set where the evaluator's own loop is as fast.
   void (*rowProducts)(const double* const* rows, const double* x, std::size_t columns, double* out);

@@ -113,6 +113,10 @@ PXROM_INLINE void AddProduct(const double* m, std::size_t rows, std::size_t colu
   });
 }
 
+void MatrixProductOf(const MatrixProduct& call) {
+  AddProduct(call.matrix, call.rows, call.columns, call.lengths, call.x, call.points, call.out);
+}
+
 PXROM_INLINE Vector NormOf(const double* values, std::size_t count) {
   Vector squares = 0.0;
   for (std::size_t k = 0; k < count; ++k) {
@@ -219,9 +223,9 @@ constexpr std::size_t (*kLengthBeforeZeros)(const double* const*, std::size_t) =
 
 #endif
 
-constexpr LoopTable kLoops = {&PolynomialOf,      &ProductsOf,  &QuadraticFormOf,
-                              &KrigingErrorOf,    kRowProducts, kLengthBeforeZeros,
-                              &SquaredDistancesOf};
+constexpr LoopTable kLoops = {&PolynomialOf,      &ProductsOf,        &QuadraticFormOf,
+                              &KrigingErrorOf,    &MatrixProductOf,   kRowProducts,
+                              kLengthBeforeZeros, &SquaredDistancesOf};
 
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM::simd

@@ -20,6 +20,8 @@ PXROM_INLINE double Sqrt(double v) { return std::sqrt(v); }
 PXROM_INLINE double Third(double v) { return v / 3.0; }
 PXROM_INLINE double ExpOfMinus(double s) { return std::exp(-s); }
 PXROM_INLINE double Log(double x) { return std::log(x); }
+PXROM_INLINE double Log1p(double x) { return std::log1p(x); }
+PXROM_INLINE double Power(double x, double exponent) { return std::pow(x, exponent); }
 PXROM_INLINE double Power4(double x) { return std::pow(x, 4.0); }
 PXROM_INLINE double Sin(double x) { return std::sin(x); }
 PXROM_INLINE double Tanh(double x) { return std::tanh(x); }

@@ -47,6 +47,10 @@ Dual Third(Dual a) { return a / 3.0; }
 Dual Chain(Dual a, double value, double slope) { return {value, slope * a.slope}; }
 Dual Sqrt(Dual a) { return Chain(a, std::sqrt(a.value), 0.5 / std::sqrt(a.value)); }
 Dual ExpOfMinus(Dual a) { return Chain(a, std::exp(-a.value), -std::exp(-a.value)); }
+Dual Log1p(Dual a) { return Chain(a, std::log1p(a.value), 1.0 / (1.0 + a.value)); }
+Dual Power(Dual a, double b) {
+  return Chain(a, std::pow(a.value, b), b * std::pow(a.value, b - 1.0));
+}
 Dual Log(Dual a) { return Chain(a, std::log(a.value), 1.0 / a.value); }
 Dual Power4(Dual a) { return a * a * a * a; }
 Dual Sin(Dual a) { return Chain(a, std::sin(a.value), std::cos(a.value)); }
@@ -110,6 +114,7 @@ class AllKernels : public testing::Test {
     call.kernel = &kernel;
     call.inputs = kInputs;
     call.constants = kernel.constants(kInputs);
+    call.constants.parameter = 1.3;
     call.centreCount = kCentres;
     call.centres = centres_.data();
     call.scales = scales_.data();
@@ -270,6 +275,7 @@ TEST(KernelTable, EachPublicNumberHasARowOfItsOwn) {
                                   Kernels());
   ExpectOneRowEach<E_LinearBasisFunction>(PublicNumbers("linear_basis.h", "LBF(?!Data)"),
                                           Kernels());
+  ExpectOneRowEach<E_CovarianceFunctionType>(PublicNumbers("gaussian_process.h", "Cov"), Kernels());
   ExpectOneRowEach<E_WeightFunction>(PublicNumbers("moving_least_squares.h", "Weight"), Weights());
 }
 

@@ -24,6 +24,7 @@ bool HasFastForm(const KernelModel& model) {
   switch (model.kernel->shape) {
     case kernels::Shape::ExpOfSum:
     case kernels::Shape::Product:
+    case kernels::Shape::Distance:
       return std::none_of(model.scales.begin(), model.scales.end(), isNegative);
     case kernels::Shape::Radial:
       return std::none_of(model.centreScales.begin(), model.centreScales.end(), isNotPositive);

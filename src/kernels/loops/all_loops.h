@@ -12,8 +12,10 @@ namespace {
 
 template <class K>
 constexpr KernelLoops LoopsOf() {
-  KernelLoops loops = {&Sum<K>, nullptr, RowLoopOf<K>()};
+  KernelLoops loops = {&Sum<K>, nullptr, nullptr, RowLoopOf<K>()};
   if constexpr (kHasFast<K>) loops.fastSum = &FastSum<K>;
+  // Only kernels of a distance are factors of others.
+  if constexpr (kHasFast<K> && K::kShape == Shape::Distance) loops.fastValues = &FastValuesOf<K>;
   return loops;
 }
 

@@ -92,6 +92,21 @@ void AddGradientOfRadial(const WeightedKernels& call, std::size_t centre, const 
   for (std::size_t i = 0; i < call.inputs; ++i) gradient[i] += factor * (u[i] - y[i]);
 }
 
+/// K::Slope is the derivative by half the squared scaled distance, as of a radial kernel.
+template <class K>
+void AddGradientOfDistance(const WeightedKernels& call, std::size_t centre, const double* u,
+                           double* gradient) {
+  const double* const y = call.centres + centre * call.inputs;
+  double r2 = 0.0;
+  for (std::size_t i = 0; i < call.inputs; ++i) {
+    r2 = Step<K>(call.constants, r2, u[i], y[i], call.scales[i]);
+  }
+  const double factor = call.weights[centre] * K::Slope(call.constants, r2);
+  for (std::size_t i = 0; i < call.inputs; ++i) {
+    gradient[i] += factor * ((u[i] - y[i]) * call.scales[i]) * call.scales[i];
+  }
+}
+
 template <class K>
 void AddGradients(const WeightedKernels& call, const double* u, [[maybe_unused]] double* work,
                   double* gradient) {
@@ -102,6 +117,8 @@ void AddGradients(const WeightedKernels& call, const double* u, [[maybe_unused]]
       AddGradientOfProduct<K>(call, j, u, work, gradient);
     } else if constexpr (K::kShape == Shape::Dot) {
       AddGradientOfDot<K>(call, j, u, gradient);
+    } else if constexpr (K::kShape == Shape::Distance) {
+      AddGradientOfDistance<K>(call, j, u, gradient);
     } else {
       AddGradientOfRadial<K>(call, j, u, gradient);
     }

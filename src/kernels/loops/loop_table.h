@@ -74,6 +74,8 @@ struct KernelLoops {
   void (*sum)(const KernelSum& call);
   /// With data prepared for it, see shapes.h. Null without a fast form.
   void (*fastSum)(const KernelSum& call);
+  /// The same without weights and sums: `values` has room for the kernels of all centres.
+  void (*fastValues)(const KernelSum& call);
   /// Null where the plain loop (Kernel::rows) is as fast.
   void (*rows)(const RowKernels& call);
 };

@@ -150,31 +150,48 @@ void Sum(const KernelSum& call) {
   }
 }
 
-template <class K>
-void FastSum(const KernelSum& call) {
+/// Calls use(centre, u, value) with the fast kernel values of all centres at some points.
+template <class K, class Size, class Use>
+PXROM_INLINE void ForFastValues(const KernelSum& call, std::size_t point, Size size,
+                                const Use& use) {
   using Fast = typename K::Fast;
   using State = decltype(Fast::template Start<Vector>());
+  const double* y = call.centres;
+  for (std::size_t j = 0; j < call.centreCount; ++j, y += call.inputs) {
+    State state[size.count];
+    for (std::size_t u = 0; u < size.count; ++u) state[u] = Fast::template Start<Vector>();
+    for (std::size_t i = 0; i < call.inputs; ++i) {
+      const Vector yi = y[i];
+      for (std::size_t u = 0; u < size.count; ++u) {
+        const Vector x = Load(call.x + i * kBlock + point + u * kLanes);
+        state[u] = Fast::Step(state[u], x, yi);
+      }
+    }
+    const Vector scale = call.centreScales != nullptr ? call.centreScales[j] : 1.0;
+    for (std::size_t u = 0; u < size.count; ++u) {
+      use(j, u, Fast::Value(call.constants, state[u], scale));
+    }
+  }
+}
+
+template <class K>
+void FastSum(const KernelSum& call) {
   ForAllPoints(call.points, [&](auto size, std::size_t point) {
     Vector sum[size.count];
     for (std::size_t u = 0; u < size.count; ++u) sum[u] = call.start;
-    const double* y = call.centres;
-    for (std::size_t j = 0; j < call.centreCount; ++j, y += call.inputs) {
-      State state[size.count];
-      for (std::size_t u = 0; u < size.count; ++u) state[u] = Fast::template Start<Vector>();
-      for (std::size_t i = 0; i < call.inputs; ++i) {
-        const Vector yi = y[i];
-        for (std::size_t u = 0; u < size.count; ++u) {
-          const Vector x = Load(call.x + i * kBlock + point + u * kLanes);
-          state[u] = Fast::Step(state[u], x, yi);
-        }
-      }
-      const Vector scale = call.centreScales != nullptr ? call.centreScales[j] : 1.0;
-      const Vector weight = call.weights[j];
-      for (std::size_t u = 0; u < size.count; ++u) {
-        sum[u] = Fma(Fast::Value(call.constants, state[u], scale), weight, sum[u]);
-      }
-    }
+    ForFastValues<K>(call, point, size, [&](std::size_t j, std::size_t u, Vector value) {
+      sum[u] = Fma(value, call.weights[j], sum[u]);
+    });
     for (std::size_t u = 0; u < size.count; ++u) Store(call.sums + point + u * kLanes, sum[u]);
+  });
+}
+
+template <class K>
+void FastValuesOf(const KernelSum& call) {
+  ForAllPoints(call.points, [&](auto size, std::size_t point) {
+    ForFastValues<K>(call, point, size, [&](std::size_t j, std::size_t u, Vector value) {
+      Store(call.values + j * kBlock + point + u * kLanes, value);
+    });
   });
 }
 
