@@ -5,6 +5,7 @@
 
 #include "pxrom/constant.h"
 #include "pxrom/regression.h"
+#include "reference/gaussian_process_literal.h"
 #include "reference/kernel_local_literal.h"
 #include "reference/kriging_literal.h"
 #include "reference/polynomial_literal.h"
@@ -44,6 +45,9 @@ class EvaluatorTable {
     table_[DT_MLSData] = new LiteralValues<CMLSEvaluator, CMLSData>(&EvaluateMovingLeastSquares);
     table_[DT_LBFData] = new LiteralValues<CLBFEvaluator, CLBFData>(&EvaluateLinearBasis);
     table_[DT_ConstantData] = new CConstantEvaluator;
+    table_[DT_GaussianProcessData] =
+        new LiteralValues<CGaussianProcessEvaluator, CGaussianProcessData>(
+            &EvaluateGaussianProcess);
     table_[DT_PolynomialData] =
         new LiteralValues<CPolynomialEvaluator, CPolynomialData>(&EvaluatePolynomial);
   }

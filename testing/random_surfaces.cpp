@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 #include "kernels/kernels.h"
 #include "pxrom/constant.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
@@ -175,6 +177,56 @@ std::unique_ptr<CRSData> Regression(Draw& draw, int inputs, int samples, bool er
   return record;
 }
 
+// A lower triangle, row by row, so small that it leaves most of a variance.
+std::vector<double> RandomTriangle(Draw& draw, int order) {
+  std::vector<double> triangle;
+  for (int row = 0; row < order; ++row) {
+    const std::vector<double> left = draw.Reals(row, -0.004, 0.004);
+    triangle.insert(triangle.end(), left.begin(), left.end());
+    triangle.push_back(draw.Real(0.01, 0.05));
+  }
+  return triangle;
+}
+
+void SetCovariance(Draw& draw, int inputs, CGaussianProcessData& record) {
+  const std::vector<int> functions = kernels::NumbersOfCovarianceFunctions();
+  const bool isOneLength = draw.Chance(30);
+  for (int term = draw.Int(1, 3); term > 0; --term) {
+    const int number = static_cast<int>(record.TermAmplitudes.size());
+    record.TermAmplitudes.push_back(draw.Real(0.2, 2));
+    // Now and then a term has no factor.
+    for (int factor = draw.Chance(10) ? 0 : draw.Int(1, 2); factor > 0; --factor) {
+      record.FactorTerms.push_back(number);
+      record.FactorFunctions.push_back(draw.OneOf(functions));
+      record.FactorParameters.push_back(draw.Real(0.3, 2));
+      for (int i = 0; i < (isOneLength ? 1 : inputs); ++i) {
+        record.FactorLengths.push_back(draw.Chance(15) ? std::numeric_limits<double>::infinity()
+                                                       : draw.Real(0.2, 3));
+      }
+    }
+  }
+}
+
+std::unique_ptr<CRSData> GaussianProcess(Draw& draw, int inputs, int samples, bool errorData) {
+  auto record = Base<CGaussianProcessData>(draw, inputs, samples);
+  SetCovariance(draw, inputs, *record);
+  record->Weights = draw.Reals(samples, -2, 2);
+  record->PolynomialType = OneType<E_PolynomialType>(draw, PolyNone, PolyFullQuadratic);
+  const int monomials = draw.Chance(30) ? draw.Int(1, 3) : 0;
+  for (int e = monomials * inputs; e > 0; --e) record->Monomials.push_back(draw.Int(0, 4));
+  const int p = BasisSize(record->PolynomialType, inputs) + monomials;
+  record->PolynomialCoefficients = draw.Reals(p, -2, 2);
+  record->NoiseVariance = draw.Chance(50) ? draw.Real(0, 1) : 0.0;
+  if (!errorData) return record;
+  record->SavePredictorError = true;
+  record->ErrorIncludesNoise = draw.Chance(30);
+  record->InverseFactor = RandomTriangle(draw, samples);
+  if (draw.Chance(50)) return record;
+  record->TrendInverseFactor = RandomTriangle(draw, p);
+  for (int k = 0; k < p; ++k) record->TrendAtSamples.push_back(draw.Reals(samples, -1, 1));
+  return record;
+}
+
 // Terms of every degree up to the fourth. With an output transformation their sum stays between 1
 // and 5, as that of a regression does.
 std::unique_ptr<CRSData> PolynomialOfAnyDegree(Draw& draw, int inputs, int samples,
@@ -245,6 +297,7 @@ constexpr Maker kMakers[] = {
     {DT_MLSData, &MovingLeastSquares},
     {DT_LBFData, &LinearBasis},
     {DT_ConstantData, &Constant},
+    {DT_GaussianProcessData, &GaussianProcess},
     {DT_PolynomialData, &PolynomialOfAnyDegree},
 };
 

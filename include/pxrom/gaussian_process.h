@@ -153,8 +153,9 @@ class PXROM_API CGaussianProcessEvaluator : public CRSEvaluator {
   int EvaluateResponseSurfaceDerivativeWrtInputVariables(
       const CRSData* data, const std::vector<double>& x,
       std::vector<double>& gradient) const override;
-  /// The gradient of the standard deviation, d elements; 0 where that is 0. -2 with `gradient`
-  /// untouched where the form with an error gives -2.
+  /// The gradient of the standard deviation, d elements; all 0 where rounding alone is left of the
+  /// variance, as at a sample without noise, where it has a kink. -2 with `gradient` untouched
+  /// where the form with an error gives -2.
   int EvaluatePredictorErrorDerivativeWrtInputVariables(const CRSData* data,
                                                         const std::vector<double>& x,
                                                         std::vector<double>& gradient) const;

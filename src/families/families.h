@@ -1,6 +1,7 @@
 #pragma once
 
 #include "families/constant/constant_fields.h"
+#include "families/gaussian_process/gaussian_process_fields.h"
 #include "families/kriging/kriging_fields.h"
 #include "families/linear_basis/lbf_fields.h"
 #include "families/moving_least_squares/mls_fields.h"
@@ -17,7 +18,7 @@ struct RecordList {};
 /// The families of the library, by ascending number. This is the only list. A family without its
 /// description does not compile, and one without its `family` does not link.
 using AllRecords = RecordList<CRSData, CQRSData, CKrigingData, CSVRData, CMLSData, CLBFData,
-                              CConstantData, CPolynomialData>;
+                              CConstantData, CGaussianProcessData, CPolynomialData>;
 
 template <class Records>
 struct FamilyRows;

@@ -8,6 +8,7 @@
 
 #include "batch/batch_cases.h"
 #include "pxrom/constant.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/moving_least_squares.h"
@@ -39,6 +40,21 @@ CKrigingData Kriging(int samples, int inputs, bool withErrors) {
   record.CorrelationCoefficients.assign(record.InputSamples.size(), 1.0);
   record.SavePredictorError = withErrors;
   if (withErrors) record.InvC = Rows(samples, samples);
+  return record;
+}
+
+CGaussianProcessData GaussianProcess(int samples, int inputs, int factors, bool withErrors) {
+  auto record = RecordOf<CGaussianProcessData>(samples, inputs);
+  const auto count = static_cast<std::size_t>(factors);
+  record.TermAmplitudes = {1.0};
+  record.FactorTerms.assign(count, 0);
+  record.FactorFunctions.assign(count, CovMatern52);
+  record.FactorParameters.assign(count, 0.0);
+  record.FactorLengths.assign(count, 1.0);
+  record.Weights.assign(record.InputSamples.size(), 1.0);
+  record.SavePredictorError = withErrors;
+  if (withErrors)
+    record.InverseFactor.assign(record.Weights.size() * (record.Weights.size() + 1) / 2, 1.0);
   return record;
 }
 
@@ -107,6 +123,10 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
   EXPECT_NEAR(Growth(Kriging(500, 5, false), Kriging(2000, 5, false)), 4.0, 0.1);
   EXPECT_NEAR(Growth(Kriging(500, 50, false), Kriging(500, 200, false)), 4.0, 0.4);
   EXPECT_NEAR(Growth(Kriging(500, 5, true), Kriging(2000, 5, true)), 16.0, 1.5);
+  EXPECT_NEAR(Growth(GaussianProcess(500, 5, 1, false), GaussianProcess(2000, 5, 4, false)), 16.0,
+              1.0);
+  EXPECT_NEAR(Growth(GaussianProcess(500, 5, 1, true), GaussianProcess(2000, 5, 1, true)), 16.0,
+              3.0);
   EXPECT_NEAR(Growth(SupportVector(500, 5), SupportVector(2000, 5)), 4.0, 0.1);
   EXPECT_NEAR(Growth(LinearBasis(500, 5), LinearBasis(2000, 5)), 4.0, 0.1);
   // Each sample adds to the matrix of 231 functions; the factorisation does not depend on them.

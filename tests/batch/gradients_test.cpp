@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "batch/batch_cases.h"
+#include "families/gaussian_process/gaussian_process_fields.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -39,6 +40,26 @@ TEST(Gradients, AreTheReferencesOfEveryFamilyAndTheEnsemble) {
       EXPECT_PRED2(isNear, values[at], wanted["value"].get<double>());
       for (std::size_t i = 0; i < 2; ++i) {
         EXPECT_PRED2(isNear, gradients[2 * at + i], wanted["gradient"][i].get<double>());
+      }
+    }
+  }
+}
+
+TEST(Gradients, AreTheReferencesOfGaussianProcesses) {
+  for (const auto& each : ReferenceData("gaussian_process/predictions.json")) {
+    const std::string text = each["text"];
+    reading::DatabaseText whole(text);
+    reading::AttributeRange range(whole, {0, text.size() - 1});
+    CGaussianProcessData record;
+    ASSERT_EQ(FamilyOf<CGaussianProcessData>::family.resume(range, &record), 0);
+    const CPreparedModel prepared = Prepared(ModelOf(record));
+    for (std::size_t i = 0; i < each["x"].size(); ++i) {
+      const Vector x = each["x"][i];
+      const Vector want = each["gradient"][i];
+      Vector gradient(2);
+      ASSERT_EQ(prepared.EvaluateGradients(x.data(), 1, gradient.data(), nullptr), 0);
+      for (std::size_t k = 0; k < 2; ++k) {
+        EXPECT_NEAR(gradient[k], want[k], 1e-10 * std::max(1.0, std::fabs(want[k])));
       }
     }
   }

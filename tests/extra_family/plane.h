@@ -9,7 +9,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-constexpr auto DT_PlaneData = static_cast<E_DataType>(9);
+constexpr auto DT_PlaneData = static_cast<E_DataType>(200);
 
 struct CPlaneData : public CRSData {
   CPlaneData* Clone() const override { return new CPlaneData(*this); }

@@ -81,7 +81,7 @@ TEST(ExtraFamily, IsInspected) {
   EXPECT_EQ(CodesOf(Replaced(text, "PlaneSlopes=4", "PlaneSlopes=4,5")), Codes{"count-mismatch"});
   EXPECT_EQ(CodesOf(Replaced(text, "PlaneVersion=200", "PlaneVersion=7")),
             Codes{"version-unknown"});
-  EXPECT_EQ(CodesOf(Replaced(text, "DataType=9", "DataType=8")), Codes{"family-mismatch"});
+  EXPECT_EQ(CodesOf(Replaced(text, "DataType=200", "DataType=8")), Codes{"family-mismatch"});
 }
 
 }  // namespace

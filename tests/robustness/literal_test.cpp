@@ -9,6 +9,7 @@
 
 #include "pxrom/writer.h"
 #include "reference/evaluate_literal.h"
+#include "reference/gaussian_process_literal.h"
 #include "reference/kernel_local_literal.h"
 #include "reference/kriging_literal.h"
 #include "reference/polynomial_literal.h"
@@ -163,6 +164,12 @@ void Distort(Draw& draw, CLBFData& record) {
   Lengthen(draw, record);
 }
 
+void Distort(Draw& draw, CGaussianProcessData& record) {
+  for (int& function : record.FactorFunctions) {
+    if (draw.Chance(10)) function = draw.OneOf<int>({-1, 0, 15, 1000});
+  }
+}
+
 void Distort(Draw& draw, CPolynomialData& record) {
   const Vector lambdas = {-1.5, 0.0, 1e-6, 0.5, 2.0};
   for (double& lambda : record.VariableLambdas) lambda = draw.OneOf(lambdas);
@@ -254,6 +261,16 @@ int ExpectLiteral(const CKrigingData& record, const Vector& x) {
   return status;
 }
 
+int ExpectLiteral(const CGaussianProcessData& record, const Vector& x) {
+  const CGaussianProcessEvaluator evaluator;
+  Vector got(2, -7.0);
+  Vector want(2, -7.0);
+  const int status = evaluator.EvaluateResponseSurface(&record, x, got[0], got[1]);
+  EXPECT_EQ(status, literal::EvaluateGaussianProcess(record, x, want[0], want[1]));
+  ExpectSame(got, want);
+  return ExpectSame(evaluator, record, x, &literal::EvaluateGaussianProcess);
+}
+
 template <class Record>
 void ExpectLiteralSurfaces(E_DataType family, int rounds) {
   Draw draw(99);
@@ -262,7 +279,8 @@ void ExpectLiteralSurfaces(E_DataType family, int rounds) {
     SCOPED_TRACE("family " + std::to_string(family) + ", round " + std::to_string(round));
     // Every remainder of groups of samples, and more inputs than a working point holds in place.
     const int inputs = round % 97 == 96 && family == DT_QRSData ? 33 : draw.Int(1, 5);
-    const int samples = family == DT_KrigingData ? draw.Int(0, 40) : draw.Int(1, 30);
+    const bool canLackSamples = family == DT_KrigingData || family == DT_GaussianProcessData;
+    const int samples = canLackSamples ? draw.Int(0, 40) : draw.Int(1, 30);
     const auto surface = RandomSurface(draw, family, inputs, samples, true);
     auto& record = dynamic_cast<Record&>(*surface);
     Distort(draw, record);
@@ -287,6 +305,7 @@ TEST(Literal, BitsAreDefined) {
   ExpectLiteralSurfaces<CSVRData>(DT_SVRData, 1000);
   ExpectLiteralSurfaces<CMLSData>(DT_MLSData, 1500);
   ExpectLiteralSurfaces<CLBFData>(DT_LBFData, 1000);
+  ExpectLiteralSurfaces<CGaussianProcessData>(DT_GaussianProcessData, 1000);
   ExpectLiteralSurfaces<CPolynomialData>(DT_PolynomialData, 600);
 }
 

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "pxrom/constant.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/moving_least_squares.h"
 #include "pxrom/regression.h"
@@ -253,6 +254,18 @@ TEST(Refusals, Families) {
       {"KrigingFTilde is not a matrix of 1 rows and 2 columns, as the counts beside it say",
        All(saved, Set(&Kriging::NumberOfPolyCoeff, 1), Set(&Kriging::InvC, Matrix{{1, 0}, {0, 1}}),
            Set(&Kriging::InvG, Matrix{{1}}), Set(&Kriging::Ft, Matrix{{1}, {2}}))},
+  });
+  using Process = CGaussianProcessData;
+  ExpectEachRefused<Process>({
+      {"its GaussianProcessDataVersion is not known",
+       Set(&Process::GaussianProcessDataVersion_, 2)},
+      {"a length in FactorLengths is 0, which would read as an infinite one",
+       Set(&Process::FactorLengths, Vector{kInf, 0})},
+      {"GPWeights holds a number that is not finite", Set(&Process::Weights, Vector{kInf})},
+      {kUnsaved, Set(&Process::ErrorIncludesNoise, true)},
+      {kUnsaved, Set(&Process::InverseFactor, Vector{1})},
+      {"GPTrendAtSamples is not a matrix of 0 rows and 0 columns, as the counts beside it say",
+       All(Set(&Process::SavePredictorError, true), Set(&Process::TrendAtSamples, Matrix{{1, 2}}))},
   });
   ExpectEachRefused<CSVRData>({
       {"an SVRVersion below 171 has no SVRKernelArray", Set(&CSVRData::SVRDataVersion_, 170)},

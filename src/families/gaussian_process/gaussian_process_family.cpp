@@ -1,0 +1,21 @@
+#include "families/gaussian_process/gaussian_process_fields.h"
+
+namespace Tarvane::Plexura::PXROM {
+
+namespace {
+
+constexpr Family Describe() {
+  Family family = StartFamily<CGaussianProcessData, CGaussianProcessEvaluator>();
+  family.hasErrorForm = true;
+  family.derivative = Derivative::OfValue;
+  family.scalesInput = true;
+  family.scalesOutput = true;
+  family.cost = &FamilyOf<CGaussianProcessData>::CostOf;
+  return family;
+}
+
+}  // namespace
+
+const Family FamilyOf<CGaussianProcessData>::family = Describe();
+
+}  // namespace Tarvane::Plexura::PXROM
