@@ -14,6 +14,7 @@
 #include "pxrom/batch.h"
 #include "ratio_report.h"
 #include "reference/evaluate_literal.h"
+#include "reference/gaussian_process_literal.h"
 #include "reference/kernel_local_literal.h"
 #include "reference/kriging_literal.h"
 #include "reference/regression_literal.h"
@@ -138,6 +139,33 @@ void RegisterKriging() {
   }
 }
 
+void RegisterGaussianProcess() {
+  const std::pair<const char*, std::vector<int>> kernels[] = {
+      {"gaussian", {CovGaussian}},
+      {"matern 1/2", {CovMatern12}},
+      {"matern 3/2", {CovMatern32}},
+      {"matern 5/2", {CovMatern52}},
+      {"rational quadratic", {CovRationalQuadratic}},
+      {"gaussian by matern 5/2", {CovGaussian, CovMatern52}},
+      {"thin plate spline", {CovThinPlateSpline}},
+      {"cubic", {CovCubic}},
+  };
+  for (const auto& [name, functions] : kernels) {
+    const CGaussianProcessData record = GaussianProcess(200, 6, functions);
+    Register("gaussian_process", name, ListOf(record), 6, 200, false,
+             Value<CGaussianProcessData>(record, &literal::EvaluateGaussianProcess));
+  }
+  const auto record =
+      std::make_shared<CGaussianProcessData>(GaussianProcess(200, 6, {CovMatern52}));
+  Register("gaussian_process_error", "n200 d6", ListOf(*record), 6, 200, true,
+           [record](const std::vector<double>& x) {
+             double y = 0.0;
+             double error = 0.0;
+             benchmark::DoNotOptimize(literal::EvaluateGaussianProcess(*record, x, y, error));
+             benchmark::DoNotOptimize(error);
+           });
+}
+
 void RegisterKernelLocal() {
   for (const auto& [type, name] :
        {std::pair(SVRKernGaussian, "gaussian"), std::pair(SVRKernQuadratic, "quadratic"),
@@ -196,6 +224,7 @@ void RegisterCrossValidated() {
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   RegisterKriging();
+  RegisterGaussianProcess();
   RegisterKernelLocal();
   RegisterRegression();
   RegisterCrossValidated();
@@ -212,6 +241,8 @@ int main(int argc, char** argv) {
   } tables[] = {
       {"kriging", "Kriging", {6.0, 0.0, usual}, {15.0, 0.0, usual}},
       {"kriging_error", "Kriging and error", {10.0, 0.0, errors}, {10.0, 0.0, errors}},
+      {"gaussian_process", "Gaussian process", {}, {}},
+      {"gaussian_process_error", "Gaussian process and error", {}, {}},
       {"support_vector", "support vectors", {}, {}},
       {"linear_basis", "linear basis", {}, {}},
       {"regression", "regression", {20.0, 0.0, quadratic}, {20.0, 0.0, quadratic}},

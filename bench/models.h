@@ -8,6 +8,7 @@
 
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/fitting_candidates.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/regression.h"
@@ -66,6 +67,24 @@ inline CKrigingData Kriging(int n, int d, E_KringingCorrelationFunctionType type
     record.InvG.push_back(numbers(d + 1, -1.0, 1.0));
     record.Ft.push_back(numbers(n, -1.0, 1.0));
   }
+  return record;
+}
+
+/// One term, the product of `functions`.
+inline CGaussianProcessData GaussianProcess(int n, int d, const std::vector<int>& functions) {
+  Numbers numbers;
+  auto record = Base<CGaussianProcessData>(numbers, n, d);
+  const auto factors = static_cast<int>(functions.size());
+  record.PolynomialType = PolyConstant;
+  record.PolynomialCoefficients = {0.5};
+  record.TermAmplitudes = {1.5};
+  record.FactorTerms.assign(functions.size(), 0);
+  record.FactorFunctions = functions;
+  record.FactorParameters.assign(functions.size(), 1.5);
+  record.FactorLengths = numbers(factors * d, 1.0, 3.0);
+  record.Weights = numbers(n, -1.0, 1.0);
+  record.SavePredictorError = true;
+  record.InverseFactor = numbers(n * (n + 1) / 2, -0.01, 0.01);
   return record;
 }
 

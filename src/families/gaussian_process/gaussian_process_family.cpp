@@ -1,4 +1,5 @@
 #include "families/gaussian_process/gaussian_process_fields.h"
+#include "families/gaussian_process/gaussian_process_preparation.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -11,6 +12,7 @@ constexpr Family Describe() {
   family.scalesInput = true;
   family.scalesOutput = true;
   family.cost = &FamilyOf<CGaussianProcessData>::CostOf;
+  family.prepare = &batch::PrepareGaussianProcess;
   return family;
 }
 
