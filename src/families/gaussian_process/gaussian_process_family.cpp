@@ -1,3 +1,4 @@
+#include "families/gaussian_process/gaussian_process_checks.h"
 #include "families/gaussian_process/gaussian_process_fields.h"
 #include "families/gaussian_process/gaussian_process_preparation.h"
 
@@ -12,6 +13,7 @@ constexpr Family Describe() {
   family.scalesInput = true;
   family.scalesOutput = true;
   family.cost = &FamilyOf<CGaussianProcessData>::CostOf;
+  family.check = &inspection::CheckGaussianProcess;
   family.prepare = &batch::PrepareGaussianProcess;
   return family;
 }
