@@ -211,7 +211,7 @@ PXROM_INLINE Parts SplitFromPowerOf2(Vector x) {
 }
 
 /// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1 (Abramowitz and
-/// Stegun 4.1.27). For x of at least 1/8; other lanes are left open.
+/// Stegun 4.1.27). For x from 2^-1000 to 2^1000; other lanes are left open.
 PXROM_INLINE Exact Log(Vector x) {
   constexpr double kLn2 = 0x1.62e42fefa2000p-1;
   constexpr double kLn2Rest = 0x1.9ef35793c7673p-41;
@@ -238,7 +238,7 @@ PXROM_INLINE Exact Log(Vector x) {
   const Vector doubt = LeadingPowerOf2(high) * kDoubt;
   const Vector up = high + (low + doubt);
   const Vector down = high + (low - doubt);
-  const unsigned usual = Bits(0.125 <= x) & Bits(x <= 0x1p1000);
+  const unsigned usual = Bits(0x1p-1000 <= x) & Bits(x <= 0x1p1000);
   return {up, (Bits(up != down) | ~usual) & kAllLanes};
 }
 
