@@ -324,6 +324,18 @@ def copula():
     return to_text(chaos(related, basis))
 
 
+def harmonics():
+    ot.RandomGenerator.SetSeed(0)
+    distribution = ot.ComposedDistribution([ot.Uniform(0, 1), ot.Uniform(1, 2)])
+    basis = ot.OrthogonalProductFunctionFactory([ot.HaarWaveletFactory()] * 2)
+    return to_text(chaos(distribution, basis))
+
+
+def two_scalings():
+    blocks = [("a", pipe(Standard(), function(np.exp))), ("b", function(np.exp))]
+    return to_text(pipe(FeatureUnion(blocks), linear_model.Ridge()).fit(X, Y))
+
+
 WIDE = DRAW.random((40, 30))
 CATEGORIES = FRAME.assign(k=["u", "v"] * 30)
 REFUSED = [
@@ -338,6 +350,25 @@ REFUSED = [
             ensemble.VotingRegressor([("a", svm.SVR()), ("b", LINE())]), transformer=Standard()
         ),
         "a VotingRegressor inside another estimator is exported only if",
+    ),
+    (pipe(decomposition.PCA(2), pipe(PowerTransformer(), LINE())), "a function or a basis of one"),
+    (
+        lambda: to_text(
+            pipe(MinMaxScaler(), PolynomialFeatures((1001, 1001)), LINE()).fit(X[:, :1], Y)
+        ),
+        "a term has the degree 1001, and a database holds degrees up to 1000",
+    ),
+    (
+        Target(linear_model.GammaRegressor(), func=np.log, inverse_func=np.exp),
+        "the output goes through two transformations",
+    ),
+    (GridSearchCV(LINE(), {"positive": [True]}, refit=False), "search with refit=True"),
+    (svm.SVR(kernel="poly", degree=0), "of the degree 0 has no counterpart; take a whole number"),
+    (two_scalings, "two functions of one input follow different scalings of it"),
+    (harmonics, "the basis OrthogonalProductFunctionFactory has no counterpart"),
+    (
+        lambda: to_text(pipe(PolynomialFeatures(4), linear_model.Ridge()).fit(WIDE, WIDE[:, 0])),
+        "the model has more than 20000 terms",
     ),
     (
         lambda: to_text(svm.SVR(kernel="poly", degree=5).fit(WIDE, WIDE[:, 0])),

@@ -101,7 +101,7 @@ def _affine(variable: Variable, z: np.ndarray, u: np.ndarray) -> Optional[Variab
 def _with_basis(variable: Variable, family: Any, highest: int) -> Variable:
     """The tool's recurrence is P(n + 1) = (a x + b) P(n) + c P(n - 1)."""
     steps = np.array([np.array(family.getRecurrenceCoefficients(n)) for n in range(highest)])
-    steps = steps.reshape(highest, 3) * [1.0, 1.0, -1.0]
+    steps = steps.reshape(highest, 3) * [1.0, 1.0, -1.0] + 0.0  # no -0
     basis = Basis(_RECURRENCE, steps=tuple(tuple(map(float, step)) for step in steps))
     n = np.arange(highest)
     spread = {

@@ -191,13 +191,9 @@ def _after_columns(step: Any, features: Features) -> Features:
 
 
 def _places(step: Any, places: Any, count: int) -> List[int]:
-    """The numbers of columns that are given by number, name, mask, slice or function."""
+    """The numbers of columns that are given by number, name, mask or slice."""
     from sklearn.utils import _get_column_indices
 
-    if callable(places):
-        raise NotExportable(
-            "a ColumnTransformer chooses columns by a function; name the columns instead"
-        )
     frame: Any = np.zeros((1, count))
     names = getattr(step, "feature_names_in_", None)
     if names is not None:

@@ -43,7 +43,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     columns = Columns(features, X)
     info = getattr(model.data, "design_info", None)
     if info is not None and options.names is not None:
-        found = _by_formula(columns, info, exog, options)
+        found = _by_formula(columns, info, options)
     else:
         found = columns.all_of(exog, list(model.exog_names))
 
@@ -115,9 +115,7 @@ def _frame(points: np.ndarray, options: Options) -> Any:
     return pandas.DataFrame(points, columns=list(options.names or ()))
 
 
-def _by_formula(
-    columns: Columns, info: Any, exog: np.ndarray, options: Options
-) -> List[Polynomial]:
+def _by_formula(columns: Columns, info: Any, options: Options) -> List[Polynomial]:
     """The columns of a formula, from those of its factors."""
     assert options.X is not None
     frame = _frame(options.X, options)
@@ -142,6 +140,4 @@ def _by_formula(
         for factor in term.factors:
             product = multiplied(product, factors[factor])
         found.append(product)
-    if len(found) != exog.shape[1]:
-        raise NotExportable("a term of the formula has more than one column: write it out")
     return found
