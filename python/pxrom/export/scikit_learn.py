@@ -10,7 +10,8 @@ In a ``Pipeline`` after scalers. Before a linear model, or one with a polynomial
 that a database has, ``PCA`` and other linear maps, selectors, ``ColumnTransformer`` and
 ``FeatureUnion``, in any order that leaves one function of each input. Around the target
 (``TransformedTargetRegressor``): a scaler, or around such a model a function or
-``PowerTransformer``.
+``PowerTransformer``. Polynomial kernels of degree 3 and more, and products of features, are written
+out in monomials, 20000 of them at most.
 """
 
 from typing import Any, Dict, List, Optional, Tuple

@@ -32,7 +32,7 @@ SurfaceCost FamilyOf<CPolynomialData>::CostOf(const CRSData& base, double) {
   cost.value = 2.0 * degrees + table + factors + 2.0 * terms + (isBack ? 2.0 * kElementary : 0.0);
   cost.gradient = 2.0 * cost.value + table + 4.0 * factors;
   const double order = expansion.HasCovariance() ? terms : 0.0;
-  cost.error = 3.0 * order * order + factors + 3.0 * kElementary;
+  if (order > 0.0) cost.error = 3.0 * order * order + factors + 3.0 * kElementary;
   // The products of two factors need no row of their own.
   const double rows = size + std::max(factors - 2.0 * terms, 0.0);
   cost.perPoint = kBytesPerNumber * (rows + order + 8.0);
