@@ -16,7 +16,7 @@ STEPS = 8
 # Derivatives are taken over steps this much wider than a rounding.
 _WIDER = 2.0**20
 
-# Distances per input (n, d) to kernel values (n,); falling in each distance.
+# Distances per input (n, d) to kernel values (n,); falling in each distance, or growing in each.
 Shape = Callable[[np.ndarray], np.ndarray]
 
 
@@ -53,6 +53,7 @@ def kernels_off(
     away = np.abs(point - samples)
     wide = _WIDER * off
     values = shape(away)
-    through_place = (shape(np.maximum(away - wide, 0.0)) - shape(away + wide)) / _WIDER
-    exponent = -np.log(np.maximum(values, 1e-300))
-    return values, through_place + UNIT * (STEPS + exponent) * values
+    through_place = np.abs(shape(np.maximum(away - wide, 0.0)) - shape(away + wide)) / _WIDER
+    sizes = np.abs(values)
+    exponent = np.abs(np.log(np.maximum(sizes, 1e-300)))
+    return values, through_place + UNIT * (STEPS + exponent) * sizes

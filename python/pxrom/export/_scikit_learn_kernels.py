@@ -14,6 +14,7 @@ from typing import Any, Dict, List, NamedTuple
 
 import numpy as np
 
+from . import _scikit_learn_covariance
 from ._features import MOST_TERMS
 from ._monomials import Term
 from ._options import Options
@@ -134,6 +135,8 @@ def vectors(fitted: Any, options: Options) -> List[Surface]:
     """SVR and NuSVR."""
     if not hasattr(fitted, "dual_coef_"):
         raise NotExportable(f"the {type(fitted).__name__} is not fitted; call fit first")
+    if _scikit_learn_covariance.is_one(fitted.kernel):
+        return _scikit_learn_covariance.vectors(fitted, options)
     _require_name(fitted.kernel)
     X = fitted.support_vectors_
     X = np.asarray(X.todense() if hasattr(X, "todense") else X, dtype=float)
@@ -166,6 +169,8 @@ def ridge(fitted: Any, options: Options) -> List[Surface]:
     """KernelRidge: one surface per output, without a bias."""
     if not hasattr(fitted, "dual_coef_"):
         raise NotExportable("the KernelRidge is not fitted; call fit first")
+    if _scikit_learn_covariance.is_one(fitted.kernel):
+        return _scikit_learn_covariance.ridge(fitted, options)
     _require_name(fitted.kernel)
     X = fitted.X_fit_
     X = np.asarray(X.todense() if hasattr(X, "todense") else X, dtype=float)

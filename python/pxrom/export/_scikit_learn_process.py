@@ -1,108 +1,51 @@
-"""scikit-learn's Gaussian processes as Kriging surfaces.
+"""scikit-learn's Gaussian processes, as Kriging surfaces where one holds them.
 
-The posterior mean is a sum of kernels with the coefficients ``alpha_``: a Kriging surface without a
-trend. A kernel has to reduce to one correlation times a constant, plus white noise, plus constants.
+The posterior mean is a sum of kernels with the coefficients ``alpha_``. A Kriging surface has one
+product of correlations of one input each, and no noise but that of a measurement. All other kernels
+become a process.
 """
 
-from dataclasses import dataclass, field
-from typing import Any, List, Optional
+from typing import Any, List, NamedTuple, Optional
 
 import numpy as np
 
+from . import _covariance, _process
+from ._covariance import Covariance
 from ._options import Options
-from ._rounding import UNIT
+from ._process import ProcessSurface
+from ._scikit_learn_covariance import covariance
 from ._surface import KrigingErrorData, KrigingSurface, NotExportable, Surface, identity
 
 _GAUSSIAN, _EXPONENTIAL, _MATERN52 = 2, 1, 8
 
 
-@dataclass
-class _Correlation:
+class _Correlation(NamedTuple):
+    """``kind``: E_KringingCorrelationFunctionType."""
+
     kind: int
     kernels: np.ndarray
-    factor: float = 1.0
-
-    def times(self, other: "_Correlation") -> "_Correlation":
-        if self.kind != other.kind:
-            raise NotExportable("a product of correlations of different kinds has no counterpart")
-        if self.kind == _MATERN52 and np.any((self.kernels > 0) & (other.kernels > 0)):
-            raise NotExportable("a product of two Matern kernels of one input has no counterpart")
-        return _Correlation(self.kind, self.kernels + other.kernels, self.factor * other.factor)
 
 
-@dataclass
-class _Parts:
-    """A sum: constants, white noise, correlations."""
-
-    constant: float = 0.0
-    noise: float = 0.0
-    correlations: List[_Correlation] = field(default_factory=list)
-
-    def plus(self, other: "_Parts") -> "_Parts":
-        return _Parts(
-            self.constant + other.constant,
-            self.noise + other.noise,
-            self.correlations + other.correlations,
-        )
-
-    def times(self, other: "_Parts") -> "_Parts":
-        made = _Parts(self.constant * other.constant)
-        # White noise is 0 between points and a constant where they are the same.
-        made.noise = (
-            self.noise * other._at_zero() + other.noise * self._at_zero() - self.noise * other.noise
-        )
-        for a, b in ((self, other), (other, self)):
-            if a.constant != 0.0:
-                for one in b.correlations:
-                    made.correlations.append(
-                        _Correlation(one.kind, one.kernels, a.constant * one.factor)
-                    )
-        made.correlations += [a.times(b) for a in self.correlations for b in other.correlations]
-        return made
-
-    def _at_zero(self) -> float:
-        return self.constant + self.noise + sum(one.factor for one in self.correlations)
-
-
-def _parts(kernel: Any, widths: np.ndarray) -> _Parts:
-    """``widths``: the range of the samples by input, to recognise a length scale without effect."""
-    from sklearn.gaussian_process import kernels as k
-
-    if isinstance(kernel, k.Sum):
-        return _parts(kernel.k1, widths).plus(_parts(kernel.k2, widths))
-    if isinstance(kernel, k.Product):
-        return _parts(kernel.k1, widths).times(_parts(kernel.k2, widths))
-    if isinstance(kernel, k.ConstantKernel):
-        return _Parts(constant=float(kernel.constant_value))
-    if isinstance(kernel, k.WhiteKernel):
-        return _Parts(noise=float(kernel.noise_level))
-    if isinstance(kernel, k.RBF):  # Matern derives from it
-        return _Parts(correlations=[_stationary(kernel, widths)])
-    raise NotExportable(
-        f"the kernel {type(kernel).__name__} has no counterpart; the exporter accepts RBF, Matern "
-        "with nu=2.5 of one input each, ConstantKernel and WhiteKernel"
-    )
-
-
-def _stationary(kernel: Any, widths: np.ndarray) -> _Correlation:
-    inverse = 1.0 / np.broadcast_to(np.asarray(kernel.length_scale, dtype=float), widths.shape)
-    nu = getattr(kernel, "nu", np.inf)
-    if nu == np.inf:
-        return _Correlation(_GAUSSIAN, 0.5 * inverse**2)
-    if nu not in (0.5, 2.5):
-        raise NotExportable(f"a Matern kernel with nu={nu:g} has no counterpart; nu=2.5 has one")
-    inverse = np.where(inverse * widths < 1e-9, 0.0, inverse)
-    if np.count_nonzero(inverse) > 1:
-        # The tool's own optimizer refuses infinite bounds.
-        far = f"1e{int(np.ceil(np.log10(widths.max()))) + 10}"
-        raise NotExportable(
-            f"a Matern kernel with nu={nu:g} takes the distance over all inputs, and the library "
-            "multiplies one factor per input: fit a product of Matern kernels of one input each, "
-            "in which a fixed, huge length takes the others out, for two inputs "
-            f"Matern([1, {far}], [(0.01, 100), ({far}, {far})], nu=2.5) * "
-            f"Matern([{far}, 1], [({far}, {far}), (0.01, 100)], nu=2.5)"
-        )
-    return _Correlation(_MATERN52 if nu == 2.5 else _EXPONENTIAL, inverse)
+def _correlation(of: Covariance, widths: np.ndarray) -> Optional[_Correlation]:
+    """That of a Kriging surface with the same value and error, if there is one. ``widths``: the
+    range of the samples by input, to recognise a length without effect."""
+    if len(of.terms) != 1 or () in of.terms or of.priors:
+        return None
+    (product,) = of.terms
+    functions = {factor.function for factor in product}
+    if len(functions) != 1:
+        return None
+    inverses = np.array([1.0 / np.array(factor.lengths) for factor in product])
+    if functions == {_covariance.GAUSSIAN}:
+        return _Correlation(_GAUSSIAN, (0.5 * inverses**2).sum(axis=0))
+    inverses[inverses * widths < 1e-9] = 0.0
+    takes = np.count_nonzero(inverses, axis=1)
+    if functions == {_covariance.MATERN12} and takes.max() <= 1:
+        return _Correlation(_EXPONENTIAL, inverses.sum(axis=0))
+    shared = np.count_nonzero(inverses, axis=0).max() > 1
+    if functions == {_covariance.MATERN52} and takes.max() <= 1 and not shared:
+        return _Correlation(_MATERN52, inverses.sum(axis=0))
+    return None
 
 
 def convert(fitted: Any, options: Options) -> List[Surface]:
@@ -110,53 +53,54 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
     if not hasattr(fitted, "alpha_"):
         raise NotExportable("the GaussianProcessRegressor is not fitted; call fit first")
     X = np.asarray(fitted.X_train_, dtype=float)
-    parts = _parts(fitted.kernel_, np.maximum(np.ptp(X, axis=0), 1e-300))
-    if len(parts.correlations) != 1:
-        raise NotExportable(
-            f"the kernel {fitted.kernel_} has {len(parts.correlations)} correlations in its sum; "
-            "a Kriging surface has one"
-        )
-    correlation = parts.correlations[0]
+    of = covariance(fitted.kernel_, X.shape[1])
+    correlation = _correlation(of, np.maximum(np.ptp(X, axis=0), 1e-300))
     alphas = fitted.alpha_.reshape(len(X), -1)
     means = np.broadcast_to(np.ravel(fitted._y_train_mean), alphas.shape[1])
     scales = np.broadcast_to(np.ravel(fitted._y_train_std), alphas.shape[1])
     targets = np.asarray(fitted.y_train_, dtype=float).reshape(len(X), -1)
-    error_data = _error_data(fitted, parts, len(X))
+    kriging_error = None if correlation is None else _kriging_error(fitted, of)
+    process_error = None
+    if correlation is None:
+        # The tool's deviation at a new point has the white noise of the kernel, but not alpha.
+        noise = of.noise + np.asarray(fitted.alpha, dtype=float)
+        process_error = _process.process_error(of, X, noise, np.asarray(fitted.L_))
     made: List[Surface] = []
     for column, alpha in enumerate(alphas.T):
-        surface = KrigingSurface(
-            *identity(X.shape[1]),
-            scale=float(scales[column]),
-            shift=float(means[column]),
-            samples=X,
-            outputs=targets[:, column],
-            trend_coefficients=(parts.constant * float(alpha.sum()),),
-            correlation=correlation.kind,
-            coefficients=correlation.factor * alpha,
-            kernels=correlation.kernels,
-            error_data=error_data,
-        )
-        # The constant of the kernel makes a sum of coefficients that cancel.
-        surface.off = len(alpha) * UNIT * abs(parts.constant) * float(np.abs(alpha).sum())
+        surface: Surface
+        if correlation is not None:
+            surface = KrigingSurface(
+                *identity(X.shape[1]),
+                correlation=correlation.kind,
+                coefficients=of.variance * alpha,
+                kernels=correlation.kernels,
+                error_data=kriging_error,
+            )
+        else:
+            surface = ProcessSurface(
+                *identity(X.shape[1]),
+                covariance=of,
+                weights=alpha,
+                trend=_process.posterior(of, X, alpha),
+                error_data=process_error,
+            )
+        surface.samples, surface.outputs = X, targets[:, column]
+        surface.scale, surface.shift = float(scales[column]), float(means[column])
         surface.predict_error = _Deviation(fitted, column)
-        if error_data is None:
-            surface.drop_error("a constant added to the kernel has no place in the error's data")
         made.append(surface)
     return made
 
 
-def _error_data(fitted: Any, parts: _Parts, samples: int) -> Optional[KrigingErrorData]:
-    if parts.constant != 0.0:
-        return None
+def _kriging_error(fitted: Any, of: Covariance) -> KrigingErrorData:
     from scipy.linalg import solve_triangular
 
-    factor = parts.correlations[0].factor
+    samples = len(fitted.L_)
     # The noise belongs to the variance of a prediction, but not to its covariance with samples.
-    variance = factor + parts.noise
+    variance = of.variance + of.noise
     inverse = solve_triangular(fitted.L_, np.eye(samples), lower=True)
     return KrigingErrorData(
         variance=variance,
-        inv_c=inverse * (factor / np.sqrt(variance)),
+        inv_c=inverse * (of.variance / np.sqrt(variance)),
         inv_g=np.zeros((1, 1)),
         ft=np.zeros((1, samples)),
     )
