@@ -15,6 +15,9 @@ errors from cross-validation: :class:`Study`.
 | scipy        | ``RBFInterpolator`` (:mod:`pxrom.export.scipy_rbf`)             |
 | statsmodels  | results of ``OLS`` and other linear models                      |
 |              | (:mod:`pxrom.export.statsmodels`)                               |
+| SMT          | ``KRG``, ``KPLS``, ``KPLSK`` (:mod:`pxrom.export.smt`)          |
+| GPy          | ``GPRegression`` (:mod:`pxrom.export.gpy`)                      |
+| pyKriging    | ``kriging`` (:mod:`pxrom.export.pykriging`)                     |
 
 **Every export checks itself**: it compares the predictions of the exported text and of the tool, at
 the samples and at points between and a little beyond them. If they differ by more than the

@@ -16,6 +16,9 @@ _EXPORTERS = {
     "openturns": "openturns",
     "scipy": "scipy_rbf",
     "statsmodels": "statsmodels",
+    "smt": "smt",
+    "GPy": "gpy",
+    "pyKriging": "pykriging",
 }
 
 
@@ -95,5 +98,6 @@ def _exporter(fitted: Any) -> Any:
             return importlib.import_module(f".{module}", __package__)
     raise NotExportable(
         f"a {type(fitted).__module__}.{type(fitted).__qualname__} is not from a known tool; "
-        "the exporter accepts fitted objects of scikit-learn, OpenTURNS, scipy and statsmodels"
+        "the exporter accepts fitted objects of scikit-learn, OpenTURNS, scipy, statsmodels, SMT, "
+        "GPy and pyKriging"
     )
