@@ -507,7 +507,6 @@ REFUSED = [
     ),
     (odd_trend, "a function of the trend is not a constant"),
     (lambda: rbf(kernel="gaussian", epsilon=1.0, neighbors=9), "neighbors=None"),
-    (lambda: rbf(kernel="gaussian", epsilon=1.0, degree=3), "has the degree 3"),
     (lambda: to_text(ols(np.c_[X, np.sin(X[:, 0])]), X), "'x4' is not a product of inputs of X"),
     (lambda: to_text(sm.OLS(Y, np.ones(40)).fit()), "design is a constant: pass the inputs as X"),
     (lambda: to_text(ols(X, cov_type="HC3"), error=True), "'HC3' has no counterpart"),
