@@ -270,6 +270,22 @@ def _openturns() -> List[Row]:
             surrogate,
         )
     )
+    quadratic, covariance = ot.QuadraticBasisFactory(3).build(), ot.SquaredExponential(LENGTHS)
+    rows.append(
+        Row(
+            "OpenTURNS",
+            "general linear model, 2 outputs",
+            lambda: run(
+                ot.GeneralLinearModelAlgorithm(
+                    sample,
+                    ot.Sample(BOTH),
+                    ot.TensorizedCovarianceModel([covariance, covariance]),
+                    [quadratic, quadratic],
+                )
+            ),
+            surrogate,
+        )
+    )
     return rows
 
 

@@ -1,4 +1,4 @@
-"""OpenTURNS' polynomials: functional chaos and linear models."""
+"""OpenTURNS' polynomials: functional chaos, linear and general linear models."""
 
 from typing import Any, Dict, List, Optional, Tuple
 
@@ -17,7 +17,11 @@ _LEGENDRE, _HERMITE, _RECURRENCE = 1, 2, 5
 def linear_algorithms() -> Tuple[Any, ...]:
     import openturns as ot
 
-    return ot.LinearModelAlgorithm, ot.LinearModelStepwiseAlgorithm
+    return (
+        ot.LinearModelAlgorithm,
+        ot.LinearModelStepwiseAlgorithm,
+        ot.GeneralLinearModelAlgorithm,
+    )
 
 
 def chaos(result: Any) -> List[Surface]:
@@ -118,28 +122,36 @@ def _with_basis(variable: Variable, family: Any, highest: int) -> Variable:
 
 def linear_model(result: Any) -> List[Surface]:
     """A linear model over any basis whose functions are recognised."""
+    return [_combination(result, result.getBasis(), result.getCoefficients(), 0)]
+
+
+def trends(result: Any) -> List[Surface]:
+    """A general linear model, whose metamodel is its trend: one surface per output."""
+    bases, coefficients = result.getBasisCollection(), result.getTrendCoefficients()
+    if len(bases) == 0:
+        raise NotExportable("a general linear model without a trend is 0 everywhere: fit a Kriging")
+    return [_combination(result, bases[k], coefficients[k], k) for k in range(len(bases))]
+
+
+def _combination(result: Any, basis: Any, coefficients: Any, column: int) -> Surface:
+    """The combination of the functions of a basis that predicts an output."""
     import openturns as ot
 
     X, y = np.array(result.getInputSample()), np.array(result.getOutputSample())
     inputs = X.shape[1]
     # Points at which all functions differ.
     points = np.random.default_rng(1).uniform(0.5, 1.5, (15, inputs)) * (1 + np.ptp(X, axis=0))
-    basis = result.getBasis()
-    count = basis.getSize()
-    values = np.column_stack(
-        [np.array(basis.build(k)(ot.Sample(points))).ravel() for k in range(count)]
-    )
+    functions = [basis.build(k) for k in range(basis.getSize())]
+    values = np.column_stack([np.array(of(ot.Sample(points))).ravel() for of in functions])
     features = Features.of_inputs(inputs)
-    names = [str(basis.build(k)) for k in range(count)]
-    columns = Columns(features, points).all_of(values, names)
-    coefficients = np.array(result.getCoefficients()).ravel()
+    columns = Columns(features, points).all_of(values, [str(of) for of in functions])
     surface = RegressionSurface(
         *identity(inputs),
         samples=X,
-        outputs=y[:, 0],
-        terms=combined(zip(coefficients, columns)),
+        outputs=y[:, column],
+        terms=combined(zip(np.array(coefficients).ravel(), columns)),
         variables=features.variables,
     )
     metamodel = result.getMetaModel()
-    surface.predict = lambda where: np.array(metamodel(ot.Sample(where))).ravel()
-    return [surface]
+    surface.predict = lambda where: np.array(metamodel(ot.Sample(where)))[:, column]
+    return surface

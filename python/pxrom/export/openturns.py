@@ -1,10 +1,10 @@
-"""OpenTURNS: Kriging results (:mod:`._openturns_kriging`), and functional chaos and linear model
-results (:mod:`._openturns_polynomials`)."""
+"""OpenTURNS: Kriging results (:mod:`._openturns_kriging`), and results of functional chaos, linear
+models and general linear models (:mod:`._openturns_polynomials`)."""
 
 from typing import Any, List
 
 from . import _openturns_kriging
-from ._openturns_polynomials import chaos, linear_algorithms, linear_model
+from ._openturns_polynomials import chaos, linear_algorithms, linear_model, trends
 from ._options import Options
 from ._surface import NotExportable, Surface
 
@@ -21,7 +21,10 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         return chaos(fitted)
     if isinstance(fitted, ot.LinearModelResult):
         return linear_model(fitted)
+    if isinstance(fitted, ot.GeneralLinearModelResult):
+        return trends(fitted)
     raise NotExportable(
         f"a {type(fitted).__name__} has no counterpart; the exporter accepts KrigingResult, "
-        "FunctionalChaosResult, LinearModelResult, and the algorithms that have run for them"
+        "FunctionalChaosResult, LinearModelResult, GeneralLinearModelResult, and the algorithms "
+        "that have run for them"
     )
