@@ -1,7 +1,6 @@
 #include "batch/prepared_cross_validation.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -53,13 +52,12 @@ void FindLeast(const double* values, std::size_t count, double threshold, double
 }  // namespace
 
 PreparedCrossValidation::PreparedCrossValidation(const CrossValidation& validation,
-                                                 std::size_t folds, std::size_t inputs)
+                                                 std::size_t inputs)
     : inputs_(inputs),
       rowCount_(validation.sortedInput.size()),
       foldCounts_(validation.foldCounts.begin(),
-                  validation.foldCounts.begin() + static_cast<std::ptrdiff_t>(folds)),
-      distanceScale_(validation.distanceScale),
-      outputSlope_(validation.outputScaleSlope),
+                  validation.foldCounts.begin() + static_cast<std::ptrdiff_t>(validation.folds)),
+      formulas_(validation.formulas),
       sortThreshold_(SortThreshold(validation.inputs)) {
   rows_.reserve(rowCount_ * inputs);
   for (const std::vector<double>& row : validation.sortedInput) {
@@ -100,8 +98,7 @@ void PreparedCrossValidation::Evaluate(const Points& points, const LoopTable& lo
           statuses[point] = 1;
         }
       }
-      const double ratio = closest / distanceScale_;
-      const double weight = 1.0 - std::exp(-10.0 * ratio * ratio);
+      const double weight = formulas_.Weight(closest);
       work.weights[point * Folds() + f] = weight;
       work.totals[point] += weight;
     }
@@ -109,28 +106,10 @@ void PreparedCrossValidation::Evaluate(const Points& points, const LoopTable& lo
   }
 
   for (std::size_t point = 0; point < points.count; ++point) {
-    double* const weights = work.weights + point * Folds();
-    for (std::size_t f = 0; f < Folds(); ++f) weights[f] = weights[f] / work.totals[point];
-    errors[point] =
-        ErrorFrom(weights, foldPredictions + point, predictions[point], work.nearest[point]);
+    const WeightedFolds folds = {Folds(), foldPredictions + point, kBlock,
+                                 work.weights + point * Folds(), work.totals[point]};
+    errors[point] = formulas_.Of(folds, predictions[point], work.nearest[point]);
   }
-}
-
-double PreparedCrossValidation::ErrorFrom(const double* weights, const double* foldPredictions,
-                                          double prediction, double nearest) const {
-  double weightedMean = 0.0;
-  for (std::size_t f = 0; f < Folds(); ++f) {
-    weightedMean += weights[f] * foldPredictions[f * kBlock];
-  }
-  const auto folds = static_cast<double>(Folds());
-  const double mean = (folds * weightedMean + prediction) / (folds + 1.0);
-  double variance = 0.0;
-  for (std::size_t f = 0; f < Folds(); ++f) {
-    const double deviation = foldPredictions[f * kBlock] - mean;
-    variance += weights[f] * (deviation * deviation);
-  }
-  const double damping = std::min(1.0, std::log(1.0 + 10.0 * nearest / (distanceScale_ + 0.0001)));
-  return ((0.005 * nearest + std::sqrt(variance)) * damping / outputSlope_) * 3.0;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::batch

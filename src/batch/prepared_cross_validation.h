@@ -12,8 +12,8 @@ namespace Tarvane::Plexura::PXROM::batch {
 /// blocks of points.
 class PreparedCrossValidation {
  public:
-  /// Copies the data for points of `inputs` values. `validation` must fit both numbers.
-  PreparedCrossValidation(const CrossValidation& validation, std::size_t folds, std::size_t inputs);
+  /// Copies the data for points of `inputs` values, which `validation` must fit.
+  PreparedCrossValidation(const CrossValidation& validation, std::size_t inputs);
 
   std::size_t Folds() const { return foldCounts_.size(); }
   std::size_t WorkSize() const;
@@ -23,15 +23,11 @@ class PreparedCrossValidation {
                 const double* predictions, double* work, double* errors, int* statuses) const;
 
  private:
-  double ErrorFrom(const double* weights, const double* foldPredictions, double prediction,
-                   double nearest) const;
-
   std::size_t inputs_;
   std::size_t rowCount_;
   std::vector<double> rows_;
   std::vector<std::size_t> foldCounts_;
-  double distanceScale_;
-  double outputSlope_;
+  FoldError formulas_;
   double sortThreshold_;
 };
 

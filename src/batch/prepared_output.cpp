@@ -6,7 +6,7 @@
 
 #include "batch/prepare_surface.h"
 #include "model/candidate_access.h"
-#include "model/cross_validation.h"
+#include "model/candidate_evaluation.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -86,18 +86,11 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   weights_ = Access::Weights(*candidate);
   if (!candidate->GetIsErrPredRequired()) return;
 
-  const auto& subRecords = Access::SubSurfaces(*candidate);
-  areErrorsRefused_ = surfaces_.empty() || subRecords.size() % surfaces_.size() != 0;
+  const std::optional<CrossValidation> validation = ValidationOf(*candidate, inputs);
+  areErrorsRefused_ = !validation.has_value();
   if (areErrorsRefused_) return;
-  const std::size_t folds = subRecords.size() / surfaces_.size();
-  int statedInputs = 0;
-  candidate->GetNumberOfInputVariables(statedInputs);
-  const CrossValidation validation{Access::SortedInput(*candidate), Access::FoldCounts(*candidate),
-                                   candidate->GetDPMinDist(), outputSlope_, statedInputs};
-  areErrorsRefused_ = !validation.Fits(folds, inputs);
-  if (areErrorsRefused_) return;
-  subSurfaces_ = Prepare(subRecords, inputs);
-  validation_ = std::make_unique<PreparedCrossValidation>(validation, folds, inputs);
+  subSurfaces_ = Prepare(Access::SubSurfaces(*candidate), inputs);
+  validation_ = std::make_unique<PreparedCrossValidation>(*validation, inputs);
 }
 
 std::size_t PreparedOutput::WorkSize(bool withErrors) const {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
+#include "model/cross_validation.h"
 #include "pxrom/fitting_candidates.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -27,6 +29,10 @@ class EvaluationPoint {
   bool isScaled_ = false;
   std::vector<double> scaled_;
 };
+
+/// The cross-validation that the error of `candidate` comes from, for points of `inputs` values: it
+/// refers to the candidate. Empty when its data do not fit its surfaces and such points.
+std::optional<CrossValidation> ValidationOf(const CFittingCandidate& candidate, std::size_t inputs);
 
 // The two forms of CFittingCandidatesEvaluator.
 int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& point, double& value);

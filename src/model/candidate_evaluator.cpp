@@ -1,7 +1,6 @@
 #include "families/family.h"
 #include "model/candidate_access.h"
 #include "model/candidate_evaluation.h"
-#include "model/cross_validation.h"
 #include "pxrom/fitting_candidates.h"
 #include "records/evaluation_frame.h"
 
@@ -73,6 +72,24 @@ const std::vector<double>& EvaluationPoint::Scaled() {
   return scaled_;
 }
 
+std::optional<CrossValidation> ValidationOf(const CFittingCandidate& candidate,
+                                            std::size_t inputs) {
+  const std::size_t surfaces = Access::Surfaces(candidate).size();
+  const std::size_t subSurfaces = Access::SubSurfaces(candidate).size();
+  if (surfaces == 0 || subSurfaces % surfaces != 0) return std::nullopt;
+  double outputSlope = 0.0;
+  int statedInputs = 0;
+  candidate.GetOutputScaleSlope(outputSlope);
+  candidate.GetNumberOfInputVariables(statedInputs);
+  const CrossValidation validation{Access::SortedInput(candidate),
+                                   Access::FoldCounts(candidate),
+                                   subSurfaces / surfaces,
+                                   {candidate.GetDPMinDist(), outputSlope},
+                                   statedInputs};
+  if (!validation.Fits(inputs)) return std::nullopt;
+  return validation;
+}
+
 int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& point, double& value) {
   const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
   if (candidate == nullptr || !point.TurnTo(*candidate)) return 1;
@@ -99,25 +116,18 @@ int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& poi
   if (!candidate->GetIsErrPredRequired()) {
     if (!AddPredictionsWithErrors(surfaces, weights, point, value, error, hasError)) return 1;
   } else {
-    if (surfaces.empty() || subSurfaces.size() % surfaces.size() != 0) return 1;
-    const std::size_t folds = subSurfaces.size() / surfaces.size();
-    double slope = 0.0;
-    int inputs = 0;
-    candidate->GetOutputScaleSlope(slope);
-    candidate->GetNumberOfInputVariables(inputs);
-    const CrossValidation validation{Access::SortedInput(*candidate),
-                                     Access::FoldCounts(*candidate), candidate->GetDPMinDist(),
-                                     slope, inputs};
-    if (!validation.Fits(folds, point.Size())) return 1;
+    const std::optional<CrossValidation> validation = ValidationOf(*candidate, point.Size());
+    if (!validation) return 1;
     if (!AddPredictions(surfaces, weights, point, value)) return 1;
     // Sub surfaces are in the order of their surfaces, and for each surface in that of the folds.
+    const std::size_t folds = validation->folds;
     std::vector<double> foldPredictions(folds, 0.0);
     for (std::size_t k = 0; k < subSurfaces.size(); ++k) {
       double prediction = 0.0;
       if (!Predict(*subSurfaces[k], point, prediction)) return 1;
       foldPredictions[k % folds] += weights[k / folds] * prediction;
     }
-    if (validation.EvaluateError(point.Scaled(), foldPredictions, value, error) != 0) return 1;
+    if (validation->EvaluateError(point.Scaled(), foldPredictions, value, error) != 0) return 1;
   }
 
   const int status = candidate->BackscaleAndOverwriteOutputSample(value);

@@ -51,7 +51,7 @@ double MostOfTolerantSort(double count) {
   return std::min(count * (count + 1.0) / 2.0, static_cast<double>(kLongestSort));
 }
 
-bool CrossValidation::Fits(std::size_t folds, std::size_t columns) const {
+bool CrossValidation::Fits(std::size_t columns) const {
   if (foldCounts.size() < folds) return false;
   std::size_t rows = 0;
   for (std::size_t f = 0; f < folds; ++f) {
@@ -63,10 +63,34 @@ bool CrossValidation::Fits(std::size_t folds, std::size_t columns) const {
                      [&](const std::vector<double>& row) { return row.size() >= columns; });
 }
 
+double FoldError::Weight(double closest) const {
+  // A fold with samples near the point gets little weight, since its prediction was made without
+  // these samples.
+  const double ratio = closest / distanceScale;
+  return 1.0 - std::exp(-10.0 * ratio * ratio);
+}
+
+double FoldError::Of(const WeightedFolds& folds, double prediction, double nearest) const {
+  double weightedMean = 0.0;
+  for (std::size_t f = 0; f < folds.count; ++f) {
+    folds.weights[f] = folds.weights[f] / folds.total;
+    weightedMean += folds.weights[f] * folds.predictions[f * folds.stride];
+  }
+  const auto count = static_cast<double>(folds.count);
+  const double mean = (count * weightedMean + prediction) / (count + 1.0);
+  double variance = 0.0;
+  for (std::size_t f = 0; f < folds.count; ++f) {
+    const double deviation = folds.predictions[f * folds.stride] - mean;
+    variance += folds.weights[f] * (deviation * deviation);
+  }
+  // Near a sample the prediction is known well, so the error goes to 0 there.
+  const double damping = std::min(1.0, std::log(1.0 + 10.0 * nearest / (distanceScale + 0.0001)));
+  return ((0.005 * nearest + std::sqrt(variance)) * damping / outputScaleSlope) * 3.0;
+}
+
 int CrossValidation::EvaluateError(const std::vector<double>& point,
                                    const std::vector<double>& foldPredictions, double prediction,
                                    double& error) const {
-  const std::size_t folds = foldPredictions.size();
   std::vector<double> work(sortedInput.size() + folds);
   double* const distances = work.data();
   double* const weights = distances + sortedInput.size();
@@ -86,8 +110,6 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
     if (r == 0 || sum < nearest) nearest = sum;
   }
 
-  // A fold with samples near the point gets little weight, since its prediction was made without
-  // these samples.
   const double threshold = SortThreshold(inputs);
   double total = 0.0;
   double* start = distances;
@@ -95,28 +117,12 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
     const auto count = static_cast<std::size_t>(foldCounts[f]);
     double closest = 0.0;
     if (FirstAfterTolerantSort(start, count, threshold, closest) != 0) return 1;
-    const double ratio = closest / distanceScale;
-    weights[f] = 1.0 - std::exp(-10.0 * ratio * ratio);
+    weights[f] = formulas.Weight(closest);
     total += weights[f];
     start += count;
   }
 
-  double weightedMean = 0.0;
-  for (std::size_t f = 0; f < folds; ++f) {
-    weights[f] = weights[f] / total;
-    weightedMean += weights[f] * foldPredictions[f];
-  }
-  const auto foldCount = static_cast<double>(folds);
-  const double mean = (foldCount * weightedMean + prediction) / (foldCount + 1.0);
-  double variance = 0.0;
-  for (std::size_t f = 0; f < folds; ++f) {
-    const double deviation = foldPredictions[f] - mean;
-    variance += weights[f] * (deviation * deviation);
-  }
-
-  // Near a sample the prediction is known well, so the error goes to 0 there.
-  const double damping = std::min(1.0, std::log(1.0 + 10.0 * nearest / (distanceScale + 0.0001)));
-  error = ((0.005 * nearest + std::sqrt(variance)) * damping / outputScaleSlope) * 3.0;
+  error = formulas.Of({folds, foldPredictions.data(), 1, weights, total}, prediction, nearest);
   return 0;
 }
 

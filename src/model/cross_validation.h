@@ -6,21 +6,43 @@
 
 namespace Tarvane::Plexura::PXROM {
 
+/// The folds at one point: the prediction without fold f is predictions[f * stride], and weights[f]
+/// its weight. The weights are divided by `total`, their sum, when the error is computed.
+struct WeightedFolds {
+  std::size_t count = 0;
+  const double* predictions = nullptr;
+  std::size_t stride = 1;
+  double* weights = nullptr;
+  double total = 0.0;
+};
+
+/// The formulas of the predicted error, with the two scales of a candidate.
+struct FoldError {
+  double distanceScale = 0.0;  ///< rho, a squared distance
+  double outputScaleSlope = 0.0;
+
+  /// The weight of a fold whose closest sample is at the squared distance `closest`.
+  double Weight(double closest) const;
+  /// The error where the full prediction is `prediction` and the closest sample of all is at the
+  /// squared distance `nearest`.
+  double Of(const WeightedFolds& folds, double prediction, double nearest) const;
+};
+
 /// The data of the predicted error of an ensemble: the samples in the candidate's scaled space,
 /// fold by fold, and the candidate's two scales. For k-fold cross-validation see Hastie, Tibshirani
 /// and Friedman, The Elements of Statistical Learning (2009), section 7.10.
 struct CrossValidation {
   const std::vector<std::vector<double>>& sortedInput;
   const std::vector<int>& foldCounts;
-  double distanceScale = 0.0;  ///< rho, a squared distance
-  double outputScaleSlope = 0.0;
+  std::size_t folds = 0;
+  FoldError formulas;
   /// The candidate's count, which sets the tolerance of the sort. Distances use all inputs of the
   /// point, and nothing compares the two numbers.
   int inputs = 0;
 
-  /// Whether the first `folds` counts are positive and lie within the rows, and every row is at
-  /// least `columns` long.
-  bool Fits(std::size_t folds, std::size_t columns) const;
+  /// Whether all folds have a count, the counts are positive and lie within the rows, and every row
+  /// is at least `columns` long.
+  bool Fits(std::size_t columns) const;
 
   /// The predicted error at `point` (scaled), in the physical unit of the output.
   ///
