@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -8,6 +7,7 @@
 #include "batch/prepared_model_access.h"
 #include "batch/prepared_output.h"
 #include "model/ensemble_cost.h"
+#include "numerics/nan_last.h"
 #include "pxrom/batch.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -120,9 +120,6 @@ class AlignedArea {
   std::size_t offset_ = 0;
 };
 
-/// Orders inputs, NaN last, as Evaluate does.
-bool ComesBefore(double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); }
-
 }  // namespace
 
 /// For each place of the sorted row its place in the caller's row.
@@ -132,7 +129,7 @@ std::vector<std::size_t> CPreparedModel::Parts::Order(const double* row) const {
   for (const Tie& tie : ties) {
     std::sort(order.begin() + static_cast<std::ptrdiff_t>(tie.first),
               order.begin() + static_cast<std::ptrdiff_t>(tie.last),
-              [&](std::size_t a, std::size_t b) { return ComesBefore(row[a], row[b]); });
+              [&](std::size_t a, std::size_t b) { return IsLessNaNLast(row[a], row[b]); });
   }
   return order;
 }

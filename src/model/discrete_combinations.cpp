@@ -3,11 +3,11 @@
 #include "pxrom/discrete_combinations.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <type_traits>
 
 #include "model/candidate_evaluation.h"
+#include "numerics/nan_last.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -21,17 +21,15 @@ struct Ranked {
   Value value;
 };
 
-// Ascending by rank, and by value for equal ranks, with NaN after every number so that the order is
-// strict.
+// Ascending by rank, and by value on equal ranks.
 template <class Value>
 bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
   if (a.rank != b.rank) return a.rank < b.rank;
   if constexpr (std::is_floating_point_v<Value>) {
-    if (std::isnan(a.value) || std::isnan(b.value)) {
-      return !std::isnan(a.value) && std::isnan(b.value);
-    }
+    return IsLessNaNLast(a.value, b.value);
+  } else {
+    return a.value < b.value;
   }
-  return a.value < b.value;
 }
 
 // Whether two names are equal. Most names differ in their last character.

@@ -11,6 +11,7 @@
 
 #include "families/moving_least_squares/cholesky.h"
 #include "families/moving_least_squares/mls_weight.h"
+#include "numerics/nan_last.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "records/evaluation_frame.h"
@@ -180,9 +181,7 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     }
     const auto rank = std::min(static_cast<std::size_t>(record_.NumberOfBasisFunctions), n - 1);
     std::copy_n(work.distances, n, work.ranked);
-    // NaNs come after all numbers.
-    std::nth_element(work.ranked, work.ranked + rank, work.ranked + n,
-                     [](double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); });
+    std::nth_element(work.ranked, work.ranked + rank, work.ranked + n, IsLessNaNLast);
     const double* const found = std::find(work.distances, work.distances + n, work.ranked[rank]);
     return static_cast<std::size_t>(found - work.distances) % n;
   }
