@@ -2,6 +2,7 @@
 
 #include "families/kernel_sum/kernel_surface.h"
 #include "families/kriging/predictor_error.h"
+#include "families/support_vector/multipliers.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
@@ -110,12 +111,8 @@ std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& base,
                                                             std::size_t inputs) {
   const auto& record = static_cast<const CSVRData&>(base);
   KernelModel model = StartModel(record, inputs);
-  const bool isPaired =
-      record.SVRLossFuncType == SVRLossFuncPaired3 || record.SVRLossFuncType == SVRLossFuncPaired4;
-  model.weights = isPaired ? record.AlphasStar : record.Betas;
-  if (isPaired) {
-    for (std::size_t j = 0; j < model.weights.size(); ++j) model.weights[j] -= record.Alphas[j];
-  }
+  const Multipliers multipliers(record);
+  for (std::size_t j = 0; j < multipliers.size(); ++j) model.weights.push_back(multipliers[j]);
   model.start = record.ConstantCoefficient;
   if (model.weights.empty()) return MakeKernelSurface(std::move(model));
 

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "families/support_vector/multipliers.h"
 #include "families/support_vector/svr_fields.h"
 #include "kernels/kernels.h"
 
@@ -27,9 +28,9 @@ void CheckMultipliers(const SurfaceText& surface) {
   GroupText& in = surface.in;
   const std::optional<int> loss = in.Int(Labels::attSVRLossFuncType());
   if (!loss) return;
-  const bool isPaired = loss == SVRLossFuncPaired3 || loss == SVRLossFuncPaired4;
   std::vector<const std::string*> used = {&Labels::attSVRBeta()};
-  if (isPaired) used = {&Labels::attSVRAlpha(), &Labels::attSVRAlphaStar()};
+  if (IsPaired(static_cast<E_SVRLossFuncType>(*loss)))
+    used = {&Labels::attSVRAlpha(), &Labels::attSVRAlphaStar()};
   for (const std::string* label : used) {
     in.Require(*label);
     if (surface.shape.samples) {

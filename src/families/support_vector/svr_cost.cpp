@@ -1,3 +1,4 @@
+#include "families/support_vector/multipliers.h"
 #include "families/support_vector/svr_fields.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -22,11 +23,8 @@ double PerCentre(E_SVRKernType type) {
 
 SurfaceCost FamilyOf<CSVRData>::CostOf(const CRSData& base, double) {
   const auto& record = static_cast<const CSVRData&>(base);
-  const bool isPaired =
-      record.SVRLossFuncType == SVRLossFuncPaired3 || record.SVRLossFuncType == SVRLossFuncPaired4;
-  const std::vector<double>& multipliers = isPaired ? record.AlphasStar : record.Betas;
   const auto centres =
-      static_cast<double>(std::min(multipliers.size(), record.InputSamples.size()));
+      static_cast<double>(std::min(Multipliers(record).size(), record.InputSamples.size()));
   constexpr double kPerInput = 6.0;
   return CostOfKernelSum(centres, InputsOf(record), kPerInput, PerCentre(record.SVRKernType));
 }

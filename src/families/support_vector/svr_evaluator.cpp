@@ -1,6 +1,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "families/support_vector/multipliers.h"
 #include "kernels/loops/row_pieces.h"
 #include "pxrom/support_vector.h"
 #include "records/evaluation_frame.h"
@@ -45,11 +46,8 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (!IsEvaluable(data, DT_SVRData, x)) return 1;
   const auto& record = static_cast<const CSVRData&>(*data);
   const SampleRows& samples = record.InputSamples;
-  const bool isPaired =
-      record.SVRLossFuncType == SVRLossFuncPaired3 || record.SVRLossFuncType == SVRLossFuncPaired4;
-  const std::vector<double>& multipliers = isPaired ? record.AlphasStar : record.Betas;
-  if (multipliers.size() > samples.size()) return 1;
-  if (isPaired && record.Alphas.size() < multipliers.size()) return 1;
+  const Multipliers multipliers(record);
+  if (multipliers.size() > samples.size() || !multipliers.AreComplete()) return 1;
 
   // Only samples with a multiplier count, but the kernel has to accept every sample.
   std::vector<double> values(multipliers.size());
@@ -62,13 +60,7 @@ int CSVREvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   }
 
   double sum = record.ConstantCoefficient;
-  if (isPaired) {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      sum += (record.AlphasStar[i] - record.Alphas[i]) * values[i];
-    }
-  } else {
-    for (std::size_t i = 0; i < values.size(); ++i) sum += record.Betas[i] * values[i];
-  }
+  for (std::size_t i = 0; i < values.size(); ++i) sum += multipliers[i] * values[i];
   record.BackscaleAndOverwriteOutputSample(sum);
   y = sum;
   return 0;
