@@ -3,7 +3,6 @@
 #include "families/kernel_sum/kernel_surface.h"
 #include "families/kriging/predictor_error.h"
 #include "families/support_vector/multipliers.h"
-#include "numerics/polynomial_basis.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/support_vector.h"
@@ -62,11 +61,7 @@ void ScaleCentres(const double* slopes, const double* intercepts, KernelModel& m
 
 std::unique_ptr<const KrigingErrorData> ErrorDataOf(const CKrigingData& record,
                                                     std::size_t functions) {
-  const bool isAvailable =
-      record.SavePredictorError &&
-      PolynomialCount(record.PolynomialType, record.NumberOfInputVariables) >= 0 &&
-      kriging::PredictorError(record, functions).IsAvailable();
-  if (!isAvailable) return nullptr;
+  if (!kriging::PredictorError(record, functions).IsPredicted()) return nullptr;
   const auto n = static_cast<std::size_t>(record.NumberOfSamples);
   auto data = std::make_unique<KrigingErrorData>();
   data->functions = functions;

@@ -62,12 +62,8 @@ class Prediction {
   /// of EvalErrorPredictions for this point and scaled samples; the correlations and trend
   /// functions are not computed again. False without error data.
   bool Error(double& error) {
-    if (!record_.SavePredictorError ||
-        PolynomialCount(record_.PolynomialType, record_.NumberOfInputVariables) < 0) {
-      return false;
-    }
     kriging::PredictorError predictor(record_, trend_.size());
-    if (!predictor.IsAvailable()) return false;
+    if (!predictor.IsPredicted()) return false;
     error = predictor.At(correlations_.data(), trend_.data());
     return true;
   }

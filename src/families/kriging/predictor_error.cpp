@@ -88,6 +88,12 @@ bool PredictorError::IsAvailable() const {
          Covers(record_.InvC, n, n) && Covers(record_.InvG, p_, p_) && Covers(record_.Ft, p_, n);
 }
 
+bool PredictorError::IsPredicted() const {
+  return record_.SavePredictorError &&
+         PolynomialCount(record_.PolynomialType, record_.NumberOfInputVariables) >= 0 &&
+         IsAvailable();
+}
+
 double PredictorError::At(const double* r, const double* f) {
   const auto n = static_cast<std::size_t>(record_.NumberOfSamples);
   v_.assign(n, 0.0);

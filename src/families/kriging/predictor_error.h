@@ -18,6 +18,9 @@ class PredictorError {
   /// smaller than its samples and `trendFunctions` need.
   bool IsAvailable() const;
 
+  /// Whether a prediction has an error: the record also has to ask for one, and to know its trend.
+  bool IsPredicted() const;
+
   /// The error at a point with the correlations `r` (one per sample) and the trend functions `f`;
   /// CKrigingData::GetPredictorError has the formula. Only if IsAvailable.
   double At(const double* r, const double* f);
