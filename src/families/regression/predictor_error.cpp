@@ -36,6 +36,18 @@ int ActiveDesignRow(const CQRSData& record, std::size_t size, const double* x,
   return 0;
 }
 
+double LeverageOf(const CQRSData& record, const std::vector<double>& row) {
+  double leverage = 0.0;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    for (std::size_t j = 0; j < row.size(); ++j) {
+      leverage += row[i] * record.InvXtX[i][j] * row[j];
+    }
+  }
+  return leverage;
+}
+
+}  // namespace
+
 bool HasInverseOfOrder(const CQRSData& record, std::size_t order) {
   if (record.InvXtX.size() < order) return false;
   for (std::size_t i = 0; i < order; ++i) {
@@ -44,7 +56,6 @@ bool HasInverseOfOrder(const CQRSData& record, std::size_t order) {
   return true;
 }
 
-/// The quantile of Student's t that all predictor errors of a record share.
 int QuantileOf(const CQRSData& record, std::size_t activeTerms, double& t) {
   const double dof = static_cast<double>(record.NumberOfSamples) - static_cast<double>(activeTerms);
   // Deliberate (one-sided-regression-error): the level is used as it is, so the interval is
@@ -52,18 +63,10 @@ int QuantileOf(const CQRSData& record, std::size_t activeTerms, double& t) {
   return StudTDist(dof).EvalInvCdf(record.RegTermFilterConfVal, t);
 }
 
-double HalfWidth(const CQRSData& record, const std::vector<double>& row, double t) {
-  double leverage = 0.0;
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    for (std::size_t j = 0; j < row.size(); ++j) {
-      leverage += row[i] * record.InvXtX[i][j] * row[j];
-    }
-  }
+double HalfWidth(const CQRSData& record, double leverage, double t) {
   const double error = std::sqrt((leverage + 1.0) * record.Sigma2) * t;
   return error / record.OutputScaleSlope;
 }
-
-}  // namespace
 
 int PredictorErrorAt(const CQRSData& record, std::size_t count, const double* x, double& error) {
   std::vector<double> row;
@@ -73,7 +76,7 @@ int PredictorErrorAt(const CQRSData& record, std::size_t count, const double* x,
   double t = 0.0;
   status = QuantileOf(record, row.size(), t);
   if (status != 0) return status;
-  error = HalfWidth(record, row, t);
+  error = HalfWidth(record, LeverageOf(record, row), t);
   return 0;
 }
 
@@ -115,7 +118,7 @@ int CQRSData::EvalErrorPredictions(std::vector<std::vector<double>>& points,
     if (!HasInverseOfOrder(*this, row.size())) continue;
     if (!isQuantileKnown) quantileStatus = QuantileOf(*this, row.size(), t);
     isQuantileKnown = true;
-    if (quantileStatus == 0) errors[i] = HalfWidth(*this, row, t);
+    if (quantileStatus == 0) errors[i] = HalfWidth(*this, LeverageOf(*this, row), t);
   }
   return status;
 }

@@ -53,6 +53,14 @@ int TransformInputs(const CQRSData& record, std::size_t count, double* x);
 int SumTerms(const CQRSData& record, std::size_t count, const double* x, double& sum);
 int PredictorErrorAt(const CQRSData& record, std::size_t count, const double* x, double& error);
 
+/// Whether the inverse of X'X covers `order` active terms.
+bool HasInverseOfOrder(const CQRSData& record, std::size_t order);
+/// The quantile of Student's t that all predictor errors of a record share. The status is that of
+/// StudTDist.
+int QuantileOf(const CQRSData& record, std::size_t activeTerms, double& t);
+/// Half the width of the prediction interval where x' inv(X'X) x is `leverage`.
+double HalfWidth(const CQRSData& record, double leverage, double t);
+
 /// The steps from a point in physical units to the back-transformed sum `b`; `point` becomes the
 /// scaled and transformed point. All steps run, even after one that failed; 1 if any failed.
 int BacktransformedSum(const CQRSData& record, WorkingPoint& point, double& b);

@@ -7,17 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "families/regression/record_parts.h"
 #include "families/regression/transformation_slopes.h"
 #include "families/regression/transformers.h"
-#include "numerics/distributions.h"
 #include "pxrom/regression.h"
 #include "records/evaluation_frame.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
 namespace {
-
-constexpr double kHoleTolerance = 1e-10;
 
 /// The active terms. Products of up to two variables are in stretches, separated by the terms of
 /// more variables, so that the sum keeps its order.
@@ -88,23 +86,18 @@ bool FindTerms(const CQRSData& record, std::size_t inputs, Terms& terms) {
 /// The data of the half-width of the prediction interval.
 struct IntervalData {
   std::vector<double> invXtX;
-  double sigma2 = 0.0;
   double quantile = 0.0;
 };
 
 std::unique_ptr<const IntervalData> IntervalDataOf(const CQRSData& record, std::size_t order) {
-  if (record.InvXtX.size() < order) return nullptr;
   auto data = std::make_unique<IntervalData>();
+  if (!HasInverseOfOrder(record, order) || QuantileOf(record, order, data->quantile) != 0) {
+    return nullptr;
+  }
   data->invXtX.reserve(order * order);
   for (std::size_t i = 0; i < order; ++i) {
-    if (record.InvXtX[i].size() < order) return nullptr;
     data->invXtX.insert(data->invXtX.end(), record.InvXtX[i].begin(),
                         record.InvXtX[i].begin() + static_cast<std::ptrdiff_t>(order));
-  }
-  data->sigma2 = record.Sigma2;
-  const double freedom = static_cast<double>(record.NumberOfSamples) - static_cast<double>(order);
-  if (StudTDist(freedom).EvalInvCdf(record.RegTermFilterConfVal, data->quantile) != 0) {
-    return nullptr;
   }
   return data;
 }
@@ -177,7 +170,7 @@ class RegressionSurface : public PreparedSurface {
     const double lambda = record_.OutputLambda;
     if (back_->BacktransformAndOverwrite(b, value, lambda) != 0) return 1;
     // Over a hole the value is an interpolation, which the terms do not determine.
-    if (std::fabs(b - YeoFailureValue) < kHoleTolerance) return 1;
+    if (IsHole(b)) return 1;
     const double slope = BacktransformationSlope(*back_, sum, value, lambda);
     for (std::size_t i = 0; i < inputs_; ++i) {
       gradient[i] *= factors[i] * slope / record_.OutputScaleSlope;
@@ -236,7 +229,7 @@ class RegressionSurface : public PreparedSurface {
             0) {
       return 1;
     }
-    if (std::fabs(b - YeoFailureValue) < kHoleTolerance) return FillHole(points, point, value);
+    if (IsHole(b)) return FillHole(points, point, value);
     value = (b - record_.OutputScaleIntercept) / record_.OutputScaleSlope;
     return 0;
   }
@@ -267,9 +260,7 @@ class RegressionSurface : public PreparedSurface {
     }
     loops.quadraticForm(interval_->invXtX.data(), work.f, terms_.count, count, work.part);
     for (std::size_t point = 0; point < count; ++point) {
-      const double error =
-          std::sqrt((work.part[point] + 1.0) * interval_->sigma2) * interval_->quantile;
-      errors[point] = error / record_.OutputScaleSlope;
+      errors[point] = HalfWidth(record_, work.part[point], interval_->quantile);
     }
   }
 
