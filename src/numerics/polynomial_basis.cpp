@@ -1,6 +1,5 @@
 #include "numerics/polynomial_basis.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace Tarvane::Plexura::PXROM {
@@ -29,23 +28,9 @@ void EvaluatePolynomialBasis(E_PolynomialType type, const double* x, std::size_t
 
 void EvaluateLeadingPolynomialBasis(E_PolynomialType type, const double* x, std::size_t d,
                                     std::size_t count, double* out) noexcept {
-  if (type < PolyConstant || count == 0) return;
-  *out++ = 1.0;
-  std::size_t left = count - 1;
-  if (type < PolyLinear) return;
-  const std::size_t linear = std::min(d, left);
-  out = std::copy_n(x, linear, out);
-  left -= linear;
-  if (type == PolyPureQuadratic) {
-    const std::size_t squares = std::min(d, left);
-    for (std::size_t i = 0; i < squares; ++i) *out++ = x[i] * x[i];
-  } else if (type == PolyFullQuadratic) {
-    for (std::size_t i = 0; i < d && left > 0; ++i) {
-      const std::size_t end = i + std::min(d - i, left);
-      for (std::size_t j = i; j < end; ++j) *out++ = x[i] * x[j];
-      left -= end - i;
-    }
-  }
+  ForEachBasisFunction(
+      type, d, count, [&] { *out++ = 1.0; }, [&](std::size_t i) { *out++ = x[i]; },
+      [&](std::size_t i, std::size_t j) { *out++ = x[i] * x[j]; });
 }
 
 }  // namespace Tarvane::Plexura::PXROM

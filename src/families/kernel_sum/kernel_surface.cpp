@@ -224,21 +224,16 @@ class KernelSurface : public PreparedSurface {
 
 std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
                                  const std::vector<double>& coefficients) {
-  // In the order of EvaluatePolynomialBasis.
   const auto one = static_cast<std::uint32_t>(inputs);
   std::vector<Monomial> terms;
   terms.reserve(coefficients.size());
-  const auto add = [&](std::uint32_t first, std::uint32_t second) {
-    if (terms.size() < coefficients.size()) {
-      terms.push_back({coefficients[terms.size()], first, second});
-    }
+  const auto add = [&](std::size_t first, std::size_t second) {
+    terms.push_back({coefficients[terms.size()], static_cast<std::uint32_t>(first),
+                     static_cast<std::uint32_t>(second)});
   };
-  if (type >= PolyConstant) add(one, one);
-  for (std::uint32_t i = 0; type >= PolyLinear && i < one; ++i) add(i, one);
-  for (std::uint32_t i = 0; type == PolyPureQuadratic && i < one; ++i) add(i, i);
-  for (std::uint32_t i = 0; type == PolyFullQuadratic && i < one; ++i) {
-    for (std::uint32_t j = i; j < one && terms.size() < coefficients.size(); ++j) add(i, j);
-  }
+  ForEachBasisFunction(
+      type, inputs, coefficients.size(), [&] { add(one, one); },
+      [&](std::size_t i) { add(i, one); }, add);
   return terms;
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -23,19 +24,18 @@ namespace {
 /// Adds the dot product of each partial derivative of the basis functions with `c` to `gradient`.
 void AddBasisGradient(E_PolynomialType type, const double* x, std::size_t d, const double* c,
                       double* gradient) {
-  if (type < PolyLinear) return;
-  const double* coefficient = c + 1;
-  for (std::size_t i = 0; i < d; ++i) gradient[i] += *coefficient++;
-  if (type == PolyPureQuadratic) {
-    for (std::size_t i = 0; i < d; ++i) gradient[i] += 2.0 * x[i] * *coefficient++;
-  } else if (type == PolyFullQuadratic) {
-    for (std::size_t i = 0; i < d; ++i) {
-      for (std::size_t j = i; j < d; ++j) {
+  const double* coefficient = c;
+  ForEachBasisFunction(
+      type, d, std::numeric_limits<std::size_t>::max(), [&] { ++coefficient; },
+      [&](std::size_t i) { gradient[i] += *coefficient++; },
+      [&](std::size_t i, std::size_t j) {
+        if (type == PolyPureQuadratic) {
+          gradient[i] += 2.0 * x[i] * *coefficient++;
+          return;
+        }
         gradient[i] += *coefficient * x[j];
         gradient[j] += *coefficient++ * x[i];
-      }
-    }
-  }
+      });
 }
 
 double Dot(const double* a, const double* b, std::size_t count) {
