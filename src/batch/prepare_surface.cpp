@@ -19,17 +19,7 @@ class EvaluatedSurface : public PreparedSurface {
       : family_(family), record_(record.Clone()), inputs_(inputs) {}
 
   void Evaluate(const Points& points, const Tools&, const Results& results) const override {
-    const CRSEvaluator& evaluator = family_.evaluator();
-    for (std::size_t p = 0; p < points.count; ++p) {
-      std::vector<double> x(inputs_);
-      for (std::size_t i = 0; i < inputs_; ++i) x[i] = points.x[i * kBlock + p];
-      double& value = results.values[p];
-      value = 0.0;
-      results.statuses[p] =
-          results.errors == nullptr
-              ? evaluator.EvaluateResponseSurface(record_.get(), x, value)
-              : evaluator.EvaluateResponseSurface(record_.get(), x, value, results.errors[p]);
-    }
+    EvaluateOneByOne(family_.evaluator(), *record_, inputs_, points, results);
   }
 
   int Gradient(const double* x, double*, double* gradient) const override {

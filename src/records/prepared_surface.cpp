@@ -20,4 +20,18 @@ std::unique_ptr<const PreparedSurface> PrepareRefused() {
   return std::make_unique<RefusedSurface>();
 }
 
+void EvaluateOneByOne(const CRSEvaluator& evaluator, const CRSData& record, std::size_t inputs,
+                      const Points& points, const Results& results) {
+  std::vector<double> x(inputs);
+  for (std::size_t p = 0; p < points.count; ++p) {
+    for (std::size_t i = 0; i < inputs; ++i) x[i] = points.x[i * kBlock + p];
+    double& value = results.values[p];
+    value = 0.0;
+    results.statuses[p] =
+        results.errors == nullptr
+            ? evaluator.EvaluateResponseSurface(&record, x, value)
+            : evaluator.EvaluateResponseSurface(&record, x, value, results.errors[p]);
+  }
+}
+
 }  // namespace Tarvane::Plexura::PXROM::batch

@@ -6,6 +6,7 @@
 
 #include "kernels/loops/loop_table.h"
 #include "pxrom/rs_data.h"
+#include "pxrom/rs_evaluator.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -86,5 +87,9 @@ class PreparedSurface {
 /// A surface with the status 1 at every point, which is what an evaluator gives for a record that
 /// is not ready, stopped, or inconsistent.
 std::unique_ptr<const PreparedSurface> PrepareRefused();
+
+/// PreparedSurface::Evaluate by the evaluator itself, one point of `inputs` values after the other.
+void EvaluateOneByOne(const CRSEvaluator& evaluator, const CRSData& record, std::size_t inputs,
+                      const Points& points, const Results& results);
 
 }  // namespace Tarvane::Plexura::PXROM::batch

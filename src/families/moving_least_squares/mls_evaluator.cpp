@@ -1,12 +1,10 @@
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <limits>
 #include <vector>
 
 #include "families/moving_least_squares/cholesky.h"
+#include "families/moving_least_squares/local_fit.h"
 #include "families/moving_least_squares/mls_weight.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/moving_least_squares.h"
@@ -52,102 +50,12 @@ bool CoversBasis(const CMLSData& data, std::size_t size) {
           size >= static_cast<std::size_t>(data.NumberOfInputVariables));
 }
 
-// The distances of the first distances.size() samples to `x`, as ComputeEuclideanDistance gives
-// them: 0.0 for a sample of another length.
-void FillDistances(const CMLSData& data, const std::vector<double>& x,
-                   std::vector<double>& distances) {
-  if (HaveWidth(data.InputSamples, distances.size(), x.size())) {
-    SquaredDistances(data.InputSamples, distances.size(), x.size(), x, distances.data());
-    for (double& distance : distances) distance = std::sqrt(distance);
-    return;
-  }
-  for (std::size_t j = 0; j < distances.size(); ++j) {
-    distances[j] = data.ComputeEuclideanDistance(data.InputSamples[j], x);
-  }
-}
-
-// Element `rank` of the values in ascending order, NaNs after all numbers.
-double OrderStatistic(const std::vector<double>& values, std::size_t rank) {
-  std::vector<double> numbers;
-  numbers.reserve(values.size());
-  std::copy_if(values.begin(), values.end(), std::back_inserter(numbers),
-               [](double value) { return !std::isnan(value); });
-  if (rank >= numbers.size()) return std::numeric_limits<double>::quiet_NaN();
-  const auto element = numbers.begin() + static_cast<std::ptrdiff_t>(rank);
-  std::nth_element(numbers.begin(), element, numbers.end());
-  return *element;
-}
-
-// The normal equations A c = b of the weighted problem: A = B'WB, b = B'Wy, with the basis
-// functions of sample j in row j of B.
-struct NormalEquations {
-  explicit NormalEquations(std::size_t p) : side(p), matrix(p * p), b(p) {}
-
-  // Adds `Count` samples to all elements, sample by sample. So each sum has the order of the
-  // samples, no sum waits for another, and B is never needed as a whole. Several samples at a time
-  // load each element only once.
-  template <std::size_t Count>
-  void Add(const double* rows, const double* weights, const double* outputs) {
-    double factors[Count];
-    for (std::size_t i = 0; i < side; ++i) {
-      for (std::size_t j = 0; j < Count; ++j) {
-        b[i] += rows[j * side + i] * (outputs[j] * weights[j]);
-        factors[j] = weights[j] * rows[j * side + i];
-      }
-      double* const rowOfA = matrix.data() + i * side;
-      for (std::size_t k = 0; k <= i; ++k) {
-        double sum = rowOfA[k];
-        for (std::size_t j = 0; j < Count; ++j) sum += factors[j] * rows[j * side + k];
-        rowOfA[k] = sum;
-      }
-    }
-  }
-
-  // Fills the upper half and adds the ridge to the diagonal, even of a well-conditioned matrix.
-  void Complete() {
-    const auto p = static_cast<double>(side);
-    const double ridge = std::sqrt(p) * 1e-08 + (p + 10.0) * 1e-14;
-    const FlatMatrix A(matrix.data(), side);
-    for (std::size_t i = 0; i < side; ++i) {
-      for (std::size_t k = 0; k < i; ++k) A[k][i] = A[i][k];
-      A[i][i] += ridge;
-    }
-  }
-
-  std::size_t side;
-  std::vector<double> matrix;
-  std::vector<double> b;
-};
-
 // Whether the first `used` samples, which must exist, have all values that the record's basis
 // reads.
 bool HasSamplesForBasis(const CMLSData& data, std::size_t used) {
   return std::all_of(data.InputSamples.begin(),
                      data.InputSamples.begin() + static_cast<std::ptrdiff_t>(used),
                      [&](const auto& row) { return CoversBasis(data, row.size()); });
-}
-
-NormalEquations NormalEquationsOf(const CMLSData& data, const std::vector<double>& weights,
-                                  std::size_t p) {
-  constexpr std::size_t kAtOnce = 4;
-  const auto d = static_cast<std::size_t>(data.NumberOfInputVariables);
-  NormalEquations equations(p);
-  std::vector<double> rows(kAtOnce * p);
-  const auto fillRow = [&](std::size_t row, std::size_t sample) {
-    EvaluatePolynomialBasis(data.PolynomialType, data.InputSamples[sample].data(), d,
-                            rows.data() + row * p);
-  };
-  std::size_t j = 0;
-  for (; j + kAtOnce <= weights.size(); j += kAtOnce) {
-    for (std::size_t row = 0; row < kAtOnce; ++row) fillRow(row, j + row);
-    equations.Add<kAtOnce>(rows.data(), &weights[j], &data.OutputSamples[j]);
-  }
-  for (; j < weights.size(); ++j) {
-    fillRow(0, j);
-    equations.Add<1>(rows.data(), &weights[j], &data.OutputSamples[j]);
-  }
-  equations.Complete();
-  return equations;
 }
 
 }  // namespace
@@ -175,7 +83,7 @@ int CMLSEvaluator::EvaluateResponseSurface(const CRSData* data, const std::vecto
   if (record.OutputSamples.size() < weights.size()) return 1;
 
   NormalEquations equations = NormalEquationsOf(record, weights, basis.size());
-  FlatMatrix A(equations.matrix.data(), basis.size());
+  FlatMatrix A = equations.A();
   if (!IsExactlySymmetric(A, basis.size()) || !FactorCholesky(A, basis.size())) return 1;
   std::vector<double>& coefficients = equations.b;
   SolveCholesky(A, basis.size(), coefficients.data(), coefficients.data());
@@ -202,9 +110,8 @@ int CMLSEvaluator::ComputeWeights(const CMLSData* data, const std::vector<double
   const auto n = static_cast<std::size_t>(data->NumberOfSamples);
   if (n == 0 || !IsCovered(p, n) || !IsCovered(used, n)) return 1;
 
-  std::vector<double> distances(n);
-  FillDistances(*data, x, distances);
-  const double rho = OrderStatistic(distances, std::min(static_cast<std::size_t>(p), n - 1));
+  const std::vector<double> distances = DistancesTo(*data, x, n);
+  const double rho = ReferenceDistance(distances, static_cast<std::size_t>(p));
 
   weights.resize(static_cast<std::size_t>(used));
   double sum = 0.0;

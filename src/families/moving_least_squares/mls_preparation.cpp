@@ -10,9 +10,8 @@
 #include <memory>
 #include <vector>
 
-#include "families/moving_least_squares/cholesky.h"
+#include "families/moving_least_squares/local_fit.h"
 #include "families/moving_least_squares/mls_weight.h"
-#include "numerics/nan_last.h"
 #include "numerics/polynomial_basis.h"
 #include "pxrom/moving_least_squares.h"
 #include "records/evaluation_frame.h"
@@ -38,61 +37,19 @@ void AddBasisGradient(E_PolynomialType type, const double* x, std::size_t d, con
       });
 }
 
-double Dot(const double* a, const double* b, std::size_t count) {
+double Dot(const std::vector<double>& a, const std::vector<double>& b) {
   double sum = 0.0;
-  for (std::size_t k = 0; k < count; ++k) sum += a[k] * b[k];
+  for (std::size_t k = 0; k < a.size(); ++k) sum += a[k] * b[k];
   return sum;
 }
-
-/// The parts of a derivative's working area.
-struct GradientWork {
-  GradientWork(const CMLSData& record, double* start) {
-    WorkArea area(start);
-    const auto n = static_cast<std::size_t>(record.NumberOfSamples);
-    const auto p = static_cast<std::size_t>(record.NumberOfBasisFunctions);
-    const auto d = static_cast<std::size_t>(record.NumberOfInputVariables);
-    distances = area.Take(n);
-    ranked = area.Take(n);
-    weights = area.Take(n);
-    matrix = area.Take(p * p);
-    coefficients = area.Take(p);
-    basis = area.Take(p);
-    row = area.Take(p);
-    ofDistances = area.Take(n);
-    ofReference = area.Take(n);
-    total = area.Take(d);
-    size = area.Used();
-  }
-
-  double* distances;
-  double* ranked;
-  double* weights;
-  double* matrix;
-  double* coefficients;
-  double* basis;
-  double* row;
-  double* ofDistances;
-  double* ofReference;
-  double* total;
-  std::size_t size;
-};
 
 class MovingLeastSquaresSurface : public PreparedSurface {
  public:
   explicit MovingLeastSquaresSurface(const CMLSData& record) : record_(record) {}
 
   void Evaluate(const Points& points, const Tools&, const Results& results) const override {
-    if (results.errors != nullptr) {
-      std::fill_n(results.statuses, points.count, 1);
-      return;
-    }
-    const CMLSEvaluator evaluator;
-    std::vector<double> x(static_cast<std::size_t>(record_.NumberOfInputVariables));
-    for (std::size_t point = 0; point < points.count; ++point) {
-      for (std::size_t i = 0; i < x.size(); ++i) x[i] = points.x[i * kBlock + point];
-      results.statuses[point] =
-          evaluator.EvaluateResponseSurface(&record_, x, results.values[point]);
-    }
+    EvaluateOneByOne(CMLSEvaluator(), record_,
+                     static_cast<std::size_t>(record_.NumberOfInputVariables), points, results);
   }
 
   // By implicit differentiation of the normal equations A c = b, with z = A^-1 f(x) and the
@@ -107,47 +64,53 @@ class MovingLeastSquaresSurface : public PreparedSurface {
     const int status = CMLSEvaluator().EvaluateResponseSurface(&record_, point, y);
     if (status != 0 || !std::isfinite(y)) return 1;
     // From here on the counts fit the data.
-    std::vector<double> area(GradientWork(record_, nullptr).size);
-    const GradientWork work(record_, area.data());
     const auto p = static_cast<std::size_t>(record_.NumberOfBasisFunctions);
     const auto used = static_cast<std::size_t>(record_.NumberOfUsedPoints);
-    const std::size_t reference = FindDistances(x, work);
-    const double rho = work.distances[reference];
+    const std::vector<double> distances =
+        DistancesTo(record_, point, static_cast<std::size_t>(record_.NumberOfSamples));
+    const std::size_t reference = ReferenceSample(distances, p);
+    const double rho = distances[reference];
+    std::vector<kernels::WeightSlopes> slopes(used);
+    std::vector<double> weights(used);
     double sum = 0.0;
     WithWeight(record_, record_.MLSDataVersion_, rho, [&](const auto& weight) {
       for (std::size_t j = 0; j < used; ++j) {
-        const kernels::WeightSlopes slopes = weight.SlopesAt(work.distances[j]);
-        work.weights[j] = slopes.value;
-        work.ofDistances[j] = slopes.byDistanceOverIt;
-        work.ofReference[j] = slopes.byReference;
-        sum += slopes.value;
+        slopes[j] = weight.SlopesAt(distances[j]);
+        sum += slopes[j].value;
       }
     });
-    for (std::size_t j = 0; j < used; ++j) work.weights[j] /= sum;
-    if (!Solve(work, used)) return 1;
-    EvaluatePolynomialBasis(record_.PolynomialType, x, d, work.basis);
+    for (std::size_t j = 0; j < used; ++j) weights[j] = slopes[j].value / sum;
+
+    NormalEquations equations = NormalEquationsOf(record_, weights, p);
+    FlatMatrix A = equations.A();
+    if (!FactorCholesky(A, p)) return 1;
+    std::vector<double> coefficients = RightSide(weights, p);
+    SolveCholesky(A, p, coefficients.data(), coefficients.data());
+    std::vector<double> basis(p);
+    EvaluatePolynomialBasis(record_.PolynomialType, x, d, basis.data());
     std::fill_n(gradient, d, 0.0);
-    AddBasisGradient(record_.PolynomialType, x, d, work.coefficients, gradient);
-    const FlatMatrix factor(work.matrix, p);
-    SolveCholesky(factor, p, work.basis, work.basis);
+    AddBasisGradient(record_.PolynomialType, x, d, coefficients.data(), gradient);
+    SolveCholesky(A, p, basis.data(), basis.data());
 
     // The derivative of a weight w = v / sum v is (dv - w d(sum v)) / sum v. Subtracting the
     // weighted mean from the factors of dw gives the second part.
     double mean = 0.0;
-    double* const effects = work.ranked;
+    std::vector<double> effects(used);
+    std::vector<double> row(p);
     for (std::size_t j = 0; j < used; ++j) {
-      EvaluatePolynomialBasis(record_.PolynomialType, Sample(j), d, work.row);
-      const double residual = record_.OutputSamples[j] - Dot(work.row, work.coefficients, p);
-      effects[j] = Dot(work.row, work.basis, p) * residual;
-      mean += work.weights[j] * effects[j];
+      EvaluatePolynomialBasis(record_.PolynomialType, Sample(j), d, row.data());
+      const double residual = record_.OutputSamples[j] - Dot(row, coefficients);
+      effects[j] = Dot(row, basis) * residual;
+      mean += weights[j] * effects[j];
     }
     double throughReference = 0.0;
     for (std::size_t j = 0; j < used; ++j) {
       const double effect = (effects[j] - mean) / sum;
-      throughReference += effect * work.ofReference[j];
-      if (!HasDistance(j)) continue;
+      throughReference += effect * slopes[j].byReference;
+      // A sample of another length than the point is at distance 0, wherever the point is.
+      if (record_.InputSamples[j].size() != d) continue;
       for (std::size_t i = 0; i < d; ++i) {
-        gradient[i] += effect * work.ofDistances[j] * (x[i] - Sample(j)[i]);
+        gradient[i] += effect * slopes[j].byDistanceOverIt * (x[i] - Sample(j)[i]);
       }
     }
     // The reference distance is that of one sample, and so is its derivative.
@@ -161,55 +124,24 @@ class MovingLeastSquaresSurface : public PreparedSurface {
  private:
   const double* Sample(std::size_t j) const { return record_.InputSamples[j].data(); }
 
-  /// A sample of another length than the point is at distance 0, wherever the point is.
-  bool HasDistance(std::size_t j) const {
-    return record_.InputSamples[j].size() ==
-           static_cast<std::size_t>(record_.NumberOfInputVariables);
+  /// The sample that is at the reference distance: the first of them.
+  static std::size_t ReferenceSample(const std::vector<double>& distances, std::size_t functions) {
+    const auto found =
+        std::find(distances.begin(), distances.end(), ReferenceDistance(distances, functions));
+    return found != distances.end() ? static_cast<std::size_t>(found - distances.begin()) : 0;
   }
 
-  /// The distances of all samples, and which of them is the reference.
-  std::size_t FindDistances(const double* x, const GradientWork& work) const {
-    const auto n = static_cast<std::size_t>(record_.NumberOfSamples);
-    const auto d = static_cast<std::size_t>(record_.NumberOfInputVariables);
-    for (std::size_t j = 0; j < n; ++j) {
-      double sum = 0.0;
-      for (std::size_t i = 0; HasDistance(j) && i < d; ++i) {
-        const double difference = x[i] - Sample(j)[i];
-        sum += difference * difference;
-      }
-      work.distances[j] = std::sqrt(sum);
+  /// B'Wy with its products in an order of its own. Local fits can be so ill-conditioned that the
+  /// order of NormalEquations would change a derivative in its ninth digit.
+  std::vector<double> RightSide(const std::vector<double>& weights, std::size_t p) const {
+    std::vector<double> b(p);
+    std::vector<double> row(p);
+    for (std::size_t j = 0; j < weights.size(); ++j) {
+      EvaluatePolynomialBasis(record_.PolynomialType, Sample(j),
+                              static_cast<std::size_t>(record_.NumberOfInputVariables), row.data());
+      for (std::size_t i = 0; i < p; ++i) b[i] += weights[j] * row[i] * record_.OutputSamples[j];
     }
-    const auto rank = std::min(static_cast<std::size_t>(record_.NumberOfBasisFunctions), n - 1);
-    std::copy_n(work.distances, n, work.ranked);
-    std::nth_element(work.ranked, work.ranked + rank, work.ranked + n, IsLessNaNLast);
-    const double* const found = std::find(work.distances, work.distances + n, work.ranked[rank]);
-    return static_cast<std::size_t>(found - work.distances) % n;
-  }
-
-  /// The coefficients of the local polynomial; the matrix becomes its Cholesky factor.
-  bool Solve(const GradientWork& work, std::size_t used) const {
-    const auto d = static_cast<std::size_t>(record_.NumberOfInputVariables);
-    const auto p = static_cast<std::size_t>(record_.NumberOfBasisFunctions);
-    FlatMatrix A(work.matrix, p);
-    std::fill_n(work.matrix, p * p, 0.0);
-    std::fill_n(work.coefficients, p, 0.0);
-    for (std::size_t j = 0; j < used; ++j) {
-      EvaluatePolynomialBasis(record_.PolynomialType, Sample(j), d, work.row);
-      for (std::size_t i = 0; i < p; ++i) {
-        const double factor = work.weights[j] * work.row[i];
-        work.coefficients[i] += factor * record_.OutputSamples[j];
-        for (std::size_t k = 0; k <= i; ++k) A[i][k] += factor * work.row[k];
-      }
-    }
-    const auto order = static_cast<double>(p);
-    const double ridge = std::sqrt(order) * 1e-08 + (order + 10.0) * 1e-14;
-    for (std::size_t i = 0; i < p; ++i) {
-      for (std::size_t k = 0; k < i; ++k) A[k][i] = A[i][k];
-      A[i][i] += ridge;
-    }
-    if (!FactorCholesky(A, p)) return false;
-    SolveCholesky(A, p, work.coefficients, work.coefficients);
-    return true;
+    return b;
   }
 
   CMLSData record_;
