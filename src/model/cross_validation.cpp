@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "records/samples.h"
+
 namespace Tarvane::Plexura::PXROM {
 
 namespace {
@@ -98,16 +100,10 @@ int CrossValidation::EvaluateError(const std::vector<double>& point,
   // Deliberate (squared-distances): here and below the method uses squared distances where
   // distances are usual. The distance scale is a squared distance too, and the constants were
   // chosen for it.
+  SquaredDistances(sortedInput, sortedInput.size(), point.size(), point, distances);
   double nearest = -1.0;
   for (std::size_t r = 0; r < sortedInput.size(); ++r) {
-    const double* const row = sortedInput[r].data();
-    double sum = 0.0;
-    for (std::size_t k = 0; k < point.size(); ++k) {
-      const double difference = point[k] - row[k];
-      sum += difference * difference;
-    }
-    distances[r] = sum;
-    if (r == 0 || sum < nearest) nearest = sum;
+    if (r == 0 || distances[r] < nearest) nearest = distances[r];
   }
 
   const double threshold = SortThreshold(inputs);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "records/samples.h"
 #include "records/scaling.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -26,16 +27,6 @@ const CRSData* At(const Surfaces& surfaces, int i) {
   // A negative index widens to a huge one.
   const auto index = static_cast<std::size_t>(i);
   return index < surfaces.size() ? surfaces[index].get() : nullptr;
-}
-
-double SquaredDistance(const std::vector<double>& a, const std::vector<double>& b,
-                       std::size_t count) {
-  double sum = 0.0;
-  for (std::size_t k = 0; k < count; ++k) {
-    const double difference = a[k] - b[k];
-    sum += difference * difference;
-  }
-  return sum;
 }
 
 }  // namespace

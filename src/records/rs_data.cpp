@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "records/samples.h"
 #include "records/scaling.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -444,12 +445,7 @@ double CRSData::ComputeOutputSamplesStandardDeviation() const {
 double CRSData::ComputeEuclideanDistance(const std::vector<double>& a,
                                          const std::vector<double>& b) const {
   if (a.size() != b.size() || a.empty()) return 0.0;
-  double sum = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    const double difference = a[i] - b[i];
-    sum += difference * difference;
-  }
-  return std::sqrt(sum);
+  return std::sqrt(SquaredDistance(a, b, a.size()));
 }
 
 }  // namespace Tarvane::Plexura::PXROM

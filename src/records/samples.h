@@ -29,6 +29,17 @@ inline bool HaveWidth(const SampleRows& rows, std::size_t count, std::size_t d) 
   return true;
 }
 
+/// The squared Euclidean distance between the first `d` values of `a` and `b`.
+inline double SquaredDistance(const std::vector<double>& a, const std::vector<double>& b,
+                              std::size_t d) {
+  double sum = 0.0;
+  for (std::size_t v = 0; v < d; ++v) {
+    const double difference = a[v] - b[v];
+    sum += difference * difference;
+  }
+  return sum;
+}
+
 /// sums[j] = the sum of term(v, rows[j][v]) over v ascending below `d`, for the first `count` rows.
 /// Four rows are summed together: the additions of one sum have to wait for each other, those of
 /// different sums do not. Each sum keeps its own order and so its bits.
@@ -63,8 +74,7 @@ void SumOverEachRow(const SampleRows& rows, std::size_t count, std::size_t d, co
   }
 }
 
-/// The squared Euclidean distances between the first `d` values of `x` and those of the first
-/// `count` rows, which must have `d` values.
+/// SquaredDistance between `x` and each of the first `count` rows, which must have `d` values.
 inline void SquaredDistances(const SampleRows& rows, std::size_t count, std::size_t d,
                              const std::vector<double>& x, double* squares) {
   const double* const point = x.data();
