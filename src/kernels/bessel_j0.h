@@ -10,6 +10,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Geostatistics (2012), section 2.5; the minimum is in Abramowitz and Stegun, table 9.5.
 struct ShiftedBesselJ0 : Product {
   static constexpr const char* kName = "bessel j0";
+  static constexpr Operations kOperations = {8.0 + kElementary, 0.0};
   static constexpr bool kAsksPerInput = true;
   static constexpr bool kHasVectorSteps = false;
   static constexpr bool kHasEnd = true;

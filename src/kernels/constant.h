@@ -15,6 +15,7 @@ struct ConstantWeight {
 /// 1 at any distance.
 struct ConstantOfDistance : Distance {
   static constexpr const char* kName = "constant";
+  static constexpr Operations kOperations = {4.0, 1.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N, N) {
     return 1.0;

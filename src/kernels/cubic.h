@@ -15,6 +15,7 @@ PXROM_INLINE N CubicOf(N t) {
 /// Its product over the inputs, t = min(k |x - y|, 1).
 struct Cubic : Product {
   static constexpr const char* kName = "cubic";
+  static constexpr Operations kOperations = {12.0, 0.0};
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     return CubicOf(UpTo1(scale * distance));
@@ -28,6 +29,7 @@ struct Cubic : Product {
 /// Of the distance, t = r / 2 h up to 1, then 0.
 struct RadialCubic : Radial {
   static constexpr const char* kName = "radial cubic";
+  static constexpr Operations kOperations = {3.0, 10.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N h) {
     const N t = Sqrt(r2) / (2.0 * h);

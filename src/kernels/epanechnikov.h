@@ -11,6 +11,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// fitted with this form.
 struct Epanechnikov : Radial {
   static constexpr const char* kName = "epanechnikov";
+  static constexpr Operations kOperations = {6.0, 4.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return Select(1.0 <= r2, N(0.0), 0.75 * (1.0 - r2 * r2));

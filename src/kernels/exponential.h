@@ -8,6 +8,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Processes for Machine Learning (2006), equation 4.18, with a rate per input.
 struct Exponential : ExpOfSum {
   static constexpr const char* kName = "exponential";
+  static constexpr Operations kOperations = {7.0, kElementary};
   template <class N>
   PXROM_INLINE static N Term(N difference, N scale) {
     return scale * Abs(difference);
@@ -33,6 +34,7 @@ struct Exponential : ExpOfSum {
 /// exp(-r), the same of the distance: the Matern kernel for nu = 1 / 2, equation 4.18.
 struct ExponentialOfDistance : Distance {
   static constexpr const char* kName = "exponential of distance";
+  static constexpr Operations kOperations = {4.0, 6.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N) {
     return ExpOfMinus(Sqrt(r2));
@@ -57,6 +59,7 @@ struct ExponentialOfDistance : Distance {
 /// exp(-r^a). Rasmussen and Williams (2006), equation 4.18, the gamma-exponential.
 struct PowerExponential : Distance {
   static constexpr const char* kName = "power exponential";
+  static constexpr Operations kOperations = {4.0, 4.0 + 2.0 * kElementary};
   static constexpr bool kHasVectorForm = false;
   template <class N>
   PXROM_INLINE static N Value(const Constants& constants, N r2, N) {

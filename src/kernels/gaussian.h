@@ -11,6 +11,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// exp(-sum of k (x - y)^2).
 struct Gaussian : ExpOfSum {
   static constexpr const char* kName = "gaussian";
+  static constexpr Operations kOperations = {7.0, kElementary};
   template <class N>
   PXROM_INLINE static N Term(N difference, N scale) {
     return scale * difference * difference;
@@ -32,6 +33,7 @@ struct Gaussian : ExpOfSum {
 /// exp(-r^2 / h^2).
 struct RadialGaussian : Radial {
   static constexpr const char* kName = "radial gaussian";
+  static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N h) {
     return ExpOfMinus(r2 / (h * h));
@@ -53,6 +55,7 @@ struct RadialGaussian : Radial {
 /// exp(-r^2 / 2).
 struct GaussianOfDistance : Distance {
   static constexpr const char* kName = "gaussian of distance";
+  static constexpr Operations kOperations = {4.0, 2.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N) {
     return ExpOfMinus(0.5 * r2);

@@ -25,6 +25,7 @@ struct Kernel {
   const char* name;
   std::size_t index;  ///< its place in the table
   Shape shape;
+  Operations operations;
   Constants (*constants)(double inputs);
   /// The value for the last state of the steps; `scale` is that of the centre.
   double (*value)(const Constants& constants, double state, double scale);

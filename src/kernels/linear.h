@@ -8,6 +8,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Kriging Toolbox, IMM-TR-2002-12 (2002), table of correlation functions: "lin".
 struct Linear : Product {
   static constexpr const char* kName = "linear";
+  static constexpr Operations kOperations = {7.0, 0.0};
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     const N factor = 1.0 - scale * distance;

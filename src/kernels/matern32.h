@@ -8,6 +8,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Williams, Gaussian Processes for Machine Learning (2006), equation 4.17.
 struct Matern32OfDistance : Distance {
   static constexpr const char* kName = "matern 3/2 of distance";
+  static constexpr Operations kOperations = {4.0, 9.0 + kElementary};
   static constexpr double kRoot3 = 0x1.bb67ae8584caap+0;
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N) {

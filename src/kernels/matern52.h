@@ -9,6 +9,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Williams, Gaussian Processes for Machine Learning (2006), equation 4.17.
 struct Matern52 : ExpOfSum {
   static constexpr const char* kName = "matern 5/2";
+  static constexpr Operations kOperations = {10.0 + kElementary, kElementary};
   static constexpr bool kAsksPerInput = true;
   static constexpr double kRoot5 = 0x1.1e3779b97f4a8p+1;
   template <class N>
@@ -67,6 +68,7 @@ struct Matern52 : ExpOfSum {
 /// (1 + t + t^2 / 3) exp(-t), t = sqrt(5) r, of the distance.
 struct Matern52OfDistance : Distance {
   static constexpr const char* kName = "matern 5/2 of distance";
+  static constexpr Operations kOperations = {4.0, 12.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N) {
     const N t = Matern52::kRoot5 * Sqrt(r2);

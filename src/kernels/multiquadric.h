@@ -11,6 +11,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// are fitted with this form.
 struct Multiquadric : Product {
   static constexpr const char* kName = "multiquadric";
+  static constexpr Operations kOperations = {7.0, 0.0};
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     return Sqrt(scale * scale + distance);
@@ -23,6 +24,7 @@ struct Multiquadric : Product {
 /// -sqrt(1 + r^2), Hardy's own, with the sign that makes it conditionally positive definite.
 struct MultiquadricOfDistance : Distance {
   static constexpr const char* kName = "multiquadric of distance";
+  static constexpr Operations kOperations = {4.0, 8.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return 0.0 - Sqrt(1.0 + r2);
@@ -33,6 +35,7 @@ struct MultiquadricOfDistance : Distance {
 /// 1 / sqrt(1 + r^2).
 struct InverseMultiquadric : Distance {
   static constexpr const char* kName = "inverse multiquadric";
+  static constexpr Operations kOperations = {4.0, 9.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return 1.0 / Sqrt(1.0 + r2);

@@ -9,6 +9,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// to 1 at 0.
 struct Parabolic : Product {
   static constexpr const char* kName = "parabolic";
+  static constexpr Operations kOperations = {7.0, 0.0};
   static constexpr bool kHasEnd = true;
   template <class N>
   PXROM_INLINE static auto IsInside(N distance, N scale) {

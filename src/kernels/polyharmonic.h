@@ -11,6 +11,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// r^2 log(r), 0 at 0: the thin plate spline.
 struct ThinPlateSpline : Distance {
   static constexpr const char* kName = "thin plate spline";
+  static constexpr Operations kOperations = {4.0, 3.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N) {
     return If(
@@ -22,6 +23,7 @@ struct ThinPlateSpline : Distance {
 /// -r.
 struct LinearSpline : Distance {
   static constexpr const char* kName = "linear spline";
+  static constexpr Operations kOperations = {4.0, 7.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return 0.0 - Sqrt(r2);
@@ -34,6 +36,7 @@ struct LinearSpline : Distance {
 /// r^3.
 struct CubicSpline : Distance {
   static constexpr const char* kName = "cubic spline";
+  static constexpr Operations kOperations = {4.0, 7.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return r2 * Sqrt(r2);
@@ -44,6 +47,7 @@ struct CubicSpline : Distance {
 /// -r^5.
 struct QuinticSpline : Distance {
   static constexpr const char* kName = "quintic spline";
+  static constexpr Operations kOperations = {4.0, 9.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return 0.0 - r2 * r2 * Sqrt(r2);

@@ -10,6 +10,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// p = 1.
 struct DotLinear : Dot {
   static constexpr const char* kName = "dot linear";
+  static constexpr Operations kOperations = {6.0, 4.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N dot, N) {
     return 1.0 + dot;
@@ -20,6 +21,7 @@ struct DotLinear : Dot {
 /// p = 2.
 struct DotQuadratic : Dot {
   static constexpr const char* kName = "dot quadratic";
+  static constexpr Operations kOperations = {6.0, 4.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N dot, N) {
     return (1.0 + dot) * (1.0 + dot);

@@ -15,6 +15,7 @@ PXROM_INLINE N RationalOf(N square) {
 /// Of z = r / h.
 struct RadialRational : Radial {
   static constexpr const char* kName = "radial rational";
+  static constexpr Operations kOperations = {3.0, 10.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N h) {
     return RationalOf(r2 / (h * h));
@@ -28,6 +29,7 @@ struct RadialRational : Radial {
 /// Of the scaled distance.
 struct InverseQuadratic : Distance {
   static constexpr const char* kName = "inverse quadratic";
+  static constexpr Operations kOperations = {4.0, 3.0};
   template <class N>
   PXROM_INLINE static N Value(const Constants&, N r2, N) {
     return RationalOf(r2);
@@ -41,6 +43,7 @@ struct InverseQuadratic : Distance {
 /// (1 + r^2 / 2 a)^-a, as an exponential: the power would magnify the rounding of its base by a.
 struct RationalQuadratic : Distance {
   static constexpr const char* kName = "rational quadratic";
+  static constexpr Operations kOperations = {4.0, 5.0 + 2.0 * kElementary};
   static constexpr bool kHasVectorForm = false;
   template <class N>
   PXROM_INLINE static N Value(const Constants& constants, N r2, N) {

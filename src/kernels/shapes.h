@@ -12,6 +12,7 @@
 //   Radial     Value(constants, squared distance, scale of the centre)
 //   Distance   Value(constants, squared scaled distance, unused): each input has its scale
 // and beside it
+//   kOperations, for the estimated cost of an evaluation
 //   Descent or Slope, the derivative in closed form, which is better conditioned near a centre than
 //   the chain rule. At a kink, where a coordinate equals the centre's under an absolute value, it
 //   is 0, the mean of both sides. At a cut-off it is that of the branch that the value takes.
@@ -52,6 +53,15 @@ struct Constants {
   double shift = 0.0;      ///< for functions that are shifted to end at 0
   double perInput = 0.0;   ///< the factor of functions that depend on the number of inputs
   double parameter = 1.0;  ///< for functions of a distance that have one, from the record
+};
+
+/// How many operations exp, log, pow, a sine or a hyperbolic tangent count as.
+constexpr double kElementary = 40.0;
+
+/// Roughly the operations of a kernel: for each input, and once in addition.
+struct Operations {
+  double perInput = 0.0;
+  double once = 0.0;
 };
 
 enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial, Distance };

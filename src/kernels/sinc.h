@@ -52,6 +52,7 @@ inline double SincSlopeOverArgument(double z) {
 /// Its product over the inputs, z = k |x - y|.
 struct Sinc : Product {
   static constexpr const char* kName = "sinc";
+  static constexpr Operations kOperations = {8.0 + kElementary, 0.0};
   static constexpr bool kAsksPerInput = true;
   static constexpr bool kHasVectorSteps = false;
   static constexpr bool kHasEnd = true;
@@ -101,6 +102,7 @@ struct Sinc : Product {
 /// Of the distance, z = 2 r / h.
 struct RadialSinc : Radial {
   static constexpr const char* kName = "radial sinc";
+  static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
   static constexpr bool kHasVectorForm = false;
   static Constants ConstantsFor(double /*inputs*/) { return ConstantsOfSinc(); }
   template <class N>

@@ -8,6 +8,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Economic Geology 58 (1963), applied to each input.
 struct Spherical : Product {
   static constexpr const char* kName = "spherical";
+  static constexpr Operations kOperations = {12.0, 0.0};
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     const N s = UpTo1(scale * distance);

@@ -9,6 +9,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// of correlation functions: "spline".
 struct Spline : Product {
   static constexpr const char* kName = "spline";
+  static constexpr Operations kOperations = {12.0, 0.0};
   static constexpr bool kHasEnd = true;
   template <class N>
   PXROM_INLINE static auto IsInside(N distance, N scale) {

@@ -8,6 +8,7 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Learning with Kernels (2002), section 2.3.
 struct DotSigmoid : Dot {
   static constexpr const char* kName = "dot sigmoid";
+  static constexpr Operations kOperations = {6.0, kElementary};
   static constexpr bool kHasVectorForm = false;
   static Constants ConstantsFor(double inputs) {
     const double e = std::exp(1.0);
@@ -40,6 +41,7 @@ struct DotSigmoid : Dot {
 /// applied to the distance: Haykin, Neural Networks (1999), section 1.3.
 struct RadialTanh : Radial {
   static constexpr const char* kName = "radial tanh";
+  static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
   static constexpr bool kHasVectorForm = false;
   static Constants ConstantsFor(double inputs) { return {0.0, 1.0 / inputs}; }
   template <class N>

@@ -18,6 +18,7 @@ PXROM_INLINE auto WendlandOf(N t) {
 /// Of the distance, t = r / 2 h, 0 beyond 1.
 struct RadialCompact : Radial {
   static constexpr const char* kName = "radial compact";
+  static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
   template <class N>
   PXROM_INLINE static auto Value(const Constants&, N r2, N h) {
     const N t = Sqrt(r2) / (2.0 * h);

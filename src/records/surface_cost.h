@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "kernels/kernels.h"
 #include "pxrom/rs_data.h"
 #include "pxrom/types.h"
 
@@ -11,8 +12,7 @@ namespace Tarvane::Plexura::PXROM::costing {
 // The cost of an evaluation of one surface. The numbers are estimates, and doubles because no
 // product of sizes overflows them.
 
-/// How many operations exp, log, pow, a sine or a hyperbolic tangent count as.
-constexpr double kElementary = 40.0;
+using kernels::kElementary;
 constexpr double kBytesPerNumber = 8.0;
 /// The bytes of a row of samples in addition to its numbers.
 constexpr double kBytesPerRow = 32.0;
@@ -41,12 +41,15 @@ inline double InputsOf(const CRSData& record) {
   return Counted(record.NumberOfInputVariables, std::max(width, record.InputScaleSlopes.size()));
 }
 
-/// The cost of a sum of `centres` kernels. A kernel has `perInput` operations for each input and
-/// `perCentre` in addition.
-inline SurfaceCost CostOfKernelSum(double centres, double inputs, double perInput,
-                                   double perCentre) {
+/// Nothing for null, an unknown function, whose evaluation is refused.
+inline kernels::Operations OperationsOf(const kernels::Kernel* kernel) {
+  return kernel != nullptr ? kernel->operations : kernels::Operations();
+}
+
+/// The cost of a sum of `centres` kernels of so many operations.
+inline SurfaceCost CostOfKernelSum(double centres, double inputs, kernels::Operations each) {
   SurfaceCost cost;
-  cost.value = 2.0 * inputs + centres * (inputs * perInput + perCentre + 2.0);
+  cost.value = 2.0 * inputs + centres * (inputs * each.perInput + each.once + 2.0);
   // Slopes cost about as much as values, and need the values too.
   cost.gradient = 2.0 * cost.value + centres * inputs * 3.0;
   // Centres are kept twice, exact and multiplied for the fast mode.

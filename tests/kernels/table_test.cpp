@@ -62,6 +62,7 @@ Dual J0(Dual a) { return Chain(a, BesselJ0(a.value), -BesselJ1(a.value)); }
 /// Outside the table: the product of (1 - z^2)^3, with all parts that a kernel can have.
 struct Triweight : Product {
   static constexpr const char* kName = "triweight";
+  static constexpr Operations kOperations = {5.0, 0.0};
   static constexpr bool kHasEnd = true;
   template <class N>
   PXROM_INLINE static auto IsInside(N distance, N scale) {

@@ -11,9 +11,14 @@ SurfaceCost FamilyOf<CGaussianProcessData>::CostOf(const CRSData& base, double) 
   const auto p = static_cast<double>(record.PolynomialCoefficients.size());
   const auto factors = static_cast<double>(record.FactorFunctions.size());
   const auto terms = static_cast<double>(record.TermAmplitudes.size());
-  constexpr double kPerInput = 4.0;
-  SurfaceCost cost =
-      CostOfKernelSum(n, d, kPerInput * factors, (kElementary + 2.0) * factors + terms);
+  kernels::Operations each = {0.0, terms};
+  for (const int function : record.FactorFunctions) {
+    const kernels::Operations added =
+        OperationsOf(kernels::FindKernel(static_cast<E_CovarianceFunctionType>(function)));
+    each.perInput += added.perInput;
+    each.once += added.once;
+  }
+  SurfaceCost cost = CostOfKernelSum(n, d, each);
   AddTrend(p, cost);
   // A power takes two operations for each bit of its exponent.
   const auto exponents = static_cast<double>(record.Monomials.size());

@@ -2,28 +2,7 @@
 
 namespace Tarvane::Plexura::PXROM {
 
-namespace {
-
 using namespace costing;
-
-/// The operations of a correlation function for one input, the scaling of the sample included.
-double PerInput(E_KringingCorrelationFunctionType type) {
-  switch (type) {
-    case CorrMatern52:
-      return 10.0 + kElementary;
-    case CorrBesselJ0:
-    case CorrSinc:
-      return 8.0 + kElementary;
-    case CorrSpline:
-    case CorrSpherical:
-    case CorrCubic:
-      return 12.0;
-    default:
-      return 7.0;
-  }
-}
-
-}  // namespace
 
 SurfaceCost FamilyOf<CKrigingData>::CostOf(const CRSData& base, double) {
   const auto& record = static_cast<const CKrigingData&>(base);
@@ -32,7 +11,8 @@ SurfaceCost FamilyOf<CKrigingData>::CostOf(const CRSData& base, double) {
   const double p = record.PolynomialType == PolyNone
                        ? 0.0
                        : static_cast<double>(record.PolynomialCoefficients.size());
-  SurfaceCost cost = CostOfKernelSum(n, d, PerInput(record.CorrelationFunctionType), kElementary);
+  SurfaceCost cost =
+      CostOfKernelSum(n, d, OperationsOf(kernels::FindKernel(record.CorrelationFunctionType)));
   AddTrend(p, cost);
   if (!record.SavePredictorError || static_cast<double>(record.InvC.size()) < n) {
     // Without error data the form with errors scales the samples of the record.

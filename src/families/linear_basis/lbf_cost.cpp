@@ -10,11 +10,8 @@ SurfaceCost FamilyOf<CLBFData>::CostOf(const CRSData& base, double) {
   if (record.NumberOfSamples == 1) return {};
   const auto centres =
       static_cast<double>(std::min(record.KernelCoefficients.size(), record.InputSamples.size()));
-  constexpr double kPerInput = 3.0;
-  const bool isPlain =
-      record.BasisFunctionType == LBFCubic || record.BasisFunctionType == LBFRational;
-  SurfaceCost cost =
-      CostOfKernelSum(centres, InputsOf(record), kPerInput, isPlain ? 10.0 : 5.0 + kElementary);
+  SurfaceCost cost = CostOfKernelSum(centres, InputsOf(record),
+                                     OperationsOf(kernels::FindKernel(record.BasisFunctionType)));
   AddTrend(static_cast<double>(record.PolynomialCoefficients.size()), cost);
   return cost;
 }

@@ -43,6 +43,7 @@ constexpr Kernel KernelOf(std::size_t index) {
   Kernel kernel = {K::kName,
                    index,
                    K::kShape,
+                   K::kOperations,
                    &K::ConstantsFor,
                    &K::template Value<double>,
                    &ValuesOfStates<K>,
