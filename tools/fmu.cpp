@@ -55,26 +55,23 @@ Description ReadDescription(const std::string& path) {
   return description;
 }
 
-WordByName Causalities(const Description& description) {
+/// One word for the variables of one kind, and one for those of another.
+template <class Kind>
+WordByName Words(const Description& description, Kind kind, const char* word, Kind other,
+                 const char* otherWord) {
   WordByName words;
-  for (const auto& id : description.ListParameterImmutableID(pxrom::CausalityInput)) {
-    words[id] = "input";
-  }
-  for (const auto& id : description.ListParameterImmutableID(pxrom::CausalityOutput)) {
-    words[id] = "output";
-  }
+  for (const auto& id : description.ListParameterImmutableID(kind)) words[id] = word;
+  for (const auto& id : description.ListParameterImmutableID(other)) words[id] = otherWord;
   return words;
 }
 
+WordByName Causalities(const Description& description) {
+  return Words(description, pxrom::CausalityInput, "input", pxrom::CausalityOutput, "output");
+}
+
 WordByName Types(const Description& description) {
-  WordByName words;
-  for (const auto& id : description.ListParameterImmutableID(pxrom::ContinuousNotManufacturable)) {
-    words[id] = "Real";
-  }
-  for (const auto& id : description.ListParameterImmutableID(pxrom::DiscreteParameter)) {
-    words[id] = "Integer";
-  }
-  return words;
+  return Words(description, pxrom::ContinuousNotManufacturable, "Real", pxrom::DiscreteParameter,
+               "Integer");
 }
 
 std::string WordOf(const WordByName& words, const std::string& name) {

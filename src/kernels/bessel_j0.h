@@ -8,18 +8,11 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Product of (J0(z) - c) / (1 - c), c = J0(e), for z = k |x - y| up to e = 3.8317, then 0: the
 /// J-Bessel model, shifted so that it ends at 0 in its first minimum. Chiles and Delfiner,
 /// Geostatistics (2012), section 2.5; the minimum is in Abramowitz and Stegun, table 9.5.
-struct ShiftedBesselJ0 : Product {
+struct ShiftedBesselJ0 : ProductOfAsked {
   static constexpr const char* kName = "bessel j0";
   static constexpr Operations kOperations = {8.0 + kElementary, 0.0};
-  static constexpr bool kAsksPerInput = true;
-  static constexpr bool kHasVectorSteps = false;
-  static constexpr bool kHasEnd = true;
   static constexpr double kEnd = 3.8317;
   static Constants ConstantsFor(double /*inputs*/) { return {J0(kEnd), 0.0}; }
-  template <class N>
-  PXROM_INLINE static N Distance(N distance, N scale) {
-    return scale * distance;
-  }
   template <class N>
   PXROM_INLINE static auto IsInside(N z) {
     return z <= kEnd;
@@ -27,10 +20,6 @@ struct ShiftedBesselJ0 : Product {
   template <class N>
   PXROM_INLINE static auto Asks(N z) {
     return IsInside(z);
-  }
-  template <class N>
-  PXROM_INLINE static N Argument(N z) {
-    return z;
   }
   template <class N>
   PXROM_INLINE static auto Inner(N z) {

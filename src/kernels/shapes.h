@@ -95,6 +95,30 @@ struct Product : AnyShape {
   }
 };
 
+/// Its factors end where the scaled distance is 1.
+struct ProductWithin1 : Product {
+  static constexpr bool kHasEnd = true;
+  template <class N>
+  PXROM_INLINE static auto IsInside(N distance, N scale) {
+    return scale * distance < 1.0;
+  }
+};
+
+/// Each factor is a function of the scaled distance that the host is asked for, up to an end.
+struct ProductOfAsked : Product {
+  static constexpr bool kAsksPerInput = true;
+  static constexpr bool kHasVectorSteps = false;
+  static constexpr bool kHasEnd = true;
+  template <class N>
+  PXROM_INLINE static N Distance(N distance, N scale) {
+    return scale * distance;
+  }
+  template <class N>
+  PXROM_INLINE static N Argument(N z) {
+    return z;
+  }
+};
+
 struct Dot : AnyShape {
   static constexpr Shape kShape = Shape::Dot;
   static constexpr double kStart = 0.0;

@@ -50,17 +50,10 @@ inline double SincSlopeOverArgument(double z) {
 }
 
 /// Its product over the inputs, z = k |x - y|.
-struct Sinc : Product {
+struct Sinc : ProductOfAsked {
   static constexpr const char* kName = "sinc";
   static constexpr Operations kOperations = {8.0 + kElementary, 0.0};
-  static constexpr bool kAsksPerInput = true;
-  static constexpr bool kHasVectorSteps = false;
-  static constexpr bool kHasEnd = true;
   static Constants ConstantsFor(double /*inputs*/) { return ConstantsOfSinc(); }
-  template <class N>
-  PXROM_INLINE static N Distance(N distance, N scale) {
-    return scale * distance;
-  }
   template <class N>
   PXROM_INLINE static auto IsInside(N z) {
     return IsInsideSinc(z);
@@ -68,10 +61,6 @@ struct Sinc : Product {
   template <class N>
   PXROM_INLINE static auto Asks(N z) {
     return IsBeyondTiny(z) && IsInsideSinc(z);
-  }
-  template <class N>
-  PXROM_INLINE static N Argument(N z) {
-    return z;
   }
   template <class N>
   PXROM_INLINE static auto Inner(N z) {

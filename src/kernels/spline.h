@@ -7,14 +7,9 @@ namespace Tarvane::Plexura::PXROM::kernels {
 /// Product of 1 - 15 z^2 + 30 z^3 up to z = 0.2, 1.25 (1 - z)^3 up to 1, then 0, z = k |x - y|.
 /// Lophaven, Nielsen and Sondergaard, DACE, a Matlab Kriging Toolbox, IMM-TR-2002-12 (2002), table
 /// of correlation functions: "spline".
-struct Spline : Product {
+struct Spline : ProductWithin1 {
   static constexpr const char* kName = "spline";
   static constexpr Operations kOperations = {12.0, 0.0};
-  static constexpr bool kHasEnd = true;
-  template <class N>
-  PXROM_INLINE static auto IsInside(N distance, N scale) {
-    return scale * distance < 1.0;
-  }
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     const N z = scale * distance;

@@ -60,14 +60,9 @@ Dual Tanh(Dual a) {
 Dual J0(Dual a) { return Chain(a, BesselJ0(a.value), -BesselJ1(a.value)); }
 
 /// Outside the table: the product of (1 - z^2)^3, with all parts that a kernel can have.
-struct Triweight : Product {
+struct Triweight : ProductWithin1 {
   static constexpr const char* kName = "triweight";
   static constexpr Operations kOperations = {5.0, 0.0};
-  static constexpr bool kHasEnd = true;
-  template <class N>
-  PXROM_INLINE static auto IsInside(N distance, N scale) {
-    return scale * distance < 1.0;
-  }
   template <class N>
   PXROM_INLINE static N Factor(N distance, N scale) {
     const N rest = 1.0 - scale * distance * (scale * distance);
