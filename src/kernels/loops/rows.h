@@ -42,8 +42,12 @@ PXROM_INLINE Vector StepOf(const RowKernels& call, std::size_t i, Vector column,
 
 template <class K, bool kScaled>
 PXROM_INLINE void ForEachVectorOfRows(const RowKernels& call) {
-  for (std::size_t first = 0; first < call.count; first += kLanes) {
-    const double* const* const rows = call.rows + first;
+  // Copies for the loop, which no store to the values can change.
+  const std::size_t count = call.count;
+  const double* const* const allRows = call.rows;
+  double* const values = call.values;
+  for (std::size_t first = 0; first < count; first += kLanes) {
+    const double* const* const rows = allRows + first;
     Vector state = K::kStart;
     std::size_t i = 0;
     for (; i + 2 <= call.inputs; i += 2) {
@@ -55,12 +59,12 @@ PXROM_INLINE void ForEachVectorOfRows(const RowKernels& call) {
     }
     if (i < call.inputs) state = StepOf<K, kScaled>(call, i, LoadColumn(rows, i), state);
     if constexpr (!K::kHasVectorForm) {
-      Store(call.values + first, state);
+      Store(values + first, state);
       continue;
     }
     const Vector scale = call.rowScales != nullptr ? Load(call.rowScales + first) : 1.0;
     const Exact value = ValueOf<K>(call.constants, state, scale);
-    Store(call.values + first, value.value);
+    Store(values + first, value.value);
     if (value.open == 0) continue;
     double states[kLanes];
     Store(states, state);
