@@ -32,11 +32,19 @@ bool ComesBefore(const Ranked<Value>& a, const Ranked<Value>& b) {
   }
 }
 
-// Whether two names are equal. Most names differ in their last character.
+// Whether two names are equal. Most names differ in their last character, and for a short name a
+// call would cost more than the comparison of the others.
 bool IsSame(const std::string& a, const std::string& b) {
+  constexpr std::size_t kShort = 8;
   const std::size_t size = a.size();
-  return size == b.size() && (size == 0 || a[size - 1] == b[size - 1]) &&
-         std::memcmp(a.data(), b.data(), size) == 0;
+  if (size != b.size()) return false;
+  if (size > kShort) {
+    return a[size - 1] == b[size - 1] && std::memcmp(a.data(), b.data(), size) == 0;
+  }
+  for (std::size_t i = size; i-- > 0;) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
 }
 
 // Finds the ranks of names. A caller mostly lists them by rank or by ID, so both orders are tried
