@@ -309,8 +309,9 @@ inline bool TermSum::AddReady(const RegTerm& term, unsigned numInputVars, const 
   return false;
 }
 
-int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars, const double* x,
-                 double& sum) {
+// It begins a cache line: at other places its loop takes up to a quarter longer.
+[[gnu::aligned(64)]] int TermSum::Add(const RegTerm* const* terms, int count, int numInputVars,
+                                      const double* x, double& sum) {
   const auto inputs = static_cast<unsigned>(numInputVars);
   double total = sum;
   int status = 0;
