@@ -22,20 +22,49 @@ void Print(const char* what, const std::vector<double>& numbers) {
   std::printf("\n");
 }
 
+void PrintStatuses(const std::vector<int>& statuses) {
+  Print("statuses", {statuses.begin(), statuses.end()});
+}
+
+/// Everything that a prepared model gives at `points`.
+void PrintPrepared(const CPreparedModel& prepared, const std::vector<double>& points,
+                   std::size_t rows) {
+  const std::size_t results = rows * prepared.OutputIDs().size();
+  std::vector<double> values(results);
+  std::vector<double> errors(results);
+  std::vector<int> statuses(results);
+  for (const E_PrecisionMode mode : {PrecisionExact, PrecisionFast}) {
+    prepared.Evaluate(points.data(), rows, mode, values.data(), nullptr, statuses.data());
+    Print("prepared", values);
+    PrintStatuses(statuses);
+    prepared.Evaluate(points.data(), rows, mode, values.data(), errors.data(), statuses.data());
+    Print("with errors", values);
+    Print("errors", errors);
+    PrintStatuses(statuses);
+  }
+  std::vector<double> gradients(results * prepared.InputIDs().size());
+  prepared.EvaluateGradients(points.data(), rows, gradients.data(), statuses.data());
+  Print("gradients", gradients);
+  PrintStatuses(statuses);
+}
+
 void PrintAnswers(const CDiscreteCombinations& model) {
   Print("evaluated", AnswersOf(CDiscreteCombinations(model), true));
-  for (const Question& question : QuestionsFor(model, 0.3)) {
+  const std::vector<Question> last = QuestionsFor(model, 0.9);
+  std::size_t combination = 0;
+  for (const Question& first : QuestionsFor(model, 0.3)) {
+    const Question& second = last[combination++];
     CPreparedModel prepared;
-    if (CPreparedModel::Prepare(model, question.discrete, prepared) != 0) continue;
-    std::vector<double> point;
-    for (const std::string& id : prepared.InputIDs()) {
-      for (const auto& input : question.continuous) {
-        if (input.first == id) point.push_back(input.second);
+    if (CPreparedModel::Prepare(model, first.discrete, prepared) != 0) continue;
+    std::vector<double> points;
+    for (const Question* const question : {&first, &second}) {
+      for (const std::string& id : prepared.InputIDs()) {
+        for (const auto& input : question->continuous) {
+          if (input.first == id) points.push_back(input.second);
+        }
       }
     }
-    std::vector<double> values(prepared.OutputIDs().size());
-    prepared.Evaluate(point.data(), 1, PrecisionExact, values.data(), nullptr, nullptr);
-    Print("prepared", values);
+    PrintPrepared(prepared, points, 2);
   }
 }
 
