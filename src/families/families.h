@@ -28,9 +28,10 @@ struct FamilyRows<RecordList<Records...>> {
 };
 
 /// The families of a list of records, for kAllFamilies.
-template <class... Records>
-constexpr FamilyList FamiliesOf(RecordList<Records...>) noexcept {
-  return {FamilyRows<RecordList<Records...>>::kRows, sizeof...(Records)};
+template <class First, class... Others>
+constexpr FamilyList FamiliesOf(RecordList<First, Others...>) noexcept {
+  using Rows = FamilyRows<RecordList<First, Others...>>;
+  return {Rows::kRows, 1 + sizeof...(Others), FamilyOf<First>::kType};
 }
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -99,6 +99,7 @@ struct Family {
 struct FamilyList {
   const Family* const* first = nullptr;
   std::size_t count = 0;
+  E_DataType lowest = DT_RSData;  ///< the number of the first
 
   const Family* const* begin() const { return first; }
   const Family* const* end() const { return first + count; }
@@ -112,7 +113,7 @@ extern const FamilyList kAllFamilies;
 inline const Family* FindFamily(E_DataType type) noexcept {
   const FamilyList& families = kAllFamilies;
   // The numbers are consecutive except for our own, so the first test normally finds it.
-  const auto place = static_cast<std::size_t>(std::int64_t{type} - families.first[0]->type);
+  const auto place = static_cast<std::size_t>(std::int64_t{type} - families.lowest);
   if (place < families.count && families.first[place]->type == type) return families.first[place];
   for (const Family* const family : families) {
     if (family->type == type) return family;
