@@ -26,9 +26,10 @@ std::vector<const kernels::LoopTable*> LoopsWithRows() {
 
 TEST(Rows, CorrelationsAreThoseOfPlainLoops) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const std::vector<int> correlations = kernels::NumbersOfCorrelations();
   std::mt19937 random(5);
   for (int round = 0; round < 400; ++round) {
-    const int type = CorrExponential + round % (CorrSinc - CorrExponential + 1);
+    const int type = correlations[static_cast<std::size_t>(round) % correlations.size()];
     const int n = std::uniform_int_distribution<int>(1, 70)(random);
     const int d = std::uniform_int_distribution<int>(1, 7)(random);
     CKrigingData record = literal::RandomKriging(random, type, PolyConstant, n, d, round % 3 == 0);

@@ -149,7 +149,7 @@ TEST(CandidateEvaluator, RefusalsLeaveThePartialSum) {
   stopped.Stopped = true;
   struct Unknown : CRSData {
     CRSData* Clone() const override { return new Unknown(*this); }
-    E_DataType DataType() const override { return static_cast<E_DataType>(9); }
+    E_DataType DataType() const override { return static_cast<E_DataType>(99); }
   };
   const Unknown unknown;
   for (const CRSData* const surface : std::initializer_list<const CRSData*>{&stopped, &unknown}) {

@@ -289,12 +289,12 @@ class PageTest(unittest.TestCase):
 
     def test_exceptions_of_the_library_become_sentences(self):
         page = self.folder / "damaged.html"
-        page.write_text(pxrom("report", CONSTANT).stdout.replace("DataType=8", "DataType=9"))
+        page.write_text(pxrom("report", CONSTANT).stdout.replace("DataType=8", "DataType=99"))
         self.browser.open(page)
         state = "document.getElementById('live-state').textContent"
         self.browser.wait(f"{state}.includes('can\\'t evaluate')")
         damaged = self.folder / "damaged.pxdb"
-        damaged.write_text(CONSTANT.read_text().replace("DataType=8", "DataType=9"))
+        damaged.write_text(CONSTANT.read_text().replace("DataType=8", "DataType=99"))
         reason = pxrom("eval", damaged, "x=0").stderr.split("is a damaged database: ")[1]
         self.assertEqual(
             self.browser.run(f"return {state}"),

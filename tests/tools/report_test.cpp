@@ -120,7 +120,7 @@ TEST(Report, HostileNamesStayText) {
 
 TEST(Report, DamagedDatabasesAreReportedWithoutLivePart) {
   const std::string model =
-      Written("damaged.pxdb", Replaced(ConstantModel(), "DataType=8", "DataType=9"));
+      Written("damaged.pxdb", Replaced(ConstantModel(), "DataType=8", "DataType=99"));
   const Result result = Pxrom("report " + model);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err,

@@ -133,7 +133,7 @@ TEST(Database, WhatCannotBeHonouredIsRefused) {
       {"CandidateSubRSCardinality=4", "CandidateSubRSCardinality=5"},
       {"CandidateSubRSCardinality=4", "CandidateSubRSCardinality=2147483647"},
       {"attScInputPoints=0.5,0.75", "attScInputPoints=0.5"},
-      {"DataType=8", "DataType=9"},
+      {"DataType=8", "DataType=99"},
       {"DataType=8", "DataType=0"},
       {"DataType=8", "Data"},
       {"\nNumberOfSamples=1", "\nNumberOfSamples=2"},
@@ -215,7 +215,7 @@ TEST(Database, OnlyOneIsAvailable) {
 }
 
 TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {
-  OpenReader reader(Replaced(Database(), "DataType=8", "DataType=9"));
+  OpenReader reader(Replaced(Database(), "DataType=8", "DataType=99"));
   CFittingCandidates list = OneConstant(1, 1);
   EXPECT_EQ(reader.ResumeFittingCandidates(list, 3), 1);
   EXPECT_EQ(list.GetCandidateCount(), 0u);

@@ -1,3 +1,4 @@
+#include "kernels/kernels.h"
 #include "reference/kriging_literal.h"
 #include "support/surfaces.h"
 
@@ -137,7 +138,7 @@ TEST(KrigingCorrelation, CutsOffAtTheStatedPlaces) {
     EXPECT_EQ(Correlate(type, {-1e200, 1.0}, {1.0, 2.0}, {0.0, 0.0}, 2), 0.0) << type;
     EXPECT_TRUE(std::isnan(Correlate(type, {1.0, -1e200}, {2.0, 1.0}, {0.0, 0.0}, 2))) << type;
   }
-  for (int type = CorrExponential; type <= CorrSinc; ++type) {
+  for (const int type : kernels::NumbersOfCorrelations()) {
     const double got = Correlate(type, {0.5, -4.0}, {0.3, -1.7}, {0.3, -1.7}, 2);
     EXPECT_EQ(got, type == CorrMultiquadric ? 2.0 : 1.0) << type;
   }
@@ -152,7 +153,7 @@ TEST(KrigingCorrelation, RefusesWhatDoesNotFit) {
   EXPECT_EQ(Correlate(2, {1.0}, {}, {}, 0), -1.0);
   EXPECT_EQ(Correlate(2, {1.0}, two, {1.0}, 2), -1.0);
   EXPECT_EQ(Correlate(2, {1.0}, two, two, 3), -1.0);
-  for (const int type : {0, -1, 12}) EXPECT_EQ(Correlate(type, {1.0}, two, two, 2), -2.0);
+  for (const int type : {0, -1, 99}) EXPECT_EQ(Correlate(type, {1.0}, two, two, 2), -2.0);
   EXPECT_EQ(Correlate(2, {}, two, two, 2), -2.0);
   EXPECT_EQ(Correlate(2, two, {1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}, 3), -2.0);
 }
