@@ -10,8 +10,8 @@ namespace Tarvane::Plexura::PXROM {
 
 // What the value of a moving least squares surface and its derivative have in common.
 
-/// The distances of the first `count` samples, which must exist, to `x`, as ComputeEuclideanDistance
-/// gives them: 0.0 for a sample of another length.
+/// The distances of the first `count` samples, which must exist, to `x`, as
+/// ComputeEuclideanDistance gives them: 0.0 for a sample of another length.
 std::vector<double> DistancesTo(const CMLSData& data, const std::vector<double>& x,
                                 std::size_t count);
 

@@ -40,18 +40,12 @@ constexpr FastForm kFastForm = {Fast::kMostInputs, &Fast::InputFactor, &Fast::Ce
 
 template <class K>
 constexpr Kernel KernelOf(std::size_t index) {
-  Kernel kernel = {K::kName,
-                   index,
-                   K::kShape,
-                   K::kOperations,
-                   &K::ConstantsFor,
-                   &K::template Value<double>,
-                   &ValuesOfStates<K>,
-                   &PlainRows<K>,
-                   &AnswerValues<K>,
-                   nullptr,
-                   &AddGradients<K>,
-                   nullptr};
+  Kernel kernel = {K::kName,           index,
+                   K::kShape,          K::kOperations,
+                   &K::ConstantsFor,   &K::template Value<double>,
+                   &ValuesOfStates<K>, &PlainRows<K>,
+                   &AnswerValues<K>,   nullptr,
+                   &AddGradients<K>,   nullptr};
   if constexpr (K::kAsksPerInput) kernel.answerSteps = &AnswerSteps<K>;
   if constexpr (kHasFast<K>) kernel.fast = &kFastForm<typename K::Fast>;
   return kernel;

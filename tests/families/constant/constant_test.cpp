@@ -80,8 +80,10 @@ TEST(BaseEvaluator, WritesZerosAndRefusesValues) {
   std::vector<double> gradient = {2.0};
   EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {1}, gradient), 0);
   EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {}, gradient), 1);
+  data.NumberOfInputVariables = 0;
+  EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {}, gradient), 0);
   data.Stopped = true;
-  EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {1}, gradient), 1);
+  EXPECT_EQ(evaluator.EvaluateResponseSurfaceDerivativeWrtInputVariables(&data, {}, gradient), 1);
   EXPECT_EQ(gradient, (std::vector<double>{2.0}));
 }
 

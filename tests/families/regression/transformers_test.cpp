@@ -60,6 +60,7 @@ TEST(Transformers, GuardsLeaveTheArgumentAndYeoItsFailureValue) {
       {6, false, 0.0, 0, 0},          {8, true, 5.5, 0, 1},
       {8, true, -1.0, 2, 1},          {8, true, 1000.0, 0.5, 1},
       {8, false, 1000.0, 2, 0},       {8, false, 5.5, 9e-7, 1},
+      {7, true, 0.0, 0.5, 0},
   };
   for (const auto& each : cases) {
     const auto [x, status] = Step(each.type, each.forward, each.x, 2.0, each.lambda);
