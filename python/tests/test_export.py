@@ -310,6 +310,14 @@ def test_rounding_grows_with_sums_and_outputs(fit):
     assert np.all(error >= 40 * 2.2e-16 * magnitude)
 
 
+def test_rounding_of_an_ensemble_is_that_of_its_parts(monkeypatch):
+    seen = []
+    monkeypatch.setattr("pxrom.export.study.compare", lambda *given: seen.append(given[3]))
+    for fitted in (KRIGED, [(KRIGED, 0.25), (KRIGED, 0.75)]):
+        to_text(fitted)
+    np.testing.assert_allclose(seen[1], seen[0], rtol=1e-12)
+
+
 FRAME = pandas.DataFrame(X, columns=["a", "b", "c"])
 BOTH = pandas.DataFrame({"u": Y, "v": 2 * Y})
 PAIR = linear_model.LinearRegression().fit(X, BOTH.to_numpy())

@@ -122,6 +122,7 @@ def test_takes_arrays_mappings_and_frames(beam):
         of_frame.values,
     ):
         assert np.array_equal(np.asarray(got), wanted)
+    assert len(of_frame.values) == 3
     made = of_frame.frame()
     assert list(made.index) == list("abcdefg")
     assert ",".join(made.columns[:5]) == "deflection,mass,stress,deflection error,mass error"

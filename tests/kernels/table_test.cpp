@@ -8,17 +8,20 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <map>
 #include <random>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "kernels/kernels.h"
 #include "kernels/loops/all_loops.h"
 #include "kernels/loops/rows_of_table.h"
+#include "support/model_files.h"
 #include "support/source_path.h"
 
 namespace Tarvane::Plexura::PXROM::kernels {
@@ -237,6 +240,47 @@ class AllKernels : public testing::Test {
 TEST_F(AllKernels, FormulaDerivativeLoopsAndFastFormAgree) {
   ExpectAllOf(Kernels());
   ExpectAllOf(Table<Row<Triweight>>());
+}
+
+/// What the tests above only bound: the slopes at a centre, at the end of a kernel of a scale of
+/// 0.5 and after it, and what is promised of a fast form for three inputs.
+template <class K>
+std::string LineOf() {
+  const Kernel kernel = KernelOf<K>(0);
+  const double centre = 0.25;
+  const double scale = 0.5;
+  const double weight = 1.0;
+  WeightedKernels call;
+  call.kernel = &kernel;
+  call.inputs = 1;
+  call.constants = kernel.constants(1);
+  call.centreCount = 1;
+  call.centres = &centre;
+  call.scales = &scale;
+  if (kernel.shape == Shape::Radial) call.centreScales = &scale;
+  call.weights = &weight;
+  std::ostringstream line;
+  line << kernel.name;
+  for (const double u : {0.25, 0.75, 2.25, 3.25}) {
+    double work[3] = {};
+    double slope = 0.0;
+    kernel.addGradients(call, &u, work, &slope);
+    line << ' ' << slope;
+  }
+  if (kernel.fast != nullptr) {
+    line << ", " << std::min<std::size_t>(kernel.fast->mostInputs, 9999) << ' '
+         << kernel.fast->deviation(3.0, 0.7, 1.3);
+  }
+  return line.str() + '\n';
+}
+
+template <class... Rows>
+std::string LinesOf(Table<Rows...>) {
+  return (LineOf<typename Rows::Type>() + ...);
+}
+
+TEST(KernelTable, SlopesAtEndsAndBoundsAreThoseOfTheFile) {
+  EXPECT_EQ(LinesOf(Kernels()), ContentOf(SourcePath("tests/data/numerics/kernels.txt")));
 }
 
 /// The numbers of the enum values in a public header whose names begin with `prefix`.
