@@ -310,6 +310,16 @@ def test_rounding_grows_with_sums_and_outputs(fit):
     assert np.all(error >= 40 * 2.2e-16 * magnitude)
 
 
+def test_rounding_of_errors_grows_with_the_variance():
+    def surface(c):
+        kernel = ConstantKernel(c) * RBF([1, 10, 1]) + WhiteKernel(0.1 * c)
+        fitted = Process(kernel, optimizer=None, normalize_y=True).fit(X, Y)
+        return convert(fitted, Options(), "auto", INF, INF)[0]
+
+    of_four = surface(4.0).error_rounding(NEW)
+    np.testing.assert_allclose(of_four, 4 * surface(1.0).error_rounding(NEW), rtol=1e-6)
+
+
 def test_rounding_of_an_ensemble_is_that_of_its_parts(monkeypatch):
     seen = []
     monkeypatch.setattr("pxrom.export.study.compare", lambda *given: seen.append(given[3]))
