@@ -5,6 +5,7 @@
 
 #include "batch/batch_cases.h"
 #include "families/gaussian_process/gaussian_process_fields.h"
+#include "pxrom/constant.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -63,6 +64,19 @@ TEST(Gradients, AreTheReferencesOfGaussianProcesses) {
       }
     }
   }
+}
+
+TEST(Gradients, OfAStoppedSurfaceAreNaN) {
+  CConstantData record;
+  MakeReady(record, 2, {{0.5, 0.5}}, {1.0});
+  record.Stopped = true;
+  const double point[] = {0.5, 0.5};
+  double gradient[] = {-7.0, -7.0};
+  int status = -7;
+  EXPECT_EQ(Prepared(ModelOf(record)).EvaluateGradients(point, 1, gradient, &status), 0);
+  EXPECT_EQ(status, 1);
+  EXPECT_TRUE(std::isnan(gradient[0]));
+  EXPECT_TRUE(std::isnan(gradient[1]));
 }
 
 TEST(Gradients, AreTheDifferencesOfFittedModels) {
