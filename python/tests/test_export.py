@@ -308,6 +308,7 @@ def test_rounding_grows_with_sums_and_outputs(fit):
     np.testing.assert_allclose(large.error_rounding(NEW), 1e6 * one.error_rounding(NEW), rtol=1e-6)
     magnitude, error = one._terms(NEW)
     assert np.all(error >= 40 * 2.2e-16 * magnitude)
+    assert np.all(one.rounding(NEW) > 2 * abs(one.scale) * error)
 
 
 def test_rounding_of_errors_grows_with_the_variance():
@@ -331,6 +332,7 @@ def test_rounding_of_an_ensemble_is_that_of_its_parts(monkeypatch):
 FRAME = pandas.DataFrame(X, columns=["a", "b", "c"])
 BOTH = pandas.DataFrame({"u": Y, "v": 2 * Y})
 PAIR = linear_model.LinearRegression().fit(X, BOTH.to_numpy())
+AVERAGES = dummy.DummyRegressor().fit(X, BOTH.to_numpy())
 PIPED = pipe(Standard(), dummy.DummyRegressor()).fit(X, BOTH.to_numpy())
 
 
@@ -342,6 +344,7 @@ PIPED = pipe(Standard(), dummy.DummyRegressor()).fit(X, BOTH.to_numpy())
         (LINE, (), {"inputs": FRAME.columns, "outputs": "flow"}, ["a", "b", "c"], ["flow"]),
         (PAIR, (X, BOTH), {}, ["x0", "x1", "x2"], ["u", "v"]),
         (PAIR, (X, BOTH[["v", "u"]]), {"outputs": ["u", "v"]}, ["x0", "x1", "x2"], ["u", "v"]),
+        (AVERAGES, (X,), {}, ["x0", "x1", "x2"], ["y0", "y1"]),
         # Without X it knows neither its inputs nor how many outputs it has.
         (PIPED, (X, BOTH.to_numpy()), {}, ["x0", "x1", "x2"], ["y0", "y1"]),
     ],

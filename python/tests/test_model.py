@@ -213,7 +213,7 @@ def test_refusals_say_what_would_be_right(beam, discrete, X, said):
 
 def test_refuses_combinations_that_were_not_fitted(beam):
     lines = [line for line in beam.text.splitlines(True) if "{Material;2},{Holes;4}" not in line]
-    with pytest.raises(ValueError, match="was not fitted; there are: Holes=0, Material=1; "):
+    with pytest.raises(ValueError, match="there are: Holes=0, .*; Holes=4, Material=1$"):
         pxrom.loads("".join(lines)).predict({"Material": 2, "Holes": 4}, POINT)
 
 

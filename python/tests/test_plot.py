@@ -67,6 +67,16 @@ def test_many_inputs_go_on_in_further_rows():
     assert all(ax.collections[1:] == [] for ax in bare.axes)
 
 
+def test_inputs_without_bounds_vary_around_the_point():
+    text = BEAM.with_name("constant.pxdb").read_text()
+    model = pxrom.loads(text.replace("UpperBounds={x;1}", "UpperBounds={x;0}"))
+    with pytest.raises(ValueError, match="the input 'x' has no bounds: the point has to name it"):
+        pxrom.plot.slices(model)
+    for value, ends in ((2.0, [1.0, 3.0]), (0.0, [-0.5, 0.5])):
+        line = pxrom.plot.slices(model, point={"x": value}).axes[0].lines[0]
+        assert list(line.get_xdata()[[0, -1]]) == ends
+
+
 def test_contour_is_the_prediction_over_two_inputs(beam, tmp_path):
     figure = pxrom.plot.contour(beam, STEEL, {"F": 3000}, output="stress", x="L", y="h", steps=21)
     figure.savefig(tmp_path / "contour.png")

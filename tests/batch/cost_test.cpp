@@ -194,6 +194,9 @@ TEST(EvaluationCost, BelievesNoCountBeyondWhatIsThere) {
   basis.NumberOfUsedPoints = INT_MAX;
   basis.NumberOfBasisFunctions = INT_MAX;
   EXPECT_LT(Growth(MovingLeastSquares(20, 2), basis), 1.01);
+  CSVRData multipliers = SupportVector(20, 2);
+  multipliers.Betas.assign(2000, 1.0);
+  EXPECT_LT(Growth(SupportVector(20, 2), multipliers), 1.01);
   // Numbers out of range become the largest ones.
   EXPECT_EQ(CheckEvaluationCost({kLargest, kLargest}, CEvaluationLimit()), 0);
   std::string reason;

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "batch/batch_cases.h"
+#include "pxrom/kriging.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -67,6 +68,18 @@ TEST(PreparedModel, EvaluatesAsTheEvaluatorOfEachFamily) {
     points[static_cast<std::size_t>(40 * inputs)] = round % 4 < 2 ? kNaN : HUGE_VAL;
     ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*surface), points, rows));
   }
+}
+
+// The fast form of a far centre cancels: all centres count for the bound, not the nearest.
+TEST(PreparedModel, EvaluatesAsTheModelDoesNearAFarCentre) {
+  CKrigingData record;
+  MakeReady(record, 2, {{0.0, 0.0}, {1e4, 1e4}}, {1.0, 2.0});
+  record.CorrelationFunctionType = CorrGaussian;
+  record.CorrelationKernels = {1.0, 1.0};
+  record.CorrelationCoefficients = {1.0, 1.0};
+  const CDiscreteCombinations model = ModelOf(record);
+  ExpectAsEvaluated(Prepared(model), model.GetOutputsWrtDiscCombPtr()->at(0),
+                    {1e4 + 0.3, 1e4 - 0.4}, 1);
 }
 
 TEST(PreparedModel, EvaluatesFittedModelsAsTheModelDoes) {
