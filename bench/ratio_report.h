@@ -9,15 +9,15 @@
 #include <vector>
 
 /// What a kind of benchmark is to reach, if anything: how many times as fast as the yardstick, or
-/// how many nanoseconds at the most. It stands for the case of that name, or else for the geometric
-/// mean of all cases; a goal of nanoseconds stands for each case.
+/// how many nanoseconds at the most. It is for the case of that name, or else for the geometric
+/// mean of all cases; a goal of nanoseconds is for each case.
 struct Goal {
   double ratio = 0.0;
   double nanoseconds = 0.0;
   std::vector<std::string> cases = {};
 };
 
-/// The usual report, and behind it a table: the time of the library and of its yardstick, mostly
+/// The usual report, and after it a table: the time of the library and of its yardstick, mostly
 /// the literal program, how many times faster the library is, and what a peer takes.
 ///
 /// Benchmarks are named KIND/PROGRAM/CASE. KIND/library/CASE is the library; any other program than

@@ -84,7 +84,7 @@ std::string Database(std::size_t bytes, int combinations, int outputs) {
   std::mt19937 random(1);
   const std::size_t groups =
       static_cast<std::size_t>(combinations) * static_cast<std::size_t>(outputs);
-  // A number of 17 digits with its separator takes 19.5 characters; samples stand in the candidate
+  // A number of 17 digits with its separator takes 19.5 characters; samples are in the candidate
   // and in its surface.
   const std::size_t samples = std::max<std::size_t>(bytes / groups / 39 / (kInputs + 1), 1);
   std::string ids = "k";

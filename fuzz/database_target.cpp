@@ -53,7 +53,7 @@ void RunDatabase(std::string_view data) {
   model.ResetData();
   Require(StatusOf(read) == status, "reading again gives the same status");
   Require(model.GetOutputsWrtDiscCombPtr()->size() == 2 * combinations,
-          "and the same combinations, behind those that were emptied");
+          "and the same combinations, after those that were emptied");
   StatusOf(read);
   AskRegistry(model);
   CDiscreteCombinations assigned;

@@ -14,7 +14,7 @@ using NamedValues = std::vector<std::pair<std::string, double>>;
 
 bool SameBits(const NamedValues& a, const NamedValues& b);
 
-/// Data taken apart: the text of a database up to the last "\0", doubles behind it.
+/// Data taken apart: the text of a database up to the last "\0", doubles after it.
 class ModelInputs {
  public:
   explicit ModelInputs(std::string_view data);

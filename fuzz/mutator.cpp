@@ -90,7 +90,7 @@ class TextMutation {
   std::string Copy(const Piece& piece) const {
     return text_.substr(piece.begin, piece.end - piece.begin);
   }
-  // The piece between two of `stops` around a random place; with the stop behind it if asked.
+  // The piece between two of `stops` around a random place; with the stop after it if asked.
   Piece Between(const char* stops, bool withStop) {
     const std::size_t place = Below(text_.size());
     const std::size_t before =

@@ -1,4 +1,4 @@
-// Runs one target on files and tells what each took: for builds without a fuzzing engine.
+// Runs one target on files and prints what each took: for builds without a fuzzing engine.
 //
 //   fuzz_TARGET FILE...             with the limits that fuzzing has
 //   fuzz_TARGET --measure FILE      without: prints processor seconds and the peak of bytes held

@@ -25,7 +25,7 @@ void RunTokens(std::string_view data);
 /// The reader of databases and what the object that it filled answers about itself.
 void RunDatabase(std::string_view data);
 /// Reading, then every combination in both forms and the derivative of every surface. The inputs
-/// are doubles behind the last "\0" of the data; without it, a few that are odd.
+/// are doubles after the last "\0" of the data; without it, a few that are odd.
 void RunEvaluate(std::string_view data);
 /// The reader of FMI descriptions.
 void RunFmu(std::string_view data);
@@ -49,7 +49,7 @@ struct Target {
 };
 
 const std::vector<Target>& Targets();
-/// Throws Broken for a name that is none.
+/// Throws Broken for an unknown name.
 const Target& TargetNamed(std::string_view name);
 
 }  // namespace fuzz

@@ -86,10 +86,10 @@ class Searches : public CReaderPXROMDatabase {
           std::string value;
           return literal::CatchKeyValue(text, key, value, lower, upper) ? value : "untouched";
         },
-        "a value is what stands behind its key");
+        "a value is what comes after its key");
     RequireSame([&] { return static_cast<int>(reader.CountAttribute(text, key, lower, upper)); },
                 [&] { return static_cast<int>(literal::CountAttribute(text, key, lower, upper)); },
-                "lines with a key are counted as they stand");
+                "lines with a key are counted as they are");
   }
 };
 

@@ -181,7 +181,7 @@ void BindRecord(py::module_& module) {
   }
 }
 
-/// The base stands first in the list, as the classes derived from it need.
+/// The base is first in the list, as the classes derived from it need.
 template <class... Records>
 void BindAll(py::module_& module, pxrom::RecordList<Records...>) {
   (BindRecord<Records>(module), ...);

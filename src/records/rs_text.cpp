@@ -12,7 +12,7 @@ int reading::ResumeRSData(AttributeRange& in, CRSData* data) {
 
 void writing::WriteRSData(AttributeSink& out, const CRSData& record) {
   if (record.RSDataVersion_ != RSDataVersion162) {
-    out.Refuse("its RSDataVersion is none that a reader restores");
+    out.Refuse("no reader restores its RSDataVersion");
   }
   fields::FieldWriter writer(out);
   BaseFields(writer, record);

@@ -32,7 +32,7 @@ std::string OpeningTag(const std::string& word, int id) {
 std::string ClosingTag(const std::string& word) { return "</" + word + ">"; }
 
 std::string_view ViewOf(std::string_view text, std::size_t lower, std::size_t upper) {
-  if (lower > text.size()) throw std::out_of_range("PXROM: a range begins behind the text's end");
+  if (lower > text.size()) throw std::out_of_range("PXROM: a range begins after the text's end");
   // Not `upper - lower + 1` alone: that wraps to nothing for npos and 0.
   return text.substr(lower, upper == kNone ? kNone : upper - lower + 1);
 }

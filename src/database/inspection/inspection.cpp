@@ -59,7 +59,7 @@ void CheckBetweenGroups(Context& context) {
       if (place != nullptr) {
         const std::string label(line.substr(0, equals + 1));
         context.findings.Add(SeverityWarning, FindingKeyMisplaced, {at, "", label, label, ""},
-                             Quoted(label) + " stands in no group, it belongs to " + place);
+                             Quoted(label) + " is in no group; it belongs to " + place);
       }
       at = end + 1;
     }

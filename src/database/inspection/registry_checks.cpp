@@ -191,7 +191,7 @@ class RegistryCheck {
       } else if (!seen.insert(pair.key).second) {
         isWrong = true;
         in_.ReportAt(pair.offset, severity, FindingParameterTwice, label, Shortened(pair.key), "",
-                     Quoted(pair.key) + " stands twice in " + Quoted(label));
+                     Quoted(pair.key) + " appears twice in " + Quoted(label));
       }
     }
     return isWrong;

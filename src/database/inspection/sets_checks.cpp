@@ -124,11 +124,11 @@ class SetsCheck {
       } else if (registry.IsDiscreteInput(pair.name)) {
         if (isFirst) continue;
         Report(pair.offset, FindingDiscreteInputWrong, Shortened(pair.name), "",
-               "the discrete input " + name + " stands twice in this line");
+               "the discrete input " + name + " appears twice in this line");
       } else if (registry.IsOutput(pair.name)) {
         if (isFirst) continue;
         Report(pair.offset, FindingOutputUnexpected, Shortened(pair.name), "",
-               "the output " + name + " stands twice in this line");
+               "the output " + name + " appears twice in this line");
       } else if (IsDiscrete(pair)) {
         Report(pair.offset, FindingDiscreteInputWrong, Shortened(pair.name), "",
                name + " is no enabled discrete input");
@@ -162,7 +162,7 @@ class SetsCheck {
     if (!values.empty() && lastDiscrete >= values.size()) {
       Report(line.pairs[lastDiscrete].offset, FindingDiscreteInputWrong, "", "",
              "the discrete input " + Quoted(line.pairs[lastDiscrete].name) +
-                 " stands behind an output, discrete inputs have to come first");
+                 " comes after an output; discrete inputs have to come first");
       return;
     }
     std::size_t here = 0;

@@ -206,7 +206,7 @@ class Trial {
     } else if (status == -2) {
       const Family* const changing = FindChanging(candidate);
       Report(SeverityNote, FindingErrorNone, group.tag, path,
-             path + " has values but no predicted error: the form with errors answers -2" +
+             path + " has values but no predicted error: the form with errors returns -2" +
                  (changing == nullptr ? ""
                                       : ", and repeating it on a " + std::string(changing->name) +
                                             " surface changes values"));

@@ -47,7 +47,7 @@ void CheckIndices(const GroupText& in, std::optional<int> inputs) {
   for (const int index : indices) {
     if (index >= 0 && (!inputs || index < *inputs)) continue;
     ReportIndices(in, SeverityError, "0 to " + std::to_string(inputs.value_or(1) - 1),
-                  "the index " + std::to_string(index) + " is none of the surface's inputs");
+                  "the index " + std::to_string(index) + " is not one of the surface's inputs");
     return;
   }
   const bool isSame = indices.size() == 2 && indices[0] == indices[1];

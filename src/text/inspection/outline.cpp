@@ -273,7 +273,7 @@ void Outline::Open(std::size_t t) {
     Report(
         FindingGroupMisplaced, tag.offset, tag.word, path,
         around == tag.word ? "at the top" : "in a " + TextOf(around) + " group",
-        "the group " + path + " stands where the reader does not look for it, it belongs " +
+        "the group " + path + " is where the reader does not look for it; it belongs " +
             (around == tag.word ? "outside of other groups" : "in a " + TextOf(around) + " group"));
   }
   const bool isFirst = first_.emplace(Key{group.parent, tag.word, tag.id}, index).second;

@@ -68,7 +68,7 @@ const char* WordsOf(Defect defect) {
     case Defect::NotANumber:
       return "is no number";
     case Defect::TrailingText:
-      return "has text behind the number";
+      return "has text after the number";
     case Defect::Overflow:
       return "is too large";
     case Defect::Underflow:

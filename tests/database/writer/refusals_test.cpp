@@ -231,7 +231,7 @@ TEST(Refusals, BaseRecords) {
        Set(&CConstantData::InputScaleSlopes, Vector{kNaN})},
       {"ConstantValue holds a number that is not finite",
        [](CConstantData& r) { r.SetConstantValue(kNaN); }},
-      {"its RSDataVersion is none that a reader restores", Set(&CRSData::RSDataVersion_, 170)},
+      {"no reader restores its RSDataVersion", Set(&CRSData::RSDataVersion_, 170)},
       // Rows without values are not in the text, and readers limit their number by its length.
       {"1000 samples without any input are too many",
        All(Set(&CRSData::NumberOfInputVariables, 0), Set(&CRSData::NumberOfSamples, 1000),
