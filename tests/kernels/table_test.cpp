@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <locale>
 #include <map>
 #include <random>
 #include <regex>
@@ -260,6 +261,7 @@ std::string LineOf() {
   if (kernel.shape == Shape::Radial) call.centreScales = &scale;
   call.weights = &weight;
   std::ostringstream line;
+  line.imbue(std::locale::classic());
   line << kernel.name;
   for (const double u : {0.25, 0.75, 2.25, 3.25}) {
     double work[3] = {};
