@@ -357,4 +357,6 @@ def test_prints_in_a_notebook(beam):
     )
     result = beam.predict(STEEL, points(beam, 20), return_error=True)
     assert result._repr_html_().count("<tr>") == 13
+    assert ", the first 12" in result._repr_html_()
+    assert "the first" not in beam.predict(STEEL, points(beam, 12))._repr_html_()
     assert repr(result) == "<Prediction of deflection, mass, stress at 20 point(s) with errors>"
