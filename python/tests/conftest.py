@@ -11,8 +11,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 BEAM = ROOT / "examples" / "beam.pxdb"
 MODELS = sorted(path.parent.name for path in (ROOT / "tests/data/models").glob("*/model.pxdb"))
 
-
-sys.path.append(str(ROOT / "tests" / "support"))
+sys.path += [str(ROOT / "tests" / "support"), str(ROOT / "script")]
 
 
 def cases_of(name):
