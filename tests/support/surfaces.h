@@ -123,6 +123,7 @@ class OpenReader : public CReaderPXROMDatabase {
   using CReaderPXROMDatabase::ResumeKrigingDataPredictorError;
   using CReaderPXROMDatabase::ResumeLBFData;
   using CReaderPXROMDatabase::ResumeMLSData;
+  using CReaderPXROMDatabase::ResumeParameterRegistry;
   using CReaderPXROMDatabase::ResumeQRSData;
   using CReaderPXROMDatabase::ResumeQRSDataPredictorError;
   using CReaderPXROMDatabase::ResumeSVRData;

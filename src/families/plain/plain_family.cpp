@@ -6,8 +6,6 @@ namespace {
 
 constexpr Family Describe() {
   Family family = StartFamily<CRSData, CRSEvaluator>();
-  // The base's attributes can be read into a record of any family.
-  family.resume = &reading::ResumeRSData;
   family.hasValue = false;
   return family;
 }

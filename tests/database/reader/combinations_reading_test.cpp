@@ -226,6 +226,16 @@ TEST(Database, ARefusedGroupLeavesTheTargetEmptyAndAMissingOneUntouched) {
   EXPECT_EQ(list.GetCandidateCount(), 1u);
 }
 
+TEST(Database, ARegistryIsReadAloneAndNotAtAllIfItsListsAreTooShort) {
+  CDiscreteCombinations model;
+  const OpenReader tooShort(Replaced(Database(), "Types=0,0", "Types=0"));
+  EXPECT_EQ(tooShort.ResumeParameterRegistry(model, 0, 0), 1);
+  EXPECT_FALSE(model.IsRegistered("x"));
+  EXPECT_EQ(OpenReader(Database()).ResumeParameterRegistry(model, 0, 0), 0);
+  EXPECT_TRUE(model.IsRegistered("x"));
+  EXPECT_TRUE(model.GetOutputsWrtDiscCombPtr()->empty());
+}
+
 // Groups that are used again and again must not multiply the work without limit.
 TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
   const auto statusOf = [](int uses, const std::string& group) {
