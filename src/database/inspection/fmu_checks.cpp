@@ -8,8 +8,13 @@
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
+namespace {
+
+using Labels = CPXROMDatabaseLabels;
+
+}  // namespace
+
 void CheckFmu(Context& context) {
-  using Labels = CPXROMDatabaseLabels;
   const Group* const group = context.outline.FindPlain(Word::FMU);
   if (group == nullptr || !group->isSound) return;
   GroupText in(context.text, context.outline, *group, {&FmuKeys()}, FormatVocabulary(),

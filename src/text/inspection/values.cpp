@@ -3,12 +3,14 @@
 #include <charconv>
 #include <system_error>
 
-#include "pxrom/database_labels.h"
+#include "text/database_text.h"
 #include "text/number_text.h"
 
 namespace Tarvane::Plexura::PXROM::inspection {
 
 namespace {
+
+using reading::Labels;
 
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -78,7 +80,6 @@ const char* WordsOf(Defect defect) {
 }
 
 PairText SplitPair(std::string_view token) {
-  using Labels = CPXROMDatabaseLabels;
   while (!token.empty() && token.back() == '\r') token.remove_suffix(1);
   PairText pair;
   const std::size_t semicolon = token.find(Labels::strSubSep()[0]);
