@@ -238,6 +238,19 @@ TEST(Combinations, ARepeatedNameKeepsTheFirstAndOwnsBoth) {
   EXPECT_EQ(Add(study, 3, 1, {{"u", shared}, {"v", New(4)}}), 0);
 }
 
+TEST(Combinations, AResetReleasesTheListsAtOnce) {
+  struct Counted : CFittingCandidates {
+    explicit Counted(int* count) : CFittingCandidates(OneConstant(1, 2)), released(count) {}
+    ~Counted() override { ++*released; }
+    int* released;
+  };
+  int released = 0;
+  OpenCombinations study = Study();
+  EXPECT_EQ(Add(study, 1, 1, {{"u", new Counted(&released)}, {"v", New(1)}}), 0);
+  EXPECT_EQ(study.ResetData(), 0);
+  EXPECT_EQ(released, 1);
+}
+
 TEST(Combinations, CopiesCloneAndAssignmentsShare) {
   auto study = std::make_unique<OpenCombinations>(Study());
   Register(*study, 1, 5, 10, 20);

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "families/gaussian_process/fast_covariance.h"
 #include "families/gaussian_process/gaussian_process_fields.h"
 #include "support/surfaces.h"
 
@@ -133,6 +134,24 @@ TEST(GaussianProcess, VanishesFarFromItsSamples) {
   record.PolynomialType = PolyNone;
   record.PolynomialCoefficients.clear();
   EXPECT_EQ(Value(kEvaluator, record, {1e200, 0.0}), (0.0 - 0.25) / -0.5);
+}
+
+// Each factor keeps the centres once more.
+TEST(GaussianProcess, HasAFastFormOfSixteenFactorsAtMost) {
+  const auto isFast = [](std::size_t factors, int function) {
+    Record record;
+    MakeReady(record, 1);
+    record.TermAmplitudes = {1.0};
+    record.FactorTerms.assign(factors, 0);
+    record.FactorFunctions.assign(factors, function);
+    record.FactorParameters.assign(factors, 0.0);
+    record.FactorLengths.assign(factors, 2.0);
+    const gaussian_process::Covariance covariance(record);
+    return gaussian_process::FastCovariance(covariance, {0.5}, {1.0}).IsThere();
+  };
+  EXPECT_TRUE(isFast(16, CovMatern52));
+  EXPECT_FALSE(isFast(17, CovMatern52));
+  EXPECT_FALSE(isFast(1, CovThinPlateSpline));
 }
 
 TEST(GaussianProcess, TextCarriesInfiniteLengthsAndRefusesOtherVersions) {
