@@ -30,6 +30,8 @@ set(pxrom_guards "")
 if(PXROM_HARDEN AND UNIX AND NOT APPLE AND NOT EMSCRIPTEN AND NOT PXROM_SANITIZE)
   target_compile_options(pxrom_developer INTERFACE
     "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  # clang++ only warns of a flag for other processors.
+  set(CMAKE_REQUIRED_FLAGS -Werror)
   foreach(flag -fstack-protector-strong -fcf-protection -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER PXROM_HAS${flag} has_flag)
     check_cxx_compiler_flag(${flag} ${has_flag})
@@ -38,6 +40,7 @@ if(PXROM_HARDEN AND UNIX AND NOT APPLE AND NOT EMSCRIPTEN AND NOT PXROM_SANITIZE
       list(APPEND pxrom_guards ${flag})
     endif()
   endforeach()
+  unset(CMAKE_REQUIRED_FLAGS)
   check_linker_flag(CXX LINKER:-z,relro,-z,now PXROM_HAS_RELRO)
   if(PXROM_HAS_RELRO)
     target_link_options(pxrom_developer INTERFACE LINKER:-z,relro,-z,now)
