@@ -135,20 +135,25 @@ TEST(RoundTrip, EqualListsShareAGroup) {
 // A reader reads a group again for each use and limits the sum, so further uses need copies of the
 // group.
 TEST(RoundTrip, SharingStaysWithinTheLimitOfAReader) {
-  CConstantData record;
-  MakeReady(record, 1, Matrix(20000, {0.5}));
-  const CFittingCandidate candidate = CandidateOf(record);
-  CDiscreteCombinations model;
-  FillWith(candidate, model);
-  CFittingCandidates* const shared = ListOf(candidate);
-  for (int k = 0; k < 60; ++k) {
-    CFittingCandidates* const mine = k % 2 == 0 ? shared : ListOf(candidate);
-    model.RegisterDiscreteCombination({{"k", k}}, {{"y", mine}});
+  CConstantData ofSamples;
+  MakeReady(ofSamples, 1, Matrix(20000, {0.5}));
+  CConstantData ofLists;
+  MakeReady(ofLists, 20000);
+  ofLists.InputScaleSlopes.assign(20000, 0.015625);
+  for (const CConstantData* const record : {&ofSamples, &ofLists}) {
+    const CFittingCandidate candidate = CandidateOf(*record);
+    CDiscreteCombinations model;
+    FillWith(candidate, model);
+    CFittingCandidates* const shared = ListOf(candidate);
+    for (int k = 0; k < 60; ++k) {
+      CFittingCandidates* const mine = k % 2 == 0 ? shared : ListOf(candidate);
+      model.RegisterDiscreteCombination({{"k", k}}, {{"y", mine}});
+    }
+    const std::string text = Written(model);
+    EXPECT_LT(text.size(), 50u * 160000);  // of 60
+    EXPECT_NE(text.find("<PlexuraData ID=1>"), std::string::npos);
+    Again(model);
   }
-  const std::string text = Written(model);
-  EXPECT_LT(text.size(), 50u * 160000);  // of 60
-  EXPECT_NE(text.find("<PlexuraData ID=1>"), std::string::npos);
-  Again(model);
 }
 
 TEST(RoundTrip, UnusualObjectsThatATextCanHold) {
