@@ -230,6 +230,8 @@ TEST(Database, ARegistryIsReadAloneAndNotAtAllIfItsListsAreTooShort) {
   CDiscreteCombinations model;
   const OpenReader tooShort(Replaced(Database(), "Types=0,0", "Types=0"));
   EXPECT_EQ(tooShort.ResumeParameterRegistry(model, 0, 0), 1);
+  const OpenReader empty("<ParameterRegistry></ParameterRegistry>");
+  EXPECT_EQ(empty.ResumeParameterRegistry(model, 0, 0), 1);
   EXPECT_FALSE(model.IsRegistered("x"));
   EXPECT_EQ(OpenReader(Database()).ResumeParameterRegistry(model, 0, 0), 0);
   EXPECT_TRUE(model.IsRegistered("x"));
