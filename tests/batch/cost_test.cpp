@@ -190,6 +190,10 @@ TEST(EvaluationCost, BelievesNoCountBeyondWhatIsThere) {
   CKrigingData hostile = sound;
   hostile.NumberOfSamples = INT_MAX;
   EXPECT_LT(Growth(sound, hostile), 1.01);
+  hostile.NumberOfSamples = 0;
+  const auto withoutSamples = CostOf(ModelOf(hostile)).operations;
+  hostile.NumberOfSamples = 1;
+  EXPECT_GT(CostOf(ModelOf(hostile)).operations, withoutSamples);
   CMLSData basis = MovingLeastSquares(20, 2);
   basis.NumberOfUsedPoints = INT_MAX;
   basis.NumberOfBasisFunctions = INT_MAX;
