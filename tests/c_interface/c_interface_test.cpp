@@ -290,6 +290,21 @@ TEST_F(CInterface, RefusesNullByName) {
   pxrom_prepared_free(nullptr);
 }
 
+// All that a finding of either kind holds, its numbers first.
+template <class Finding>
+std::string LineOf(const Finding& finding) {
+  const std::size_t numbers[] = {static_cast<std::size_t>(finding.severity),
+                                 static_cast<std::size_t>(finding.code), finding.line,
+                                 finding.column};
+  std::string line;
+  for (const std::size_t number : numbers) line += std::to_string(number) + '|';
+  for (const std::string& text : {std::string(finding.group), std::string(finding.key),
+                                  std::string(finding.found), std::string(finding.expected)}) {
+    line += text + '|';
+  }
+  return line + finding.sentence;
+}
+
 TEST_F(CInterface, ChecksAsTheInspection) {
   std::string text = ContentOf(kBeam);
   text.replace(text.find("GenomeWeight="), 13, "GenomWeight= ");
@@ -300,7 +315,8 @@ TEST_F(CInterface, ChecksAsTheInspection) {
   pxrom_finding_counts counts = {};
   const auto collect = [](const pxrom_finding* finding, void* user) {
     auto& list = *static_cast<std::vector<std::string>*>(user);
-    list.emplace_back(finding->sentence);
+    list.push_back(LineOf(*finding));
+    EXPECT_STREQ(finding->code_name, FindingCodeName(static_cast<E_FindingCode>(finding->code)));
     return list.size() == 2 ? 1 : 0;
   };
   ASSERT_EQ(pxrom_check(text.data(), text.size(), collect, &sentences, &counts, nullptr, 0),
@@ -309,8 +325,8 @@ TEST_F(CInterface, ChecksAsTheInspection) {
   EXPECT_EQ(counts.warnings, report.warnings);
   EXPECT_EQ(counts.notes, report.notes);
   ASSERT_EQ(sentences.size(), 2U);  // the callback ended the list
-  EXPECT_EQ(sentences[0], report.findings[0].sentence);
-  EXPECT_EQ(sentences[1], report.findings[1].sentence);
+  EXPECT_EQ(sentences[0], LineOf(report.findings[0]));
+  EXPECT_EQ(sentences[1], LineOf(report.findings[1]));
 }
 
 TEST_F(CInterface, ThrowsNothingAcrossTheBorder) {
