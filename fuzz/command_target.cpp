@@ -69,11 +69,17 @@ void EvaluateTable(const Model& model, const std::vector<std::string>& assignmen
   PointEvaluator evaluator(model, columns, pxrom::PrecisionExact, LimitOf(""));
   std::vector<CsvRow> rows;
   CsvRow row;
-  constexpr std::size_t kRows = 2048;
+  // Every row has a result of each output. One result per character is as much as a table of that
+  // length usually asks for, and keeps the work of a text in proportion to its length.
+  const std::size_t headings = HeadingsOf(OutputColumnsOf(model)).size();
+  std::size_t left = text.size() / std::max<std::size_t>(headings, 1) + 1;
   for (bool more = true; more;) {
-    more = reader.Next(row);
-    if (more) rows.push_back(row);
-    if (rows.empty() || (more && rows.size() < kRows)) continue;
+    more = left > 0 && reader.Next(row);
+    if (more) {
+      rows.push_back(row);
+      --left;
+    }
+    if (rows.empty() || (more && rows.size() < evaluator.RowsPerBlock())) continue;
     const EvaluatedRows done = evaluator.Evaluate(rows);
     Require(done.rows == rows.size() && done.bad <= done.rows, "every row is good or bad");
     Require(done.faults.size() == std::min(done.bad, PointEvaluator::kMostFaults),

@@ -23,9 +23,7 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
-// The size of a block of rows. It does not depend on the number of jobs, since results of the fast
-// mode may depend on the rows that are evaluated together.
-constexpr std::size_t kRows = 2048;
+// A block of rows ends early when its rows are long.
 constexpr std::size_t kCharacters = std::size_t{1} << 22U;
 
 /// Where the table comes from and what messages call it.
@@ -45,11 +43,11 @@ class Source {
   std::ifstream file_;
 };
 
-std::vector<CsvRow> NextRows(CsvReader& reader) {
+std::vector<CsvRow> NextRows(CsvReader& reader, std::size_t most) {
   std::vector<CsvRow> rows;
   std::size_t characters = 0;
   CsvRow row;
-  while (rows.size() < kRows && characters < kCharacters && reader.Next(row)) {
+  while (rows.size() < most && characters < kCharacters && reader.Next(row)) {
     characters += row.text.size();
     rows.push_back(std::move(row));
   }
@@ -134,7 +132,8 @@ void EvalPoints(const PointsOptions& options) {
     delivery.Take(pending.front().get());
     pending.pop_front();
   };
-  for (std::vector<CsvRow> rows = NextRows(reader); !rows.empty(); rows = NextRows(reader)) {
+  const std::size_t most = evaluator.RowsPerBlock();
+  for (auto rows = NextRows(reader, most); !rows.empty(); rows = NextRows(reader, most)) {
     if (pending.size() == options.jobs) deliver_first();
     pending.push_back(std::async(
         launch, [&evaluator, rows = std::move(rows)] { return evaluator.Evaluate(rows); }));

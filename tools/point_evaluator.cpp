@@ -14,7 +14,9 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 constexpr std::size_t kLongestName = 64;
-}
+constexpr std::size_t kMostRows = 2048;
+constexpr std::size_t kMostCells = std::size_t{1} << 20U;
+}  // namespace
 
 PointEvaluator::PointEvaluator(const Model& model, const PointColumns& columns,
                                pxrom::E_PrecisionMode mode, const pxrom::CEvaluationLimit& limit)
@@ -24,6 +26,11 @@ PointEvaluator::PointEvaluator(const Model& model, const PointColumns& columns,
       limit_(limit),
       outputs_(OutputColumnsOf(model)),
       headings_(HeadingsOf(outputs_).size()) {}
+
+std::size_t PointEvaluator::RowsPerBlock() const {
+  const std::size_t rows = kMostCells / std::max<std::size_t>(headings_, 1);
+  return std::clamp<std::size_t>(rows, 1, kMostRows);
+}
 
 const PointEvaluator::Combination& PointEvaluator::Prepared(const Point& point) {
   const std::vector<int> key = point.Combination();

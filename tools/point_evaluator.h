@@ -44,6 +44,11 @@ class PointEvaluator {
                  Tarvane::Plexura::PXROM::E_PrecisionMode mode,
                  const Tarvane::Plexura::PXROM::CEvaluationLimit& limit);
 
+  /// The number of rows to hand over at once: enough for the batches of the library, unless so many
+  /// outputs would fill the memory with results. It does not depend on the number of jobs, since
+  /// results of the fast mode may depend on the rows that are evaluated together.
+  std::size_t RowsPerBlock() const;
+
   EvaluatedRows Evaluate(const std::vector<CsvRow>& rows);
 
  private:
