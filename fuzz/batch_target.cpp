@@ -1,4 +1,5 @@
 #include <cmath>
+#include <map>
 
 #include "model_inputs.h"
 #include "pxrom/batch.h"
@@ -16,11 +17,12 @@ bool Equal(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b
 void ComparePoint(const CDiscreteCombinations& model, const NamedInts& discrete,
                   const NamedValues& continuous, const CPreparedModel& prepared) {
   Require(prepared.InputIDs().size() == continuous.size(), "a row has all continuous inputs");
+  const std::map<std::string, double> byID(continuous.begin(), continuous.end());
   std::vector<double> point;
   for (const std::string& id : prepared.InputIDs()) {
-    for (const auto& input : continuous) {
-      if (input.first == id) point.push_back(input.second);
-    }
+    const auto input = byID.find(id);
+    Require(input != byID.end(), "an input of a row is one of the model's");
+    point.push_back(input->second);
   }
   const std::size_t count = prepared.OutputIDs().size();
   std::vector<double> values(count);
