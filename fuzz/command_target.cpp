@@ -69,10 +69,10 @@ void EvaluateTable(const Model& model, const std::vector<std::string>& assignmen
   PointEvaluator evaluator(model, columns, pxrom::PrecisionExact, LimitOf(""));
   std::vector<CsvRow> rows;
   CsvRow row;
-  // Every row has a result of each output. One result per character is as much as a table of that
-  // length usually asks for, and keeps the work of a text in proportion to its length.
-  const std::size_t headings = HeadingsOf(OutputColumnsOf(model)).size();
-  std::size_t left = text.size() / std::max<std::size_t>(headings, 1) + 1;
+  // Every row costs an evaluation of the whole model: a few of them keep the work of a text in
+  // proportion to its length.
+  constexpr std::size_t kMostRows = 256;
+  std::size_t left = kMostRows;
   for (bool more = true; more;) {
     more = left > 0 && reader.Next(row);
     if (more) {

@@ -18,9 +18,9 @@ struct CandidateAccess {
   static void HandOver(CFittingCandidates& from, CFittingCandidates& to) noexcept {
     from.Candidates.swap(to.Candidates);
   }
+  /// If this throws, the candidate may have a weight without a surface: for one that is dropped then.
   static void AddSurface(CFittingCandidate& candidate, std::unique_ptr<CRSData> surface,
                          double weight) {
-    candidate.RSList.reserve(candidate.RSList.size() + 1);
     candidate.Weights.push_back(weight);
     candidate.RSList.push_back(std::move(surface));
   }

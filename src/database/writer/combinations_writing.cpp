@@ -113,7 +113,10 @@ class Registry {
 class DiscreteSets {
  public:
   DiscreteSets(AttributeSink& out, CandidateGroups& groups, const CDiscreteCombinations& model)
-      : out_(out), groups_(groups), model_(model) {
+      : out_(out),
+        groups_(groups),
+        model_(model),
+        expected_(model.Count(CausalityOutput, ContinuousNotManufacturable, true)) {
     for (const std::string& id : model.ListEnabledDiscreteParameterWrtRegistrationRank()) {
       if (model.IsInput(id)) inputs_.push_back(id);
     }
@@ -136,7 +139,6 @@ class DiscreteSets {
 
  private:
   void WriteLine(const std::vector<int>& key, const CDiscreteCombinations::OutputsByID& outputs) {
-    const std::size_t expected = model_.Count(CausalityOutput, ContinuousNotManufacturable, true);
     if (key.size() != inputs_.size()) {
       return out_.Refuse("a combination has " + std::to_string(key.size()) +
                          " discrete values, but there are " + std::to_string(inputs_.size()) +
@@ -150,9 +152,9 @@ class DiscreteSets {
       return out_.Refuse("the combination" + place +
                          " can't be reached any more: inputs of equal rank need ascending values");
     }
-    if (outputs.size() != expected) {
+    if (outputs.size() != expected_) {
       return out_.Refuse("the combination" + place + " has " + std::to_string(outputs.size()) +
-                         " outputs, but " + std::to_string(expected) + " are enabled");
+                         " outputs, but " + std::to_string(expected_) + " are enabled");
     }
     std::vector<std::pair<std::string, int>> pairs;
     for (std::size_t i = 0; i < key.size(); ++i) pairs.emplace_back(inputs_[i], key[i]);
@@ -179,6 +181,8 @@ class DiscreteSets {
   AttributeSink& out_;
   CandidateGroups& groups_;
   const CDiscreteCombinations& model_;
+  /// The number of outputs that a combination needs. Counting goes through all parameters.
+  std::size_t expected_;
   /// The enabled discrete inputs in the order of a key.
   std::vector<std::string> inputs_;
 };
