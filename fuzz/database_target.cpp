@@ -29,7 +29,7 @@ void AskRegistry(const CDiscreteCombinations& model) {
   Require(model.ListUpperBound(ids).size() <= ids.size(), "no parameter has its bounds twice");
   Require(model.ListLowerBound(ids).size() <= ids.size(), "no parameter has its bounds twice");
   // Each list goes through all combinations. Their keys hold a value of every input, so this takes
-  // time in proportion to the text; outputs come without a limit, and a few of them are asked for.
+  // time in proportion to the text. Outputs have no value there: a few of them are asked for.
   std::size_t outputs = 0;
   for (const std::string& id : model.ListEnabledDiscreteParameterWrtRegistrationRank()) {
     constexpr std::size_t kMostOutputs = 4;

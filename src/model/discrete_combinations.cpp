@@ -362,8 +362,10 @@ std::size_t CDiscreteCombinations::PlaceOfDiscrete(const std::string& id) const 
 
 std::vector<int> CDiscreteCombinations::ListRegisteredValuesForDiscreteParameter(
     const std::string& id) const {
-  const std::size_t position = PlaceOfDiscrete(id);
   std::vector<int> values;
+  // Before the first combination no places are known, and finding one goes through all parameters.
+  if (DiscreteCombinationsIndexing.empty()) return values;
+  const std::size_t position = PlaceOfDiscrete(id);
   for (const auto& combination : DiscreteCombinationsIndexing) {
     // Keys are shorter if parameters were registered after combinations.
     if (position < combination.first.size()) values.push_back(combination.first[position]);

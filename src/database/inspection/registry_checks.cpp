@@ -228,15 +228,16 @@ class RegistryCheck {
     }
   }
 
+  /// Each ID once, as it comes first: hardly any memory for a list of nothing but commas.
   void FillOverview() {
     const std::vector<int> causalities = in_.Ints(Labels::attParameterCausalities());
     const std::vector<int> types = in_.Ints(Labels::attParameterTypes());
     const std::vector<int> availability = in_.Ints(Labels::attParameterAvailability());
-    std::map<std::string, CParameterOverview*> byId;
+    std::map<std::string, std::size_t> places;
     auto& parameters = context_.overview.parameters;
-    parameters.resize(ids_.size());
     for (std::size_t i = 0; i < ids_.size(); ++i) {
-      CParameterOverview& parameter = parameters[i];
+      if (!places.emplace(ids_[i], parameters.size()).second) continue;
+      CParameterOverview& parameter = parameters.emplace_back();
       parameter.id = ids_[i];
       parameter.rank = static_cast<int>(i);
       if (i < causalities.size()) {
@@ -244,12 +245,11 @@ class RegistryCheck {
       }
       if (i < types.size()) parameter.type = static_cast<E_ParameterType>(types[i]);
       parameter.enabled = i < availability.size() && availability[i] == 1;
-      byId.emplace(parameter.id, &parameter);
     }
     const auto forEach = [&](const std::string& label, auto use) {
       for (const Pair& pair : in_.Pairs(label)) {
-        const auto parameter = byId.find(pair.key);
-        if (parameter != byId.end()) use(*parameter->second, pair);
+        const auto place = places.find(pair.key);
+        if (place != places.end()) use(parameters[place->second], pair);
       }
     };
     forEach(Labels::attParameterRegistrationRank(),
