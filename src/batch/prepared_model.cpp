@@ -216,35 +216,45 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   if (rows == 0 || outputs == 0) return 0;
   if ((points == nullptr && inputs > 0) || values == nullptr) return 1;
 
+  const bool withErrors = errors != nullptr;
+  const auto blocksAtOnce = [&](const PreparedOutput& output) {
+    return std::min(output.BlocksAtOnce(withErrors), (rows + kBlock - 1) / kBlock);
+  };
+  std::size_t blocks = 1;
   std::size_t workSize = 0;
   std::size_t questionCount = 0;
   for (const auto& output : *parts_->outputs) {
-    workSize = std::max(workSize, output->WorkSize(errors != nullptr));
+    const std::size_t own = blocksAtOnce(*output);
+    blocks = std::max(blocks, own);
+    workSize = std::max(workSize, output->WorkSize(withErrors, own));
     questionCount = std::max(questionCount, output->QuestionCount());
   }
-  const std::size_t pointSize = inputs * kBlock;
-  AlignedArea area(pointSize + 2 * kBlock + workSize);
+  const std::size_t size = blocks * kBlock;
+  AlignedArea area((inputs + 2) * size + workSize);
   std::vector<batch::Question> questions(questionCount);
+  std::vector<int> ownStatuses(size);
   double* const x = area.Start();
-  double* const blockValues = x + pointSize;
-  double* const blockErrors = blockValues + kBlock;
-  int blockStatuses[kBlock] = {};
-  const batch::Tools tools = {parts_->exact, parts_->fast, blockErrors + kBlock, questions.data()};
-  const batch::Results results = {blockValues, errors != nullptr ? blockErrors : nullptr,
-                                  blockStatuses};
+  double* const ownValues = x + inputs * size;
+  double* const ownErrors = ownValues + size;
+  const batch::Tools tools = {parts_->exact, parts_->fast, ownErrors + size, questions.data()};
+  const batch::Results results = {ownValues, withErrors ? ownErrors : nullptr, ownStatuses.data()};
 
   for (std::size_t o = 0; o < outputs; ++o) {
+    const PreparedOutput& output = *(*parts_->outputs)[o];
+    const std::size_t atOnce = blocksAtOnce(output) * kBlock;
     batch::FastProgress progress;
-    for (std::size_t first = 0; first < rows; first += kBlock) {
-      const std::size_t count = std::min(kBlock, rows - first);
-      if (inputs > 0) parts_->FillBlock(points + first * inputs, count, x);
-      (*parts_->outputs)[o]->Evaluate({x, count}, tools, results,
-                                      mode == PrecisionFast ? &progress : nullptr);
+    for (std::size_t first = 0; first < rows; first += atOnce) {
+      const std::size_t count = std::min(atOnce, rows - first);
+      for (std::size_t block = 0; block < count && inputs > 0; block += kBlock) {
+        parts_->FillBlock(points + (first + block) * inputs, std::min(kBlock, count - block),
+                          x + block * inputs);
+      }
+      output.Evaluate({x, count}, tools, results, mode == PrecisionFast ? &progress : nullptr);
       for (std::size_t point = 0; point < count; ++point) {
         const std::size_t at = (first + point) * outputs + o;
-        values[at] = blockValues[point];
-        if (errors != nullptr) errors[at] = blockErrors[point];
-        if (statuses != nullptr) statuses[at] = blockStatuses[point];
+        values[at] = ownValues[point];
+        if (withErrors) errors[at] = ownErrors[point];
+        if (statuses != nullptr) statuses[at] = ownStatuses[point];
       }
     }
   }

@@ -41,20 +41,20 @@ double LargestOf(double largest, const double* values, const int* statuses, std:
 
 /// The parts of an evaluation's working area.
 struct PreparedOutput::Work {
-  Work(const PreparedOutput& output, bool withErrors, double* start) {
+  Work(const PreparedOutput& output, bool withErrors, std::size_t blocks, double* start) {
     WorkArea area(start);
     const bool validates = withErrors && output.validation_ != nullptr;
-    x = area.Take(output.inputs_ * kBlock);
-    values = area.Take(kBlock);
-    errors = area.Take(kBlock);
+    x = area.Take(blocks * output.inputs_ * kBlock);
+    values = area.Take(blocks * kBlock);
+    errors = area.Take(blocks * kBlock);
     folds = area.Take(validates ? output.validation_->Folds() * kBlock : 0);
     validation = area.Take(validates ? output.validation_->WorkSize() : 0);
     std::size_t largest = 0;
     for (const auto& each : output.surfaces_) {
-      largest = std::max(largest, each->WorkSize(withErrors));
+      largest = std::max(largest, each->WorkSize(withErrors, blocks));
     }
     for (const auto& each : output.subSurfaces_) {
-      largest = std::max(largest, each->WorkSize(false));
+      largest = std::max(largest, each->WorkSize(false, 1));
     }
     surface = area.Take(largest);
     size = area.Used();
@@ -93,8 +93,15 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   validation_ = std::make_unique<PreparedCrossValidation>(*validation, inputs);
 }
 
-std::size_t PreparedOutput::WorkSize(bool withErrors) const {
-  return Work(*this, withErrors, nullptr).size;
+std::size_t PreparedOutput::BlocksAtOnce(bool withErrors) const {
+  std::size_t most = 1;
+  if (validation_ != nullptr) return most;
+  for (const auto& surface : surfaces_) most = std::max(most, surface->BlocksAtOnce(withErrors));
+  return most;
+}
+
+std::size_t PreparedOutput::WorkSize(bool withErrors, std::size_t blocks) const {
+  return Work(*this, withErrors, blocks, nullptr).size;
 }
 
 std::size_t PreparedOutput::QuestionCount() const {
@@ -194,14 +201,34 @@ void PreparedOutput::AddValue(const PreparedSurface& surface, double weight, con
   }
 }
 
+void PreparedOutput::AddWithErrors(std::size_t surface, const Work& work, const Points& scaled,
+                                   const Tools& tools, const Results& results) const {
+  const std::size_t atOnce = surfaces_[surface]->BlocksAtOnce(true) * kBlock;
+  std::vector<int> own(scaled.count);
+  for (std::size_t first = 0; first < scaled.count; first += atOnce) {
+    surfaces_[surface]->Evaluate(
+        {scaled.x + first * inputs_, std::min(atOnce, scaled.count - first)}, tools,
+        {work.values + first, work.errors + first, own.data() + first});
+  }
+  for (std::size_t point = 0; point < scaled.count; ++point) {
+    // Status 1 takes precedence over -2, and -2 over 0.
+    if (results.statuses[point] != 1 && own[point] != 0) results.statuses[point] = own[point];
+    // The errors are not combined: the last one remains.
+    if (own[point] == 0) results.errors[point] = work.errors[point];
+    results.values[point] += weights_[surface] * work.values[point];
+  }
+}
+
 // With `progress` it uses the surfaces' fast forms and stores their largest results there.
 void PreparedOutput::Run(const Points& points, const Tools& tools, const Results& results,
                          FastProgress* progress) const {
   const bool withErrors = results.errors != nullptr;
-  const Work work(*this, withErrors, tools.work);
-  for (std::size_t i = 0; i < inputs_; ++i) {
-    const double* const from = points.x + i * kBlock;
-    double* const to = work.x + i * kBlock;
+  const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
+  const Work work(*this, withErrors, blocks, tools.work);
+  for (std::size_t row = 0; row < blocks * inputs_; ++row) {
+    const std::size_t i = row % inputs_;
+    const double* const from = points.x + row * kBlock;
+    double* const to = work.x + row * kBlock;
     for (std::size_t point = 0; point < kBlock; ++point) {
       to[point] = inputSlopes_[i] * from[point] + inputIntercepts_[i];
     }
@@ -215,15 +242,7 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
   if (withErrors && validation_ == nullptr) {
     std::fill_n(results.errors, points.count, 0.0);
     for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-      int own[kBlock];
-      surfaces_[i]->Evaluate(scaled, surfaceTools, {work.values, work.errors, own});
-      for (std::size_t point = 0; point < points.count; ++point) {
-        // Status 1 takes precedence over -2, and -2 over 0.
-        if (results.statuses[point] != 1 && own[point] != 0) results.statuses[point] = own[point];
-        // The errors are not combined: the last one remains.
-        if (own[point] == 0) results.errors[point] = work.errors[point];
-        results.values[point] += weights_[i] * work.values[point];
-      }
+      AddWithErrors(i, work, scaled, surfaceTools, results);
     }
     Backscale(points.count, results);
     return;

@@ -23,7 +23,9 @@ class PreparedOutput {
  public:
   PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs);
 
-  std::size_t WorkSize(bool withErrors) const;
+  /// How many blocks Evaluate takes at a time, see PreparedSurface.
+  std::size_t BlocksAtOnce(bool withErrors) const;
+  std::size_t WorkSize(bool withErrors, std::size_t blocks) const;
   std::size_t QuestionCount() const;
 
   /// Gives what CFittingCandidatesEvaluator gives at each of the points, in physical units; with
@@ -44,6 +46,8 @@ class PreparedOutput {
   bool IsNearEnough(const FastProgress& progress, bool withErrors) const;
   void Run(const Points& points, const Tools& tools, const Results& results,
            FastProgress* progress) const;
+  void AddWithErrors(std::size_t surface, const Work& work, const Points& scaled,
+                     const Tools& tools, const Results& results) const;
   void AddValue(const PreparedSurface& surface, double weight, const Work& work,
                 const Points& scaled, const Tools& tools, int* statuses, double* sums,
                 FastProgress* progress) const;

@@ -8,6 +8,7 @@
 #include "kernels/loops/loop_table.h"
 #include "model/candidate_access.h"
 #include "model/cross_validation.h"
+#include "records/error_norms.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -45,7 +46,8 @@ SurfaceCost AddValue(const CRSData& surface, double reach, EnsembleCost& cost) {
   const SurfaceCost own = CostOfSurface(surface, reach);
   cost.operations += own.value + 2.0;
   cost.held += own.held + kBytesPerSurface;
-  cost.work = std::max(cost.work, own.perPoint * kBlock + own.once);
+  const double errors = own.perErrorPoint * kBlock * batch::ErrorNorms::kBlocksAtOnce;
+  cost.work = std::max(cost.work, own.perPoint * kBlock + errors + own.once);
   return own;
 }
 

@@ -12,7 +12,6 @@ namespace Tarvane::Plexura::PXROM::batch {
 
 using kernels::Question;
 using simd::kBlock;
-using simd::KrigingErrorSum;
 using simd::LoopTable;
 using simd::Monomial;
 using simd::Polynomial;
@@ -43,13 +42,14 @@ struct Tools {
   Question* questions = nullptr;  ///< QuestionCount of them
 };
 
-/// The points of one block, in the space that the candidate hands to its surfaces.
+/// The points of one or more blocks, in the space that the candidate hands to its surfaces.
 struct Points {
-  const double* x = nullptr;  ///< input by input, see kBlock
-  std::size_t count = 0;      ///< 1 to kBlock; copies of the last one follow
+  const double* x = nullptr;  ///< block by block, in each of them input by input, see kBlock
+  std::size_t count = 0;      ///< 1 or more; copies of the last one fill up the last block
 };
 
-/// The results of a block: kBlock values each, of which the first Points::count count.
+/// The results of the blocks: kBlock values for each of them, of which the first Points::count
+/// count.
 struct Results {
   double* values = nullptr;
   double* errors = nullptr;  ///< null for the form without errors
@@ -64,7 +64,11 @@ class PreparedSurface {
   PreparedSurface& operator=(const PreparedSurface&) = delete;
   virtual ~PreparedSurface() = default;
 
-  virtual std::size_t WorkSize(bool /*withErrors*/) const { return 0; }
+  /// How many blocks Evaluate takes at a time; with errors several where their time goes into
+  /// products with a matrix, which is then read less often.
+  virtual std::size_t BlocksAtOnce(bool /*withErrors*/) const { return 1; }
+  /// For an evaluation of up to `blocks`.
+  virtual std::size_t WorkSize(bool /*withErrors*/, std::size_t /*blocks*/) const { return 0; }
   virtual std::size_t QuestionCount() const { return 0; }
   /// Gives what the surface's evaluator gives at each of the points. Where a status is 1, value and
   /// error have no meaning.

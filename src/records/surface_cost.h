@@ -25,8 +25,10 @@ struct SurfaceCost {
   double gradient = 1.0;
   /// Bytes that a prepared copy holds.
   double held = 0.0;
-  /// Bytes of the working area: for each point of a block, and once.
+  /// Bytes of the working area: for each point of a block, for each point of the blocks whose
+  /// errors are predicted together, and once.
   double perPoint = 0.0;
+  double perErrorPoint = 0.0;
   double once = 0.0;
 };
 
@@ -64,6 +66,15 @@ inline void AddTrend(double functions, SurfaceCost& cost) {
   cost.gradient += 6.0 * functions;
   cost.held += 2.0 * kBytesPerNumber * functions;
   cost.perPoint += kBytesPerNumber * functions;
+}
+
+/// Adds the matrices and the working area of an error (error_norms.h). `stored` is how many numbers
+/// of C come before the zeros of its rows.
+inline void AddErrorNorms(double stored, double samples, double functions, double inputs,
+                          SurfaceCost& cost) {
+  cost.held += kBytesPerNumber * (stored + 3.0 * samples + functions * (samples + functions));
+  cost.perErrorPoint =
+      kBytesPerNumber * (samples + std::min(samples, 96.0) + 1.2 * functions + 2.0 * inputs + 12.0);
 }
 
 }  // namespace Tarvane::Plexura::PXROM::costing

@@ -24,34 +24,22 @@ struct Polynomial {
   bool coefficientFirst = false;
 };
 
-/// The parts of the error of a Kriging prediction (kriging.h): v = C r, w = F v - f, g = G w.
-struct KrigingErrorSum {
-  std::size_t samples = 0;
-  std::size_t functions = 0;
-  const double* invC = nullptr;
-  const std::size_t* lengths = nullptr;  ///< after which a row of invC is zero
-  const double* invG = nullptr;
-  const double* ft = nullptr;
-  double sigma2 = 0.0;
+/// The rows of a panel of a packed matrix (panels.h): six by the four vectors of a block are as
+/// many sums as the registers of AVX-512 hold, and six by two as many as those of AVX2.
+constexpr std::size_t kPanelRows = 6;
 
-  const double* r = nullptr;  ///< the correlations, sample by sample
-  const double* f = nullptr;  ///< the trend functions, one by one
+/// Columns `firstColumn` to `lastColumn` of panels `first` to `last` of a packed matrix, times the
+/// points of a block: out[r] grows by m[r][c] x[c], c ascending.
+struct PanelProduct {
+  const double* values = nullptr;
+  const std::size_t* starts = nullptr;  ///< of the panels in `values`
+  std::size_t first = 0;
+  std::size_t last = 0;
+  std::size_t firstColumn = 0;
+  std::size_t lastColumn = 0;
+  const double* x = nullptr;  ///< begins with `firstColumn`
   std::size_t points = 0;
-  double* v = nullptr;  ///< working area: one value per sample
-  double* w = nullptr;  ///< working area: two values per function
-  double* errors = nullptr;
-};
-
-/// A matrix, row by row, times the columns of a block: out[r] grows by m[r][c] x[c], c ascending.
-struct MatrixProduct {
-  const double* matrix = nullptr;
-  std::size_t rows = 0;
-  std::size_t columns = 0;
-  /// After which a row is zero, so that its rest may be left out; null where all of it counts.
-  const std::size_t* lengths = nullptr;
-  const double* x = nullptr;
-  std::size_t points = 0;
-  double* out = nullptr;
+  double* out = nullptr;  ///< begins with `first`, kPanelRows rows for each panel
 };
 
 /// How many rows LoopTable::rowProducts takes: enough independent sums to hide the latency of an
@@ -69,8 +57,9 @@ struct LoopTable {
   /// sums = the sum of f[i] M[i][j] f[j], rows first.
   void (*quadraticForm)(const double* matrix, const double* f, std::size_t order,
                         std::size_t points, double* sums);
-  void (*krigingError)(const KrigingErrorSum& call);
-  void (*matrixProduct)(const MatrixProduct& call);
+  void (*addPanels)(const PanelProduct& call);
+  /// sums grow by the squares of `count` values at each point, in ascending order.
+  void (*addSquares)(const double* values, std::size_t count, std::size_t points, double* sums);
   /// out[k] grows by rows[k][j] x[j], in ascending j, for kRowsOfProducts rows. Null for an
   /// instruction set where the evaluator's own loop is as fast.
   void (*rowProducts)(const double* const* rows, const double* x, std::size_t columns, double* out);

@@ -67,99 +67,86 @@ void QuadraticFormOf(const double* matrix, const double* f, std::size_t order, s
   });
 }
 
-/// out[k] grows by the sum of m[k][j] x[j], in ascending j, for `kRows` rows from `m` on.
-template <std::size_t kRows, class Size>
-PXROM_INLINE void AddRows(const double* m, std::size_t stride, std::size_t columns, const double* x,
-                          double* out, Size size) {
-  Vector sum[kRows][size.count];
-  for (std::size_t k = 0; k < kRows; ++k) {
-    for (std::size_t u = 0; u < size.count; ++u) sum[k][u] = Load(out + k * kBlock + u * kLanes);
-  }
-  for (std::size_t j = 0; j < columns; ++j) {
-    Vector xj[size.count];
-    for (std::size_t u = 0; u < size.count; ++u) xj[u] = Load(x + j * kBlock + u * kLanes);
-    for (std::size_t k = 0; k < kRows; ++k) {
-      const Vector element = m[k * stride + j];
-      for (std::size_t u = 0; u < size.count; ++u) sum[k][u] = sum[k][u] + element * xj[u];
-    }
-  }
-  for (std::size_t k = 0; k < kRows; ++k) {
-    for (std::size_t u = 0; u < size.count; ++u) Store(out + k * kBlock + u * kLanes, sum[k][u]);
+/// The vectors of a block that a panel takes at once: as many as leave registers for its sums.
+constexpr std::size_t kPanelVectors = kLanes == 4 ? 2 : 4;
+/// The rows of a panel that it takes at once.
+constexpr std::size_t kRowsAtOnce = kLanes == 1 ? 2 : kPanelRows;
+
+template <std::size_t kValue>
+struct Index {
+  static constexpr std::size_t value = kValue;
+};
+
+/// body(0) to body(kCount - 1) with indices that are constants, so that arrays with these indices
+/// become registers at every level of optimisation.
+template <std::size_t kCount, class Body>
+PXROM_INLINE void Unrolled(const Body& body) {
+  if constexpr (kCount > 0) {
+    Unrolled<kCount - 1>(body);
+    body(Index<kCount - 1>());
   }
 }
 
-/// The same for all rows. `lengths` gives the number of columns of each row that count; with null
-/// all of them count.
-PXROM_INLINE void AddProduct(const double* m, std::size_t rows, std::size_t columns,
-                             const std::size_t* lengths, const double* x, std::size_t points,
-                             double* out) {
-  constexpr std::size_t kRows = kLanes == 8 ? 4 : 2;
-  ForAllPoints(points, [&](auto size, std::size_t point) {
-    std::size_t k = 0;
-    for (; k + kRows <= rows; k += kRows) {
-      std::size_t length = columns;
-      if (lengths != nullptr) {
-        length = 0;
-        for (std::size_t row = k; row < k + kRows; ++row) {
-          if (lengths[row] > length) length = lengths[row];
-        }
-      }
-      AddRows<kRows>(m + k * columns, columns, length, x + point, out + k * kBlock + point, size);
-    }
-    for (; k < rows; ++k) {
-      const std::size_t length = lengths != nullptr ? lengths[k] : columns;
-      AddRows<1>(m + k * columns, columns, length, x + point, out + k * kBlock + point, size);
-    }
+/// out[k] grows by the sum of panel[j][k] x[j], in ascending j, for kRowsAtOnce rows.
+template <std::size_t kVectors>
+void AddRows(const double* panel, std::size_t columns, const double* x, double* out) {
+  Vector sum[kRowsAtOnce][kVectors];
+  Unrolled<kRowsAtOnce>([&](auto k) PXROM_INLINE_BODY {
+    Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY {
+      sum[k.value][u.value] = Load(out + k.value * kBlock + u.value * kLanes);
+    });
+  });
+  for (std::size_t j = 0; j < columns; ++j, panel += kPanelRows, x += kBlock) {
+    Vector xj[kVectors];
+    Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY { xj[u.value] = Load(x + u.value * kLanes); });
+    Unrolled<kRowsAtOnce>([&](auto k) PXROM_INLINE_BODY {
+      const Vector element = panel[k.value];
+      Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY {
+        sum[k.value][u.value] = sum[k.value][u.value] + element * xj[u.value];
+      });
+    });
+  }
+  Unrolled<kRowsAtOnce>([&](auto k) PXROM_INLINE_BODY {
+    Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY {
+      Store(out + k.value * kBlock + u.value * kLanes, sum[k.value][u.value]);
+    });
   });
 }
 
-void MatrixProductOf(const MatrixProduct& call) {
-  AddProduct(call.matrix, call.rows, call.columns, call.lengths, call.x, call.points, call.out);
-}
-
-PXROM_INLINE Vector NormOf(const double* values, std::size_t count) {
-  Vector squares = 0.0;
-  for (std::size_t k = 0; k < count; ++k) {
-    const Vector value = Load(values + k * kBlock);
-    squares = squares + value * value;
-  }
-  return Sqrt(squares);
-}
-
-/// Whether all values are finite at all points: only then is zero times each of them zero.
-PXROM_INLINE bool AreFinite(const double* values, std::size_t count, std::size_t points) {
-  Vector zero = 0.0;
-  for (std::size_t k = 0; k < count; ++k) {
-    for (std::size_t point = 0; point < points; point += kLanes) {
-      zero = zero + Load(values + k * kBlock + point) * 0.0;
+void AddPanelsOf(const PanelProduct& call) {
+  double* out = call.out;
+  for (std::size_t panel = call.first; panel < call.last; ++panel, out += kPanelRows * kBlock) {
+    const double* const values = call.values + call.starts[panel];
+    const std::size_t length = (call.starts[panel + 1] - call.starts[panel]) / kPanelRows;
+    const std::size_t end = length < call.lastColumn ? length : call.lastColumn;
+    if (end <= call.firstColumn) continue;
+    const auto add = [&](auto size, std::size_t point) {
+      for (std::size_t k = 0; k < kPanelRows; k += kRowsAtOnce) {
+        AddRows<size.count>(values + call.firstColumn * kPanelRows + k, end - call.firstColumn,
+                            call.x + point, out + k * kBlock + point);
+      }
+    };
+    // After the last point come copies of it, up to the end of the block.
+    std::size_t point = 0;
+    for (; point + kLanes < call.points; point += kPanelVectors * kLanes) {
+      add(Vectors<kPanelVectors>(), point);
     }
+    if (point < call.points) add(Vectors<1>(), point);
   }
-  return Bits(zero != 0.0) == 0;
 }
 
-void KrigingErrorOf(const KrigingErrorSum& call) {
-  const std::size_t n = call.samples;
-  const std::size_t p = call.functions;
-  double* const w = call.w;
-  double* const g = call.w + p * kBlock;
-  for (std::size_t point = 0; point < call.points; point += kLanes) {
-    for (std::size_t k = 0; k < n; ++k) Store(call.v + k * kBlock + point, 0.0);
-    for (std::size_t k = 0; k < p; ++k) {
-      Store(w + k * kBlock + point, -0.0 - Load(call.f + k * kBlock + point));
-      Store(g + k * kBlock + point, 0.0);
+void AddSquaresOf(const double* values, std::size_t count, std::size_t points, double* sums) {
+  ForAllPoints(points, [&](auto size, std::size_t point) {
+    Vector sum[size.count];
+    for (std::size_t u = 0; u < size.count; ++u) sum[u] = Load(sums + point + u * kLanes);
+    for (std::size_t k = 0; k < count; ++k) {
+      for (std::size_t u = 0; u < size.count; ++u) {
+        const Vector value = Load(values + k * kBlock + point + u * kLanes);
+        sum[u] = sum[u] + value * value;
+      }
     }
-  }
-  // After its length a row adds zeros, which change no sum unless they meet an infinity or a NaN.
-  const bool areLengthsGood = AreFinite(call.r, n, call.points);
-  AddProduct(call.invC, n, n, areLengthsGood ? call.lengths : nullptr, call.r, call.points, call.v);
-  AddProduct(call.ft, p, n, nullptr, call.v, call.points, w);
-  AddProduct(call.invG, p, p, nullptr, w, call.points, g);
-  for (std::size_t point = 0; point < call.points; point += kLanes) {
-    const Vector nc = NormOf(call.v + point, n);
-    const Vector ng = NormOf(g + point, p);
-    const Vector radicand = (ng * ng + 1.0 - nc * nc) * call.sigma2;
-    Store(call.errors + point, Sqrt(Abs(radicand)));
-  }
+    for (std::size_t u = 0; u < size.count; ++u) Store(sums + point + u * kLanes, sum[u]);
+  });
 }
 
 void SquaredDistancesOf(const double* rows, std::size_t rowCount, const double* x,
@@ -223,9 +210,8 @@ constexpr std::size_t (*kLengthBeforeZeros)(const double* const*, std::size_t) =
 
 #endif
 
-constexpr LoopTable kLoops = {&PolynomialOf,      &ProductsOf,        &QuadraticFormOf,
-                              &KrigingErrorOf,    &MatrixProductOf,   kRowProducts,
-                              kLengthBeforeZeros, &SquaredDistancesOf};
+constexpr LoopTable kLoops = {&PolynomialOf, &ProductsOf,  &QuadraticFormOf,   &AddPanelsOf,
+                              &AddSquaresOf, kRowProducts, kLengthBeforeZeros, &SquaredDistancesOf};
 
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM::simd

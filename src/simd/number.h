@@ -9,8 +9,10 @@
 
 #if defined(__GNUC__)
 #define PXROM_INLINE inline __attribute__((always_inline))
+#define PXROM_INLINE_BODY __attribute__((always_inline))
 #else
 #define PXROM_INLINE inline
+#define PXROM_INLINE_BODY
 #endif
 
 namespace Tarvane::Plexura::PXROM::simd {

@@ -28,13 +28,12 @@ SurfaceCost FamilyOf<CGaussianProcessData>::CostOf(const CRSData& base, double) 
   cost.held += n * (kBytesPerNumber * (1.0 + factors) * d + kBytesPerRow) +
                kBytesPerNumber * (terms * (n + 4.0) + 3.0 * factors * d + exponents);
   cost.perPoint += kBytesPerNumber * 3.0 * std::min(n, 32.0);
-  cost.once = kBytesPerNumber * (2.0 * d + p + 2.0 * n + 32.0 * (3.0 + factors));
+  cost.once = kBytesPerNumber * (2.0 * d + p + 32.0 * (3.0 + factors));
   if (!record.SavePredictorError) return cost;
   // v = inv(L) k, w = f - H v, inv(G) w: see PredictorError.
   const double functions = record.TrendInverseFactor.empty() ? 0.0 : p;
   cost.error = n * n + 2.0 * functions * n + functions * functions + 4.0 * n;
-  cost.held += kBytesPerNumber * (1.5 * n * n + functions * (2.0 * n + 1.5 * functions));
-  cost.perPoint += kBytesPerNumber * (2.0 * n + 3.0 * p);
+  AddErrorNorms(0.5 * n * (n + 1.0), n, functions, d, cost);
   return cost;
 }
 

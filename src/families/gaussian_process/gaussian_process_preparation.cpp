@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "families/gaussian_process/fast_covariance.h"
-#include "families/gaussian_process/prepared_error.h"
 #include "families/gaussian_process/process.h"
+#include "records/error_norms.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -17,8 +17,24 @@ namespace {
 using gaussian_process::Factor;
 using gaussian_process::FastCovariance;
 using gaussian_process::kCentresAtOnce;
-using gaussian_process::PreparedError;
 using gaussian_process::Process;
+
+/// The record has the data of an error.
+std::unique_ptr<const ErrorNorms> NormsOf(const CGaussianProcessData& record, std::size_t n) {
+  const auto triangle = [](const std::vector<double>& factor) {
+    return [&](std::size_t r) { return factor.data() + r * (r + 1) / 2; };
+  };
+  // w = f - H v: the sign is turned here.
+  std::vector<std::vector<double>> trend = record.TrendAtSamples;
+  for (auto& row : trend) {
+    for (double& value : row) value = -value;
+  }
+  using simd::Panels;
+  return std::make_unique<ErrorNorms>(
+      Panels::OfTriangle(n, triangle(record.InverseFactor)),
+      Panels::OfAll(trend.size(), n, [&](std::size_t k) { return trend[k].data(); }),
+      Panels::OfTriangle(trend.size(), triangle(record.TrendInverseFactor)));
+}
 
 class ProcessSurface : public PreparedSurface {
  public:
@@ -30,35 +46,33 @@ class ProcessSurface : public PreparedSurface {
         n_(process_.SampleCount()),
         d_(process_.Kernel().InputCount()),
         p_(process_.TrendPart().FunctionCount()) {
-    if (process_.ErrorPart().IsAvailable()) error_ = std::make_unique<PreparedError>(record_);
+    if (!process_.ErrorPart().IsAvailable()) return;
+    norms_ = NormsOf(record_, n_);
+    errorFunctions_ = record_.TrendAtSamples.size();
+    record_.InverseFactor = {};
+    record_.TrendInverseFactor = {};
+    record_.TrendAtSamples = {};
   }
 
-  std::size_t WorkSize(bool withErrors) const override {
-    return Work(*this, withErrors && error_ != nullptr, nullptr).size;
+  std::size_t BlocksAtOnce(bool withErrors) const override {
+    return withErrors && norms_ != nullptr ? ErrorNorms::kBlocksAtOnce : 1;
+  }
+
+  std::size_t WorkSize(bool withErrors, std::size_t blocks) const override {
+    return Work(*this, withErrors && norms_ != nullptr ? blocks : 0, nullptr).size;
   }
 
   std::size_t QuestionCount() const override { return kCentresAtOnce * kBlock; }
 
   void Evaluate(const Points& points, const Tools& tools, const Results& results) const override {
-    const bool withErrors = results.errors != nullptr && error_ != nullptr;
-    const Work work(*this, withErrors, tools.work);
-    Scale(points, work);
-    std::fill_n(work.sums, kBlock, 0.0);
-    for (std::size_t first = 0; first < n_; first += kCentresAtOnce) {
-      const std::size_t count = std::min(kCentresAtOnce, n_ - first);
-      double* const covariances = work.covariances + (withErrors ? first * kBlock : 0);
-      FillCovariances(points.count, tools, first, count, work, covariances);
-      for (std::size_t row = 0; row < count; ++row) {
-        const double weight = record_.Weights[first + row];
-        const double* const values = covariances + row * kBlock;
-        for (std::size_t point = 0; point < kBlock; ++point) {
-          work.sums[point] += values[point] * weight;
-        }
-      }
+    const bool withErrors = results.errors != nullptr;
+    std::fill_n(results.statuses, points.count, withErrors && norms_ == nullptr ? -2 : 0);
+    if (withErrors && norms_ != nullptr) {
+      EvaluateWithErrors(points, tools, results);
+      return;
     }
-    FinishValues(points.count, work, results.values);
-    if (withErrors) FillErrors(points.count, tools, work, results.errors);
-    std::fill_n(results.statuses, points.count, results.errors != nullptr && !withErrors ? -2 : 0);
+    const Work work(*this, 0, tools.work);
+    EvaluateBlock(points, tools, work, nullptr, results.values);
   }
 
   bool HasFastForm() const override { return fast_.IsThere(); }
@@ -71,7 +85,7 @@ class ProcessSurface : public PreparedSurface {
   }
 
   void FastValues(const Points& points, const Tools& tools, const Results& results) const override {
-    const Work work(*this, false, tools.work);
+    const Work work(*this, 0, tools.work);
     Scale(points, work);
     if (!fast_.Serves(work.x)) {
       Evaluate(points, tools, results);
@@ -102,7 +116,8 @@ class ProcessSurface : public PreparedSurface {
  private:
   /// What an evaluation works on, laid out over a working area.
   struct Work {
-    Work(const ProcessSurface& surface, bool withErrors, double* start) {
+    /// `errorBlocks` is 0 without errors.
+    Work(const ProcessSurface& surface, std::size_t errorBlocks, double* start) {
       WorkArea area(start);
       const std::size_t rows = std::min(surface.n_, kCentresAtOnce);
       x = area.Take(surface.d_ * kBlock);
@@ -111,15 +126,15 @@ class ProcessSurface : public PreparedSurface {
       scales = area.Take(surface.d_);
       point = area.Take(surface.d_);
       functions = area.Take(surface.p_);
-      allFunctions = area.Take(withErrors ? surface.error_->FunctionCount() * kBlock : 0);
       values = area.Take(rows * kBlock);
       products = area.Take(rows * kBlock);
-      covariances = area.Take((withErrors ? surface.n_ : rows) * kBlock);
+      covariances = area.Take((errorBlocks > 0 ? errorBlocks * surface.n_ : rows) * kBlock);
       fast = area.Take(surface.fast_.WorkSize());
-      if (withErrors) {
-        own = area.Take(surface.n_);
-        single = area.Take(surface.process_.ErrorPart().WorkSize());
-        error = area.Take(surface.error_->WorkSize());
+      if (errorBlocks > 0) {
+        w = area.Take(errorBlocks * surface.norms_->FunctionRows() * kBlock);
+        squaresOfV = area.Take(errorBlocks * kBlock);
+        squaresOfG = area.Take(errorBlocks * kBlock);
+        norms = area.Take(surface.norms_->WorkSize(errorBlocks));
       }
       size = area.Used();
     }
@@ -130,14 +145,14 @@ class ProcessSurface : public PreparedSurface {
     double* scales;
     double* point;  ///< one of the scaled points, and its trend functions
     double* functions;
-    double* allFunctions;  ///< those that the error needs, of all points
     double* values;
     double* products;
     double* covariances;
     double* fast;
-    double* own = nullptr;  ///< the covariances of one point, and what its error works with
-    double* single = nullptr;
-    double* error = nullptr;
+    double* w = nullptr;  ///< block by block, first the trend functions
+    double* squaresOfV = nullptr;
+    double* squaresOfG = nullptr;
+    double* norms = nullptr;
     std::size_t size;
   };
 
@@ -216,25 +231,49 @@ class ProcessSurface : public PreparedSurface {
     }
   }
 
-  void FillErrors(std::size_t count, const Tools& tools, const Work& work, double* errors) const {
-    const gaussian_process::PredictorError& single = process_.ErrorPart();
-    const double atDistance0 = process_.Kernel().AtDistance0();
-    for (std::size_t point = 0; error_->FunctionCount() > 0 && point < kBlock; ++point) {
-      FillFunctions(point, work);
-      for (std::size_t k = 0; k < p_; ++k) {
-        work.allFunctions[k * kBlock + point] = work.functions[k];
+  /// The values of one block. Stores the covariances with all centres in `covariances` unless that
+  /// is null.
+  void EvaluateBlock(const Points& points, const Tools& tools, const Work& work,
+                     double* covariances, double* values) const {
+    Scale(points, work);
+    std::fill_n(work.sums, kBlock, 0.0);
+    for (std::size_t first = 0; first < n_; first += kCentresAtOnce) {
+      const std::size_t count = std::min(kCentresAtOnce, n_ - first);
+      double* const own = covariances != nullptr ? covariances + first * kBlock : work.covariances;
+      FillCovariances(points.count, tools, first, count, work, own);
+      for (std::size_t row = 0; row < count; ++row) {
+        const double weight = record_.Weights[first + row];
+        for (std::size_t point = 0; point < kBlock; ++point) {
+          work.sums[point] += own[row * kBlock + point] * weight;
+        }
       }
     }
-    double variances[kBlock];
-    error_->Variances(*tools.exact, count, work.covariances, work.allFunctions, atDistance0,
-                      work.error, variances);
-    for (std::size_t point = 0; point < count; ++point) {
-      if (!std::isfinite(variances[point])) {
+    FinishValues(points.count, work, values);
+  }
+
+  /// All blocks of the points.
+  void EvaluateWithErrors(const Points& points, const Tools& tools, const Results& results) const {
+    const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
+    const Work work(*this, blocks, tools.work);
+    for (std::size_t b = 0; b < blocks; ++b) {
+      const std::size_t first = b * kBlock;
+      const Points block = {points.x + first * d_, std::min(kBlock, points.count - first)};
+      EvaluateBlock(block, tools, work, work.covariances + first * n_, results.values + first);
+      double* const w = work.w + first * norms_->FunctionRows();
+      for (std::size_t point = 0; errorFunctions_ > 0 && point < kBlock; ++point) {
         FillFunctions(point, work);
-        for (std::size_t j = 0; j < n_; ++j) work.own[j] = work.covariances[j * kBlock + point];
-        variances[point] = single.Variance(work.own, work.functions, atDistance0, work.single);
+        for (std::size_t k = 0; k < errorFunctions_; ++k) {
+          w[k * kBlock + point] = work.functions[k];
+        }
       }
-      errors[point] = single.Of(variances[point]) / std::fabs(record_.OutputScaleSlope);
+    }
+    norms_->Fill(*tools.exact, {points.count, work.covariances, work.w, work.norms, work.squaresOfV,
+                                work.squaresOfG});
+    const double atDistance0 = process_.Kernel().AtDistance0();
+    for (std::size_t point = 0; point < points.count; ++point) {
+      const double variance = atDistance0 - work.squaresOfV[point] + work.squaresOfG[point];
+      results.errors[point] = process_.ErrorPart().Of(variance < 0.0 ? 0.0 : variance) /
+                              std::fabs(record_.OutputScaleSlope);
     }
   }
 
@@ -245,7 +284,8 @@ class ProcessSurface : public PreparedSurface {
   std::size_t n_;
   std::size_t d_;
   std::size_t p_;
-  std::unique_ptr<const PreparedError> error_;  ///< null without its data
+  std::unique_ptr<const ErrorNorms> norms_;  ///< null without the data of an error
+  std::size_t errorFunctions_ = 0;           ///< 0 for a trend that is known
 };
 
 }  // namespace

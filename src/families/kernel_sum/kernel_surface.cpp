@@ -12,18 +12,22 @@ namespace {
 
 /// The parts of an evaluation's working area.
 struct KernelWork {
-  KernelWork(const KernelModel& model, bool withErrors, double* start) {
+  /// `errorBlocks` is 0 without errors.
+  KernelWork(const KernelModel& model, std::size_t errorBlocks, double* start) {
     WorkArea area(start);
     const std::size_t n = model.centreCount;
-    const std::size_t p = withErrors ? model.error->functions : 0;
+    const bool withErrors = errorBlocks > 0;
     x = area.Take((model.inputs + 1) * kBlock);
     sums = area.Take(kBlock);
     trend = area.Take(kBlock);
-    values = area.Take((withErrors ? n : std::min(n, kernels::kChunk)) * kBlock);
+    values = area.Take((withErrors ? errorBlocks * n : std::min(n, kernels::kChunk)) * kBlock);
     steps = area.Take(2 * model.inputs * kBlock);
-    v = area.Take(withErrors ? n * kBlock : 0);
-    f = area.Take(p * kBlock);
-    w = area.Take(2 * p * kBlock);
+    if (withErrors) {
+      w = area.Take(errorBlocks * model.error->norms.FunctionRows() * kBlock);
+      squaresOfV = area.Take(errorBlocks * kBlock);
+      squaresOfG = area.Take(errorBlocks * kBlock);
+      norms = area.Take(model.error->norms.WorkSize(errorBlocks));
+    }
     size = area.Used();
   }
 
@@ -32,9 +36,10 @@ struct KernelWork {
   double* trend;
   double* values;
   double* steps;
-  double* v;
-  double* f;
-  double* w;
+  double* w = nullptr;
+  double* squaresOfV = nullptr;
+  double* squaresOfG = nullptr;
+  double* norms = nullptr;
   std::size_t size;
 };
 
@@ -43,8 +48,12 @@ class KernelSurface : public PreparedSurface {
   explicit KernelSurface(KernelModel model)
       : model_(std::move(model)), fast_(FindFastKernels(model_)) {}
 
-  std::size_t WorkSize(bool withErrors) const override {
-    return KernelWork(model_, withErrors && model_.error != nullptr, nullptr).size;
+  std::size_t BlocksAtOnce(bool withErrors) const override {
+    return withErrors && model_.error != nullptr ? ErrorNorms::kBlocksAtOnce : 1;
+  }
+
+  std::size_t WorkSize(bool withErrors, std::size_t blocks) const override {
+    return KernelWork(model_, withErrors && model_.error != nullptr ? blocks : 0, nullptr).size;
   }
 
   std::size_t QuestionCount() const override {
@@ -57,13 +66,15 @@ class KernelSurface : public PreparedSurface {
       std::fill_n(results.statuses, points.count, 1);
       return;
     }
-    const bool hasError = withErrors && model_.error != nullptr;
-    const KernelWork work(model_, hasError, tools.work);
+    std::fill_n(results.statuses, points.count, withErrors && model_.error == nullptr ? -2 : 0);
+    if (withErrors && model_.error != nullptr) {
+      EvaluateWithErrors(points, tools, results);
+      return;
+    }
+    const KernelWork work(model_, 0, tools.work);
     Scale(points, work);
-    SumExactly(points.count, tools, hasError, work);
+    SumExactly(points.count, tools, work, nullptr);
     FinishValues(points.count, *tools.exact, work, results.values);
-    std::fill_n(results.statuses, points.count, withErrors && !hasError ? -2 : 0);
-    if (hasError) FillErrors(points.count, *tools.exact, work, results.errors);
   }
 
   bool HasFastForm() const override { return !fast_.inputFactors.empty(); }
@@ -76,7 +87,7 @@ class KernelSurface : public PreparedSurface {
   }
 
   void FastValues(const Points& points, const Tools& tools, const Results& results) const override {
-    const KernelWork work(model_, false, tools.work);
+    const KernelWork work(model_, 0, tools.work);
     Scale(points, work);
     // With moderate coordinates no infinity and no NaN occurs that the fast form could lose.
     const auto isModest = [](double value) { return std::fabs(value) <= kLargestFast; };
@@ -165,14 +176,16 @@ class KernelSurface : public PreparedSurface {
     return call;
   }
 
-  void SumExactly(std::size_t count, const Tools& tools, bool keepsValues,
-                  const KernelWork& work) const {
+  /// Stores the kernels of all centres in `values` unless that is null.
+  void SumExactly(std::size_t count, const Tools& tools, const KernelWork& work,
+                  double* values) const {
     if (model_.kernel == nullptr) {
       std::fill_n(work.sums, kBlock, model_.start);
       return;
     }
     kernels::KernelSum call = Call(count, work);
-    call.keepsValues = keepsValues;
+    call.keepsValues = values != nullptr;
+    if (call.keepsValues) call.values = values;
     call.questions = tools.questions;
     tools.exact->byKernel[model_.kernel->index].sum(call);
   }
@@ -195,25 +208,30 @@ class KernelSurface : public PreparedSurface {
     Backscale(count, work, values);
   }
 
-  void FillErrors(std::size_t count, const LoopTable& loops, const KernelWork& work,
-                  double* errors) const {
+  /// All blocks of the points.
+  void EvaluateWithErrors(const Points& points, const Tools& tools, const Results& results) const {
     const KrigingErrorData& data = *model_.error;
-    loops.products({model_.trend.data(), model_.trend.size(), false}, work.x, count, work.f);
-    KrigingErrorSum call;
-    call.samples = model_.centreCount;
-    call.functions = data.functions;
-    call.invC = data.invC.data();
-    call.lengths = data.lengths.data();
-    call.invG = data.invG.data();
-    call.ft = data.ft.data();
-    call.sigma2 = data.sigma2;
-    call.r = work.values;
-    call.f = work.f;
-    call.points = count;
-    call.v = work.v;
-    call.w = work.w;
-    call.errors = errors;
-    loops.krigingError(call);
+    const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
+    const KernelWork work(model_, blocks, tools.work);
+    for (std::size_t b = 0; b < blocks; ++b) {
+      const std::size_t first = b * kBlock;
+      const Points block = {points.x + first * model_.inputs,
+                            std::min(kBlock, points.count - first)};
+      Scale(block, work);
+      SumExactly(block.count, tools, work, work.values + first * model_.centreCount);
+      FinishValues(block.count, *tools.exact, work, results.values + first);
+      double* const w = work.w + first * data.norms.FunctionRows();
+      tools.exact->products({model_.trend.data(), model_.trend.size(), false}, work.x, block.count,
+                            w);
+      for (std::size_t k = 0; k < data.functions * kBlock; ++k) w[k] = -w[k];
+    }
+    data.norms.Fill(*tools.exact, {points.count, work.values, work.w, work.norms, work.squaresOfV,
+                                   work.squaresOfG});
+    for (std::size_t point = 0; point < points.count; ++point) {
+      const double nc = std::sqrt(work.squaresOfV[point]);
+      const double ng = std::sqrt(work.squaresOfG[point]);
+      results.errors[point] = std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * data.sigma2));
+    }
   }
 
   KernelModel model_;

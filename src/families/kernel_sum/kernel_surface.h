@@ -6,18 +6,16 @@
 
 #include "kernels/kernels.h"
 #include "pxrom/types.h"
+#include "records/error_norms.h"
 #include "records/prepared_surface.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-/// The data of the predictor error of a Kriging surface, each matrix in one array.
+/// The data of the predictor error of a Kriging surface.
 struct KrigingErrorData {
-  std::size_t functions = 0;
-  double sigma2 = 0.0;
-  std::vector<double> invC;
-  std::vector<std::size_t> lengths;  ///< after which a row of invC is zero
-  std::vector<double> invG;
-  std::vector<double> ft;
+  std::size_t functions;
+  double sigma2;
+  ErrorNorms norms;
 };
 
 /// What Kriging, support vector and linear basis surfaces have in common:

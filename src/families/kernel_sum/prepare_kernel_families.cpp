@@ -63,18 +63,16 @@ std::unique_ptr<const KrigingErrorData> ErrorDataOf(const CKrigingData& record,
                                                     std::size_t functions) {
   if (!kriging::PredictorError(record, functions).IsPredicted()) return nullptr;
   const auto n = static_cast<std::size_t>(record.NumberOfSamples);
-  auto data = std::make_unique<KrigingErrorData>();
-  data->functions = functions;
-  data->sigma2 = record.Sigma2;
-  data->invC = Flat(record.InvC, n, n);
-  for (std::size_t r = 0; r < n; ++r) {
-    std::size_t length = n;
-    while (length > 0 && data->invC[r * n + length - 1] == 0.0) --length;
-    data->lengths.push_back(length);
-  }
-  data->invG = Flat(record.InvG, functions, functions);
-  data->ft = Flat(record.Ft, functions, n);
-  return data;
+  const auto rowOf = [](const Matrix& matrix) {
+    return [&](std::size_t r) { return matrix[r].data(); };
+  };
+  using simd::Panels;
+  // As fitted, InvC is triangular.
+  return std::make_unique<KrigingErrorData>(KrigingErrorData{
+      functions,
+      record.Sigma2,
+      {Panels::BeforeZeros(n, n, rowOf(record.InvC)), Panels::OfAll(functions, n, rowOf(record.Ft)),
+       Panels::OfAll(functions, functions, rowOf(record.InvG))}});
 }
 
 }  // namespace

@@ -1,8 +1,23 @@
+#include <algorithm>
+
 #include "families/kriging/kriging_fields.h"
 
 namespace Tarvane::Plexura::PXROM {
 
 using namespace costing;
+
+namespace {
+
+double NumbersBeforeZeros(const std::vector<std::vector<double>>& matrix) {
+  double count = 0.0;
+  for (const std::vector<double>& row : matrix) {
+    const auto last = std::find_if(row.rbegin(), row.rend(), [](double v) { return v != 0.0; });
+    count += static_cast<double>(row.rend() - last);
+  }
+  return count;
+}
+
+}  // namespace
 
 SurfaceCost FamilyOf<CKrigingData>::CostOf(const CRSData& base, double) {
   const auto& record = static_cast<const CKrigingData&>(base);
@@ -21,8 +36,7 @@ SurfaceCost FamilyOf<CKrigingData>::CostOf(const CRSData& base, double) {
   }
   // v = InvC r, w = Ft v - f, InvG w: see PredictorError.
   cost.error = 2.0 * n * n + 2.0 * p * n + 2.0 * p * p + 6.0 * n;
-  cost.held += kBytesPerNumber * (n * (n + 1.0) + p * n + p * p);
-  cost.perPoint += kBytesPerNumber * (2.0 * n + 3.0 * p);
+  AddErrorNorms(NumbersBeforeZeros(record.InvC), n, p, d, cost);
   return cost;
 }
 

@@ -148,7 +148,7 @@ class BlockedPolynomial : public PolynomialSurface {
     return true;
   }
 
-  std::size_t WorkSize(bool withErrors) const override {
+  std::size_t WorkSize(bool withErrors, std::size_t) const override {
     return PolynomialWork(products_.Rows(), ErrorTerms(withErrors), nullptr).size;
   }
 

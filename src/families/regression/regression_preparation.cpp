@@ -130,7 +130,7 @@ class RegressionSurface : public PreparedSurface {
         forward_(FindTransformer(record_.InputTransformType)),
         back_(FindTransformer(record_.OutputTransformType)) {}
 
-  std::size_t WorkSize(bool withErrors) const override {
+  std::size_t WorkSize(bool withErrors, std::size_t) const override {
     return RegressionWork(inputs_, withErrors ? terms_.count : 0, nullptr).size;
   }
 
