@@ -70,6 +70,12 @@ class PXROM_API CPreparedModel {
                           const std::vector<std::pair<std::string, int>>& discreteValues,
                           CEvaluationCost& cost, std::string* reason = nullptr);
 
+  /// The same model with only the outputs that `outputIDs` name, in that order. It shares what is
+  /// prepared, and an evaluation costs only what these outputs cost. 0; 1 with `out` untouched and
+  /// a sentence in `reason` (unless it is null) when there is no such output. `out` may be this.
+  int Select(const std::vector<std::string>& outputIDs, CPreparedModel& out,
+             std::string* reason = nullptr) const;
+
   /// What Evaluate, with errors, and EvaluateGradients cost at each point. Zeros when nothing is
   /// prepared.
   CEvaluationCost Cost() const;
@@ -77,7 +83,7 @@ class PXROM_API CPreparedModel {
 
   /// The enabled continuous inputs by rank: what a row of points consists of.
   const std::vector<std::string>& InputIDs() const;
-  /// By ID: what a row of results consists of.
+  /// What a row of results consists of: by ID, or as Select was told.
   const std::vector<std::string>& OutputIDs() const;
 
   /// Values, errors and statuses at `rows` points. With null `errors` this is the form without

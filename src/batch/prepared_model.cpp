@@ -16,9 +16,8 @@ using batch::kBlock;
 using batch::PreparedOutput;
 using kernels::LoopTable;
 
-/// Copies with other loops share the outputs.
+/// Copies with other loops or fewer outputs share the outputs.
 struct CPreparedModel::Parts {
-  using Outputs = std::vector<std::unique_ptr<const PreparedOutput>>;
   /// Inputs of one rank. Their values are sorted, as Evaluate sorts them.
   struct Tie {
     std::size_t first;
@@ -28,13 +27,13 @@ struct CPreparedModel::Parts {
   std::vector<std::string> inputIDs;
   std::vector<std::string> outputIDs;
   std::vector<Tie> ties;
-  CEvaluationCost cost;
-  CEvaluationCost gradientCost;
+  std::vector<EnsembleCost> costs;
   CEvaluationLimit limit;
-  std::shared_ptr<const Outputs> outputs;
+  std::vector<std::shared_ptr<const PreparedOutput>> outputs;
   const LoopTable* exact = nullptr;
   const LoopTable* fast = nullptr;
 
+  EnsembleCost Cost() const;
   std::vector<std::size_t> Order(const double* row) const;
   void FillBlock(const double* points, std::size_t count, double* x) const;
 };
@@ -122,6 +121,12 @@ class AlignedArea {
 
 }  // namespace
 
+EnsembleCost CPreparedModel::Parts::Cost() const {
+  EnsembleCost all;
+  for (const EnsembleCost& cost : costs) all += cost;
+  return all;
+}
+
 /// For each place of the sorted row its place in the caller's row.
 std::vector<std::size_t> CPreparedModel::Parts::Order(const double* row) const {
   std::vector<std::size_t> order(inputIDs.size());
@@ -173,12 +178,10 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
                             std::string* reason, const CEvaluationLimit& limit) {
   const auto* const candidatesByID = FindCombination(model, discreteValues, reason);
   if (candidatesByID == nullptr) return 1;
-  const EnsembleCost cost = CostOf(*candidatesByID);
-  if (CheckEvaluationCost(cost.OfEvaluation(), limit, reason) != 0) return 1;
+  const CEvaluationCost cost = CostOf(*candidatesByID).OfEvaluation();
+  if (CheckEvaluationCost(cost, limit, reason) != 0) return 1;
 
   auto parts = std::make_shared<Parts>();
-  parts->cost = cost.OfEvaluation();
-  parts->gradientCost = cost.OfGradients();
   parts->limit = limit;
   const auto inputs = RankedInputs(model);
   for (const auto& input : inputs) parts->inputIDs.push_back(input.second);
@@ -186,14 +189,33 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     while (last < inputs.size() && inputs[last].first == inputs[first].first) ++last;
     if (last - first > 1) parts->ties.push_back({first, last});
   }
-  auto outputs = std::make_shared<Parts::Outputs>();
   for (const auto& [id, candidates] : *candidatesByID) {
     parts->outputIDs.push_back(id);
-    outputs->push_back(std::make_unique<PreparedOutput>(*candidates, inputs.size()));
+    parts->costs.push_back(CostOf(*candidates));
+    parts->outputs.push_back(std::make_shared<PreparedOutput>(*candidates, inputs.size()));
   }
-  parts->outputs = std::move(outputs);
   parts->fast = kernels::FindLoops(kernels::BestInstructionSet());
   parts->exact = kernels::AreHostFunctionsKnown() ? parts->fast : kernels::PortableLoops();
+  out.parts_ = std::move(parts);
+  return 0;
+}
+
+int CPreparedModel::Select(const std::vector<std::string>& outputIDs, CPreparedModel& out,
+                           std::string* reason) const {
+  if (parts_ == nullptr) return Refuse(reason, "Nothing is prepared.");
+  auto parts = std::make_shared<Parts>(*parts_);
+  parts->outputIDs = outputIDs;
+  parts->costs.clear();
+  parts->outputs.clear();
+  for (const std::string& id : outputIDs) {
+    const auto found = std::find(parts_->outputIDs.begin(), parts_->outputIDs.end(), id);
+    if (found == parts_->outputIDs.end()) {
+      return Refuse(reason, "The combination has no output '" + id + "'.");
+    }
+    const auto at = static_cast<std::size_t>(found - parts_->outputIDs.begin());
+    parts->costs.push_back(parts_->costs[at]);
+    parts->outputs.push_back(parts_->outputs[at]);
+  }
   out.parts_ = std::move(parts);
   return 0;
 }
@@ -223,7 +245,7 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   std::size_t blocks = 1;
   std::size_t workSize = 0;
   std::size_t questionCount = 0;
-  for (const auto& output : *parts_->outputs) {
+  for (const auto& output : parts_->outputs) {
     const std::size_t own = blocksAtOnce(*output);
     blocks = std::max(blocks, own);
     workSize = std::max(workSize, output->WorkSize(withErrors, own));
@@ -240,7 +262,7 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   const batch::Results results = {ownValues, withErrors ? ownErrors : nullptr, ownStatuses.data()};
 
   for (std::size_t o = 0; o < outputs; ++o) {
-    const PreparedOutput& output = *(*parts_->outputs)[o];
+    const PreparedOutput& output = *parts_->outputs[o];
     const std::size_t atOnce = blocksAtOnce(output) * kBlock;
     batch::FastProgress progress;
     for (std::size_t first = 0; first < rows; first += atOnce) {
@@ -262,24 +284,24 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
 }
 
 CEvaluationCost CPreparedModel::Cost() const {
-  return parts_ != nullptr ? parts_->cost : CEvaluationCost();
+  return parts_ != nullptr ? parts_->Cost().OfEvaluation() : CEvaluationCost();
 }
 
 CEvaluationCost CPreparedModel::GradientCost() const {
-  return parts_ != nullptr ? parts_->gradientCost : CEvaluationCost();
+  return parts_ != nullptr ? parts_->Cost().OfGradients() : CEvaluationCost();
 }
 
 int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, double* gradients,
                                       int* statuses, std::string* reason) const {
   if (parts_ == nullptr) return 1;
-  if (CheckEvaluationCost(parts_->gradientCost, parts_->limit, reason) != 0) return 1;
+  if (CheckEvaluationCost(GradientCost(), parts_->limit, reason) != 0) return 1;
   const std::size_t inputs = parts_->inputIDs.size();
   const std::size_t outputs = parts_->outputIDs.size();
   if (rows == 0 || outputs == 0) return 0;
   if (inputs > 0 && (points == nullptr || gradients == nullptr)) return 1;
 
   std::size_t workSize = 0;
-  for (const auto& output : *parts_->outputs) {
+  for (const auto& output : parts_->outputs) {
     workSize = std::max(workSize, output->GradientWorkSize());
   }
   std::vector<double> work(2 * inputs + workSize);
@@ -291,7 +313,7 @@ int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, do
     if (!parts_->ties.empty()) order = parts_->Order(row);
     for (std::size_t i = 0; i < inputs; ++i) x[i] = row[order.empty() ? i : order[i]];
     for (std::size_t o = 0; o < outputs; ++o) {
-      const int status = (*parts_->outputs)[o]->Gradient(x, gradient + inputs, gradient);
+      const int status = parts_->outputs[o]->Gradient(x, gradient + inputs, gradient);
       double* const to = gradients + (r * outputs + o) * inputs;
       for (std::size_t i = 0; i < inputs; ++i) to[order.empty() ? i : order[i]] = gradient[i];
       if (statuses != nullptr) statuses[r * outputs + o] = status;

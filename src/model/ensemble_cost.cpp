@@ -105,12 +105,14 @@ EnsembleCost CostOf(const CFittingCandidate& candidate) {
   return cost;
 }
 
+EnsembleCost CostOf(const CFittingCandidates& candidates) {
+  const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
+  return candidate != nullptr ? CostOf(*candidate) : EnsembleCost();
+}
+
 EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs) {
   EnsembleCost cost;
-  for (const auto& [id, candidates] : outputs) {
-    const CFittingCandidate* const candidate = candidates->GetEvaluationCandidatePtr();
-    if (candidate != nullptr) cost += CostOf(*candidate);
-  }
+  for (const auto& [id, candidates] : outputs) cost += CostOf(*candidates);
   return cost;
 }
 

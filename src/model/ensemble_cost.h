@@ -18,7 +18,8 @@ struct EnsembleCost {
 };
 
 EnsembleCost CostOf(const CFittingCandidate& candidate);
-/// The cost of the candidates that the lists have chosen.
+/// The cost of the candidate that the list has chosen; zeros without one.
+EnsembleCost CostOf(const CFittingCandidates& candidates);
 EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs);
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -68,6 +68,36 @@ TEST(PreparedModel, RefusesWithAReasonAndChangesNothing) {
   EXPECT_EQ(value, -1.0);
 }
 
+TEST(PreparedModel, SelectsOutputsInTheGivenOrder) {
+  CDiscreteCombinations beam;
+  ReadModel(SourcePath("examples/beam.pxdb"), beam);
+  CPreparedModel all;
+  ASSERT_EQ(CPreparedModel::Prepare(beam, {{"Material", 1}, {"Holes", 2}}, all), 0);
+  const double point[] = {90.0, 3000.0, 1.5, 45.0};
+  Table wanted(3);  // deflection, mass, stress
+  all.Evaluate(point, 1, PrecisionExact, wanted.values.data(), wanted.errors.data(), nullptr);
+
+  CPreparedModel some = all;
+  ASSERT_EQ(some.Select({"stress", "mass"}, some), 0);
+  EXPECT_EQ(some.OutputIDs(), (std::vector<std::string>{"stress", "mass"}));
+  Table got(2);
+  some.Evaluate(point, 1, PrecisionExact, got.values.data(), got.errors.data(), nullptr);
+  EXPECT_EQ(got.values[0], wanted.values[2]);
+  EXPECT_EQ(got.values[1], wanted.values[1]);
+  EXPECT_EQ(got.errors[0], wanted.errors[2]);
+  EXPECT_EQ(got.errors[1], wanted.errors[1]);
+
+  CPreparedModel mass;
+  ASSERT_EQ(some.Select({"mass"}, mass), 0);
+  EXPECT_LT(mass.Cost().operations, some.Cost().operations);
+  EXPECT_LT(some.GradientCost().operations, all.GradientCost().operations);
+  std::string reason;
+  EXPECT_EQ(some.Select({"mass", "deflection"}, mass, &reason), 1);
+  EXPECT_EQ(reason, "The combination has no output 'deflection'.");
+  EXPECT_EQ(mass.OutputIDs(), (std::vector<std::string>{"mass"}));
+  EXPECT_EQ(CPreparedModel().Select({}, mass), 1);
+}
+
 // A record in memory may have products of three and more variables, between other terms.
 TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
   for (std::uint32_t seed = 1; seed <= 30; ++seed) {
