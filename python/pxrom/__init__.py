@@ -5,7 +5,8 @@
     >>> result = model.predict({"Material": 1, "Holes": 2}, X, return_error=True)
     >>> result.values["mass"], result.errors["mass"]
 
-``load`` and ``loads`` read a database, ``Model.predict`` evaluates it, ``check`` says what is wrong
+``load`` and ``loads`` read a database, ``Model.predict`` evaluates it at many points and
+``Model.at`` at one after the other, ``check`` says what is wrong
 with a text, and ``format`` writes a text in its canonical form. ``pxrom.export`` turns fits from
 scikit-learn, OpenTURNS, scipy and statsmodels into databases.
 """
@@ -14,6 +15,7 @@ from ._core import __version__
 from ._findings import Finding, check
 from ._model import Combination, Cost, Model, Parameter, format, load, loads
 from ._prediction import Columns, Prediction
+from ._predictor import Predictor
 
 __all__ = [
     "Columns",
@@ -23,6 +25,7 @@ __all__ = [
     "Model",
     "Parameter",
     "Prediction",
+    "Predictor",
     "__version__",
     "check",
     "format",

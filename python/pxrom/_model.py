@@ -3,12 +3,13 @@
 import os
 import threading
 from dataclasses import dataclass
-from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Tuple, Union
+from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _core, _files, _findings, _html, _points
 from ._prediction import Prediction
+from ._predictor import Predictor
 from ._wording import did_you_mean, listed, visible
 
 _HOW_TO_RAISE = "(limit= and memory_limit= of pxrom.load set them.)"
@@ -200,6 +201,43 @@ class Model:
             gradients=gradients,
             scaled_errors=frozenset(self._keys[key]) if return_error else frozenset(),
             index=X.index if _points.is_frame(X) else None,
+        )
+
+    def at(
+        self,
+        discrete: Optional[Mapping[str, int]] = None,
+        output: Union[None, str, Sequence[str]] = None,
+    ) -> Predictor:
+        """One combination as a function of one point, for optimisers and solvers: it costs a few
+        microseconds per call, and the results have the same bits as those of :meth:`predict`.
+
+        Args:
+            discrete: the value of each discrete input by name, as for :meth:`predict`.
+            output: the name of one output, whose value is a float; or several names, whose values
+                are an array. Without it, all outputs; the only output if there is no other. Only
+                these are evaluated.
+
+        Raises:
+            ValueError: when names or values don't fit, or when a point costs more than the limit of
+                the model.
+        """
+        key = self._key({} if discrete is None else discrete)
+        prepared = self._prepare(key)
+        known = prepared.outputs
+        if output is None and len(known) == 1:
+            output = known[0]
+        chosen = known if output is None else (output,) if isinstance(output, str) else output
+        for name in chosen:
+            if name not in known:
+                raise ValueError(f"there is no output {name!r}{did_you_mean(name, known)}")
+        names = [parameter.name for parameter in self.discrete]
+        return Predictor(
+            model=self,
+            discrete=Combination(zip(names, key)),
+            prepared=prepared.select(list(chosen)),
+            output=output if isinstance(output, str) else None,
+            scaled_errors=frozenset(self._keys[key]).intersection(chosen),
+            gradient_hint=f" {_HOW_TO_RAISE}",
         )
 
     def cost(self, discrete: Optional[Mapping[str, int]] = None) -> Cost:

@@ -75,6 +75,17 @@ def table(points: Any, inputs: Sequence[str]) -> np.ndarray:
     return np.ascontiguousarray(made)
 
 
+def point(given: Any, inputs: Sequence[str]) -> np.ndarray:
+    """``given`` as a C-contiguous float array of the shape (len(inputs),)."""
+    made = floats(given, "the point")
+    if made.shape != (len(inputs),):
+        raise ValueError(
+            f"a point is an array of the shape ({len(inputs)},), with the inputs {listed(inputs)}, "
+            f"but it has the shape {made.shape}; Model.predict takes tables"
+        )
+    return np.array(made, dtype=float, order="C")
+
+
 def floats(values: Any, what: str) -> np.ndarray:
     """Real numbers; ``what`` names them in a refusal."""
     if hasattr(values, "toarray"):

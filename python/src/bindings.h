@@ -10,6 +10,7 @@ namespace pxrom_python {
 
 // One per file: adds its part to the module.
 void BindModel(pybind11::module_& module);
+void BindPredictor(pybind11::module_& module);  // after BindModel
 void BindInspection(pybind11::module_& module);
 void BindRecords(pybind11::module_& module);
 void BindWriter(pybind11::module_& module);

@@ -151,6 +151,16 @@ py::tuple Names(const std::vector<std::string>& ids) {
   return names;
 }
 
+pxrom::CPreparedModel Select(const pxrom::CPreparedModel& model,
+                             const std::vector<py::str>& outputs) {
+  std::vector<std::string> ids;
+  for (const py::str& output : outputs) ids.push_back(ToBytes(output));
+  pxrom::CPreparedModel selected;
+  std::string reason;
+  if (model.Select(ids, selected, &reason) != 0) throw py::value_error(reason);
+  return selected;
+}
+
 py::ssize_t Columns(const std::vector<std::string>& ids) {
   return static_cast<py::ssize_t>(ids.size());
 }
@@ -231,6 +241,7 @@ void BindModel(py::module_& module) {
                              [](const pxrom::CPreparedModel& m) { return Names(m.InputIDs()); })
       .def_property_readonly("outputs",
                              [](const pxrom::CPreparedModel& m) { return Names(m.OutputIDs()); })
+      .def("select", &Select, py::arg("outputs"))
       .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("errors"))
       .def("gradients", &EvaluateGradients, py::arg("points"));
 }

@@ -10,6 +10,7 @@ PYBIND11_MODULE(_core, module) {
   module.doc() = "The library behind the package pxrom; use that.";
   module.attr("__version__") = PXROM_VERSION_STRING;
   pxrom_python::BindModel(module);
+  pxrom_python::BindPredictor(module);
   pxrom_python::BindInspection(module);
   pxrom_python::BindRecords(module);
   pxrom_python::BindWriter(module);
