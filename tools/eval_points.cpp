@@ -1,6 +1,7 @@
 #include "eval_points.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <deque>
 #include <fstream>
 #include <future>
@@ -15,6 +16,7 @@
 #include "point_evaluator.h"
 #include "progress.h"
 #include "refusal.h"
+#include "row_workers.h"
 #include "wording.h"
 
 namespace pxrom_command {
@@ -100,6 +102,10 @@ class Delivery {
   std::size_t outside_bounds_ = 0;
 };
 
+bool IsReady(const std::future<EvaluatedRows>& result) {
+  return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
 /// The header unchanged, followed by the new headings.
 std::string HeaderText(const Model& model, const CsvRow& header) {
   std::string text = header.text;
@@ -126,17 +132,22 @@ void EvalPoints(const PointsOptions& options) {
   PointEvaluator evaluator(
       *model, columns, options.fast ? pxrom::PrecisionFast : pxrom::PrecisionExact, options.limit);
   Delivery delivery(out, table.Name(), options.out.empty());
-  const auto launch = options.jobs > 1 ? std::launch::async : std::launch::deferred;
+  RowWorkers workers(options.jobs);
   std::deque<std::future<EvaluatedRows>> pending;
   const auto deliver_first = [&] {
     delivery.Take(pending.front().get());
     pending.pop_front();
   };
-  const std::size_t most = evaluator.RowsPerBlock();
-  for (auto rows = NextRows(reader, most); !rows.empty(); rows = NextRows(reader, most)) {
-    if (pending.size() == options.jobs) deliver_first();
-    pending.push_back(std::async(
-        launch, [&evaluator, rows = std::move(rows)] { return evaluator.Evaluate(rows); }));
+  // Each worker has a block, and another one waits for it while this thread reads and writes.
+  const std::size_t most = 2 * options.jobs;
+  const std::size_t rows_at_once = evaluator.RowsPerBlock();
+  for (auto rows = NextRows(reader, rows_at_once); !rows.empty();
+       rows = NextRows(reader, rows_at_once)) {
+    pending.push_back(workers.Add(RowWorkers::Task(
+        [&evaluator, rows = std::move(rows)] { return evaluator.Evaluate(rows); })));
+    while (!pending.empty() && (pending.size() >= most || IsReady(pending.front()))) {
+      deliver_first();
+    }
   }
   while (!pending.empty()) deliver_first();
   delivery.Finish();
