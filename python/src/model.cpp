@@ -14,6 +14,7 @@
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/inspection.h"
 #include "pxrom/writer.h"
+#include "segments.h"
 #include "text.h"
 
 namespace py = pybind11;
@@ -175,7 +176,7 @@ py::ssize_t RowsOf(const pxrom::CPreparedModel& model, const Table& points) {
 
 /// (values, errors or None, statuses), each of the shape (rows, outputs).
 py::tuple Evaluate(const pxrom::CPreparedModel& model, const Table& points, bool fast,
-                   bool withErrors) {
+                   bool withErrors, std::size_t jobs) {
   const py::ssize_t rows = RowsOf(model, points);
   const std::vector<py::ssize_t> shape = {rows, Columns(model.OutputIDs())};
   Table values(shape);
@@ -185,16 +186,19 @@ py::tuple Evaluate(const pxrom::CPreparedModel& model, const Table& points, bool
   double* const v = values.mutable_data();
   double* const e = withErrors ? errors.mutable_data() : nullptr;
   int* const s = statuses.mutable_data();
-  {
-    const py::gil_scoped_release unlocked;
-    model.Evaluate(x, static_cast<std::size_t>(rows),
-                   fast ? pxrom::PrecisionFast : pxrom::PrecisionExact, v, e, s);
-  }
+  const std::size_t inputs = model.InputIDs().size();
+  const std::size_t outputs = model.OutputIDs().size();
+  ForSegments(static_cast<std::size_t>(rows), jobs, [&](std::size_t first, std::size_t count) {
+    const std::size_t at = first * outputs;
+    model.Evaluate(x + first * inputs, count, fast ? pxrom::PrecisionFast : pxrom::PrecisionExact,
+                   v + at, e != nullptr ? e + at : nullptr, s + at);
+  });
   return py::make_tuple(values, withErrors ? py::object(errors) : py::none(), statuses);
 }
 
 /// (gradients, statuses): (rows, outputs, inputs) and (rows, outputs).
-py::tuple EvaluateGradients(const pxrom::CPreparedModel& model, const Table& points) {
+py::tuple EvaluateGradients(const pxrom::CPreparedModel& model, const Table& points,
+                            std::size_t jobs) {
   const py::ssize_t rows = RowsOf(model, points);
   const py::ssize_t outputs = Columns(model.OutputIDs());
   Table gradients(std::vector<py::ssize_t>{rows, outputs, Columns(model.InputIDs())});
@@ -202,12 +206,14 @@ py::tuple EvaluateGradients(const pxrom::CPreparedModel& model, const Table& poi
   const double* const x = points.data();
   double* const g = gradients.mutable_data();
   int* const s = statuses.mutable_data();
-  std::string reason;
-  {
-    const py::gil_scoped_release unlocked;
-    model.EvaluateGradients(x, static_cast<std::size_t>(rows), g, s, &reason);
-  }
-  if (!reason.empty()) throw py::value_error(reason);
+  const std::size_t inputs = model.InputIDs().size();
+  const std::size_t columns = model.OutputIDs().size();
+  ForSegments(static_cast<std::size_t>(rows), jobs, [&](std::size_t first, std::size_t count) {
+    std::string reason;
+    model.EvaluateGradients(x + first * inputs, count, g + first * columns * inputs,
+                            s + first * columns, &reason);
+    if (!reason.empty()) throw py::value_error(reason);
+  });
   return py::make_tuple(gradients, statuses);
 }
 
@@ -242,8 +248,9 @@ void BindModel(py::module_& module) {
       .def_property_readonly("outputs",
                              [](const pxrom::CPreparedModel& m) { return Names(m.OutputIDs()); })
       .def("select", &Select, py::arg("outputs"))
-      .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("errors"))
-      .def("gradients", &EvaluateGradients, py::arg("points"));
+      .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("errors"),
+           py::arg("jobs"))
+      .def("gradients", &EvaluateGradients, py::arg("points"), py::arg("jobs"));
 }
 
 }  // namespace pxrom_python

@@ -4,6 +4,7 @@ import concurrent.futures
 import json
 import pickle
 import re
+import signal
 import subprocess
 
 import numpy as np
@@ -147,6 +148,32 @@ def test_gradients_are_the_slopes_of_the_values(beam):
         assert np.allclose(result.gradients.array[:, :, place], slopes, rtol=1e-5, atol=1e-7)
 
 
+@pytest.mark.parametrize("mode", ["exact", "fast"])
+def test_results_are_the_same_with_any_number_of_jobs(beam, mode):
+    X = points(beam, 3000)
+    X[700] = np.nan
+    alone = beam.predict(STEEL, X, return_error=True, gradient=True, mode=mode)
+    many = beam.predict(STEEL, X, return_error=True, gradient=True, mode=mode, jobs=3)
+    assert np.array_equal(many.values, alone.values, True)
+    assert np.array_equal(many.errors, alone.errors, True)
+    assert np.array_equal(many.gradients, alone.gradients, True)
+    assert np.array_equal(many.statuses, alone.statuses)
+
+
+def test_a_signal_ends_a_long_prediction(beam):
+    def alarm(*_):
+        raise InterruptedError
+
+    X = points(beam, 500000)
+    before = signal.signal(signal.SIGALRM, alarm)
+    try:
+        signal.setitimer(signal.ITIMER_REAL, 0.2)
+        with pytest.raises(InterruptedError):
+            beam.predict(STEEL, X, return_error=True, jobs=2)
+    finally:
+        signal.signal(signal.SIGALRM, before)
+
+
 def test_fast_mode_is_near(beam):
     X = points(beam, 200)
     exact, fast = (beam.predict(STEEL, X, mode=mode).values.array for mode in ("exact", "fast"))
@@ -221,6 +248,9 @@ def test_refuses_combinations_that_were_not_fitted(beam, monkeypatch):
 def test_refuses_other_arguments(beam):
     with pytest.raises(ValueError, match="'exact' or 'fast', not 'quick'"):
         beam.predict(STEEL, POINT, mode="quick")
+    for jobs in (0, 1025, "2"):
+        with pytest.raises(ValueError, match="jobs has to be a number from 1 to 1024"):
+            beam.predict(STEEL, POINT, jobs=jobs)
     with pytest.raises(KeyError, match="did you mean 'mass'"):
         beam.predict(STEEL, POINT)["Mass"]
     with pytest.raises(ValueError, match="no output 'Mass'; did you mean 'mass'"):
