@@ -195,7 +195,7 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     parts->outputs.push_back(std::make_shared<PreparedOutput>(*candidates, inputs.size()));
   }
   parts->fast = kernels::FindLoops(kernels::BestInstructionSet());
-  parts->exact = kernels::AreHostFunctionsKnown() ? parts->fast : kernels::PortableLoops();
+  parts->exact = kernels::ExactLoops();
   out.parts_ = std::move(parts);
   return 0;
 }

@@ -46,6 +46,8 @@ std::vector<int> Numbers() {
 
 }  // namespace
 
+const Kernel& KernelAt(std::size_t index) noexcept { return kKernels[index]; }
+
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept { return Found(type); }
 const Kernel* FindKernel(E_SVRKernType type) noexcept { return Found(type); }
 const Kernel* FindKernel(E_LinearBasisFunction type) noexcept { return Found(type); }

@@ -48,6 +48,9 @@ struct Kernel {
   const FastForm* fast;  ///< null without
 };
 
+/// The row at a place in the table.
+const Kernel& KernelAt(std::size_t index) noexcept;
+
 /// The kernel that a number in a record means; null for an unknown number.
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept;
 const Kernel* FindKernel(E_SVRKernType type) noexcept;

@@ -53,6 +53,7 @@ struct Constants {
   double shift = 0.0;      ///< for functions that are shifted to end at 0
   double perInput = 0.0;   ///< the factor of functions that depend on the number of inputs
   double parameter = 1.0;  ///< for functions of a distance that have one, from the record
+  simd::TanhOfHost tanhOfHost = simd::TanhOfHost::Other;
 };
 
 /// How many operations exp, log, pow, a sine or a hyperbolic tangent count as.
@@ -71,8 +72,6 @@ struct AnyShape {
   static constexpr bool kHasEnd = false;
   /// Whether vectors can compute the value for the last state; else the host computes each one.
   static constexpr bool kHasVectorForm = true;
-  /// The same for the function in each step, or for the step if it needs no function.
-  static constexpr bool kHasVectorSteps = true;
   using Fast = void;
   static Constants ConstantsFor(double /*inputs*/) { return {}; }
 };
@@ -107,7 +106,6 @@ struct ProductWithin1 : Product {
 /// Each factor is a function of the scaled distance that the host is asked for, up to an end.
 struct ProductOfAsked : Product {
   static constexpr bool kAsksPerInput = true;
-  static constexpr bool kHasVectorSteps = false;
   static constexpr bool kHasEnd = true;
   template <class N>
   PXROM_INLINE static N Distance(N distance, N scale) {

@@ -24,7 +24,7 @@ PXROM_INLINE auto IsBeyondTiny(N z) {
 }
 
 template <class N, class Sine>
-PXROM_INLINE N ShiftedSinc(const Constants& constants, N z, const Sine& sine) {
+PXROM_INLINE auto ShiftedSinc(const Constants& constants, N z, const Sine& sine) {
   return If(
       IsBeyondTiny(z), [&] { return (sine() / z - constants.shift) / (1.0 - constants.shift); },
       1.0);
@@ -92,10 +92,9 @@ struct Sinc : ProductOfAsked {
 struct RadialSinc : Radial {
   static constexpr const char* kName = "radial sinc";
   static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
-  static constexpr bool kHasVectorForm = false;
   static Constants ConstantsFor(double /*inputs*/) { return ConstantsOfSinc(); }
   template <class N>
-  PXROM_INLINE static N Value(const Constants& constants, N r2, N h) {
+  PXROM_INLINE static auto Value(const Constants& constants, N r2, N h) {
     const N z = 2.0 * Sqrt(r2) / h;
     return If(
         IsInsideSinc(z), [&] { return ShiftedSinc(constants, z, [&] { return Sin(z); }); }, 0.0);

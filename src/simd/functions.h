@@ -25,13 +25,11 @@ struct Exact {
 };
 
 PXROM_INLINE Exact operator*(Exact a, Vector b) { return {a.value * b, a.open}; }
+PXROM_INLINE Exact operator/(Exact a, Vector b) { return {a.value / b, a.open}; }
+PXROM_INLINE Exact operator-(Exact a, Vector b) { return {a.value - b, a.open}; }
 PXROM_INLINE Exact Select(Mask mask, Exact yes, Vector no) {
   return {Select(mask, yes.value, no), yes.open & Bits(mask)};
 }
-
-// Only the host has these.
-PXROM_INLINE Exact Sin(Vector x) { return {x, kAllLanes}; }
-PXROM_INLINE Exact J0(Vector x) { return {x, kAllLanes}; }
 
 /// A polynomial by Horner's rule, from the coefficient of the highest power down.
 template <class... Doubles>
@@ -73,6 +71,10 @@ PXROM_INLINE I Plus(I a, I b) { return _mm512_add_epi64(a, b); }
 PXROM_INLINE I Minus(I a, I b) { return _mm512_sub_epi64(a, b); }
 PXROM_INLINE I And(I a, I b) { return _mm512_and_si512(a, b); }
 PXROM_INLINE I Or(I a, I b) { return _mm512_or_si512(a, b); }
+PXROM_INLINE I Xor(I a, I b) { return _mm512_xor_si512(a, b); }
+PXROM_INLINE Vector Truncated(Vector v) {
+  return _mm512_maskz_cvtepi32_pd(kEveryLane, _mm512_maskz_cvttpd_epi32(kEveryLane, v.v));
+}
 template <unsigned kBits>
 PXROM_INLINE I ShiftLeft(I i) {
   return _mm512_maskz_slli_epi64(kEveryLane, i, kBits);
@@ -113,6 +115,8 @@ PXROM_INLINE I Plus(I a, I b) { return _mm256_add_epi64(a, b); }
 PXROM_INLINE I Minus(I a, I b) { return _mm256_sub_epi64(a, b); }
 PXROM_INLINE I And(I a, I b) { return _mm256_and_si256(a, b); }
 PXROM_INLINE I Or(I a, I b) { return _mm256_or_si256(a, b); }
+PXROM_INLINE I Xor(I a, I b) { return _mm256_xor_si256(a, b); }
+PXROM_INLINE Vector Truncated(Vector v) { return _mm256_cvtepi32_pd(_mm256_cvttpd_epi32(v.v)); }
 template <unsigned kBits>
 PXROM_INLINE I ShiftLeft(I i) {
   return _mm256_slli_epi64(i, kBits);
@@ -215,7 +219,6 @@ PXROM_INLINE Parts SplitFromPowerOf2(Vector x) {
 PXROM_INLINE Exact Log(Vector x) {
   constexpr double kLn2 = 0x1.62e42fefa2000p-1;
   constexpr double kLn2Rest = 0x1.9ef35793c7673p-41;
-  constexpr double kDoubt = (0.0215 + 0.028) * 0x1p-52;  // the host's and ours
   const Parts parts = SplitFromPowerOf2(x);
   const Vector k = parts.k;
   const Vector m = parts.m;
@@ -235,7 +238,9 @@ PXROM_INLINE Exact Log(Vector x) {
   const Vector twice = s + s;
   const Vector high = whole + twice;
   const Vector low = ((whole - high) + twice) + Fma(k, kLn2Rest, tail);
-  const Vector doubt = LeadingPowerOf2(high) * kDoubt;
+  // The host's error is absolute, but for small results.
+  const Vector host = Smaller(LeadingPowerOf2(high) * (0.0215 * 0x1p-52), 1.25 * 0x1p-62);
+  const Vector doubt = Fma(Abs(s * w), 2.5 * 0x1p-53, host);
   const Vector up = high + (low + doubt);
   const Vector down = high + (low - doubt);
   const unsigned usual = Bits(0x1p-1000 <= x) & Bits(x <= 0x1p1000);

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simd/functions.h"
+#include "simd/bessel.h"
+#include "simd/hyperbolic.h"
 #include "simd/loop_table.h"
 
 namespace Tarvane::Plexura::PXROM::simd {

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "numerics/bessel.h"
+#include "simd/host.h"
 
 #if defined(__GNUC__)
 #define PXROM_INLINE inline __attribute__((always_inline))
@@ -26,7 +27,7 @@ PXROM_INLINE double Log1p(double x) { return std::log1p(x); }
 PXROM_INLINE double Power(double x, double exponent) { return std::pow(x, exponent); }
 PXROM_INLINE double Power4(double x) { return std::pow(x, 4.0); }
 PXROM_INLINE double Sin(double x) { return std::sin(x); }
-PXROM_INLINE double Tanh(double x) { return std::tanh(x); }
+PXROM_INLINE double Tanh(double x, TanhOfHost /*host*/) { return std::tanh(x); }
 PXROM_INLINE double J0(double x) { return BesselJ0(x); }
 
 PXROM_INLINE double Select(bool condition, double yes, double no) { return condition ? yes : no; }

@@ -92,10 +92,10 @@ simd::InstructionSet BestInstructionSet() noexcept;
 /// The fastest exact loops for one point at a time; null when there are no such loops.
 const LoopTable* LoopsForRows() noexcept;
 
-/// Whether the host's exp, log and pow are as accurate as the exact loops of the other sets assume.
-/// The first call tests them with some thousand arguments. If they are not, only the portable loops
-/// are exact.
-bool AreHostFunctionsKnown() noexcept;
+/// The fastest loops that give the bits of the host's functions: those of the best set, but the
+/// portable ones for each kernel whose function the host computes in a way that the vectors do not
+/// expect. The first call finds that out with some thousand arguments for each kernel.
+const LoopTable* ExactLoops() noexcept;
 
 // One per instruction set; null when its file was compiled for another kind of machine.
 const LoopTable* PortableLoops() noexcept;

@@ -5,11 +5,7 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 const LoopTable* LoopsForRows() noexcept {
-  static const LoopTable* const loops =
-      BestInstructionSet() != simd::InstructionSet::Portable && AreHostFunctionsKnown()
-          ? FindLoops(BestInstructionSet())
-          : nullptr;
-  return loops;
+  return BestInstructionSet() != simd::InstructionSet::Portable ? ExactLoops() : nullptr;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::kernels

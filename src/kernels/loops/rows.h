@@ -88,12 +88,9 @@ void Rows(const RowKernels& call) {
   }
 }
 
-/// The loop over rows of a kernel; null where the host computes each step, since the plain loop is
-/// then as fast.
 template <class K>
 constexpr auto RowLoopOf() -> void (*)(const RowKernels&) {
-  if constexpr (K::kHasVectorSteps) return &Rows<K>;
-  return nullptr;
+  return &Rows<K>;
 }
 
 #else
