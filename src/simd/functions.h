@@ -39,6 +39,29 @@ PXROM_INLINE Vector Horner(Vector x, double first, Doubles... rest) {
   return sum;
 }
 
+template <std::size_t kFirst, std::size_t kCount, std::size_t kSize>
+PXROM_INLINE Vector PartOfEstrin(const Vector* powers, const double (&coefficients)[kSize]) {
+  if constexpr (kCount == 1) {
+    return coefficients[kFirst];
+  } else {
+    constexpr std::size_t kLevel = kCount > 8 ? 3 : kCount > 4 ? 2 : kCount > 2 ? 1 : 0;
+    constexpr std::size_t kLow = std::size_t{1} << kLevel;
+    return Fma(PartOfEstrin<kFirst + kLow, kCount - kLow>(powers, coefficients), powers[kLevel],
+               PartOfEstrin<kFirst, kLow>(powers, coefficients));
+  }
+}
+
+/// A polynomial by Estrin's scheme, from the coefficient of power 0 up: more operations than by
+/// Horner's rule, but a third of the latency.
+template <std::size_t kSize>
+PXROM_INLINE Vector Estrin(Vector x, const double (&coefficients)[kSize]) {
+  static_assert(kSize <= 16);
+  const Vector square = x * x;
+  const Vector fourth = square * square;
+  const Vector powers[] = {x, square, fourth, fourth * fourth};
+  return PartOfEstrin<0, kSize>(powers, coefficients);
+}
+
 constexpr double kMagic = 0x1.8p52;  // adding it leaves an integer in the lowest bits
 
 #if PXROM_SIMD == PXROM_SIMD_PORTABLE
@@ -229,8 +252,9 @@ PXROM_INLINE Exact Log(Vector x) {
   const Vector s = above * inverse;
   const Vector sRest = MinusFma(s, sumRest, MinusFma(s, sum, above)) * inverse;
   const Vector w = s * s;
-  const Vector series = Horner(w, 2.0 / 23.0, 2.0 / 21.0, 2.0 / 19.0, 2.0 / 17.0, 2.0 / 15.0,
-                               2.0 / 13.0, 2.0 / 11.0, 2.0 / 9.0, 2.0 / 7.0, 2.0 / 5.0, 2.0 / 3.0);
+  const Vector later = Estrin(w, {2.0 / 5.0, 2.0 / 7.0, 2.0 / 9.0, 2.0 / 11.0, 2.0 / 13.0,
+                                  2.0 / 15.0, 2.0 / 17.0, 2.0 / 19.0, 2.0 / 21.0, 2.0 / 23.0});
+  const Vector series = Fma(later, w, 2.0 / 3.0);
   const Vector twiceRest = sRest + sRest;
   const Vector tail = Fma(s * w, series, Fma(twiceRest, w, twiceRest));
 
@@ -239,7 +263,7 @@ PXROM_INLINE Exact Log(Vector x) {
   const Vector high = whole + twice;
   const Vector low = ((whole - high) + twice) + Fma(k, kLn2Rest, tail);
   // The host's error is absolute, but for small results.
-  const Vector host = Smaller(LeadingPowerOf2(high) * (0.0215 * 0x1p-52), 1.25 * 0x1p-62);
+  const Vector host = Smaller(LeadingPowerOf2(high) * (0.0215 * 0x1p-52), 1.5 * 0x1p-62);
   const Vector doubt = Fma(Abs(s * w), 2.5 * 0x1p-53, host);
   const Vector up = high + (low + doubt);
   const Vector down = high + (low - doubt);

@@ -44,37 +44,31 @@ PXROM_INLINE Exact SineBeside(Vector x, Vector m, Vector parity) {
   const Vector rzb = r * zb;
   const Vector rzbRest = Fma(r, zb, 0.0 - rzb) + r * zbRest;
 
-  const Vector cosine = Horner(z, -1.0 / 720.0, 1.0 / 24.0, -0.5, 1.0);
+  const Vector cosine = Horner(z, 0.0367736, -0.4955365, 0.9993896);  // to 0.00062
   const Vector high = r + rzb;
   const Vector low = ((r - high) + rzb) + Fma(rRest, cosine, rzbRest);
   // The host's error is absolute, but for small results.
-  const Vector host = Smaller(LeadingPowerOf2(high) * (0.05 * 0x1p-52), 6.5 * 0x1p-62);
-  const Vector doubt = Fma(Abs(r) * z, (z * z) * 0x1p-63, host);
+  const Vector doubt = Select(z < 0x1p-6, LeadingPowerOf2(high) * (0.0125 * 0x1p-52),
+                              Fma(z, 1.7 * 0x1p-62, 3.1 * 0x1p-62));
   const Vector up = high + (low + doubt);
   const Vector down = high + (low - doubt);
   const I sign = ShiftLeft<63>(AsInts(parity));
-  return {AsDoubles(Xor(AsInts(up), sign)),
-          (Bits(up != down) | ~Bits(0x1p-20 <= Abs(r))) & kAllLanes};
+  return {AsDoubles(Xor(AsInts(up), sign)), (Bits(up != down) | ~Bits(0x1p-40 <= z)) & kAllLanes};
 }
 
 constexpr double kInversePi = 0x1.45f306dc9c883p-2;
-constexpr double kMostForSine = 32.0;
 
-/// For |x| from 2^-20 to 32, but for the neighbourhood of multiples of pi; other lanes are left
-/// open.
+/// For |x| up to 32; lanes near multiples of pi are left open. Other lanes hold any value.
 PXROM_INLINE Exact Sin(Vector x) {
   const Vector shifted = Fma(x, kInversePi, kMagic);
-  Exact sine = SineBeside(x, shifted - kMagic, shifted);
-  sine.open |= ~Bits(Abs(x) <= kMostForSine) & kAllLanes;
-  return sine;
+  return SineBeside(x, shifted - kMagic, shifted);
 }
 
-/// For |x| from 1 to 32, but for the neighbourhood of zeros: sin(x + pi / 2).
+/// For |x| from 1 to 32; lanes near zeros are left open. Other lanes hold any value.
 PXROM_INLINE Exact Cos(Vector x) {
+  // sin(x + pi / 2)
   const Vector shifted = Fma(x, kInversePi, 0.5) + kMagic;
-  Exact cosine = SineBeside(x, (shifted - kMagic) - 0.5, shifted);
-  cosine.open |= ~Bits(1.0 <= Abs(x) && Abs(x) <= kMostForSine) & kAllLanes;
-  return cosine;
+  return SineBeside(x, (shifted - kMagic) - 0.5, shifted);
 }
 
 #endif

@@ -74,6 +74,9 @@ PXROM_INLINE Vector Select(Mask mask, Vector yes, Vector no) {
   return _mm512_mask_blend_pd(mask.m, no.v, yes.v);
 }
 PXROM_INLINE unsigned Bits(Mask mask) { return mask.m; }
+PXROM_INLINE Vector Smaller(Vector a, Vector b) {
+  return _mm512_maskz_min_pd(kEveryLane, a.v, b.v);
+}
 
 template <int kPair>
 PXROM_INLINE Vector WithPair(Vector a, const double* from) {
@@ -153,6 +156,7 @@ PXROM_INLINE Vector Select(Mask mask, Vector yes, Vector no) {
   return _mm256_blendv_pd(no.v, yes.v, mask.m);
 }
 PXROM_INLINE unsigned Bits(Mask mask) { return static_cast<unsigned>(_mm256_movemask_pd(mask.m)); }
+PXROM_INLINE Vector Smaller(Vector a, Vector b) { return _mm256_min_pd(a.v, b.v); }
 
 /// Values i and i + 1 of kLanes rows.
 PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, Vector& first,
@@ -199,6 +203,7 @@ PXROM_INLINE Mask operator!(Mask mask) { return {!mask.m}; }
 PXROM_INLINE Mask operator&&(Mask a, Mask b) { return {a.m && b.m}; }
 PXROM_INLINE Vector Select(Mask mask, Vector yes, Vector no) { return mask.m ? yes : no; }
 PXROM_INLINE unsigned Bits(Mask mask) { return mask.m ? 1U : 0U; }
+PXROM_INLINE Vector Smaller(Vector a, Vector b) { return Select(a < b, a, b); }
 
 #endif
 
@@ -207,12 +212,16 @@ PXROM_INLINE Vector operator-(Vector a, Vector b) { return a.v - b.v; }
 PXROM_INLINE Vector operator*(Vector a, Vector b) { return a.v * b.v; }
 PXROM_INLINE Vector operator/(Vector a, Vector b) { return a.v / b.v; }
 
-#if PXROM_SIMD == PXROM_SIMD_PORTABLE
-PXROM_INLINE std::size_t FirstOf(unsigned) { return 0; }
-#else
 /// The lowest bit that is set. At least one must be set.
-PXROM_INLINE std::size_t FirstOf(unsigned bits) {
+#if defined(__GNUC__)
+PXROM_INLINE std::size_t FirstOf(std::uint32_t bits) {
   return static_cast<std::size_t>(__builtin_ctz(bits));
+}
+#else
+PXROM_INLINE std::size_t FirstOf(std::uint32_t bits) {
+  std::size_t first = 0;
+  while ((bits >> first & 1U) == 0) ++first;
+  return first;
 }
 #endif
 
@@ -224,8 +233,6 @@ PXROM_INLINE Vector LoadColumn(const double* const* rows, std::size_t i) {
   for (std::size_t lane = 0; lane < kLanes; ++lane) column[lane] = rows[lane][i];
   return Load(column);
 }
-
-PXROM_INLINE Vector Smaller(Vector a, Vector b) { return Select(a < b, a, b); }
 
 /// If (number.h) for all lanes at once.
 template <class Yes>

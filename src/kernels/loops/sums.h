@@ -83,17 +83,41 @@ PXROM_INLINE void ValuesByStep(const KernelSum& call, Pending& pending, std::siz
   const double* const y = call.centres + centre * call.inputs;
   // After the questions about whole kernels, which are answered later.
   Pending steps = {pending.questions + pending.count, 0, answers};
-  for (std::size_t i = 0; i < call.inputs; ++i) {
-    const Vector yi = y[i];
-    const Vector scale = call.scales[i];
-    for (std::size_t point = 0; point < call.points; point += kLanes) {
-      const std::size_t place = i * kBlock + point;
-      const Vector distance = K::Distance(Abs(Load(call.x + place) - yi), scale);
-      const Vector argument = K::Argument(distance);
-      const Exact answer = InnerOf<K>(distance, argument);
-      Store(distances + place, distance);
-      Store(answers + place, answer.value);
-      if (answer.open != 0) Ask(steps, answer.open, argument, place);
+  constexpr std::size_t kTogether = 16;
+  const std::size_t points = call.points;
+  for (std::size_t first = 0; first < call.inputs; first += kTogether) {
+    const std::size_t left = call.inputs - first;
+    const std::size_t last = first + (left < kTogether ? left : kTogether);
+    for (std::size_t i = first; i < last; ++i) {
+      const Vector yi = y[i];
+      const Vector scale = call.scales[i];
+      for (std::size_t point = 0; point < points; point += kLanes) {
+        const std::size_t place = i * kBlock + point;
+        const Vector distance = K::Distance(Abs(Load(call.x + place) - yi), scale);
+        Store(distances + place, distance);
+        Store(answers + place, K::Argument(distance));
+      }
+    }
+    std::uint32_t open[kTogether];
+    for (std::size_t i = first; i < last; ++i) {
+      std::uint32_t openHere = 0;
+      for (std::size_t point = 0; point < points; point += kLanes) {
+        const std::size_t place = i * kBlock + point;
+        const Exact answer = K::Inner(Load(answers + place));
+        Store(answers + place, answer.value);
+        openHere |= static_cast<std::uint32_t>(answer.open) << point;
+      }
+      open[i - first] = openHere;
+    }
+    // Not earlier: a branch on what is open would wait for the answer, and so would what follows.
+    for (std::size_t i = first; i < last; ++i) {
+      for (std::uint32_t rest = open[i - first]; rest != 0; rest &= rest - 1U) {
+        const std::size_t place = i * kBlock + FirstOf(rest);
+        if constexpr (K::kHasEnd) {
+          if (!K::Asks(distances[place])) continue;
+        }
+        steps.questions[steps.count++] = {K::Argument(distances[place]), place};
+      }
     }
   }
   if (steps.count > 0) call.kernel->answerSteps(steps.questions, steps.count, answers);
