@@ -10,69 +10,108 @@ namespace {
 
 #if PXROM_SIMD != PXROM_SIMD_PORTABLE
 
-/// A step that the host may have to compute.
-template <class K>
-PXROM_INLINE Vector AskedStep(const RowKernels& call, Vector state, Vector difference,
-                              Vector scale) {
-  const Vector distance = K::Distance(Abs(difference), scale);
-  const Vector argument = K::Argument(distance);
-  const Exact answer = InnerOf<K>(distance, argument);
-  if (answer.open == 0) {
-    return Combine<K>(call.constants, state, distance, [&] { return answer.value; });
+/// Calls use(i, column) with the values of input i in kLanes rows, for the inputs from `first` to
+/// before `last`.
+template <bool kScaled, class Use>
+PXROM_INLINE void ForColumns(const RowKernels& call, const double* const* rows, std::size_t first,
+                             std::size_t last, const Use& use) {
+  const auto scaled = [&](std::size_t i, Vector column) {
+    if constexpr (kScaled) column = call.slopes[i] * column + call.intercepts[i];
+    use(i, column);
+  };
+  std::size_t i = first;
+  for (; i + 2 <= last; i += 2) {
+    Vector column;
+    Vector next;
+    LoadTwoColumns(rows, i, column, next);
+    scaled(i, column);
+    scaled(i + 1, next);
   }
-  double answers[kLanes];
-  Question questions[kLanes];
-  Store(answers, answer.value);
-  Pending pending = {questions, 0, answers};
-  Ask(pending, answer.open, argument, 0);
-  call.kernel->answerSteps(questions, pending.count, answers);
-  return Combine<K>(call.constants, state, distance, [&] { return Load(answers); });
+  if (i < last) scaled(i, LoadColumn(rows, i));
 }
 
-template <class K, bool kScaled>
-PXROM_INLINE Vector StepOf(const RowKernels& call, std::size_t i, Vector column, Vector state) {
-  if constexpr (kScaled) column = call.slopes[i] * column + call.intercepts[i];
-  const Vector scale = call.scales[call.isOneScale ? 0 : i];
-  if constexpr (K::kAsksPerInput) {
-    return AskedStep<K>(call, state, call.x[i] - column, scale);
-  } else {
-    return Step<K>(call.constants, state, Vector(call.x[i]), column, scale);
+PXROM_INLINE Vector ScaleOf(const RowKernels& call, std::size_t i) {
+  return call.scales[call.isOneScale ? 0 : i];
+}
+
+/// The kernels for the last states of kLanes rows.
+template <class K>
+PXROM_INLINE void FinishRows(const RowKernels& call, std::size_t first, Vector state) {
+  if constexpr (!K::kHasVectorForm) {
+    Store(call.values + first, state);
+    return;
+  }
+  const Vector scale = call.rowScales != nullptr ? Load(call.rowScales + first) : 1.0;
+  const Exact value = ValueOf<K>(call.constants, state, scale);
+  Store(call.values + first, value.value);
+  if (value.open == 0) return;
+  double states[kLanes];
+  Store(states, state);
+  for (unsigned open = value.open; open != 0; open &= open - 1U) {
+    const std::size_t row = first + FirstOf(open);
+    const double own = call.rowScales != nullptr ? call.rowScales[row] : 1.0;
+    call.values[row] = call.kernel->value(call.constants, states[row - first], own);
   }
 }
 
 template <class K, bool kScaled>
 PXROM_INLINE void ForEachVectorOfRows(const RowKernels& call) {
-  // Copies for the loop, which no store to the values can change.
   const std::size_t count = call.count;
-  const double* const* const allRows = call.rows;
-  double* const values = call.values;
   for (std::size_t first = 0; first < count; first += kLanes) {
-    const double* const* const rows = allRows + first;
     Vector state = K::kStart;
-    std::size_t i = 0;
-    for (; i + 2 <= call.inputs; i += 2) {
-      Vector column;
-      Vector next;
-      LoadTwoColumns(rows, i, column, next);
-      state = StepOf<K, kScaled>(call, i, column, state);
-      state = StepOf<K, kScaled>(call, i + 1, next, state);
+    ForColumns<kScaled>(call, call.rows + first, 0, call.inputs, [&](std::size_t i, Vector column) {
+      state = Step<K>(call.constants, state, Vector(call.x[i]), column, ScaleOf(call, i));
+    });
+    FinishRows<K>(call, first, state);
+  }
+}
+
+/// The same where each step needs a function that the host may have to compute: some inputs of all
+/// rows together, and then the host.
+template <class K, bool kScaled>
+PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
+  constexpr std::size_t kTogether = 8;
+  double distances[kTogether * kRows];
+  double answers[kTogether * kRows];
+  double states[kRows];
+  Question questions[kTogether * kRows];
+  const std::size_t count = call.count;
+  for (std::size_t row = 0; row < count; row += kLanes) Store(states + row, K::kStart);
+  for (std::size_t first = 0; first < call.inputs; first += kTogether) {
+    const std::size_t left = call.inputs - first;
+    const std::size_t inputs = left < kTogether ? left : kTogether;
+    for (std::size_t row = 0; row < count; row += kLanes) {
+      ForColumns<kScaled>(
+          call, call.rows + row, first, first + inputs, [&](std::size_t i, Vector column) {
+            const std::size_t place = (i - first) * kRows + row;
+            const Vector distance = K::Distance(Abs(call.x[i] - column), ScaleOf(call, i));
+            Store(distances + place, distance);
+            Store(answers + place, K::Argument(distance));
+          });
     }
-    if (i < call.inputs) state = StepOf<K, kScaled>(call, i, LoadColumn(rows, i), state);
-    if constexpr (!K::kHasVectorForm) {
-      Store(values + first, state);
-      continue;
+    std::size_t asked = AnswerInputs<K, kRows>(inputs, count, distances, answers, questions);
+    if (asked > 0) call.kernel->answerSteps(questions, asked, answers);
+    for (std::size_t row = 0; row < count; row += kLanes) {
+      Vector state = Load(states + row);
+      for (std::size_t i = 0; i < inputs; ++i) {
+        const std::size_t place = i * kRows + row;
+        state = Combine<K>(call.constants, state, Load(distances + place),
+                           [&] { return Load(answers + place); });
+      }
+      Store(states + row, state);
     }
-    const Vector scale = call.rowScales != nullptr ? Load(call.rowScales + first) : 1.0;
-    const Exact value = ValueOf<K>(call.constants, state, scale);
-    Store(values + first, value.value);
-    if (value.open == 0) continue;
-    double states[kLanes];
-    Store(states, state);
-    for (unsigned open = value.open; open != 0; open &= open - 1U) {
-      const std::size_t row = first + FirstOf(open);
-      const double own = call.rowScales != nullptr ? call.rowScales[row] : 1.0;
-      call.values[row] = call.kernel->value(call.constants, states[row - first], own);
-    }
+  }
+  for (std::size_t row = 0; row < count; row += kLanes) {
+    FinishRows<K>(call, row, Load(states + row));
+  }
+}
+
+template <class K, bool kScaled>
+PXROM_INLINE void RowsOf(const RowKernels& call) {
+  if constexpr (K::kAsksPerInput) {
+    ForRowsByStep<K, kScaled>(call);
+  } else {
+    ForEachVectorOfRows<K, kScaled>(call);
   }
   if constexpr (!K::kHasVectorForm) {
     call.kernel->values(call.constants, call.rowScales, call.count, call.values);
@@ -82,9 +121,9 @@ PXROM_INLINE void ForEachVectorOfRows(const RowKernels& call) {
 template <class K>
 void Rows(const RowKernels& call) {
   if (call.slopes != nullptr) {
-    ForEachVectorOfRows<K, true>(call);
+    RowsOf<K, true>(call);
   } else {
-    ForEachVectorOfRows<K, false>(call);
+    RowsOf<K, false>(call);
   }
 }
 

@@ -66,12 +66,42 @@ PXROM_INLINE void ValuesOf(const KernelSum& call, Pending& pending, std::size_t 
   FinishValues<K>(call, pending, centre, row, point, state, size);
 }
 
-/// The function of a step. Its open lanes are only those where the value counts.
-template <class K>
-PXROM_INLINE Exact InnerOf(Vector distance, Vector argument) {
-  Exact answer = K::Inner(argument);
-  if constexpr (K::kHasEnd) answer.open &= Bits(K::Asks(distance));
-  return answer;
+/// Replaces arguments by the functions of them that the steps need. There is a block of kStride
+/// arguments and distances for each input, of which `count` are used. Writes the questions for the
+/// host and returns how many there are.
+template <class K, std::size_t kStride>
+PXROM_INLINE std::size_t AnswerInputs(std::size_t inputs, std::size_t count,
+                                      const double* distances, double* answers,
+                                      Question* questions) {
+  static_assert(kStride <= 32);
+  constexpr std::size_t kTogether = 16;
+  std::size_t asked = 0;
+  for (std::size_t first = 0; first < inputs; first += kTogether) {
+    const std::size_t left = inputs - first;
+    const std::size_t last = first + (left < kTogether ? left : kTogether);
+    std::uint32_t open[kTogether];
+    for (std::size_t i = first; i < last; ++i) {
+      std::uint32_t openHere = 0;
+      for (std::size_t at = 0; at < count; at += kLanes) {
+        double* const answersHere = answers + i * kStride + at;
+        const Exact answer = K::Inner(Load(answersHere));
+        Store(answersHere, answer.value);
+        openHere |= static_cast<std::uint32_t>(answer.open) << at;
+      }
+      open[i - first] = openHere;
+    }
+    // Not earlier: a branch on what is open would wait for the answer, and so would what follows.
+    for (std::size_t i = first; i < last; ++i) {
+      for (std::uint32_t rest = open[i - first]; rest != 0; rest &= rest - 1U) {
+        const std::size_t place = i * kStride + FirstOf(rest);
+        if constexpr (K::kHasEnd) {
+          if (!K::Asks(distances[place])) continue;
+        }
+        questions[asked++] = {K::Argument(distances[place]), place};
+      }
+    }
+  }
+  return asked;
 }
 
 /// The values of one centre where each step needs a function that the host may have to compute.
@@ -81,46 +111,21 @@ PXROM_INLINE void ValuesByStep(const KernelSum& call, Pending& pending, std::siz
   double* const distances = call.steps;
   double* const answers = distances + call.inputs * kBlock;
   const double* const y = call.centres + centre * call.inputs;
-  // After the questions about whole kernels, which are answered later.
-  Pending steps = {pending.questions + pending.count, 0, answers};
-  constexpr std::size_t kTogether = 16;
-  const std::size_t points = call.points;
-  for (std::size_t first = 0; first < call.inputs; first += kTogether) {
-    const std::size_t left = call.inputs - first;
-    const std::size_t last = first + (left < kTogether ? left : kTogether);
-    for (std::size_t i = first; i < last; ++i) {
-      const Vector yi = y[i];
-      const Vector scale = call.scales[i];
-      for (std::size_t point = 0; point < points; point += kLanes) {
-        const std::size_t place = i * kBlock + point;
-        const Vector distance = K::Distance(Abs(Load(call.x + place) - yi), scale);
-        Store(distances + place, distance);
-        Store(answers + place, K::Argument(distance));
-      }
-    }
-    std::uint32_t open[kTogether];
-    for (std::size_t i = first; i < last; ++i) {
-      std::uint32_t openHere = 0;
-      for (std::size_t point = 0; point < points; point += kLanes) {
-        const std::size_t place = i * kBlock + point;
-        const Exact answer = K::Inner(Load(answers + place));
-        Store(answers + place, answer.value);
-        openHere |= static_cast<std::uint32_t>(answer.open) << point;
-      }
-      open[i - first] = openHere;
-    }
-    // Not earlier: a branch on what is open would wait for the answer, and so would what follows.
-    for (std::size_t i = first; i < last; ++i) {
-      for (std::uint32_t rest = open[i - first]; rest != 0; rest &= rest - 1U) {
-        const std::size_t place = i * kBlock + FirstOf(rest);
-        if constexpr (K::kHasEnd) {
-          if (!K::Asks(distances[place])) continue;
-        }
-        steps.questions[steps.count++] = {K::Argument(distances[place]), place};
-      }
+  for (std::size_t i = 0; i < call.inputs; ++i) {
+    const Vector yi = y[i];
+    const Vector scale = call.scales[i];
+    for (std::size_t point = 0; point < call.points; point += kLanes) {
+      const std::size_t place = i * kBlock + point;
+      const Vector distance = K::Distance(Abs(Load(call.x + place) - yi), scale);
+      Store(distances + place, distance);
+      Store(answers + place, K::Argument(distance));
     }
   }
-  if (steps.count > 0) call.kernel->answerSteps(steps.questions, steps.count, answers);
+  // After the questions about whole kernels, which are answered later.
+  Question* const questions = pending.questions + pending.count;
+  const std::size_t asked =
+      AnswerInputs<K, kBlock>(call.inputs, call.points, distances, answers, questions);
+  if (asked > 0) call.kernel->answerSteps(questions, asked, answers);
   ForAllPoints(call.points, [&](auto size, std::size_t point) {
     Vector state[size.count];
     for (std::size_t u = 0; u < size.count; ++u) state[u] = K::kStart;
