@@ -6,6 +6,7 @@
 #include <fstream>
 #include <locale>
 #include <random>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -100,6 +101,10 @@ TEST(Reports, SayTheSameToTheLetter) {
   for (const std::string& path : GoodModels()) {
     reports.AddSound(path.substr(SourcePath("").size()), ContentOf(path));
   }
+  const std::string constant = ContentOf(SourcePath("examples/constant.pxdb"));
+  std::string windows = std::regex_replace(constant, std::regex("\n"), "\r\n");
+  reports.AddSound("line ends of Windows", windows);
+  reports.AddSound("line ends of Windows but one", windows.erase(windows.find('\r'), 1));
   for (const Damage& damage : Damages()) {
     reports.AddDamaged(damage.name, ContentOf(SourcePath(damage.model)), damage.text);
   }
