@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -73,22 +74,6 @@ TEST_F(CInterface, ListsWhatTheModelHolds) {
   EXPECT_EQ(List(model, PXROM_INPUTS), (std::vector<std::string>{"h", "F", "L", "b"}));
   EXPECT_EQ(List(model, PXROM_DISCRETE_INPUTS), (std::vector<std::string>{"Holes", "Material"}));
   EXPECT_EQ(List(model, PXROM_OUTPUTS), (std::vector<std::string>{"deflection", "mass", "stress"}));
-  const std::vector<std::string> all = List(model, PXROM_ALL_PARAMETERS);
-  EXPECT_EQ(all.front(), "Slenderness");
-  EXPECT_EQ(all.size(), 13U);
-
-  pxrom_parameter length = {};
-  ASSERT_EQ(pxrom_model_parameter(model.get(), PXROM_INPUTS, 2, &length, nullptr, 0), PXROM_OK);
-  EXPECT_STREQ(length.unit, "m");
-  EXPECT_EQ(length.has_bounds, 1);
-  EXPECT_EQ(length.lower_bound, 1.0);
-  EXPECT_EQ(length.upper_bound, 2.0);
-  EXPECT_EQ(length.values, nullptr);
-  pxrom_parameter holes = {};
-  ASSERT_EQ(pxrom_model_parameter(model.get(), PXROM_DISCRETE_INPUTS, 0, &holes, nullptr, 0),
-            PXROM_OK);
-  EXPECT_EQ(std::vector<int32_t>(holes.values, holes.values + holes.value_count),
-            (std::vector<int32_t>{0, 2, 4}));
 
   std::size_t count = 0;
   ASSERT_EQ(pxrom_model_combination_count(model.get(), &count, nullptr, 0), PXROM_OK);
@@ -97,6 +82,36 @@ TEST_F(CInterface, ListsWhatTheModelHolds) {
   ASSERT_EQ(pxrom_model_combination(model.get(), 5, &values, nullptr, 0), PXROM_OK);
   EXPECT_EQ(values[0], 4);
   EXPECT_EQ(values[1], 2);
+}
+
+// The registry keeps units and bounds of continuous parameters only.
+TEST_F(CInterface, DescribesEachParameter) {
+  const ModelHandle model = Read(ContentOf(kBeam));
+  std::ostringstream found;
+  pxrom_parameter p = {};
+  for (std::size_t i = 0;
+       pxrom_model_parameter(model.get(), PXROM_ALL_PARAMETERS, i, &p, nullptr, 0) == PXROM_OK;
+       ++i) {
+    found << p.rank << ' ' << p.id << " [" << p.unit << "] " << p.caption << ' ' << p.causality
+          << p.type << p.enabled << ' ' << p.has_bounds << ' ' << p.lower_bound << ' '
+          << p.upper_bound << (p.values == nullptr ? " none" : " ");
+    for (std::size_t k = 0; k < p.value_count; ++k) found << p.values[k] << ';';
+    found << '\n';
+  }
+  EXPECT_EQ(found.str(), R"(0 Slenderness [] L over h 031 0 0 0 none
+1 h [mm] Height of section 001 1 60 120 none
+2 Holes [] Number of holes 021 0 0 0 0;2;4;
+3 F [N] Tip force 001 1 1000 5000 none
+4 L [m] Beam length 011 1 1 2 none
+5 Notch [mm] Notch radius - not in the study 000 1 0 5 none
+6 Material [] Material (1 steel 2 aluminium) 021 0 0 0 1;2;
+7 Finish [] Surface finish - not in the study 020 0 0 0 none
+8 b [mm] Width of section 011 1 30 60 none
+9 deflection [mm] Tip deflection 101 1 0 500 none
+10 stress [MPa] Largest bending stress 101 1 0 1000 none
+11 cost [EUR] Cost - not fitted 100 1 0 1 none
+12 mass [kg] Mass 101 1 0 150 none
+)");
 }
 
 TEST_F(CInterface, EvaluatesAsThePreparedModel) {
