@@ -67,6 +67,20 @@ TEST(DenseMatrix, RefusesShapesAndKeepsWhatItHas) {
   }
 }
 
+// A class of a host's own may set one dimension without the other.
+class HalfShaped : public DRecMtx {
+ public:
+  HalfShaped(int rows, int cols) {
+    Rows = rows;
+    Cols = cols;
+  }
+};
+
+TEST(DenseMatrix, HasNoStorageForHalfAShape) {
+  EXPECT_EQ(HalfShaped(2, 0).AllocateStorage(), 1);
+  EXPECT_EQ(HalfShaped(0, 2).AllocateStorage(), 1);
+}
+
 TEST(DenseMatrix, HasDimensionsBeforeStorage) {
   DRecMtx matrix;
   EXPECT_EQ(matrix.SetDimensions(2, 3), 0);
