@@ -228,6 +228,13 @@ TEST(PreparedModel, HandBuiltRecordsThatTheEvaluatorsTake) {
   }
 }
 
+// The only constant that has an error.
+TEST(PreparedModel, AConstantWithoutInputs) {
+  CConstantData record = Constant(4.0);
+  MakeReady(record, 0);
+  ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(record), {}, 3));
+}
+
 // Where the data of cross-validation don't fit, the errors are refused and the values are not.
 TEST(PreparedModel, CrossValidationThatDoesNotFit) {
   CConstantData constants[] = {Constant(4.0), Constant(3.0), Constant(6.0)};
