@@ -7,7 +7,7 @@
 // from the midpoint of two doubles than the host's own error, the host has rounded to the same side
 // (the rounding test of Ziv, ACM Transactions on Mathematical Software 17, 1991). Other lanes, a
 // few in a hundred, are left open, and the host computes them. This needs a bound of the host's
-// error: AreHostFunctionsKnown checks it, and if it does not hold, the exact mode uses only the
+// error: kernels::ExactLoops tries it, and where it does not hold, the exact mode uses only the
 // host.
 
 #include <cstdint>
@@ -107,25 +107,25 @@ PXROM_INLINE I ShiftRight(I i) {
   return _mm512_maskz_srli_epi64(kEveryLane, i, kBits);
 }
 
-// The powers 2^(j / 8) and their rounding errors. Only the lowest three bits of an index count.
-constexpr unsigned kTableBits = 3;
-constexpr double kPowers[] = {0x1.0000000000000p+0, 0x1.172b83c7d517bp+0, 0x1.306fe0a31b715p+0,
-                              0x1.4bfdad5362a27p+0, 0x1.6a09e667f3bcdp+0, 0x1.8ace5422aa0dbp+0,
-                              0x1.ae89f995ad3adp+0, 0x1.d5818dcfba487p+0};
-constexpr double kPowersRest[] = {0.0,
-                                  -0x1.19041b9d78a76p-55,
-                                  0x1.6f46ad23182e4p-55,
-                                  0x1.d4397afec42e2p-56,
-                                  -0x1.bdd3413b26456p-54,
-                                  0x1.6e9f156864b27p-54,
-                                  0x1.7a1cd345dcc81p-54,
-                                  0x1.2ed02d75b3707p-55};
-// Of the result in [1, 2): the host's error beyond one half of its last bit, and ours.
-constexpr double kExpDoubt = (0.0125 + 0.0035) * 0x1p-52;
+#elif PXROM_SIMD == PXROM_SIMD_NEON
 
-PXROM_INLINE I TableIndex(I i) { return i; }
-PXROM_INLINE Vector LookUp(const double* table, I index) {
-  return _mm512_maskz_permutexvar_pd(kEveryLane, index, Load(table).v);
+using I = int64x2_t;
+PXROM_INLINE I AsInts(Vector v) { return vreinterpretq_s64_f64(v.v); }
+PXROM_INLINE Vector AsDoubles(I i) { return vreinterpretq_f64_s64(i); }
+PXROM_INLINE I Ints(std::int64_t value) { return vdupq_n_s64(value); }
+PXROM_INLINE I Plus(I a, I b) { return vaddq_s64(a, b); }
+PXROM_INLINE I Minus(I a, I b) { return vsubq_s64(a, b); }
+PXROM_INLINE I And(I a, I b) { return vandq_s64(a, b); }
+PXROM_INLINE I Or(I a, I b) { return vorrq_s64(a, b); }
+PXROM_INLINE I Xor(I a, I b) { return veorq_s64(a, b); }
+PXROM_INLINE Vector Truncated(Vector v) { return vrndq_f64(v.v); }
+template <unsigned kBits>
+PXROM_INLINE I ShiftLeft(I i) {
+  return vshlq_n_s64(i, kBits);
+}
+template <unsigned kBits>
+PXROM_INLINE I ShiftRight(I i) {
+  return vreinterpretq_s64_u64(vshrq_n_u64(vreinterpretq_u64_s64(i), kBits));
 }
 
 #else
@@ -149,6 +149,10 @@ PXROM_INLINE I ShiftRight(I i) {
   return _mm256_srli_epi64(i, kBits);
 }
 
+#endif
+
+#if PXROM_SIMD == PXROM_SIMD_AVX2
+
 // The powers 2^(j / 4) and their rounding errors.
 constexpr unsigned kTableBits = 2;
 constexpr double kPowers[] = {0x1.0000000000000p+0, 0x1.306fe0a31b715p+0, 0x1.6a09e667f3bcdp+0,
@@ -168,6 +172,37 @@ PXROM_INLINE I TableIndex(I i) {
 PXROM_INLINE Vector LookUp(const double* table, I index) {
   return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(Load(table).v), index));
 }
+
+#else
+
+// The powers 2^(j / 8) and their rounding errors. Only the lowest three bits of an index count.
+constexpr unsigned kTableBits = 3;
+constexpr double kPowers[] = {0x1.0000000000000p+0, 0x1.172b83c7d517bp+0, 0x1.306fe0a31b715p+0,
+                              0x1.4bfdad5362a27p+0, 0x1.6a09e667f3bcdp+0, 0x1.8ace5422aa0dbp+0,
+                              0x1.ae89f995ad3adp+0, 0x1.d5818dcfba487p+0};
+constexpr double kPowersRest[] = {0.0,
+                                  -0x1.19041b9d78a76p-55,
+                                  0x1.6f46ad23182e4p-55,
+                                  0x1.d4397afec42e2p-56,
+                                  -0x1.bdd3413b26456p-54,
+                                  0x1.6e9f156864b27p-54,
+                                  0x1.7a1cd345dcc81p-54,
+                                  0x1.2ed02d75b3707p-55};
+// Of the result in [1, 2): the host's error beyond one half of its last bit, and ours.
+constexpr double kExpDoubt = (0.0125 + 0.0035) * 0x1p-52;
+
+#if PXROM_SIMD == PXROM_SIMD_AVX512
+PXROM_INLINE I TableIndex(I i) { return i; }
+PXROM_INLINE Vector LookUp(const double* table, I index) {
+  return _mm512_maskz_permutexvar_pd(kEveryLane, index, Load(table).v);
+}
+#else
+PXROM_INLINE I TableIndex(I i) { return And(i, Ints((1 << kTableBits) - 1)); }
+PXROM_INLINE Vector LookUp(const double* table, I index) {
+  const float64x2_t first = vld1q_dup_f64(table + vgetq_lane_s64(index, 0));
+  return vld1q_lane_f64(table + vgetq_lane_s64(index, 1), first, 1);
+}
+#endif
 
 #endif
 

@@ -9,9 +9,13 @@ bool CanRun(InstructionSet set) noexcept {
       return __builtin_cpu_supports("avx512f");
     case InstructionSet::Avx2:
       return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+    case InstructionSet::Neon:
     case InstructionSet::Portable:
       break;
   }
+#elif defined(__aarch64__)
+  // Every machine of this kind has it.
+  if (set == InstructionSet::Neon) return true;
 #endif
   return set == InstructionSet::Portable;
 }

@@ -12,6 +12,7 @@
 #define PXROM_SIMD_PORTABLE 0
 #define PXROM_SIMD_AVX2 1
 #define PXROM_SIMD_AVX512 2
+#define PXROM_SIMD_NEON 3
 
 #ifndef PXROM_SIMD
 #error "PXROM_SIMD must name an instruction set"
@@ -19,10 +20,12 @@
 
 #include "simd/number.h"
 
-#if PXROM_SIMD != PXROM_SIMD_PORTABLE
-#include <immintrin.h>
-#else
+#if PXROM_SIMD == PXROM_SIMD_PORTABLE
 #include <cstring>
+#elif PXROM_SIMD == PXROM_SIMD_NEON
+#include <arm_neon.h>
+#else
+#include <immintrin.h>
 #endif
 
 namespace Tarvane::Plexura::PXROM::simd {
@@ -167,6 +170,60 @@ PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, Vecto
   odd = _mm256_insertf128_pd(odd.v, _mm_loadu_pd(rows[3] + i), 1);
   first = _mm256_unpacklo_pd(even.v, odd.v);
   second = _mm256_unpackhi_pd(even.v, odd.v);
+}
+
+/// Values i to i + 3 of kLanes rows.
+PXROM_INLINE void LoadFourColumns(const double* const* rows, std::size_t i, Vector* columns) {
+  LoadTwoColumns(rows, i, columns[0], columns[1]);
+  LoadTwoColumns(rows, i + 2, columns[2], columns[3]);
+}
+
+#elif PXROM_SIMD == PXROM_SIMD_NEON
+
+constexpr std::size_t kLanes = 2;
+
+struct Vector {
+  Vector() = default;
+  PXROM_INLINE Vector(float64x2_t all) : v(all) {}
+  PXROM_INLINE Vector(double value) : v(vdupq_n_f64(value)) {}
+  float64x2_t v;
+};
+
+struct Mask {
+  uint64x2_t m;
+};
+
+PXROM_INLINE Vector Load(const double* from) { return vld1q_f64(from); }
+PXROM_INLINE void Store(double* to, Vector a) { vst1q_f64(to, a.v); }
+PXROM_INLINE Vector Abs(Vector a) { return vabsq_f64(a.v); }
+PXROM_INLINE Vector Or(Vector a, Vector b) {
+  return vreinterpretq_f64_u64(vorrq_u64(vreinterpretq_u64_f64(a.v), vreinterpretq_u64_f64(b.v)));
+}
+PXROM_INLINE Vector Sqrt(Vector a) { return vsqrtq_f64(a.v); }
+PXROM_INLINE Vector Fma(Vector a, Vector b, Vector c) { return vfmaq_f64(c.v, a.v, b.v); }
+PXROM_INLINE Vector MinusFma(Vector a, Vector b, Vector c) { return vfmsq_f64(c.v, a.v, b.v); }
+PXROM_INLINE Mask operator<(Vector a, Vector b) { return {vcltq_f64(a.v, b.v)}; }
+PXROM_INLINE Mask operator<=(Vector a, Vector b) { return {vcleq_f64(a.v, b.v)}; }
+PXROM_INLINE Mask operator!(Mask mask) {
+  return {veorq_u64(mask.m, vdupq_n_u64(~std::uint64_t{0}))};
+}
+PXROM_INLINE Mask operator!=(Vector a, Vector b) { return !Mask{vceqq_f64(a.v, b.v)}; }
+PXROM_INLINE Mask operator&&(Mask a, Mask b) { return {vandq_u64(a.m, b.m)}; }
+PXROM_INLINE Vector Select(Mask mask, Vector yes, Vector no) {
+  return vbslq_f64(mask.m, yes.v, no.v);
+}
+PXROM_INLINE Vector Smaller(Vector a, Vector b) { return Select(a < b, a, b); }
+PXROM_INLINE unsigned Bits(Mask mask) {
+  return static_cast<unsigned>((vgetq_lane_u64(mask.m, 0) & 1U) | (vgetq_lane_u64(mask.m, 1) & 2U));
+}
+
+/// Values i and i + 1 of kLanes rows.
+PXROM_INLINE void LoadTwoColumns(const double* const* rows, std::size_t i, Vector& first,
+                                 Vector& second) {
+  const float64x2_t a = vld1q_f64(rows[0] + i);
+  const float64x2_t b = vld1q_f64(rows[1] + i);
+  first = vzip1q_f64(a, b);
+  second = vzip2q_f64(a, b);
 }
 
 /// Values i to i + 3 of kLanes rows.

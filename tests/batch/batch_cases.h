@@ -38,8 +38,7 @@ inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 /// The instruction sets that this machine has.
 inline std::vector<simd::InstructionSet> InstructionSets() {
   std::vector<simd::InstructionSet> sets;
-  for (const auto set :
-       {simd::InstructionSet::Portable, simd::InstructionSet::Avx2, simd::InstructionSet::Avx512}) {
+  for (const simd::InstructionSet set : simd::kInstructionSets) {
     if (kernels::FindLoops(set) != nullptr) sets.push_back(set);
   }
   return sets;

@@ -18,7 +18,8 @@ namespace {
 
 std::vector<const kernels::LoopTable*> LoopsWithRows() {
   std::vector<const kernels::LoopTable*> all;
-  for (const auto set : {simd::InstructionSet::Avx2, simd::InstructionSet::Avx512}) {
+  for (const simd::InstructionSet set : simd::kInstructionSets) {
+    if (set == simd::InstructionSet::Portable) continue;
     if (kernels::FindLoops(set) != nullptr) all.push_back(kernels::FindLoops(set));
   }
   return all;

@@ -11,6 +11,8 @@ const LoopTable* FindLoops(InstructionSet set) noexcept {
       return Avx512Loops();
     case InstructionSet::Avx2:
       return Avx2Loops();
+    case InstructionSet::Neon:
+      return NeonLoops();
     case InstructionSet::Portable:
       break;
   }
@@ -18,9 +20,11 @@ const LoopTable* FindLoops(InstructionSet set) noexcept {
 }
 
 InstructionSet BestInstructionSet() noexcept {
-  if (FindLoops(InstructionSet::Avx512) != nullptr) return InstructionSet::Avx512;
-  if (FindLoops(InstructionSet::Avx2) != nullptr) return InstructionSet::Avx2;
-  return InstructionSet::Portable;
+  InstructionSet best = InstructionSet::Portable;
+  for (const InstructionSet set : simd::kInstructionSets) {
+    if (FindLoops(set) != nullptr) best = set;
+  }
+  return best;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::kernels

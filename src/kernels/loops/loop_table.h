@@ -99,6 +99,7 @@ const LoopTable* ExactLoops() noexcept;
 
 // One per instruction set; null when its file was compiled for another kind of machine.
 const LoopTable* PortableLoops() noexcept;
+const LoopTable* NeonLoops() noexcept;
 const LoopTable* Avx2Loops() noexcept;
 const LoopTable* Avx512Loops() noexcept;
 
