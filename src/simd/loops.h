@@ -87,9 +87,11 @@ PXROM_INLINE void Unrolled(const Body& body) {
   }
 }
 
-/// out[k] grows by the sum of panel[j][k] x[j], in ascending j, for kRowsAtOnce rows.
+/// out[k] grows by the sum of panel[j][k] x[j], in ascending j, for kRowsAtOnce rows. Panels are
+/// too far from each other for the processor to foresee the next one, so its lines are asked for.
 template <std::size_t kVectors>
-void AddRows(const double* panel, std::size_t columns, const double* x, double* out) {
+void AddRows(const double* panel, std::size_t columns, const double* x, double* out,
+             std::ptrdiff_t nextPanel) {
   Vector sum[kRowsAtOnce][kVectors];
   Unrolled<kRowsAtOnce>([&](auto k) PXROM_INLINE_BODY {
     Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY {
@@ -97,6 +99,7 @@ void AddRows(const double* panel, std::size_t columns, const double* x, double* 
     });
   });
   for (std::size_t j = 0; j < columns; ++j, panel += kPanelRows, x += kBlock) {
+    Prefetch(panel + nextPanel);
     Vector xj[kVectors];
     Unrolled<kVectors>([&](auto u) PXROM_INLINE_BODY { xj[u.value] = Load(x + u.value * kLanes); });
     Unrolled<kRowsAtOnce>([&](auto k) PXROM_INLINE_BODY {
@@ -120,10 +123,13 @@ void AddPanelsOf(const PanelProduct& call) {
     const std::size_t length = (call.starts[panel + 1] - call.starts[panel]) / kPanelRows;
     const std::size_t end = length < call.lastColumn ? length : call.lastColumn;
     if (end <= call.firstColumn) continue;
+    const bool isLast = panel + 1 == call.last;
+    const auto next =
+        static_cast<std::ptrdiff_t>(isLast ? 0 : call.starts[panel + 1] - call.starts[panel]);
     const auto add = [&](auto size, std::size_t point) {
       for (std::size_t k = 0; k < kPanelRows; k += kRowsAtOnce) {
         AddRows<size.count>(values + call.firstColumn * kPanelRows + k, end - call.firstColumn,
-                            call.x + point, out + k * kBlock + point);
+                            call.x + point, out + k * kBlock + point, next);
       }
     };
     // After the last point come copies of it, up to the end of the block.

@@ -264,6 +264,12 @@ PXROM_INLINE Vector Smaller(Vector a, Vector b) { return Select(a < b, a, b); }
 
 #endif
 
+#if defined(__GNUC__)
+PXROM_INLINE void Prefetch(const double* from) { __builtin_prefetch(from); }
+#else
+PXROM_INLINE void Prefetch(const double*) {}
+#endif
+
 PXROM_INLINE Vector operator+(Vector a, Vector b) { return a.v + b.v; }
 PXROM_INLINE Vector operator-(Vector a, Vector b) { return a.v - b.v; }
 PXROM_INLINE Vector operator*(Vector a, Vector b) { return a.v * b.v; }
