@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What a kind of benchmark is to reach, if anything: how many times as fast as the yardstick, or
@@ -15,6 +16,8 @@ struct Goal {
   double ratio = 0.0;
   double nanoseconds = 0.0;
   std::vector<std::string> cases = {};
+  /// How many times as fast as peers, in every case.
+  std::vector<std::pair<std::string, double>> peers = {};
 };
 
 /// The usual report, and after it a table: the time of the library and of its yardstick, mostly
@@ -87,6 +90,12 @@ class RatioReport : public benchmark::ConsoleReporter {
       }
       for (const std::string& wanted : goal.cases) {
         if (wanted == name) reached = Reached(">= " + Number(goal.ratio), ratio >= goal.ratio);
+      }
+      for (const auto& [peer, wanted] : goal.peers) {
+        const auto time = programs.find(peer);
+        if (time == programs.end()) continue;
+        reached += (reached.empty() ? "" : "; ") +
+                   Reached(peer + " >= " + Number(wanted), time->second / own->second >= wanted);
       }
       Row(title + ", " + name, Time(own->second), Time(other->second), Number(ratio), peers,
           reached);
