@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "batch/batch_cases.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
@@ -67,6 +68,69 @@ TEST(PreparedModel, EvaluatesAsTheEvaluatorOfEachFamily) {
     std::copy_n(surface->InputSamples[7].begin(), inputs, points.begin() + 3 * inputs);
     points[static_cast<std::size_t>(40 * inputs)] = round % 4 < 2 ? kNaN : HUGE_VAL;
     ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*surface), points, rows));
+  }
+}
+
+enum class Shape { Full, Triangle, ZerosInPlaces };
+
+void GiveShape(Draw& draw, Shape shape, Matrix& matrix) {
+  for (std::size_t r = 0; r < matrix.size() && shape != Shape::Full; ++r) {
+    const bool isCut = shape == Shape::Triangle || draw.Chance(30);
+    const std::size_t first = shape == Shape::Triangle ? r + 1 : matrix.size() / 2;
+    for (std::size_t c = first; isCut && c < matrix.size(); ++c) {
+      matrix[r][c] = draw.Chance(50) ? 0.0 : -0.0;
+    }
+  }
+}
+
+// The products of an error take rows, samples and points in pieces. Zeros at the ends of rows are
+// left out; they count where a correlation is not finite.
+TEST(PreparedModel, EvaluatesErrorsOfAnyNumberOfSamplesAsTheEvaluator) {
+  Draw draw(7);
+  for (const int samples : {1, 5, 6, 7, 13, 97, 130, 290}) {
+    for (const Shape shape : {Shape::Full, Shape::Triangle, Shape::ZerosInPlaces}) {
+      SCOPED_TRACE(testing::Message() << samples << " samples, shape " << static_cast<int>(shape));
+      const auto surface = RandomSurface(draw, DT_KrigingData, 2, samples, true);
+      GiveShape(draw, shape, dynamic_cast<CKrigingData&>(*surface).InvC);
+      const auto process = RandomSurface(draw, DT_GaussianProcessData, 2, samples, true);
+      const std::size_t rows = samples == 290 ? 270 : 35;
+      std::vector<double> points = draw.Reals(static_cast<int>(rows) * 2, 0, 1);
+      points[4] = kNaN;
+      points[2 * rows - 8] = HUGE_VAL;
+      points[2 * rows - 3] = 1e200;
+      ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*surface), points, rows));
+      ASSERT_NO_FATAL_FAILURE(tests::ExpectAsEvaluated(ModelOf(*process), points, rows));
+    }
+  }
+}
+
+// Errors close to samples are small differences of large numbers. No tolerance would do, so the
+// fast mode has none: its bound for them is 0.
+TEST(PreparedModel, EvaluatesErrorsOfSurfacesExactlyInTheFastMode) {
+  const int inputs = 3;
+  const std::size_t rows = 60;
+  for (int round = 0; round < 90; ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    Draw draw(static_cast<std::uint32_t>(round));
+    const std::vector<E_DataType> families = RandomFamilies();
+    const E_DataType family = families[static_cast<std::size_t>(round) % families.size()];
+    const auto surface = RandomSurface(draw, family, inputs, 40, true);
+    std::vector<double> points;
+    for (std::size_t r = 0; r < rows; ++r) {
+      const double distance = std::pow(10.0, -0.3 * static_cast<double>(r));
+      for (const double x : surface->InputSamples[r % 40]) points.push_back(x + distance);
+    }
+    const CPreparedModel prepared = Prepared(ModelOf(*surface));
+    Table exact(rows);
+    Table fast(rows);
+    prepared.Evaluate(points.data(), rows, PrecisionExact, exact.values.data(), exact.errors.data(),
+                      nullptr);
+    prepared.Evaluate(points.data(), rows, PrecisionFast, fast.values.data(), fast.errors.data(),
+                      nullptr);
+    for (std::size_t r = 0; r < rows; ++r) {
+      const auto areSame = [](double a, double b) { return SameBits(a, b); };
+      EXPECT_PRED2(areSame, fast.errors[r], exact.errors[r]) << "at " << r;
+    }
   }
 }
 
