@@ -60,9 +60,8 @@ struct ExponentialOfDistance : Distance {
 struct PowerExponential : Distance {
   static constexpr const char* kName = "power exponential";
   static constexpr Operations kOperations = {4.0, 4.0 + 2.0 * kElementary};
-  static constexpr bool kHasVectorForm = false;
   template <class N>
-  PXROM_INLINE static N Value(const Constants& constants, N r2, N) {
+  PXROM_INLINE static auto Value(const Constants& constants, N r2, N) {
     return ExpOfMinus(Power(r2, 0.5 * constants.parameter));
   }
   static double Slope(const Constants& constants, double r2) {

@@ -44,11 +44,11 @@ struct InverseQuadratic : Distance {
 struct RationalQuadratic : Distance {
   static constexpr const char* kName = "rational quadratic";
   static constexpr Operations kOperations = {4.0, 5.0 + 2.0 * kElementary};
-  static constexpr bool kHasVectorForm = false;
+  static Constants ConstantsFor(double /*inputs*/) { return {0.0, 0.0, 1.0, simd::FormOfLog1p()}; }
   template <class N>
-  PXROM_INLINE static N Value(const Constants& constants, N r2, N) {
+  PXROM_INLINE static auto Value(const Constants& constants, N r2, N) {
     const double a = constants.parameter;
-    return ExpOfMinus(a * Log1p(r2 / (2.0 * a)));
+    return ExpOfMinus(Log1p(r2 / (2.0 * a), constants.hostForm) * a);
   }
   static double Slope(const Constants& constants, double r2) {
     const double a = constants.parameter;

@@ -53,7 +53,7 @@ struct Constants {
   double shift = 0.0;      ///< for functions that are shifted to end at 0
   double perInput = 0.0;   ///< the factor of functions that depend on the number of inputs
   double parameter = 1.0;  ///< for functions of a distance that have one, from the record
-  simd::TanhOfHost tanhOfHost = simd::TanhOfHost::Other;
+  simd::HostForm hostForm = simd::HostForm::Other;  ///< of its function, where that counts
 };
 
 /// How many operations exp, log, pow, a sine or a hyperbolic tangent count as.

@@ -11,11 +11,11 @@ struct DotSigmoid : Dot {
   static constexpr Operations kOperations = {6.0, kElementary};
   static Constants ConstantsFor(double inputs) {
     const double e = std::exp(1.0);
-    return {e, e / inputs, 1.0, simd::FindTanhOfHost()};
+    return {e, e / inputs, 1.0, simd::FormOfTanh()};
   }
   template <class N>
   PXROM_INLINE static auto Value(const Constants& constants, N dot, N) {
-    return Tanh(constants.perInput * dot - constants.shift, constants.tanhOfHost);
+    return Tanh(constants.perInput * dot - constants.shift, constants.hostForm);
   }
   static double Slope(const Constants& constants, double dot) {
     const double hyperbolic = std::cosh(constants.perInput * dot - constants.shift);
@@ -42,11 +42,11 @@ struct RadialTanh : Radial {
   static constexpr const char* kName = "radial tanh";
   static constexpr Operations kOperations = {3.0, 5.0 + kElementary};
   static Constants ConstantsFor(double inputs) {
-    return {0.0, 1.0 / inputs, 1.0, simd::FindTanhOfHost()};
+    return {0.0, 1.0 / inputs, 1.0, simd::FormOfTanh()};
   }
   template <class N>
   PXROM_INLINE static auto Value(const Constants& constants, N r2, N h) {
-    return Tanh(Sqrt(r2) * constants.perInput / h, constants.tanhOfHost);
+    return Tanh(Sqrt(r2) * constants.perInput / h, constants.hostForm);
   }
   static double Slope(const Constants& constants, double r2, double h) {
     const double r = std::sqrt(r2);

@@ -69,6 +69,7 @@ constexpr double kMagic = 0x1.8p52;  // adding it leaves an integer in the lowes
 // Without a fused multiply-add the second double costs more than a call of the host's function.
 PXROM_INLINE Exact ExpOfMinus(Vector s) { return {s, kAllLanes}; }
 PXROM_INLINE Exact Log(Vector x) { return {x, kAllLanes}; }
+PXROM_INLINE Exact Power(Vector x, double) { return {x, kAllLanes}; }
 PXROM_INLINE Exact Power4(Vector x) { return {x, kAllLanes}; }
 PXROM_INLINE Vector Third(Vector v) { return v / 3.0; }
 
@@ -206,24 +207,19 @@ PXROM_INLINE Vector LookUp(const double* table, I index) {
 
 #endif
 
-/// exp(-s) = 2^(k / N) exp(r), with |r| up to ln 2 / 2N: Tang, Table-driven implementation of the
-/// exponential function, ACM Transactions on Mathematical Software 15 (1989).
-PXROM_INLINE Exact ExpOfMinus(Vector s) {
+/// exp(y + yRest) = 2^(k / N) exp(r), with |r| up to ln 2 / 2N: Tang, Table-driven implementation
+/// of the exponential function, ACM Transactions on Mathematical Software 15 (1989).
+PXROM_INLINE Exact ExpOfSum(Vector y, Vector yRest, Vector doubt) {
   constexpr double kTableSize = 1 << kTableBits;
   // ln 2 / N in two parts. The first is so short that its product with k is exact.
   constexpr double kStep = 0x1.62e42fefa0000p-1 / kTableSize;
   constexpr double kStepRest = 0x1.cf79abc9e3b3ap-40 / kTableSize;
   constexpr double kInverse = 0x1.71547652b82fep+0 * kTableSize;
-  // Beyond the first every result is normal; beyond the second every result is 0.
-  constexpr double kNormal = 708.0;
-  constexpr double kVanished = 746.0;
-
-  const Vector y = 0.0 - s;
   const Vector shifted = Fma(y, kInverse, kMagic);
   const Vector k = shifted - kMagic;
   const Vector rough = MinusFma(k, kStep, y);
   const Vector r = MinusFma(k, kStepRest, rough);
-  const Vector rRest = MinusFma(k, kStepRest, rough - r);
+  const Vector rRest = MinusFma(k, kStepRest, rough - r) + yRest;
 
   // exp(r) = 1 + r + tail, the tail by its Taylor series.
   const Vector series = Horner(r, 1.0 / 3628800.0, 1.0 / 362880.0, 1.0 / 40320.0, 1.0 / 5040.0,
@@ -239,15 +235,22 @@ PXROM_INLINE Exact ExpOfMinus(Vector s) {
   const Vector high = power + product;
   const Vector highRest = (power - high) + product;
   const Vector low = Fma(power, tail, Fma(powerRest, r, powerRest)) + (productRest + highRest);
-  const Vector above = high + (low + kExpDoubt);
-  const Vector below = high + (low - kExpDoubt);
+  const Vector above = high + (low + doubt);
+  const Vector below = high + (low - doubt);
 
   const I exponent = ShiftLeft<52 - kTableBits>(And(bits, Ints(-(1 << kTableBits))));
   const Vector scaled = AsDoubles(Plus(AsInts(above), exponent));
-  const unsigned doubtful = Bits(above != below);
+  return {scaled, Bits(above != below)};
+}
+
+PXROM_INLINE Exact ExpOfMinus(Vector s) {
+  // Beyond the first every result is normal; beyond the second every result is 0.
+  constexpr double kNormal = 708.0;
+  constexpr double kVanished = 746.0;
+  const Exact exp = ExpOfSum(0.0 - s, 0.0, kExpDoubt);
   const unsigned normal = Bits(Abs(s) <= kNormal);
   const Mask vanished = kVanished < s;
-  return {Select(vanished, 0.0, scaled), (doubtful | ~normal) & ~Bits(vanished) & kAllLanes};
+  return {Select(vanished, 0.0, exp.value), (exp.open | ~normal) & ~Bits(vanished) & kAllLanes};
 }
 
 /// The largest power of 2 that is not above v: times 2^-52 it is the last bit of v.
@@ -261,20 +264,28 @@ struct Parts {
   Vector m;
 };
 
-/// For a normal x above 0.
-PXROM_INLINE Parts SplitFromPowerOf2(Vector x) {
-  constexpr std::int64_t kRootHalf = 0x3fe6a09e667f3bcd;
+constexpr std::int64_t kRootHalf = 0x3fe6a09e667f3bcd;
+
+/// For a normal x above 0. `least` holds the bits of the least m.
+PXROM_INLINE Parts SplitFromPowerOf2(Vector x, std::int64_t least = kRootHalf) {
   constexpr std::int64_t kBias = std::int64_t{1024} << 52;
   constexpr std::int64_t kDoubleOf52 = 0x4330000000000000;  // 2^52; integers below add up to it
   const I bits = AsInts(x);
-  const I biased = ShiftRight<52>(Plus(Minus(bits, Ints(kRootHalf)), Ints(kBias)));
+  const I biased = ShiftRight<52>(Plus(Minus(bits, Ints(least)), Ints(kBias)));
   return {AsDoubles(Or(biased, Ints(kDoubleOf52))) - (0x1p52 + 1024.0),
           AsDoubles(Minus(bits, ShiftLeft<52>(Minus(biased, Ints(1024)))))};
 }
 
+/// A logarithm as a sum, and what bounds its error.
+struct Logarithm {
+  Vector high;
+  Vector low;
+  Vector error;
+};
+
 /// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1 (Abramowitz and
-/// Stegun 4.1.27). For x from 2^-1000 to 2^1000; other lanes are left open.
-PXROM_INLINE Exact Log(Vector x) {
+/// Stegun 4.1.27). For x from 2^-1000 to 2^1000.
+PXROM_INLINE Logarithm LogAsSum(Vector x) {
   constexpr double kLn2 = 0x1.62e42fefa2000p-1;
   constexpr double kLn2Rest = 0x1.9ef35793c7673p-41;
   const Parts parts = SplitFromPowerOf2(x);
@@ -297,13 +308,38 @@ PXROM_INLINE Exact Log(Vector x) {
   const Vector twice = s + s;
   const Vector high = whole + twice;
   const Vector low = ((whole - high) + twice) + Fma(k, kLn2Rest, tail);
+  return {high, low, Abs(s * w) * (2.5 * 0x1p-53)};
+}
+
+/// Whether a logarithm is known.
+PXROM_INLINE Mask IsUsualForLog(Vector x) { return 0x1p-1000 <= x && x <= 0x1p1000; }
+
+/// log(x) for x from 2^-1000 to 2^1000; other lanes are left open.
+PXROM_INLINE Exact Log(Vector x) {
+  const Logarithm log = LogAsSum(x);
   // The host's error is absolute, but for small results.
-  const Vector host = Smaller(LeadingPowerOf2(high) * (0.0215 * 0x1p-52), 1.5 * 0x1p-62);
-  const Vector doubt = Fma(Abs(s * w), 2.5 * 0x1p-53, host);
-  const Vector up = high + (low + doubt);
-  const Vector down = high + (low - doubt);
-  const unsigned usual = Bits(0x1p-1000 <= x) & Bits(x <= 0x1p1000);
-  return {up, (Bits(up != down) | ~usual) & kAllLanes};
+  const Vector host = Smaller(LeadingPowerOf2(log.high) * (0.0215 * 0x1p-52), 1.5 * 0x1p-62);
+  const Vector doubt = log.error + host;
+  const Vector up = log.high + (log.low + doubt);
+  const Vector down = log.high + (log.low - doubt);
+  return {up, (Bits(up != down) | ~Bits(IsUsualForLog(x))) & kAllLanes};
+}
+
+/// x to the power `exponent` as exp(exponent log x), for a logarithm of the power up to 16; other
+/// lanes are left open.
+PXROM_INLINE Exact Power(Vector x, double exponent) {
+  constexpr double kMost = 16.0;
+  constexpr double kHost = 0.0025 * 0x1p-52;  // beyond that of exp
+  const Logarithm log = LogAsSum(x);
+  const Vector sum = log.high + log.low;
+  const Vector rest = (log.high - sum) + log.low;
+  const Vector high = exponent * sum;
+  const Vector low = Fma(exponent, rest, Fma(exponent, sum, 0.0 - high));
+  const Vector doubt =
+      Fma(log.error, exponent < 0.0 ? -2.0 * exponent : 2.0 * exponent, kExpDoubt + kHost);
+  const Exact power = ExpOfSum(high, low, doubt);
+  const Mask isUsual = IsUsualForLog(x) && Abs(high) <= kMost;
+  return {power.value, (power.open | ~Bits(isUsual)) & kAllLanes};
 }
 
 /// x to the power 4. Lanes with a very small or very large result are left open, except 0, since
@@ -336,6 +372,11 @@ PXROM_INLINE Vector OverPowerOf2(Vector v, Vector shifted) {
 }
 
 #endif
+
+PXROM_INLINE Exact ExpOfMinus(Exact s) {
+  const Exact exp = ExpOfMinus(s.value);
+  return {exp.value, exp.open | s.open};
+}
 
 // The fast functions are within about one unit in the last place of 1. Their polynomials are
 // Chebyshev fits of the lowest degree that is enough.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simd/bessel.h"
-#include "simd/hyperbolic.h"
+#include "simd/fdlibm.h"
 #include "simd/loop_table.h"
 
 namespace Tarvane::Plexura::PXROM::simd {

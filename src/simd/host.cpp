@@ -1,20 +1,22 @@
 #include "simd/host.h"
 
 #include <cmath>
+#include <cstddef>
 
 namespace Tarvane::Plexura::PXROM::simd {
 
 namespace {
 
-struct KnownTangent {
+struct KnownValue {
   double x;
   double fused;
   double plain;
 };
 
-// For each operation that a compiler may fuse, two arguments where fusing it changes the result if
-// all others are fused, and two where it does if no other is.
-constexpr KnownTangent kKnownTangents[] = {
+// For each operation of the hyperbolic tangent that a compiler may fuse, two arguments where fusing
+// it changes the result if all others are fused, and two where it does if no other is. Four more
+// operations change one result in ten million at the most.
+constexpr KnownValue kTangents[] = {
     {0x1.73844e49488p-3, 0x1.6f7e9802b22d9p-3, 0x1.6f7e9802b22dap-3},
     {0x1.eb8310a4f5cf6p-2, 0x1.c8f2706ee3c1dp-2, 0x1.c8f2706ee3c1ep-2},
     {0x1.37e247df56abcp-3, 0x1.357ebc8340585p-3, 0x1.357ebc8340585p-3},
@@ -37,24 +39,47 @@ constexpr KnownTangent kKnownTangents[] = {
     {0x1.e156b640be5a8p-2, 0x1.c0c37765d9dc2p-2, 0x1.c0c37765d9dc5p-2},
 };
 
-TanhOfHost AskForTanh() {
+// The same for log(1 + x), where only one operation matters: a z + b z^2, of which either product
+// may be fused.
+constexpr KnownValue kLogarithms[] = {
+    {0x1.77af5346d4afbp-2, 0x1.400804b72e718p-2, 0x1.400804b72e719p-2},
+    {0x1.848927cdff29bp-2, 0x1.4963dab451c46p-2, 0x1.4963dab451c47p-2},
+    {0x1.e2a06e5c0989cp-3, 0x1.b15d0d9b82b3p-3, 0x1.b15d0d9b82b2fp-3},
+    {0x1.21254d65374cbp-2, 0x1.fd5b2a2914841p-3, 0x1.fd5b2a291484p-3},
+    {0x1.4842b129b8d13p-2, 0x1.1cbc0dfee0d8cp-2, 0x1.1cbc0dfee0d8cp-2},
+    {0x1.83597ce4208c1p-2, 0x1.48879f2ebbf87p-2, 0x1.48879f2ebbf87p-2},
+    {0x1.f438b3182e4dp-2, 0x1.97504c486f4dfp-2, 0x1.97504c486f4ep-2},
+    {0x1.95a801fc5829ap-2, 0x1.55ba0c05ad53cp-2, 0x1.55ba0c05ad53dp-2},
+    {0x1.16648c751b0ap-2, 0x1.ec844207458cfp-3, 0x1.ec844207458dp-3},
+    {0x1.0ffb55d4c140ap-2, 0x1.e26917ca5b8dp-3, 0x1.e26917ca5b8d1p-3},
+    {0x1.7884de285cff8p-3, 0x1.59a3cc8ec2be2p-3, 0x1.59a3cc8ec2be3p-3},
+    {0x1.5d9082bd2026dp-2, 0x1.2cbdc478f6c57p-2, 0x1.2cbdc478f6c58p-2},
+};
+
+template <std::size_t kCount>
+HostForm FormOf(const KnownValue (&values)[kCount], double (*function)(double)) {
   bool isFused = true;
   bool isPlain = true;
-  for (const KnownTangent& known : kKnownTangents) {
+  for (const KnownValue& known : values) {
     // Else a compiler would compute it itself, correctly rounded.
     const volatile double x = known.x;
-    const double value = std::tanh(x);
+    const double value = function(x);
     isFused = isFused && value == known.fused;
     isPlain = isPlain && value == known.plain;
   }
-  return isFused ? TanhOfHost::Fused : isPlain ? TanhOfHost::Plain : TanhOfHost::Other;
+  return isFused ? HostForm::Fused : isPlain ? HostForm::Plain : HostForm::Other;
 }
 
 }  // namespace
 
-TanhOfHost FindTanhOfHost() noexcept {
-  static const TanhOfHost found = AskForTanh();
-  return found;
+HostForm FormOfTanh() noexcept {
+  static const HostForm form = FormOf(kTangents, [](double x) { return std::tanh(x); });
+  return form;
+}
+
+HostForm FormOfLog1p() noexcept {
+  static const HostForm form = FormOf(kLogarithms, [](double x) { return std::log1p(x); });
+  return form;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::simd

@@ -4,12 +4,12 @@
 
 namespace Tarvane::Plexura::PXROM::simd {
 
-/// Which operations the host's hyperbolic tangent consists of. The formulas are the same, but a
-/// library that was compiled for newer processors fuses multiplications with additions, which
-/// changes a result in a thousand.
-enum class TanhOfHost : std::uint8_t { Other, Plain, Fused };
+/// Which operations a function of the host consists of: those of fdlibm (fdlibm.h), or the same
+/// with multiplications fused into additions, which a library for newer processors may do.
+enum class HostForm : std::uint8_t { Other, Plain, Fused };
 
-/// Asks the host once, at arguments where the difference shows.
-TanhOfHost FindTanhOfHost() noexcept;
+// They ask the host once, at arguments where the difference shows.
+HostForm FormOfTanh() noexcept;
+HostForm FormOfLog1p() noexcept;
 
 }  // namespace Tarvane::Plexura::PXROM::simd

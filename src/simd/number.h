@@ -23,11 +23,11 @@ PXROM_INLINE double Sqrt(double v) { return std::sqrt(v); }
 PXROM_INLINE double Third(double v) { return v / 3.0; }
 PXROM_INLINE double ExpOfMinus(double s) { return std::exp(-s); }
 PXROM_INLINE double Log(double x) { return std::log(x); }
-PXROM_INLINE double Log1p(double x) { return std::log1p(x); }
+PXROM_INLINE double Log1p(double x, HostForm /*host*/) { return std::log1p(x); }
 PXROM_INLINE double Power(double x, double exponent) { return std::pow(x, exponent); }
 PXROM_INLINE double Power4(double x) { return std::pow(x, 4.0); }
 PXROM_INLINE double Sin(double x) { return std::sin(x); }
-PXROM_INLINE double Tanh(double x, TanhOfHost /*host*/) { return std::tanh(x); }
+PXROM_INLINE double Tanh(double x, HostForm /*host*/) { return std::tanh(x); }
 PXROM_INLINE double J0(double x) { return BesselJ0(x); }
 
 PXROM_INLINE double Select(bool condition, double yes, double no) { return condition ? yes : no; }

@@ -51,14 +51,14 @@ Dual Third(Dual a) { return a / 3.0; }
 Dual Chain(Dual a, double value, double slope) { return {value, slope * a.slope}; }
 Dual Sqrt(Dual a) { return Chain(a, std::sqrt(a.value), 0.5 / std::sqrt(a.value)); }
 Dual ExpOfMinus(Dual a) { return Chain(a, std::exp(-a.value), -std::exp(-a.value)); }
-Dual Log1p(Dual a) { return Chain(a, std::log1p(a.value), 1.0 / (1.0 + a.value)); }
+Dual Log1p(Dual a, simd::HostForm) { return Chain(a, std::log1p(a.value), 1.0 / (1.0 + a.value)); }
 Dual Power(Dual a, double b) {
   return Chain(a, std::pow(a.value, b), b * std::pow(a.value, b - 1.0));
 }
 Dual Log(Dual a) { return Chain(a, std::log(a.value), 1.0 / a.value); }
 Dual Power4(Dual a) { return a * a * a * a; }
 Dual Sin(Dual a) { return Chain(a, std::sin(a.value), std::cos(a.value)); }
-Dual Tanh(Dual a, simd::TanhOfHost) {
+Dual Tanh(Dual a, simd::HostForm) {
   return Chain(a, std::tanh(a.value), 1.0 - std::tanh(a.value) * std::tanh(a.value));
 }
 Dual J0(Dual a) { return Chain(a, BesselJ0(a.value), -BesselJ1(a.value)); }

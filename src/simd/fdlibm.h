@@ -1,6 +1,7 @@
 #pragma once
 
-// The hyperbolic tangent of the host, repeated operation by operation.
+// Functions whose error in the host is too large for a rounding test. They repeat its operations,
+// which are those of fdlibm (Sun Microsystems, 1993) with polynomials by Estrin's scheme.
 
 #include "simd/functions.h"
 
@@ -9,7 +10,8 @@ namespace {
 
 #if PXROM_SIMD == PXROM_SIMD_PORTABLE
 
-PXROM_INLINE Exact Tanh(Vector x, TanhOfHost) { return {x, kAllLanes}; }
+PXROM_INLINE Exact Tanh(Vector x, HostForm) { return {x, kAllLanes}; }
+PXROM_INLINE Exact Log1p(Vector x, HostForm) { return {x, kAllLanes}; }
 
 #else
 
@@ -77,9 +79,51 @@ PXROM_INLINE Vector TanhOf(Vector x) {
 }
 
 /// tanh(x). NaNs are left open.
-PXROM_INLINE Exact Tanh(Vector x, TanhOfHost host) {
-  if (host == TanhOfHost::Fused) return {TanhOf<true>(x), Bits(x != x)};
-  if (host == TanhOfHost::Plain) return {TanhOf<false>(x), Bits(x != x)};
+PXROM_INLINE Exact Tanh(Vector x, HostForm host) {
+  if (host == HostForm::Fused) return {TanhOf<true>(x), Bits(x != x)};
+  if (host == HostForm::Plain) return {TanhOf<false>(x), Bits(x != x)};
+  return {x, kAllLanes};
+}
+
+template <bool kFused>
+PXROM_INLINE Exact Log1pOf(Vector x) {
+  constexpr double kLn2 = 0x1.62e42feep-1;
+  constexpr double kLn2Rest = 0x1.a39ef35793c76p-33;
+  constexpr std::int64_t kLeast = 0x3fe6a09e00000000;
+  const Vector u = 1.0 + x;
+  const Parts parts = SplitFromPowerOf2(u, kLeast);
+  const Vector rest = Select(u < 2.0, x - (u - 1.0), 1.0 - (u - x));
+  const Vector c = rest / u;
+  const Mask isNear = x < 0x1.a827ap-2;
+  const Vector k = parts.k;
+  const Vector f = Select(isNear, x, parts.m - 1.0);
+
+  const Vector halfSquare = 0.5 * f * f;
+  const Vector s = f / (2.0 + f);
+  const Vector z = s * s;
+  const Vector z2 = z * z;
+  const Vector z4 = z2 * z2;
+  const Vector r2 = TimesPlus<kFused>(z, 0x1.2492494229359p-2, 0x1.999999997fa04p-2);
+  const Vector r3 = TimesPlus<kFused>(z, 0x1.7466496cb03dep-3, 0x1.c71c51d8e78afp-3);
+  const Vector r4 = TimesPlus<kFused>(z, 0x1.2f112df3e5244p-3, 0x1.39a09d078c69fp-3);
+  const Vector early = TimesPlus<kFused>(z, 0x1.5555555555593p-1, z2 * r2);
+  const Vector r = TimesPlus<kFused>(z2 * z4, r4, TimesPlus<kFused>(z4, r3, early));
+  const Vector product = s * (halfSquare + r);
+
+  const Vector near = f - (halfSquare - product);
+  const Vector correction = product + TimesPlus<kFused>(k, kLn2Rest, c);
+  const Vector far = k * kLn2 - ((halfSquare - correction) - f);
+  const Vector small = x - x * x * 0.5;
+  // The host has another formula where f is close to 0 beside a power of 2.
+  const Mask isKnown = !(!isNear && Abs(f) < 0x1p-19);
+  const Mask isUsual = 0.0 <= x && x < 0x1p53 && isKnown;
+  return {Select(isNear, Select(x < 0x1p-29, small, near), far), ~Bits(isUsual) & kAllLanes};
+}
+
+/// log(1 + x) for x from 0 to 2^53; other lanes are left open.
+PXROM_INLINE Exact Log1p(Vector x, HostForm host) {
+  if (host == HostForm::Fused) return Log1pOf<true>(x);
+  if (host == HostForm::Plain) return Log1pOf<false>(x);
   return {x, kAllLanes};
 }
 
