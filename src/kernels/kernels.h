@@ -29,9 +29,6 @@ struct Kernel {
   Constants (*constants)(double inputs);
   /// The value for the last state of the steps; `scale` is that of the centre.
   double (*value)(const Constants& constants, double state, double scale);
-  /// Overwrites `count` last states with their values; `scales` is one per state, or null.
-  void (*values)(const Constants& constants, const double* scales, std::size_t count,
-                 double* states);
   /// The values between a point and rows, one after the other: see RowKernels, but this reads
   /// nothing after `count`.
   void (*rows)(const RowKernels& call);

@@ -70,8 +70,6 @@ enum class Shape : std::uint8_t { ExpOfSum, Product, Dot, Radial, Distance };
 struct AnyShape {
   static constexpr bool kAsksPerInput = false;
   static constexpr bool kHasEnd = false;
-  /// Whether vectors can compute the value for the last state; else the host computes each one.
-  static constexpr bool kHasVectorForm = true;
   using Fast = void;
   static Constants ConstantsFor(double /*inputs*/) { return {}; }
 };

@@ -41,6 +41,7 @@ Covariance::Covariance(const CGaussianProcessData& record)
       Factor factor;
       factor.kernel = kernels::FindKernel(static_cast<E_CovarianceFunctionType>(function));
       if (factor.kernel == nullptr || (HasParameter(function) && !(parameter > 0.0))) return;
+      factor.constants = factor.kernel->constants(static_cast<double>(inputs_));
       if (HasParameter(function)) factor.constants.parameter = parameter;
       factor.rates = rates_.data() + (hasOneRate_ ? f : f * inputs_);
       factors_.push_back(factor);

@@ -34,36 +34,36 @@ PXROM_INLINE Vector ScaleOf(const RowKernels& call, std::size_t i) {
   return call.scales[call.isOneScale ? 0 : i];
 }
 
-/// The kernels for the last states of kLanes rows.
+/// The kernels for the last states of all rows.
 template <class K>
-PXROM_INLINE void FinishRows(const RowKernels& call, std::size_t first, Vector state) {
-  if constexpr (!K::kHasVectorForm) {
-    Store(call.values + first, state);
-    return;
+PXROM_INLINE void FinishRows(const RowKernels& call, const double* states) {
+  const std::size_t count = call.count;
+  std::uint32_t open = 0;
+  for (std::size_t row = 0; row < count; row += kLanes) {
+    const Vector scale = call.rowScales != nullptr ? Load(call.rowScales + row) : 1.0;
+    const Exact value = K::Value(call.constants, Load(states + row), scale);
+    Store(call.values + row, value.value);
+    open |= static_cast<std::uint32_t>(value.open) << row;
   }
-  const Vector scale = call.rowScales != nullptr ? Load(call.rowScales + first) : 1.0;
-  const Exact value = ValueOf<K>(call.constants, state, scale);
-  Store(call.values + first, value.value);
-  if (value.open == 0) return;
-  double states[kLanes];
-  Store(states, state);
-  for (unsigned open = value.open; open != 0; open &= open - 1U) {
-    const std::size_t row = first + FirstOf(open);
-    const double own = call.rowScales != nullptr ? call.rowScales[row] : 1.0;
-    call.values[row] = call.kernel->value(call.constants, states[row - first], own);
+  for (; open != 0; open &= open - 1U) {
+    const std::size_t row = FirstOf(open);
+    const double scale = call.rowScales != nullptr ? call.rowScales[row] : 1.0;
+    call.values[row] = call.kernel->value(call.constants, states[row], scale);
   }
 }
 
 template <class K, bool kScaled>
-PXROM_INLINE void ForEachVectorOfRows(const RowKernels& call) {
-  const std::size_t count = call.count;
-  for (std::size_t first = 0; first < count; first += kLanes) {
+PXROM_INLINE void ForRows(const RowKernels& call) {
+  static_assert(kRows <= 32);
+  double states[kRows];
+  for (std::size_t row = 0; row < call.count; row += kLanes) {
     Vector state = K::kStart;
-    ForColumns<kScaled>(call, call.rows + first, 0, call.inputs, [&](std::size_t i, Vector column) {
+    ForColumns<kScaled>(call, call.rows + row, 0, call.inputs, [&](std::size_t i, Vector column) {
       state = Step<K>(call.constants, state, Vector(call.x[i]), column, ScaleOf(call, i));
     });
-    FinishRows<K>(call, first, state);
+    Store(states + row, state);
   }
+  FinishRows<K>(call, states);
 }
 
 /// The same where each step needs a function that the host may have to compute: some inputs of all
@@ -101,9 +101,7 @@ PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
       Store(states + row, state);
     }
   }
-  for (std::size_t row = 0; row < count; row += kLanes) {
-    FinishRows<K>(call, row, Load(states + row));
-  }
+  FinishRows<K>(call, states);
 }
 
 template <class K, bool kScaled>
@@ -111,10 +109,7 @@ PXROM_INLINE void RowsOf(const RowKernels& call) {
   if constexpr (K::kAsksPerInput) {
     ForRowsByStep<K, kScaled>(call);
   } else {
-    ForEachVectorOfRows<K, kScaled>(call);
-  }
-  if constexpr (!K::kHasVectorForm) {
-    call.kernel->values(call.constants, call.rowScales, call.count, call.values);
+    ForRows<K, kScaled>(call);
   }
 }
 

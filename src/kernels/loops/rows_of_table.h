@@ -9,15 +9,6 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 template <class K>
-void ValuesOfStates(const Constants& constants, const double* scales, std::size_t count,
-                    double* states) {
-  const Constants own = constants;
-  for (std::size_t k = 0; k < count; ++k) {
-    states[k] = K::Value(own, states[k], scales != nullptr ? scales[k] : 1.0);
-  }
-}
-
-template <class K>
 void AnswerValues(const KernelSum& call, std::size_t firstCentre, const Question* questions,
                   std::size_t count, double* values) {
   for (const Question* question = questions; question != questions + count; ++question) {
@@ -40,12 +31,12 @@ constexpr FastForm kFastForm = {Fast::kMostInputs, &Fast::InputFactor, &Fast::Ce
 
 template <class K>
 constexpr Kernel KernelOf(std::size_t index) {
-  Kernel kernel = {K::kName,           index,
-                   K::kShape,          K::kOperations,
-                   &K::ConstantsFor,   &K::template Value<double>,
-                   &ValuesOfStates<K>, &PlainRows<K>,
-                   &AnswerValues<K>,   nullptr,
-                   &AddGradients<K>,   nullptr};
+  Kernel kernel = {K::kName,         index,
+                   K::kShape,        K::kOperations,
+                   &K::ConstantsFor, &K::template Value<double>,
+                   &PlainRows<K>,    &AnswerValues<K>,
+                   nullptr,          &AddGradients<K>,
+                   nullptr};
   if constexpr (K::kAsksPerInput) kernel.answerSteps = &AnswerSteps<K>;
   if constexpr (kHasFast<K>) kernel.fast = &kFastForm<typename K::Fast>;
   return kernel;

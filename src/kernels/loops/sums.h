@@ -10,16 +10,6 @@ namespace {
 
 using namespace simd;
 
-/// The kernel for the last state of its steps.
-template <class K>
-PXROM_INLINE Exact ValueOf(const Constants& constants, Vector state, Vector scale) {
-  if constexpr (K::kHasVectorForm) {
-    return K::Value(constants, state, scale);
-  } else {
-    return {state, kAllLanes};
-  }
-}
-
 /// The values that the host has to compute, and where the kernel values go.
 struct Pending {
   Question* questions;
@@ -42,7 +32,7 @@ PXROM_INLINE void FinishValues(const KernelSum& call, Pending& pending, std::siz
   const Vector scale = call.centreScales != nullptr ? call.centreScales[centre] : 1.0;
   for (std::size_t u = 0; u < size.count; ++u) {
     const std::size_t place = row * kBlock + point + u * kLanes;
-    const Exact value = ValueOf<K>(call.constants, state[u], scale);
+    const Exact value = K::Value(call.constants, state[u], scale);
     Store(pending.values + place, value.value);
     if (value.open != 0) Ask(pending, value.open, state[u], place);
   }
