@@ -52,7 +52,7 @@ bool IsServed(const Family& family, const CRSData& record, std::size_t inputs) {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareSurface(const CRSData& record, std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareSurface(const CRSData& record, std::size_t inputs) {
   const Family* const family = FindFamily(record.DataType());
   if (family == nullptr || !family->hasValue) return PrepareRefused();
   if (family->prepare == nullptr)

@@ -30,9 +30,15 @@ struct CPreparedModel::Parts {
   std::vector<EnsembleCost> costs;
   CEvaluationLimit limit;
   std::vector<std::shared_ptr<const PreparedOutput>> outputs;
+  std::vector<std::size_t> centreCounts;  ///< by the slots of batch::Sharing
+  std::size_t errorSlotCount = 0;
+  /// How many surfaces take the values of each slot, without and with errors; empty if none are
+  /// taken twice.
+  std::vector<std::size_t> uses[2];
   const LoopTable* exact = nullptr;
   const LoopTable* fast = nullptr;
 
+  void CountUses();
   EnsembleCost Cost() const;
   std::vector<std::size_t> Order(const double* row) const;
   void FillBlock(const double* points, std::size_t count, double* x) const;
@@ -121,6 +127,63 @@ class AlignedArea {
 
 }  // namespace
 
+/// What an evaluation has in common for several surfaces.
+class CPreparedModel::SharedArea {
+ public:
+  SharedArea(const Parts& parts, bool withErrors, std::size_t blocks) {
+    const std::vector<std::size_t>& uses = parts.uses[withErrors ? 1 : 0];
+    if (uses.empty()) return;
+    values_.resize(uses.size());
+    if (withErrors && parts.errorSlotCount <= kMostErrors) errors_.resize(parts.errorSlotCount);
+    std::vector<std::size_t> starts;
+    std::size_t total = 0;
+    for (std::size_t slot = 0; slot < uses.size(); ++slot) {
+      const std::size_t size = parts.centreCounts[slot] * blocks * kBlock;
+      const bool isShared = uses[slot] > 1 && size <= kMostShared - total;
+      starts.push_back(isShared ? total : kMostShared);
+      if (isShared) total += size;
+    }
+    // Not filled with zeros: only what was written is read.
+    area_.reset(new double[total]);
+    for (std::size_t slot = 0; slot < uses.size(); ++slot) {
+      if (starts[slot] < kMostShared) values_[slot].values = area_.get() + starts[slot];
+    }
+  }
+
+  batch::SharedValues* Values() { return values_.empty() ? nullptr : values_.data(); }
+  batch::SharedErrors* Errors() { return errors_.empty() ? nullptr : errors_.data(); }
+
+  /// Other points follow.
+  void Clear() {
+    using Form = batch::SharedValues::Form;
+    for (auto& each : values_) std::fill(std::begin(each.forms), std::end(each.forms), Form::None);
+    for (auto& each : errors_) {
+      std::fill(std::begin(each.areFilled), std::end(each.areFilled), false);
+    }
+  }
+
+ private:
+  // Beyond this, values would come from far away, and one evaluation could take much memory.
+  static constexpr std::size_t kMostShared = std::size_t{1} << 21U;
+  static constexpr std::size_t kMostErrors = 256;
+
+  std::vector<batch::SharedValues> values_;
+  std::vector<batch::SharedErrors> errors_;
+  std::unique_ptr<double[]> area_;
+};
+
+void CPreparedModel::Parts::CountUses() {
+  for (const bool withErrors : {false, true}) {
+    std::vector<std::size_t>& counts = uses[withErrors ? 1 : 0];
+    counts.assign(centreCounts.size(), 0);
+    for (const auto& output : outputs) {
+      for (const std::size_t slot : output->Slots(withErrors)) ++counts[slot];
+    }
+    const auto isShared = [](std::size_t count) { return count > 1; };
+    if (std::none_of(counts.begin(), counts.end(), isShared)) counts.clear();
+  }
+}
+
 EnsembleCost CPreparedModel::Parts::Cost() const {
   EnsembleCost all;
   for (const EnsembleCost& cost : costs) all += cost;
@@ -189,11 +252,15 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     while (last < inputs.size() && inputs[last].first == inputs[first].first) ++last;
     if (last - first > 1) parts->ties.push_back({first, last});
   }
+  batch::Sharing sharing;
   for (const auto& [id, candidates] : *candidatesByID) {
     parts->outputIDs.push_back(id);
     parts->costs.push_back(CostOf(*candidates));
-    parts->outputs.push_back(std::make_shared<PreparedOutput>(*candidates, inputs.size()));
+    parts->outputs.push_back(std::make_shared<PreparedOutput>(*candidates, inputs.size(), sharing));
   }
+  parts->centreCounts = sharing.Counts();
+  parts->errorSlotCount = sharing.ErrorSlotCount();
+  parts->CountUses();
   parts->fast = kernels::FindLoops(kernels::BestInstructionSet());
   parts->exact = kernels::ExactLoops();
   out.parts_ = std::move(parts);
@@ -216,6 +283,7 @@ int CPreparedModel::Select(const std::vector<std::string>& outputIDs, CPreparedM
     parts->costs.push_back(parts_->costs[at]);
     parts->outputs.push_back(parts_->outputs[at]);
   }
+  parts->CountUses();
   out.parts_ = std::move(parts);
   return 0;
 }
@@ -258,26 +326,40 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   double* const x = area.Start();
   double* const ownValues = x + inputs * size;
   double* const ownErrors = ownValues + size;
-  const batch::Tools tools = {parts_->exact, parts_->fast, ownErrors + size, questions.data()};
+  SharedArea shared(*parts_, withErrors, blocks);
+  const batch::Tools tools = {parts_->exact,    parts_->fast,    ownErrors + size,
+                              questions.data(), shared.Values(), shared.Errors()};
   const batch::Results results = {ownValues, withErrors ? ownErrors : nullptr, ownStatuses.data()};
 
-  for (std::size_t o = 0; o < outputs; ++o) {
+  const auto evaluate = [&](std::size_t o, std::size_t first, std::size_t count,
+                            batch::FastProgress& progress) {
     const PreparedOutput& output = *parts_->outputs[o];
     const std::size_t atOnce = blocksAtOnce(output) * kBlock;
-    batch::FastProgress progress;
-    for (std::size_t first = 0; first < rows; first += atOnce) {
-      const std::size_t count = std::min(atOnce, rows - first);
-      for (std::size_t block = 0; block < count && inputs > 0; block += kBlock) {
-        parts_->FillBlock(points + (first + block) * inputs, std::min(kBlock, count - block),
-                          x + block * inputs);
-      }
-      output.Evaluate({x, count}, tools, results, mode == PrecisionFast ? &progress : nullptr);
-      for (std::size_t point = 0; point < count; ++point) {
-        const std::size_t at = (first + point) * outputs + o;
+    for (std::size_t done = 0; done < count; done += atOnce) {
+      const std::size_t some = std::min(atOnce, count - done);
+      output.Evaluate({x + done * inputs, some, done / kBlock}, tools, results,
+                      mode == PrecisionFast ? &progress : nullptr);
+      for (std::size_t point = 0; point < some; ++point) {
+        const std::size_t at = (first + done + point) * outputs + o;
         values[at] = ownValues[point];
         if (withErrors) errors[at] = ownErrors[point];
         if (statuses != nullptr) statuses[at] = ownStatuses[point];
       }
+    }
+  };
+  // Outputs that share values take turns. Others have all points one after the other, since a
+  // processor keeps what it has just read.
+  const std::size_t together = shared.Values() != nullptr ? outputs : 1;
+  std::vector<batch::FastProgress> progress(outputs);
+  for (std::size_t o = 0; o < outputs; o += together) {
+    for (std::size_t first = 0; first < rows; first += size) {
+      const std::size_t count = std::min(size, rows - first);
+      for (std::size_t block = 0; block < count && inputs > 0; block += kBlock) {
+        parts_->FillBlock(points + (first + block) * inputs, std::min(kBlock, count - block),
+                          x + block * inputs);
+      }
+      shared.Clear();
+      for (std::size_t k = o; k < o + together; ++k) evaluate(k, first, count, progress[k]);
     }
   }
   return 0;

@@ -19,10 +19,16 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kFastTolerance = 0.9e-11;
 
 std::vector<std::unique_ptr<const PreparedSurface>> Prepare(
-    const std::vector<std::shared_ptr<CRSData>>& records, std::size_t inputs) {
+    const std::vector<std::shared_ptr<CRSData>>& records, std::size_t inputs, Sharing& sharing,
+    std::vector<std::size_t>& slots) {
   std::vector<std::unique_ptr<const PreparedSurface>> surfaces;
   surfaces.reserve(records.size());
-  for (const auto& record : records) surfaces.push_back(PrepareSurface(*record, inputs));
+  for (const auto& record : records) {
+    std::unique_ptr<PreparedSurface> surface = PrepareSurface(*record, inputs);
+    const std::size_t slot = surface->Share(sharing);
+    if (slot != Sharing::kNoSlot) slots.push_back(slot);
+    surfaces.push_back(std::move(surface));
+  }
   return surfaces;
 }
 
@@ -69,7 +75,8 @@ struct PreparedOutput::Work {
   std::size_t size;
 };
 
-PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs)
+PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs,
+                               Sharing& sharing)
     : inputs_(inputs) {
   const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
   if (candidate == nullptr || Access::InputScaleSlopes(*candidate).size() != inputs ||
@@ -82,15 +89,22 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   inputIntercepts_ = Access::InputScaleIntercepts(*candidate);
   candidate->GetOutputScaleSlope(outputSlope_);
   candidate->GetOutputScaleIntercept(outputIntercept_);
-  surfaces_ = Prepare(Access::Surfaces(*candidate), inputs);
+  sharing.Enter(inputSlopes_, inputIntercepts_);
+  surfaces_ = Prepare(Access::Surfaces(*candidate), inputs, sharing, slots_);
   weights_ = Access::Weights(*candidate);
   if (!candidate->GetIsErrPredRequired()) return;
 
   const std::optional<CrossValidation> validation = ValidationOf(*candidate, inputs);
   areErrorsRefused_ = !validation.has_value();
   if (areErrorsRefused_) return;
-  subSurfaces_ = Prepare(Access::SubSurfaces(*candidate), inputs);
+  subSurfaces_ = Prepare(Access::SubSurfaces(*candidate), inputs, sharing, subSlots_);
   validation_ = std::make_unique<PreparedCrossValidation>(*validation, inputs);
+}
+
+std::vector<std::size_t> PreparedOutput::Slots(bool withErrors) const {
+  std::vector<std::size_t> slots = slots_;
+  if (withErrors) slots.insert(slots.end(), subSlots_.begin(), subSlots_.end());
+  return slots;
 }
 
 std::size_t PreparedOutput::BlocksAtOnce(bool withErrors) const {
@@ -207,8 +221,9 @@ void PreparedOutput::AddWithErrors(std::size_t surface, const Work& work, const 
   std::vector<int> own(scaled.count);
   for (std::size_t first = 0; first < scaled.count; first += atOnce) {
     surfaces_[surface]->Evaluate(
-        {scaled.x + first * inputs_, std::min(atOnce, scaled.count - first)}, tools,
-        {work.values + first, work.errors + first, own.data() + first});
+        {scaled.x + first * inputs_, std::min(atOnce, scaled.count - first),
+         scaled.firstBlock + first / kBlock},
+        tools, {work.values + first, work.errors + first, own.data() + first});
   }
   for (std::size_t point = 0; point < scaled.count; ++point) {
     // Status 1 takes precedence over -2, and -2 over 0.
@@ -233,7 +248,7 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
       to[point] = inputSlopes_[i] * from[point] + inputIntercepts_[i];
     }
   }
-  const Points scaled = {work.x, points.count};
+  const Points scaled = {work.x, points.count, points.firstBlock};
   Tools surfaceTools = tools;
   surfaceTools.work = work.surface;
   std::fill_n(results.values, points.count, 0.0);

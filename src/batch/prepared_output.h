@@ -21,7 +21,10 @@ struct FastProgress {
 /// One prepared output: the ensemble of the candidate that its list has chosen. It never changes.
 class PreparedOutput {
  public:
-  PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs);
+  PreparedOutput(const CFittingCandidates& candidates, std::size_t inputs, Sharing& sharing);
+
+  /// The slots of the kernel values that an evaluation takes, one for each surface that has one.
+  std::vector<std::size_t> Slots(bool withErrors) const;
 
   /// How many blocks Evaluate takes at a time, see PreparedSurface.
   std::size_t BlocksAtOnce(bool withErrors) const;
@@ -63,6 +66,8 @@ class PreparedOutput {
   Surfaces surfaces_;
   std::vector<double> weights_;
   Surfaces subSurfaces_;
+  std::vector<std::size_t> slots_;
+  std::vector<std::size_t> subSlots_;
   std::unique_ptr<const PreparedCrossValidation> validation_;
 };
 

@@ -54,6 +54,14 @@ struct ErrorNorms::Work {
 ErrorNorms::ErrorNorms(Panels c, Panels f, Panels g)
     : c_(std::move(c)), f_(std::move(f)), g_(std::move(g)) {}
 
+int ErrorNorms::Compare(const ErrorNorms& other) const {
+  for (const auto matrix : {&ErrorNorms::c_, &ErrorNorms::f_, &ErrorNorms::g_}) {
+    const int order = (this->*matrix).Compare(other.*matrix);
+    if (order != 0) return order;
+  }
+  return 0;
+}
+
 std::size_t ErrorNorms::WorkSize(std::size_t blocks) const {
   return Work(*this, blocks, nullptr).size;
 }

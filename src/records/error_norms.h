@@ -19,6 +19,9 @@ class ErrorNorms {
 
   ErrorNorms(simd::Panels c, simd::Panels f, simd::Panels g);
 
+  /// Negative, 0 or positive: an order by the bits of the matrices.
+  int Compare(const ErrorNorms& other) const;
+
   /// The rows of a block's w: those of G and what pads them to whole panels.
   std::size_t FunctionRows() const { return g_.Count() * simd::kPanelRows; }
   std::size_t WorkSize(std::size_t blocks) const;

@@ -16,9 +16,7 @@ class RefusedSurface : public PreparedSurface {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareRefused() {
-  return std::make_unique<RefusedSurface>();
-}
+std::unique_ptr<PreparedSurface> PrepareRefused() { return std::make_unique<RefusedSurface>(); }
 
 void EvaluateOneByOne(const CRSEvaluator& evaluator, const CRSData& record, std::size_t inputs,
                       const Points& points, const Results& results) {

@@ -7,6 +7,7 @@
 #include "kernels/loops/loop_table.h"
 #include "pxrom/rs_data.h"
 #include "pxrom/rs_evaluator.h"
+#include "records/sharing.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -40,12 +41,16 @@ struct Tools {
   const kernels::LoopTable* fast = nullptr;
   double* work = nullptr;         ///< WorkSize values
   Question* questions = nullptr;  ///< QuestionCount of them
+  /// By the slots of Sharing; null where nothing is shared.
+  SharedValues* shared = nullptr;
+  SharedErrors* sharedErrors = nullptr;
 };
 
 /// The points of one or more blocks, in the space that the candidate hands to its surfaces.
 struct Points {
-  const double* x = nullptr;  ///< block by block, in each of them input by input, see kBlock
-  std::size_t count = 0;      ///< 1 or more; copies of the last one fill up the last block
+  const double* x = nullptr;   ///< block by block, in each of them input by input, see kBlock
+  std::size_t count = 0;       ///< 1 or more; copies of the last one fill up the last block
+  std::size_t firstBlock = 0;  ///< which of the blocks for which values are shared
 };
 
 /// The results of the blocks: kBlock values for each of them, of which the first Points::count
@@ -56,13 +61,17 @@ struct Results {
   int* statuses = nullptr;   ///< as the evaluator's: 0, 1 or, with errors, -2
 };
 
-/// One surface, prepared for many points. It never changes.
+/// One surface, prepared for many points. It never changes after Share.
 class PreparedSurface {
  public:
   PreparedSurface() = default;
   PreparedSurface(const PreparedSurface&) = delete;
   PreparedSurface& operator=(const PreparedSurface&) = delete;
   virtual ~PreparedSurface() = default;
+
+  /// Called once, before any evaluation: replaces what other surfaces have too. Returns the slot of
+  /// its kernel values, or kNoSlot.
+  virtual std::size_t Share(Sharing& /*sharing*/) { return Sharing::kNoSlot; }
 
   /// How many blocks Evaluate takes at a time; with errors several where their time goes into
   /// products with a matrix, which is then read less often.
@@ -90,7 +99,7 @@ class PreparedSurface {
 
 /// A surface with the status 1 at every point, which is what an evaluator gives for a record that
 /// is not ready, stopped, or inconsistent.
-std::unique_ptr<const PreparedSurface> PrepareRefused();
+std::unique_ptr<PreparedSurface> PrepareRefused();
 
 /// PreparedSurface::Evaluate by the evaluator itself, one point of `inputs` values after the other.
 void EvaluateOneByOne(const CRSEvaluator& evaluator, const CRSData& record, std::size_t inputs,

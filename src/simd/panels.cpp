@@ -1,6 +1,8 @@
 #include "simd/panels.h"
 
 #include <algorithm>
+#include <cstring>
+#include <tuple>
 
 namespace Tarvane::Plexura::PXROM::simd {
 
@@ -11,6 +13,14 @@ void Panels::LayOut() {
     starts_.push_back(starts_.back() + *std::max_element(first, first + count) * kPanelRows);
   }
   values_.resize(starts_.back());
+}
+
+int Panels::Compare(const Panels& other) const {
+  const auto shape = std::tie(columns_, rest_, lengths_);
+  const auto otherShape = std::tie(other.columns_, other.rest_, other.lengths_);
+  if (shape != otherShape) return shape < otherShape ? -1 : 1;
+  if (values_.empty()) return 0;
+  return std::memcmp(values_.data(), other.values_.data(), values_.size() * sizeof(double));
 }
 
 void Panels::FillRows(std::size_t panel, const double* x, double* to) const {

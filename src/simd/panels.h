@@ -37,6 +37,9 @@ class Panels {
     return Panels(order, std::move(lengths), Rest::Nothing, row);
   }
 
+  /// Negative, 0 or positive: an order by the bits.
+  int Compare(const Panels& other) const;
+
   std::size_t Rows() const { return lengths_.size(); }
   std::size_t Columns() const { return columns_; }
   std::size_t Count() const { return starts_.size() - 1; }

@@ -33,7 +33,7 @@ void TakeValue(const CRSData& record, double& value) {
   static_cast<const CConstantData&>(record).GetConstantValue(value);
 }
 
-std::unique_ptr<const batch::PreparedSurface> Prepare(const CRSData& record, std::size_t inputs) {
+std::unique_ptr<batch::PreparedSurface> Prepare(const CRSData& record, std::size_t inputs) {
   double value = 0.0;
   TakeValue(record, value);
   return std::make_unique<ConstantSurface>(value, inputs);

@@ -290,7 +290,7 @@ class ProcessSurface : public PreparedSurface {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareGaussianProcess(const CRSData& record, std::size_t) {
+std::unique_ptr<PreparedSurface> PrepareGaussianProcess(const CRSData& record, std::size_t) {
   return std::make_unique<ProcessSurface>(static_cast<const CGaussianProcessData&>(record));
 }
 

@@ -6,7 +6,6 @@
 
 namespace Tarvane::Plexura::PXROM::batch {
 
-std::unique_ptr<const PreparedSurface> PrepareGaussianProcess(const CRSData& record,
-                                                              std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareGaussianProcess(const CRSData& record, std::size_t inputs);
 
 }  // namespace Tarvane::Plexura::PXROM::batch

@@ -23,10 +23,10 @@ struct KernelWork {
     values = area.Take((withErrors ? errorBlocks * n : std::min(n, kernels::kChunk)) * kBlock);
     steps = area.Take(2 * model.inputs * kBlock);
     if (withErrors) {
-      w = area.Take(errorBlocks * model.error->norms.FunctionRows() * kBlock);
+      w = area.Take(errorBlocks * model.error->norms->FunctionRows() * kBlock);
       squaresOfV = area.Take(errorBlocks * kBlock);
       squaresOfG = area.Take(errorBlocks * kBlock);
-      norms = area.Take(model.error->norms.WorkSize(errorBlocks));
+      norms = area.Take(model.error->norms->WorkSize(errorBlocks));
     }
     size = area.Used();
   }
@@ -43,10 +43,37 @@ struct KernelWork {
   std::size_t size;
 };
 
+Sharing::Array ArrayOf(std::vector<double> values) {
+  return std::make_shared<const std::vector<double>>(std::move(values));
+}
+
 class KernelSurface : public PreparedSurface {
  public:
   explicit KernelSurface(KernelModel model)
-      : model_(std::move(model)), fast_(FindFastKernels(model_)) {}
+      : model_(std::move(model)),
+        fast_(FindFastKernels(model_)),
+        centres_(ArrayOf(std::move(model_.centres))),
+        fastCentres_(ArrayOf(std::move(fast_.centres))) {}
+
+  std::size_t Share(Sharing& sharing) override {
+    if (model_.kernel == nullptr) return Sharing::kNoSlot;
+    centres_ = sharing.Pooled(centres_);
+    fastCentres_ = sharing.Pooled(fastCentres_);
+    slot_ = sharing.SlotOf(model_.kernel,
+                           {ArrayOf(model_.inputSlopes), ArrayOf(model_.inputIntercepts), centres_,
+                            ArrayOf(model_.scales), ArrayOf(model_.centreScales)},
+                           model_.centreCount);
+    if (model_.error != nullptr) {
+      model_.error->norms = sharing.Pooled(model_.error->norms);
+      std::vector<double> functions;
+      for (const Monomial& term : model_.trend) {
+        functions.insert(functions.end(),
+                         {static_cast<double>(term.first), static_cast<double>(term.second)});
+      }
+      errorSlot_ = sharing.ErrorSlotOf(slot_, model_.error->norms, ArrayOf(std::move(functions)));
+    }
+    return slot_;
+  }
 
   std::size_t BlocksAtOnce(bool withErrors) const override {
     return withErrors && model_.error != nullptr ? ErrorNorms::kBlocksAtOnce : 1;
@@ -73,7 +100,7 @@ class KernelSurface : public PreparedSurface {
     }
     const KernelWork work(model_, 0, tools.work);
     Scale(points, work);
-    SumExactly(points.count, tools, work, nullptr);
+    SumExactly(points.count, points.firstBlock, tools, work, nullptr);
     FinishValues(points.count, *tools.exact, work, results.values);
   }
 
@@ -95,17 +122,9 @@ class KernelSurface : public PreparedSurface {
       Evaluate(points, tools, results);
       return;
     }
-    kernels::KernelSum call = Call(points.count, work);
     // The trend is computed first, since the points are overwritten below.
     AddTrend(points.count, *tools.exact, work);
-    for (std::size_t i = 0; i < model_.inputs; ++i) {
-      for (std::size_t point = 0; point < kBlock; ++point) {
-        work.x[i * kBlock + point] *= fast_.inputFactors[i];
-      }
-    }
-    call.centres = fast_.centres.data();
-    call.centreScales = fast_.centreFactors.empty() ? nullptr : fast_.centreFactors.data();
-    tools.fast->byKernel[model_.kernel->index].fastSum(call);
+    SumFast(points.count, points.firstBlock, tools, work);
     Backscale(points.count, work, results.values);
     std::fill_n(results.statuses, points.count, 0);
   }
@@ -157,7 +176,7 @@ class KernelSurface : public PreparedSurface {
     call.inputs = model_.inputs;
     call.constants = model_.constants;
     call.centreCount = model_.centreCount;
-    call.centres = model_.centres.data();
+    call.centres = centres_->data();
     call.scales = model_.scales.data();
     call.centreScales = model_.centreScales.empty() ? nullptr : model_.centreScales.data();
     call.weights = model_.weights.data();
@@ -176,8 +195,8 @@ class KernelSurface : public PreparedSurface {
     return call;
   }
 
-  /// Stores the kernels of all centres in `values` unless that is null.
-  void SumExactly(std::size_t count, const Tools& tools, const KernelWork& work,
+  /// Stores the kernels of all centres in `values` unless that is null, or where they are shared.
+  void SumExactly(std::size_t count, std::size_t block, const Tools& tools, const KernelWork& work,
                   double* values) const {
     if (model_.kernel == nullptr) {
       std::fill_n(work.sums, kBlock, model_.start);
@@ -187,7 +206,51 @@ class KernelSurface : public PreparedSurface {
     call.keepsValues = values != nullptr;
     if (call.keepsValues) call.values = values;
     call.questions = tools.questions;
+    if (SharedValues* const shared = SharedIn(tools)) {
+      call.keepsValues = true;
+      call.values = shared->Of(block, model_.centreCount);
+      if (shared->forms[block] == SharedValues::Form::Exact) {
+        tools.exact->weigh(call);
+        return;
+      }
+      shared->forms[block] = SharedValues::Form::Exact;
+    }
     tools.exact->byKernel[model_.kernel->index].sum(call);
+  }
+
+  void SumFast(std::size_t count, std::size_t block, const Tools& tools,
+               const KernelWork& work) const {
+    kernels::KernelSum call = Call(count, work);
+    const kernels::KernelLoops& loops = tools.fast->byKernel[model_.kernel->index];
+    SharedValues* const shared = SharedIn(tools);
+    if (shared != nullptr) {
+      call.values = shared->Of(block, model_.centreCount);
+      if (shared->forms[block] == SharedValues::Form::Fast) {
+        tools.fast->fastWeigh(call);
+        return;
+      }
+    }
+    for (std::size_t i = 0; i < model_.inputs; ++i) {
+      for (std::size_t point = 0; point < kBlock; ++point) {
+        work.x[i * kBlock + point] *= fast_.inputFactors[i];
+      }
+    }
+    call.centres = fastCentres_->data();
+    call.centreScales = fast_.centreFactors.empty() ? nullptr : fast_.centreFactors.data();
+    if (shared == nullptr) {
+      loops.fastSum(call);
+      return;
+    }
+    loops.fastValues(call);
+    tools.fast->fastWeigh(call);
+    shared->forms[block] = SharedValues::Form::Fast;
+  }
+
+  /// The kernel values that other surfaces need too; null if there are none.
+  SharedValues* SharedIn(const Tools& tools) const {
+    if (slot_ == Sharing::kNoSlot || tools.shared == nullptr) return nullptr;
+    SharedValues& shared = tools.shared[slot_];
+    return shared.values != nullptr ? &shared : nullptr;
   }
 
   void AddTrend(std::size_t count, const LoopTable& loops, const KernelWork& work) const {
@@ -211,31 +274,52 @@ class KernelSurface : public PreparedSurface {
   /// All blocks of the points.
   void EvaluateWithErrors(const Points& points, const Tools& tools, const Results& results) const {
     const KrigingErrorData& data = *model_.error;
+    const std::size_t n = model_.centreCount;
     const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
     const KernelWork work(model_, blocks, tools.work);
+    SharedErrors* const shared = errorSlot_ != Sharing::kNoSlot && tools.sharedErrors != nullptr
+                                     ? &tools.sharedErrors[errorSlot_]
+                                     : nullptr;
+    const bool areNormsThere =
+        shared != nullptr && shared->AreFilled(points.firstBlock, points.firstBlock + blocks);
     for (std::size_t b = 0; b < blocks; ++b) {
       const std::size_t first = b * kBlock;
       const Points block = {points.x + first * model_.inputs,
-                            std::min(kBlock, points.count - first)};
+                            std::min(kBlock, points.count - first), points.firstBlock + b};
       Scale(block, work);
-      SumExactly(block.count, tools, work, work.values + first * model_.centreCount);
+      SumExactly(block.count, block.firstBlock, tools, work, work.values + first * n);
       FinishValues(block.count, *tools.exact, work, results.values + first);
-      double* const w = work.w + first * data.norms.FunctionRows();
+      if (areNormsThere) continue;
+      double* const w = work.w + first * data.norms->FunctionRows();
       tools.exact->products({model_.trend.data(), model_.trend.size(), false}, work.x, block.count,
                             w);
       for (std::size_t k = 0; k < data.functions * kBlock; ++k) w[k] = -w[k];
     }
-    data.norms.Fill(*tools.exact, {points.count, work.values, work.w, work.norms, work.squaresOfV,
-                                   work.squaresOfG});
+    double* squaresOfV = work.squaresOfV;
+    double* squaresOfG = work.squaresOfG;
+    if (shared != nullptr) {
+      squaresOfV = shared->squaresOfV + points.firstBlock * kBlock;
+      squaresOfG = shared->squaresOfG + points.firstBlock * kBlock;
+    }
+    if (!areNormsThere) {
+      const SharedValues* const values = SharedIn(tools);
+      const double* const r = values != nullptr ? values->Of(points.firstBlock, n) : work.values;
+      data.norms->Fill(*tools.exact, {points.count, r, work.w, work.norms, squaresOfV, squaresOfG});
+      if (shared != nullptr) shared->SetFilled(points.firstBlock, points.firstBlock + blocks);
+    }
     for (std::size_t point = 0; point < points.count; ++point) {
-      const double nc = std::sqrt(work.squaresOfV[point]);
-      const double ng = std::sqrt(work.squaresOfG[point]);
+      const double nc = std::sqrt(squaresOfV[point]);
+      const double ng = std::sqrt(squaresOfG[point]);
       results.errors[point] = std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * data.sigma2));
     }
   }
 
-  KernelModel model_;
-  FastKernels fast_;
+  KernelModel model_;  ///< without the centres
+  FastKernels fast_;   ///< also without them
+  Sharing::Array centres_;
+  Sharing::Array fastCentres_;
+  std::size_t slot_ = Sharing::kNoSlot;
+  std::size_t errorSlot_ = Sharing::kNoSlot;
 };
 
 }  // namespace
@@ -255,7 +339,7 @@ std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
   return terms;
 }
 
-std::unique_ptr<const PreparedSurface> MakeKernelSurface(KernelModel model) {
+std::unique_ptr<PreparedSurface> MakeKernelSurface(KernelModel model) {
   return std::make_unique<KernelSurface>(std::move(model));
 }
 

@@ -15,7 +15,7 @@ namespace Tarvane::Plexura::PXROM::batch {
 struct KrigingErrorData {
   std::size_t functions;
   double sigma2;
-  ErrorNorms norms;
+  std::shared_ptr<const ErrorNorms> norms;
 };
 
 /// What Kriging, support vector and linear basis surfaces have in common:
@@ -47,22 +47,20 @@ struct KernelModel {
   /// Whether the evaluator has a form with errors; else that form returns 1.
   bool hasErrorForm = false;
   /// The data of the error; without them the form with errors returns -2.
-  std::unique_ptr<const KrigingErrorData> error;
+  std::unique_ptr<KrigingErrorData> error;
 };
 
 /// The first `count` functions of a polynomial basis as products of variables, with coefficients.
 std::vector<Monomial> TrendTerms(E_PolynomialType type, std::size_t inputs,
                                  const std::vector<double>& coefficients);
 
-std::unique_ptr<const PreparedSurface> MakeKernelSurface(KernelModel model);
+std::unique_ptr<PreparedSurface> MakeKernelSurface(KernelModel model);
 
 // One for each family of this kind, for points of `inputs` values. They keep no reference to the
 // record.
-std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& record, std::size_t inputs);
-std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& record,
-                                                            std::size_t inputs);
-std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& record,
-                                                          std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareKriging(const CRSData& record, std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareSupportVector(const CRSData& record, std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareLinearBasis(const CRSData& record, std::size_t inputs);
 
 /// A model in the form of the fast sums: points and centres are multiplied by a factor per input,
 /// and the centres' scales are replaced by the factor of the (squared) distance.

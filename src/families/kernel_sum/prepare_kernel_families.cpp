@@ -59,8 +59,7 @@ void ScaleCentres(const double* slopes, const double* intercepts, KernelModel& m
   }
 }
 
-std::unique_ptr<const KrigingErrorData> ErrorDataOf(const CKrigingData& record,
-                                                    std::size_t functions) {
+std::unique_ptr<KrigingErrorData> ErrorDataOf(const CKrigingData& record, std::size_t functions) {
   if (!kriging::PredictorError(record, functions).IsPredicted()) return nullptr;
   const auto n = static_cast<std::size_t>(record.NumberOfSamples);
   const auto rowOf = [](const Matrix& matrix) {
@@ -68,16 +67,16 @@ std::unique_ptr<const KrigingErrorData> ErrorDataOf(const CKrigingData& record,
   };
   using simd::Panels;
   // As fitted, InvC is triangular.
-  return std::make_unique<KrigingErrorData>(KrigingErrorData{
-      functions,
-      record.Sigma2,
-      {Panels::BeforeZeros(n, n, rowOf(record.InvC)), Panels::OfAll(functions, n, rowOf(record.Ft)),
-       Panels::OfAll(functions, functions, rowOf(record.InvG))}});
+  auto norms = std::make_shared<const ErrorNorms>(
+      Panels::BeforeZeros(n, n, rowOf(record.InvC)), Panels::OfAll(functions, n, rowOf(record.Ft)),
+      Panels::OfAll(functions, functions, rowOf(record.InvG)));
+  return std::make_unique<KrigingErrorData>(
+      KrigingErrorData{functions, record.Sigma2, std::move(norms)});
 }
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& base, std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareKriging(const CRSData& base, std::size_t inputs) {
   const auto& record = static_cast<const CKrigingData&>(base);
   KernelModel model = StartModel(record, inputs);
   TakeScaling(record, model);
@@ -100,8 +99,7 @@ std::unique_ptr<const PreparedSurface> PrepareKriging(const CRSData& base, std::
   return MakeKernelSurface(std::move(model));
 }
 
-std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& base,
-                                                            std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareSupportVector(const CRSData& base, std::size_t inputs) {
   const auto& record = static_cast<const CSVRData&>(base);
   KernelModel model = StartModel(record, inputs);
   const Multipliers multipliers(record);
@@ -120,7 +118,7 @@ std::unique_ptr<const PreparedSurface> PrepareSupportVector(const CRSData& base,
   return MakeKernelSurface(std::move(model));
 }
 
-std::unique_ptr<const PreparedSurface> PrepareLinearBasis(const CRSData& base, std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareLinearBasis(const CRSData& base, std::size_t inputs) {
   const auto& record = static_cast<const CLBFData&>(base);
   KernelModel model = StartModel(record, inputs);
   if (record.NumberOfSamples == 1) {

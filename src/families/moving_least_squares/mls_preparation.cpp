@@ -149,8 +149,8 @@ class MovingLeastSquaresSurface : public PreparedSurface {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareMovingLeastSquares(const CRSData& record,
-                                                                 std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareMovingLeastSquares(const CRSData& record,
+                                                           std::size_t inputs) {
   if (!IsEvaluable(&record, DT_MLSData, std::vector<double>(inputs))) return PrepareRefused();
   return std::make_unique<MovingLeastSquaresSurface>(static_cast<const CMLSData&>(record));
 }

@@ -5,7 +5,7 @@
 namespace Tarvane::Plexura::PXROM::batch {
 
 /// Prepares a moving least squares record for points of `inputs` values.
-std::unique_ptr<const PreparedSurface> PrepareMovingLeastSquares(const CRSData& record,
-                                                                 std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareMovingLeastSquares(const CRSData& record,
+                                                           std::size_t inputs);
 
 }  // namespace Tarvane::Plexura::PXROM::batch

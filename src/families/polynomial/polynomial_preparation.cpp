@@ -251,7 +251,7 @@ class BlockedPolynomial : public PolynomialSurface {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PreparePolynomial(const CRSData& base, std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PreparePolynomial(const CRSData& base, std::size_t inputs) {
   const auto& record = static_cast<const CPolynomialData&>(base);
   if (!IsReadyFor(record, inputs)) return PrepareRefused();
   auto blocked = std::make_unique<BlockedPolynomial>(record, inputs);

@@ -314,7 +314,7 @@ bool IsConsistent(const CQRSData& record, std::size_t inputs) {
 
 }  // namespace
 
-std::unique_ptr<const PreparedSurface> PrepareRegression(const CRSData& base, std::size_t inputs) {
+std::unique_ptr<PreparedSurface> PrepareRegression(const CRSData& base, std::size_t inputs) {
   const auto& record = static_cast<const CQRSData&>(base);
   Terms terms;
   if (!IsConsistent(record, inputs) || !FindTerms(record, inputs, terms)) return PrepareRefused();

@@ -5,6 +5,6 @@
 namespace Tarvane::Plexura::PXROM::batch {
 
 /// Prepares a regression record for points of `inputs` values.
-std::unique_ptr<const PreparedSurface> PrepareRegression(const CRSData& record, std::size_t inputs);
+std::unique_ptr<PreparedSurface> PrepareRegression(const CRSData& record, std::size_t inputs);
 
 }  // namespace Tarvane::Plexura::PXROM::batch

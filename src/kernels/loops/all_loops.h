@@ -4,6 +4,7 @@
 
 #include "kernels/loops/rows.h"
 #include "kernels/loops/sums.h"
+#include "kernels/loops/weighing.h"
 #include "kernels/table.h"
 #include "simd/loops.h"
 
@@ -13,9 +14,10 @@ namespace {
 template <class K>
 constexpr KernelLoops LoopsOf() {
   KernelLoops loops = {&Sum<K>, nullptr, nullptr, RowLoopOf<K>()};
-  if constexpr (kHasFast<K>) loops.fastSum = &FastSum<K>;
-  // Only kernels of a distance are factors of others.
-  if constexpr (kHasFast<K> && K::kShape == Shape::Distance) loops.fastValues = &FastValuesOf<K>;
+  if constexpr (kHasFast<K>) {
+    loops.fastSum = &FastSum<K>;
+    loops.fastValues = &FastValuesOf<K>;
+  }
   return loops;
 }
 
@@ -27,7 +29,7 @@ struct LoopsOfAll {
 
 constexpr LoopsOfAll kLoopsOfAll{Kernels()};
 
-constexpr LoopTable kTable = {simd::kLoops, kLoopsOfAll.loops};
+constexpr LoopTable kTable = {simd::kLoops, kLoopsOfAll.loops, &Weigh, &FastWeigh};
 
 }  // namespace
 }  // namespace Tarvane::Plexura::PXROM::kernels

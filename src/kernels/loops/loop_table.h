@@ -83,6 +83,9 @@ struct KernelLoops {
 /// All loops for one instruction set.
 struct LoopTable : simd::LoopTable {
   const KernelLoops* byKernel;  ///< in the order of the kernels
+  /// What KernelLoops::sum and fastSum give, from the kernels of all centres in call.values.
+  void (*weigh)(const KernelSum& call);
+  void (*fastWeigh)(const KernelSum& call);
 };
 
 /// The loops for `set`; null when they are not in this program or the machine cannot run them.
