@@ -243,8 +243,8 @@ TEST_F(AllKernels, FormulaDerivativeLoopsAndFastFormAgree) {
   ExpectAllOf(Table<Row<Triweight>>());
 }
 
-/// What the tests above only bound: the slopes at a centre, at the end of a kernel of a scale of
-/// 0.5 and after it, and what is promised of a fast form for three inputs.
+/// What the tests above only bound: the estimated operations, the slopes at a centre, at the end of
+/// a kernel of a scale of 0.5 and after it, and what is promised of a fast form for three inputs.
 template <class K>
 std::string LineOf() {
   const Kernel kernel = KernelOf<K>(0);
@@ -262,7 +262,7 @@ std::string LineOf() {
   call.weights = &weight;
   std::ostringstream line;
   line.imbue(std::locale::classic());
-  line << kernel.name;
+  line << kernel.name << ": " << kernel.operations.perInput << ' ' << kernel.operations.once << ',';
   for (const double u : {0.25, 0.75, 2.25, 3.25}) {
     double work[3] = {};
     double slope = 0.0;
