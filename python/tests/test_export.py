@@ -24,6 +24,7 @@ from sklearn.preprocessing import StandardScaler as Standard
 import pxrom
 from pxrom.export import NotExportable, to_text
 from pxrom.export._convert import Options, convert
+from pxrom.export._monomials import trend_of, trend_terms
 from pxrom.export._rounding import correlation, kernels_off
 
 ot.Log.Show(ot.Log.NONE)
@@ -455,6 +456,12 @@ def test_scipy(kernel, degree):
     result = read(to_text(fitted)).predict(None, NEW)
     for column, name in enumerate(("y0", "y1")):
         assert_near(result.values[name], fitted(NEW)[:, column])
+
+
+@pytest.mark.parametrize("kind", [1, 2, 3, 4])
+def test_the_smallest_trend(kind):
+    terms = trend_terms(kind, 2)
+    assert trend_of({term: 1.0 for term in terms}, 2) == (kind, terms)
 
 
 @pytest.mark.parametrize("level", [0.5, 0.95, 0.99])
