@@ -262,7 +262,7 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
   parts->errorSlotCount = sharing.ErrorSlotCount();
   parts->CountUses();
   parts->fast = kernels::FindLoops(kernels::BestInstructionSet());
-  parts->exact = kernels::ExactLoops();
+  parts->exact = kernels::ExactLoops(kernels::BestInstructionSet());
   out.parts_ = std::move(parts);
   return 0;
 }
@@ -409,7 +409,7 @@ CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, simd::Inst
   const LoopTable* const loops = kernels::FindLoops(set);
   if (model.parts_ == nullptr || loops == nullptr) return other;
   auto parts = std::make_shared<CPreparedModel::Parts>(*model.parts_);
-  parts->exact = loops;
+  parts->exact = kernels::ExactLoops(set);
   parts->fast = loops;
   other.parts_ = std::move(parts);
   return other;

@@ -20,7 +20,7 @@ std::vector<const kernels::LoopTable*> LoopsWithRows() {
   std::vector<const kernels::LoopTable*> all;
   for (const simd::InstructionSet set : simd::kInstructionSets) {
     if (set == simd::InstructionSet::Portable) continue;
-    if (kernels::FindLoops(set) != nullptr) all.push_back(kernels::FindLoops(set));
+    if (kernels::ExactLoops(set) != nullptr) all.push_back(kernels::ExactLoops(set));
   }
   return all;
 }

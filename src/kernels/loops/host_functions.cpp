@@ -77,9 +77,9 @@ bool AreExact(const KernelLoops& loops, const KernelLoops& plain, const Kernel& 
   return true;
 }
 
-/// The best set's loops, with portable ones for the kernels that are not exact.
+/// The loops of a set, with portable ones for the kernels that are not exact.
 struct Mixed {
-  Mixed() : table(*FindLoops(BestInstructionSet())) {
+  explicit Mixed(const LoopTable& ofSet) : table(ofSet) {
     for (std::size_t index = 0; index < loops.size(); ++index) {
       const KernelLoops& own = table.byKernel[index];
       const KernelLoops& plain = PortableLoops()->byKernel[index];
@@ -91,11 +91,28 @@ struct Mixed {
   LoopTable table;
 };
 
+template <simd::InstructionSet kSet>
+const LoopTable* MixedLoops() {
+  if (FindLoops(kSet) == nullptr) return nullptr;
+  static const Mixed mixed(*FindLoops(kSet));
+  return &mixed.table;
+}
+
 }  // namespace
 
-const LoopTable* ExactLoops() noexcept {
-  static const Mixed mixed;
-  return &mixed.table;
+const LoopTable* ExactLoops(simd::InstructionSet set) noexcept {
+  using simd::InstructionSet;
+  switch (set) {
+    case InstructionSet::Avx512:
+      return MixedLoops<InstructionSet::Avx512>();
+    case InstructionSet::Avx2:
+      return MixedLoops<InstructionSet::Avx2>();
+    case InstructionSet::Neon:
+      return MixedLoops<InstructionSet::Neon>();
+    case InstructionSet::Portable:
+      break;
+  }
+  return PortableLoops();
 }
 
 }  // namespace Tarvane::Plexura::PXROM::kernels

@@ -95,10 +95,10 @@ simd::InstructionSet BestInstructionSet() noexcept;
 /// The fastest exact loops for one point at a time; null when there are no such loops.
 const LoopTable* LoopsForRows() noexcept;
 
-/// The fastest loops that give the bits of the host's functions: those of the best set, but the
-/// portable ones for each kernel whose function the host computes in a way that the vectors do not
-/// expect. The first call finds that out with some thousand arguments for each kernel.
-const LoopTable* ExactLoops() noexcept;
+/// Loops that give the bits of the host's functions: those of `set`, but the portable ones for each
+/// kernel whose function the host computes in a way that the vectors do not expect. The first call
+/// for a set finds that out with some thousand arguments for each kernel. Null as FindLoops.
+const LoopTable* ExactLoops(simd::InstructionSet set) noexcept;
 
 // One per instruction set; null when its file was compiled for another kind of machine.
 const LoopTable* PortableLoops() noexcept;

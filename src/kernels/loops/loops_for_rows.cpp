@@ -5,7 +5,8 @@
 namespace Tarvane::Plexura::PXROM::kernels {
 
 const LoopTable* LoopsForRows() noexcept {
-  return BestInstructionSet() != simd::InstructionSet::Portable ? ExactLoops() : nullptr;
+  const simd::InstructionSet best = BestInstructionSet();
+  return best != simd::InstructionSet::Portable ? ExactLoops(best) : nullptr;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::kernels
