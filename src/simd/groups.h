@@ -17,6 +17,21 @@ struct Vectors {
   static constexpr std::size_t count = kCount;
 };
 
+template <std::size_t kValue>
+struct Index {
+  static constexpr std::size_t value = kValue;
+};
+
+/// body(0) to body(kCount - 1) with indices that are constants, so that arrays with these indices
+/// become registers at every level of optimisation.
+template <std::size_t kCount, class Body>
+PXROM_INLINE void Unrolled(const Body& body) {
+  if constexpr (kCount > 0) {
+    Unrolled<kCount - 1>(body);
+    body(Index<kCount - 1>());
+  }
+}
+
 /// Calls body(size, first) for all points, group by group and then vector by vector: `size` is a
 /// Vectors, `first` the first point.
 template <class Body>

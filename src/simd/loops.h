@@ -11,19 +11,20 @@ template <bool kCoefficientFirst>
 void AddTerms(const Polynomial& polynomial, const double* x, std::size_t points, double* sums) {
   ForAllPoints(points, [&](auto size, std::size_t point) {
     Vector sum[size.count];
-    for (std::size_t u = 0; u < size.count; ++u) sum[u] = 0.0;
+    Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY { sum[u.value] = 0.0; });
     for (std::size_t k = 0; k < polynomial.count; ++k) {
       const Monomial& term = polynomial.terms[k];
       const double* const first = x + term.first * kBlock + point;
       const double* const second = x + term.second * kBlock + point;
       const Vector c = term.coefficient;
-      for (std::size_t u = 0; u < size.count; ++u) {
-        const Vector a = Load(first + u * kLanes);
-        const Vector b = Load(second + u * kLanes);
-        sum[u] = sum[u] + (kCoefficientFirst ? a * c * b : a * b * c);
-      }
+      Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY {
+        const Vector a = Load(first + u.value * kLanes);
+        const Vector b = Load(second + u.value * kLanes);
+        sum[u.value] = sum[u.value] + (kCoefficientFirst ? a * c * b : a * b * c);
+      });
     }
-    for (std::size_t u = 0; u < size.count; ++u) Store(sums + point + u * kLanes, sum[u]);
+    Unrolled<size.count>(
+        [&](auto u) PXROM_INLINE_BODY { Store(sums + point + u.value * kLanes, sum[u.value]); });
   });
 }
 
@@ -49,21 +50,23 @@ void QuadraticFormOf(const double* matrix, const double* f, std::size_t order, s
                      double* sums) {
   ForAllPoints(points, [&](auto size, std::size_t point) {
     Vector sum[size.count];
-    for (std::size_t u = 0; u < size.count; ++u) sum[u] = 0.0;
+    Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY { sum[u.value] = 0.0; });
     const double* m = matrix;
     for (std::size_t i = 0; i < order; ++i) {
       Vector fi[size.count];
-      for (std::size_t u = 0; u < size.count; ++u)
-        fi[u] = Load(f + i * kBlock + point + u * kLanes);
+      Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY {
+        fi[u.value] = Load(f + i * kBlock + point + u.value * kLanes);
+      });
       for (std::size_t j = 0; j < order; ++j, ++m) {
         const Vector element = *m;
-        for (std::size_t u = 0; u < size.count; ++u) {
-          const Vector fj = Load(f + j * kBlock + point + u * kLanes);
-          sum[u] = sum[u] + fi[u] * element * fj;
-        }
+        Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY {
+          const Vector fj = Load(f + j * kBlock + point + u.value * kLanes);
+          sum[u.value] = sum[u.value] + fi[u.value] * element * fj;
+        });
       }
     }
-    for (std::size_t u = 0; u < size.count; ++u) Store(sums + point + u * kLanes, sum[u]);
+    Unrolled<size.count>(
+        [&](auto u) PXROM_INLINE_BODY { Store(sums + point + u.value * kLanes, sum[u.value]); });
   });
 }
 
@@ -71,21 +74,6 @@ void QuadraticFormOf(const double* matrix, const double* f, std::size_t order, s
 constexpr std::size_t kPanelVectors = kLanes == 4 ? 2 : 4;
 /// The rows of a panel that it takes at once.
 constexpr std::size_t kRowsAtOnce = kLanes == 1 ? 2 : kPanelRows;
-
-template <std::size_t kValue>
-struct Index {
-  static constexpr std::size_t value = kValue;
-};
-
-/// body(0) to body(kCount - 1) with indices that are constants, so that arrays with these indices
-/// become registers at every level of optimisation.
-template <std::size_t kCount, class Body>
-PXROM_INLINE void Unrolled(const Body& body) {
-  if constexpr (kCount > 0) {
-    Unrolled<kCount - 1>(body);
-    body(Index<kCount - 1>());
-  }
-}
 
 /// out[k] grows by the sum of panel[j][k] x[j], in ascending j, for kRowsAtOnce rows. Panels are
 /// too far from each other for the processor to foresee the next one, so its lines are asked for.
@@ -144,14 +132,16 @@ void AddPanelsOf(const PanelProduct& call) {
 void AddSquaresOf(const double* values, std::size_t count, std::size_t points, double* sums) {
   ForAllPoints(points, [&](auto size, std::size_t point) {
     Vector sum[size.count];
-    for (std::size_t u = 0; u < size.count; ++u) sum[u] = Load(sums + point + u * kLanes);
+    Unrolled<size.count>(
+        [&](auto u) PXROM_INLINE_BODY { sum[u.value] = Load(sums + point + u.value * kLanes); });
     for (std::size_t k = 0; k < count; ++k) {
-      for (std::size_t u = 0; u < size.count; ++u) {
-        const Vector value = Load(values + k * kBlock + point + u * kLanes);
-        sum[u] = sum[u] + value * value;
-      }
+      Unrolled<size.count>([&](auto u) PXROM_INLINE_BODY {
+        const Vector value = Load(values + k * kBlock + point + u.value * kLanes);
+        sum[u.value] = sum[u.value] + value * value;
+      });
     }
-    for (std::size_t u = 0; u < size.count; ++u) Store(sums + point + u * kLanes, sum[u]);
+    Unrolled<size.count>(
+        [&](auto u) PXROM_INLINE_BODY { Store(sums + point + u.value * kLanes, sum[u.value]); });
   });
 }
 
