@@ -46,6 +46,7 @@ std::vector<int> Numbers() {
 
 }  // namespace
 
+std::size_t KernelCount() noexcept { return kKernels.size(); }
 const Kernel& KernelAt(std::size_t index) noexcept { return kKernels[index]; }
 
 const Kernel* FindKernel(E_KringingCorrelationFunctionType type) noexcept { return Found(type); }

@@ -45,7 +45,8 @@ struct Kernel {
   const FastForm* fast;  ///< null without
 };
 
-/// The row at a place in the table.
+/// The rows of the table.
+std::size_t KernelCount() noexcept;
 const Kernel& KernelAt(std::size_t index) noexcept;
 
 /// The kernel that a number in a record means; null for an unknown number.

@@ -31,6 +31,13 @@ PXROM_INLINE Exact Select(Mask mask, Exact yes, Vector no) {
   return {Select(mask, yes.value, no), yes.open & Bits(mask)};
 }
 
+/// high + low rounded to a double, which is open where an error of `doubt` could change it.
+PXROM_INLINE Exact Rounded(Vector high, Vector low, Vector doubt) {
+  const Vector up = high + (low + doubt);
+  const Vector down = high + (low - doubt);
+  return {up, Bits(up != down)};
+}
+
 /// A polynomial by Horner's rule, from the coefficient of the highest power down.
 template <class... Doubles>
 PXROM_INLINE Vector Horner(Vector x, double first, Doubles... rest) {
@@ -235,12 +242,10 @@ PXROM_INLINE Exact ExpOfSum(Vector y, Vector yRest, Vector doubt) {
   const Vector high = power + product;
   const Vector highRest = (power - high) + product;
   const Vector low = Fma(power, tail, Fma(powerRest, r, powerRest)) + (productRest + highRest);
-  const Vector above = high + (low + doubt);
-  const Vector below = high + (low - doubt);
+  const Exact unscaled = Rounded(high, low, doubt);
 
   const I exponent = ShiftLeft<52 - kTableBits>(And(bits, Ints(-(1 << kTableBits))));
-  const Vector scaled = AsDoubles(Plus(AsInts(above), exponent));
-  return {scaled, Bits(above != below)};
+  return {AsDoubles(Plus(AsInts(unscaled.value), exponent)), unscaled.open};
 }
 
 PXROM_INLINE Exact ExpOfMinus(Vector s) {
@@ -319,10 +324,8 @@ PXROM_INLINE Exact Log(Vector x) {
   const Logarithm log = LogAsSum(x);
   // The host's error is absolute, but for small results.
   const Vector host = Smaller(LeadingPowerOf2(log.high) * (0.0215 * 0x1p-52), 1.5 * 0x1p-62);
-  const Vector doubt = log.error + host;
-  const Vector up = log.high + (log.low + doubt);
-  const Vector down = log.high + (log.low - doubt);
-  return {up, (Bits(up != down) | ~Bits(IsUsualForLog(x))) & kAllLanes};
+  const Exact rounded = Rounded(log.high, log.low, log.error + host);
+  return {rounded.value, (rounded.open | ~Bits(IsUsualForLog(x))) & kAllLanes};
 }
 
 /// x to the power `exponent` as exp(exponent log x), for a logarithm of the power up to 16; other
@@ -350,11 +353,9 @@ PXROM_INLINE Exact Power4(Vector x) {
   const Vector squareRest = Fma(x, x, 0.0 - square);
   const Vector high = square * square;
   const Vector low = Fma(square + square, squareRest, Fma(square, square, 0.0 - high));
-  const Vector doubt = LeadingPowerOf2(high) * kDoubt;
-  const Vector up = high + (low + doubt);
-  const Vector down = high + (low - doubt);
+  const Exact rounded = Rounded(high, low, LeadingPowerOf2(high) * kDoubt);
   const unsigned usual = (Bits(1e-16 <= high) & Bits(high <= 1e16)) | (kAllLanes & ~Bits(x != 0.0));
-  return {up, (Bits(up != down) | ~usual) & kAllLanes};
+  return {rounded.value, (rounded.open | ~usual) & kAllLanes};
 }
 
 /// v / 3, correctly rounded like a division, by one correction step: Markstein, IA-64 and

@@ -50,10 +50,10 @@ PXROM_INLINE Exact SineBeside(Vector x, Vector m, Vector parity) {
   // The host's error is absolute, but for small results.
   const Vector doubt = Select(z < 0x1p-6, LeadingPowerOf2(high) * (0.0125 * 0x1p-52),
                               Fma(z, 1.7 * 0x1p-62, 3.1 * 0x1p-62));
-  const Vector up = high + (low + doubt);
-  const Vector down = high + (low - doubt);
+  const Exact sine = Rounded(high, low, doubt);
   const I sign = ShiftLeft<63>(AsInts(parity));
-  return {AsDoubles(Xor(AsInts(up), sign)), (Bits(up != down) | ~Bits(0x1p-40 <= z)) & kAllLanes};
+  const unsigned nearZero = ~Bits(0x1p-40 <= z) & kAllLanes;
+  return {AsDoubles(Xor(AsInts(sine.value), sign)), sine.open | nearZero};
 }
 
 constexpr double kInversePi = 0x1.45f306dc9c883p-2;
