@@ -163,7 +163,7 @@ std::vector<Case> Cases() {
       {"exp(-x), x small",
        exp,
        hostExp,
-       0.06,
+       0.1,
        [](Random& r) { return Scaled(r, -40, 0); },
        {kTiniest, 0x1p-54, 0x1p-53}},
       {"log(x), x >= 1",
