@@ -6,9 +6,9 @@
 // function as a sum of two doubles, to a few more bits than a double has. If this sum is farther
 // from the midpoint of two doubles than the host's own error, the host has rounded to the same side
 // (the rounding test of Ziv, ACM Transactions on Mathematical Software 17, 1991). Other lanes, a
-// few in a hundred, are left open, and the host computes them. This needs a bound of the host's
-// error: kernels::ExactLoops tries it, and where it does not hold, the exact mode uses only the
-// host.
+// few in a hundred, are left open, and the host computes them. docs/vector-functions.md derives the
+// bounds. Those of the host's error are checked, kernel by kernel (kernels::ExactLoops), and where
+// they do not hold, the exact mode uses only the host.
 
 #include <cstdint>
 
@@ -313,7 +313,7 @@ PXROM_INLINE Logarithm LogAsSum(Vector x) {
   const Vector twice = s + s;
   const Vector high = whole + twice;
   const Vector low = ((whole - high) + twice) + Fma(k, kLn2Rest, tail);
-  return {high, low, Abs(s * w) * (2.5 * 0x1p-53)};
+  return {high, low, Abs(s * w) * (4.5 * 0x1p-53)};
 }
 
 /// Whether a logarithm is known.

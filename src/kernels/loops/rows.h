@@ -89,7 +89,7 @@ PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
             Store(answers + place, K::Argument(distance));
           });
     }
-    std::size_t asked = AnswerInputs<K, kRows>(inputs, count, distances, answers, questions);
+    const std::size_t asked = AnswerInputs<K, kRows>(inputs, count, distances, answers, questions);
     if (asked > 0) call.kernel->answerSteps(questions, asked, answers);
     for (std::size_t row = 0; row < count; row += kLanes) {
       Vector state = Load(states + row);
