@@ -281,12 +281,13 @@ PXROM_INLINE Parts SplitFromPowerOf2(Vector x, std::int64_t least = kRootHalf) {
           AsDoubles(Minus(bits, ShiftLeft<52>(Minus(biased, Ints(1024)))))};
 }
 
-/// A logarithm as a sum, and what bounds its error.
+/// A logarithm as a sum, whose error is at most `scale` times kLogDoubt.
 struct Logarithm {
   Vector high;
   Vector low;
-  Vector error;
+  Vector scale;
 };
+constexpr double kLogDoubt = 4.6 * 0x1p-53;
 
 /// log(x) = k ln 2 + 2 atanh(s), s = (m - 1) / (m + 1), x = 2^k m with m around 1 (Abramowitz and
 /// Stegun 4.1.27). For x from 2^-1000 to 2^1000.
@@ -303,8 +304,10 @@ PXROM_INLINE Logarithm LogAsSum(Vector x) {
   const Vector s = above * inverse;
   const Vector sRest = MinusFma(s, sumRest, MinusFma(s, sum, above)) * inverse;
   const Vector w = s * s;
-  const Vector later = Estrin(w, {2.0 / 5.0, 2.0 / 7.0, 2.0 / 9.0, 2.0 / 11.0, 2.0 / 13.0,
-                                  2.0 / 15.0, 2.0 / 17.0, 2.0 / 19.0, 2.0 / 21.0, 2.0 / 23.0});
+  // A Chebyshev fit of 2/5 + 2/7 w + 2/9 w^2 + ...
+  const Vector later = Estrin(
+      w, {0x1.999999999999ep-2, 0x1.249249248e532p-2, 0x1.c71c71d7e7fc3p-3, 0x1.745d09f06d811p-3,
+          0x1.3b18b8ee7a308p-3, 0x1.1018ae366a914p-3, 0x1.08788c3e01713p-3});
   const Vector series = Fma(later, w, 2.0 / 3.0);
   const Vector twiceRest = sRest + sRest;
   const Vector tail = Fma(s * w, series, Fma(twiceRest, w, twiceRest));
@@ -313,7 +316,7 @@ PXROM_INLINE Logarithm LogAsSum(Vector x) {
   const Vector twice = s + s;
   const Vector high = whole + twice;
   const Vector low = ((whole - high) + twice) + Fma(k, kLn2Rest, tail);
-  return {high, low, Abs(s * w) * (4.5 * 0x1p-53)};
+  return {high, low, Abs(s * w)};
 }
 
 /// Whether a logarithm is known.
@@ -324,7 +327,7 @@ PXROM_INLINE Exact Log(Vector x) {
   const Logarithm log = LogAsSum(x);
   // The host's error is absolute, but for small results.
   const Vector host = Smaller(LeadingPowerOf2(log.high) * (0.0215 * 0x1p-52), 1.5 * 0x1p-62);
-  const Exact rounded = Rounded(log.high, log.low, log.error + host);
+  const Exact rounded = Rounded(log.high, log.low, Fma(log.scale, kLogDoubt, host));
   return {rounded.value, (rounded.open | ~Bits(IsUsualForLog(x))) & kAllLanes};
 }
 
@@ -338,8 +341,8 @@ PXROM_INLINE Exact Power(Vector x, double exponent) {
   const Vector rest = (log.high - sum) + log.low;
   const Vector high = exponent * sum;
   const Vector low = Fma(exponent, rest, Fma(exponent, sum, 0.0 - high));
-  const Vector doubt =
-      Fma(log.error, exponent < 0.0 ? -2.0 * exponent : 2.0 * exponent, kExpDoubt + kHost);
+  const double size = exponent < 0.0 ? -exponent : exponent;
+  const Vector doubt = Fma(log.scale, 2.0 * kLogDoubt * size, kExpDoubt + kHost);
   const Exact power = ExpOfSum(high, low, doubt);
   const Mask isUsual = IsUsualForLog(x) && Abs(high) <= kMost;
   return {power.value, (power.open | ~Bits(isUsual)) & kAllLanes};
@@ -359,12 +362,11 @@ PXROM_INLINE Exact Power4(Vector x) {
 }
 
 /// v / 3, correctly rounded like a division, by one correction step: Markstein, IA-64 and
-/// Elementary Functions (2000).
+/// Elementary Functions (2000). A NaN for an infinite v.
 PXROM_INLINE Vector Third(Vector v) {
   const Vector inverse = 1.0 / 3.0;
   const Vector rough = v * inverse;
-  const Vector corrected = Fma(MinusFma(rough, 3.0, v), inverse, rough);
-  return Select(Abs(v) <= 0x1.fffffffffffffp1023, corrected, v);
+  return Fma(MinusFma(rough, 3.0, v), inverse, rough);
 }
 
 /// v / 2^n, for an integer n in the lowest bits of `shifted`.
