@@ -44,6 +44,16 @@ struct Tools {
   /// By the slots of Sharing; null where nothing is shared.
   SharedValues* shared = nullptr;
   SharedErrors* sharedErrors = nullptr;
+
+  /// Null where other surfaces do not need them.
+  SharedValues* SharedAt(std::size_t slot) const {
+    const bool isShared =
+        slot != Sharing::kNoSlot && shared != nullptr && shared[slot].values != nullptr;
+    return isShared ? &shared[slot] : nullptr;
+  }
+  SharedErrors* SharedErrorsAt(std::size_t slot) const {
+    return slot != Sharing::kNoSlot && sharedErrors != nullptr ? &sharedErrors[slot] : nullptr;
+  }
 };
 
 /// The points of one or more blocks, in the space that the candidate hands to its surfaces.

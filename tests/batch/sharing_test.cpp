@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "batch/batch_cases.h"
+#include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/support_vector.h"
@@ -78,6 +79,40 @@ TEST(Sharing, OfKrigingKeepsEachOutput) {
     const auto other = Random<CSVRData>(draw, DT_SVRData);
     candidates.back().AddRSAndWeight(&other, 0.5);
     candidates.back().AddRSAndWeight(&record, 0.25);
+    const std::vector<double> points = draw.Reals(static_cast<int>(kRows) * kInputs, 0, 1);
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidates), points, kRows));
+  }
+}
+
+TEST(Sharing, OfGaussianProcessesKeepsEachOutput) {
+  for (std::uint32_t seed = 1; seed <= 24; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Draw draw(seed);
+    const auto record = Random<CGaussianProcessData>(draw, DT_GaussianProcessData);
+    const auto with = [&](auto change) { return Changed(record, change); };
+    using R = CGaussianProcessData;
+    const std::vector<CFittingCandidate> candidates = {
+        with([](R&) {}),
+        with([](R& r) { std::reverse(r.Weights.begin(), r.Weights.end()); }),
+        with([](R& r) {
+          for (double& c : r.PolynomialCoefficients) c *= 2.0;
+        }),
+        with([](R& r) {
+          if (!r.TermAmplitudes.empty()) r.TermAmplitudes[0] *= 2.0;
+        }),
+        with([](R& r) {
+          if (!r.FactorLengths.empty()) r.FactorLengths[0] *= 1.5;
+        }),
+        with([](R& r) {
+          for (double& parameter : r.FactorParameters) parameter *= 1.5;
+        }),
+        with([](R& r) { r.InputSamples[3][1] += 0.125; }),
+        with([](R& r) {
+          if (!r.InverseFactor.empty()) r.InverseFactor[4] += 0.25;
+        }),
+        with([](R& r) { r.SavePredictorError = false; }),
+        with(&ScaleSamples<R>),
+    };
     const std::vector<double> points = draw.Reals(static_cast<int>(kRows) * kInputs, 0, 1);
     ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidates), points, kRows));
   }

@@ -94,7 +94,8 @@ std::size_t FastCovariance::WorkSize() const {
 }
 
 void FastCovariance::AddSums(std::size_t points, const kernels::LoopTable& loops, const double* x,
-                             double* work, double* sums) const {
+                             double* work, double* sums, batch::SharedValues* shared,
+                             std::size_t block) const {
   kernels::KernelSum call;
   call.inputs = inputs_;
   call.points = points;
@@ -116,7 +117,17 @@ void FastCovariance::AddSums(std::size_t points, const kernels::LoopTable& loops
     if (term.factors.size() == 1) {
       take(term.factors[0], 0, centreCount_);
       call.weights = term.weights.data();
-      loops.byKernel[call.kernel->index].fastSum(call);
+      if (shared == nullptr || !IsOneKernel()) {
+        loops.byKernel[call.kernel->index].fastSum(call);
+      } else {
+        using Form = batch::SharedValues::Form;
+        call.values = shared->Of(block, centreCount_);
+        if (shared->forms[block] != Form::Fast) {
+          loops.byKernel[call.kernel->index].fastValues(call);
+          shared->forms[block] = Form::Fast;
+        }
+        loops.fastWeigh(call);
+      }
       for (std::size_t point = 0; point < kBlock; ++point) sums[point] += call.sums[point];
       continue;
     }

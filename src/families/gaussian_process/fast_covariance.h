@@ -23,9 +23,12 @@ class FastCovariance {
   bool Serves(const double* x) const;
 
   std::size_t WorkSize() const;
-  /// Adds the sums at the scaled points `x`, input by input, to `sums`.
+  /// Whether the values of a kernel are all that a sum weighs, so that they can be shared.
+  bool IsOneKernel() const { return terms_.size() == 1 && terms_[0].factors.size() == 1; }
+  /// Adds the sums at the scaled points `x`, input by input, to `sums`. The values of one kernel
+  /// are those of `block` in `shared`, which is null where they are not shared.
   void AddSums(std::size_t points, const kernels::LoopTable& loops, const double* x, double* work,
-               double* sums) const;
+               double* sums, batch::SharedValues* shared, std::size_t block) const;
 
  private:
   /// A factor with its centres, multiplied by the factors of the inputs.

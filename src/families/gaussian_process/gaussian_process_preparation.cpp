@@ -20,7 +20,7 @@ using gaussian_process::kCentresAtOnce;
 using gaussian_process::Process;
 
 /// The record has the data of an error.
-std::unique_ptr<const ErrorNorms> NormsOf(const CGaussianProcessData& record, std::size_t n) {
+std::shared_ptr<const ErrorNorms> NormsOf(const CGaussianProcessData& record, std::size_t n) {
   const auto triangle = [](const std::vector<double>& factor) {
     return [&](std::size_t r) { return factor.data() + r * (r + 1) / 2; };
   };
@@ -30,10 +30,15 @@ std::unique_ptr<const ErrorNorms> NormsOf(const CGaussianProcessData& record, st
     for (double& value : row) value = -value;
   }
   using simd::Panels;
-  return std::make_unique<ErrorNorms>(
+  return std::make_shared<const ErrorNorms>(
       Panels::OfTriangle(n, triangle(record.InverseFactor)),
       Panels::OfAll(trend.size(), n, [&](std::size_t k) { return trend[k].data(); }),
       Panels::OfTriangle(trend.size(), triangle(record.TrendInverseFactor)));
+}
+
+template <class Values>
+Sharing::Array ArrayOfNumbers(const Values& values) {
+  return std::make_shared<const std::vector<double>>(values.begin(), values.end());
 }
 
 class ProcessSurface : public PreparedSurface {
@@ -41,8 +46,8 @@ class ProcessSurface : public PreparedSurface {
   explicit ProcessSurface(const CGaussianProcessData& record)
       : record_(record),
         process_(record_),
-        centres_(process_.Centres()),
-        fast_(process_.Kernel(), centres_, record_.Weights),
+        centres_(std::make_shared<const std::vector<double>>(process_.Centres())),
+        fast_(process_.Kernel(), *centres_, record_.Weights),
         n_(process_.SampleCount()),
         d_(process_.Kernel().InputCount()),
         p_(process_.TrendPart().FunctionCount()) {
@@ -52,6 +57,25 @@ class ProcessSurface : public PreparedSurface {
     record_.InverseFactor = {};
     record_.TrendInverseFactor = {};
     record_.TrendAtSamples = {};
+  }
+
+  std::size_t Share(Sharing& sharing) override {
+    if (n_ == 0) return Sharing::kNoSlot;
+    centres_ = sharing.Pooled(centres_);
+    slot_ = sharing.SlotOf(
+        nullptr,
+        {ArrayOfNumbers(record_.InputScaleSlopes), ArrayOfNumbers(record_.InputScaleIntercepts),
+         centres_, ArrayOfNumbers(record_.TermAmplitudes), ArrayOfNumbers(record_.FactorTerms),
+         ArrayOfNumbers(record_.FactorFunctions), ArrayOfNumbers(record_.FactorParameters),
+         ArrayOfNumbers(record_.FactorLengths)},
+        n_);
+    if (norms_ != nullptr) {
+      norms_ = sharing.Pooled(norms_);
+      std::vector<int> trend = record_.Monomials;
+      trend.push_back(record_.PolynomialType);
+      errorSlot_ = sharing.ErrorSlotOf(slot_, norms_, ArrayOfNumbers(trend));
+    }
+    return slot_;
   }
 
   std::size_t BlocksAtOnce(bool withErrors) const override {
@@ -92,7 +116,8 @@ class ProcessSurface : public PreparedSurface {
       return;
     }
     std::fill_n(work.sums, kBlock, 0.0);
-    fast_.AddSums(points.count, *tools.fast, work.x, work.fast, work.sums);
+    fast_.AddSums(points.count, *tools.fast, work.x, work.fast, work.sums, tools.SharedAt(slot_),
+                  points.firstBlock);
     FinishValues(points.count, work, results.values);
     std::fill_n(results.statuses, points.count, 0);
   }
@@ -105,7 +130,7 @@ class ProcessSurface : public PreparedSurface {
       u[i] = record_.InputScaleSlopes[i] * x[i] + record_.InputScaleIntercepts[i];
       gradient[i] = 0.0;
     }
-    process_.AddGradient(u, centres_.data(), record_.Weights.data(),
+    process_.AddGradient(u, centres_->data(), record_.Weights.data(),
                          record_.PolynomialCoefficients.data(), u + d_, gradient);
     for (std::size_t i = 0; i < d_; ++i) {
       gradient[i] *= record_.InputScaleSlopes[i] / record_.OutputScaleSlope;
@@ -173,7 +198,7 @@ class ProcessSurface : public PreparedSurface {
     kernels::KernelSum call;
     call.inputs = d_;
     call.centreCount = count;
-    call.centres = centres_.data() + first * d_;
+    call.centres = centres_->data() + first * d_;
     call.weights = record_.Weights.data() + first;
     call.x = work.x;
     call.points = points;
@@ -232,15 +257,22 @@ class ProcessSurface : public PreparedSurface {
   }
 
   /// The values of one block. Stores the covariances with all centres in `covariances` unless that
-  /// is null.
+  /// is null, or where they are shared.
   void EvaluateBlock(const Points& points, const Tools& tools, const Work& work,
                      double* covariances, double* values) const {
     Scale(points, work);
     std::fill_n(work.sums, kBlock, 0.0);
+    bool areThere = false;
+    if (SharedValues* const shared = tools.SharedAt(slot_)) {
+      SharedValues::Form& form = shared->forms[points.firstBlock];
+      areThere = form == SharedValues::Form::Exact;
+      form = SharedValues::Form::Exact;
+      covariances = shared->Of(points.firstBlock, n_);
+    }
     for (std::size_t first = 0; first < n_; first += kCentresAtOnce) {
       const std::size_t count = std::min(kCentresAtOnce, n_ - first);
       double* const own = covariances != nullptr ? covariances + first * kBlock : work.covariances;
-      FillCovariances(points.count, tools, first, count, work, own);
+      if (!areThere) FillCovariances(points.count, tools, first, count, work, own);
       for (std::size_t row = 0; row < count; ++row) {
         const double weight = record_.Weights[first + row];
         for (std::size_t point = 0; point < kBlock; ++point) {
@@ -255,10 +287,15 @@ class ProcessSurface : public PreparedSurface {
   void EvaluateWithErrors(const Points& points, const Tools& tools, const Results& results) const {
     const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
     const Work work(*this, blocks, tools.work);
+    SharedErrors* const shared = tools.SharedErrorsAt(errorSlot_);
+    const bool areNormsThere =
+        shared != nullptr && shared->AreFilled(points.firstBlock, points.firstBlock + blocks);
     for (std::size_t b = 0; b < blocks; ++b) {
       const std::size_t first = b * kBlock;
-      const Points block = {points.x + first * d_, std::min(kBlock, points.count - first)};
+      const Points block = {points.x + first * d_, std::min(kBlock, points.count - first),
+                            points.firstBlock + b};
       EvaluateBlock(block, tools, work, work.covariances + first * n_, results.values + first);
+      if (areNormsThere) continue;
       double* const w = work.w + first * norms_->FunctionRows();
       for (std::size_t point = 0; errorFunctions_ > 0 && point < kBlock; ++point) {
         FillFunctions(point, work);
@@ -267,11 +304,22 @@ class ProcessSurface : public PreparedSurface {
         }
       }
     }
-    norms_->Fill(*tools.exact, {points.count, work.covariances, work.w, work.norms, work.squaresOfV,
-                                work.squaresOfG});
+    double* squaresOfV = work.squaresOfV;
+    double* squaresOfG = work.squaresOfG;
+    if (shared != nullptr) {
+      squaresOfV = shared->squaresOfV + points.firstBlock * kBlock;
+      squaresOfG = shared->squaresOfG + points.firstBlock * kBlock;
+    }
+    if (!areNormsThere) {
+      const SharedValues* const values = tools.SharedAt(slot_);
+      const double* const r =
+          values != nullptr ? values->Of(points.firstBlock, n_) : work.covariances;
+      norms_->Fill(*tools.exact, {points.count, r, work.w, work.norms, squaresOfV, squaresOfG});
+      if (shared != nullptr) shared->SetFilled(points.firstBlock, points.firstBlock + blocks);
+    }
     const double atDistance0 = process_.Kernel().AtDistance0();
     for (std::size_t point = 0; point < points.count; ++point) {
-      const double variance = atDistance0 - work.squaresOfV[point] + work.squaresOfG[point];
+      const double variance = atDistance0 - squaresOfV[point] + squaresOfG[point];
       results.errors[point] = process_.ErrorPart().Of(variance < 0.0 ? 0.0 : variance) /
                               std::fabs(record_.OutputScaleSlope);
     }
@@ -279,13 +327,15 @@ class ProcessSurface : public PreparedSurface {
 
   CGaussianProcessData record_;
   Process process_;
-  std::vector<double> centres_;  ///< scaled
+  Sharing::Array centres_;  ///< scaled
   FastCovariance fast_;
   std::size_t n_;
   std::size_t d_;
   std::size_t p_;
-  std::unique_ptr<const ErrorNorms> norms_;  ///< null without the data of an error
+  std::shared_ptr<const ErrorNorms> norms_;  ///< null without the data of an error
   std::size_t errorFunctions_ = 0;           ///< 0 for a trend that is known
+  std::size_t slot_ = Sharing::kNoSlot;
+  std::size_t errorSlot_ = Sharing::kNoSlot;
 };
 
 }  // namespace

@@ -206,7 +206,7 @@ class KernelSurface : public PreparedSurface {
     call.keepsValues = values != nullptr;
     if (call.keepsValues) call.values = values;
     call.questions = tools.questions;
-    if (SharedValues* const shared = SharedIn(tools)) {
+    if (SharedValues* const shared = tools.SharedAt(slot_)) {
       call.keepsValues = true;
       call.values = shared->Of(block, model_.centreCount);
       if (shared->forms[block] == SharedValues::Form::Exact) {
@@ -222,7 +222,7 @@ class KernelSurface : public PreparedSurface {
                const KernelWork& work) const {
     kernels::KernelSum call = Call(count, work);
     const kernels::KernelLoops& loops = tools.fast->byKernel[model_.kernel->index];
-    SharedValues* const shared = SharedIn(tools);
+    SharedValues* const shared = tools.SharedAt(slot_);
     if (shared != nullptr) {
       call.values = shared->Of(block, model_.centreCount);
       if (shared->forms[block] == SharedValues::Form::Fast) {
@@ -244,13 +244,6 @@ class KernelSurface : public PreparedSurface {
     loops.fastValues(call);
     tools.fast->fastWeigh(call);
     shared->forms[block] = SharedValues::Form::Fast;
-  }
-
-  /// The kernel values that other surfaces need too; null if there are none.
-  SharedValues* SharedIn(const Tools& tools) const {
-    if (slot_ == Sharing::kNoSlot || tools.shared == nullptr) return nullptr;
-    SharedValues& shared = tools.shared[slot_];
-    return shared.values != nullptr ? &shared : nullptr;
   }
 
   void AddTrend(std::size_t count, const LoopTable& loops, const KernelWork& work) const {
@@ -277,9 +270,7 @@ class KernelSurface : public PreparedSurface {
     const std::size_t n = model_.centreCount;
     const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
     const KernelWork work(model_, blocks, tools.work);
-    SharedErrors* const shared = errorSlot_ != Sharing::kNoSlot && tools.sharedErrors != nullptr
-                                     ? &tools.sharedErrors[errorSlot_]
-                                     : nullptr;
+    SharedErrors* const shared = tools.SharedErrorsAt(errorSlot_);
     const bool areNormsThere =
         shared != nullptr && shared->AreFilled(points.firstBlock, points.firstBlock + blocks);
     for (std::size_t b = 0; b < blocks; ++b) {
@@ -302,7 +293,7 @@ class KernelSurface : public PreparedSurface {
       squaresOfG = shared->squaresOfG + points.firstBlock * kBlock;
     }
     if (!areNormsThere) {
-      const SharedValues* const values = SharedIn(tools);
+      const SharedValues* const values = tools.SharedAt(slot_);
       const double* const r = values != nullptr ? values->Of(points.firstBlock, n) : work.values;
       data.norms->Fill(*tools.exact, {points.count, r, work.w, work.norms, squaresOfV, squaresOfG});
       if (shared != nullptr) shared->SetFilled(points.firstBlock, points.firstBlock + blocks);
