@@ -19,6 +19,8 @@ constexpr std::size_t kLongestRow = std::size_t{1} << 20U;
 // Some programs write it at the start of a text.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+constexpr const char* kBlanks = " \t";
+
 const char* const kUnclosed = "a quotation mark is never closed";
 const char* const kMisplaced =
     "a quotation mark is inside a value (put the value in quotation marks and double the mark)";
@@ -105,14 +107,43 @@ void CsvReader::EndAsFault(CsvRow& row, const std::vector<Line>& lines, const ch
   Restart();
 }
 
+void SplitFields(CsvRow& row) {
+  std::string_view rest = row.text;
+  for (bool more = true; more;) {
+    const std::size_t comma = rest.find(',');
+    more = comma != std::string_view::npos;
+    const std::string_view cell = rest.substr(0, comma);
+    const std::size_t first = cell.find_first_not_of(kBlanks);
+    const std::size_t last = cell.find_last_not_of(kBlanks);
+    row.fields.emplace_back(first == std::string_view::npos ? cell.substr(0, 0)
+                                                            : cell.substr(first, last - first + 1));
+    if (more) rest.remove_prefix(comma + 1);
+  }
+  row.is_split = true;
+}
+
 bool CsvReader::Next(CsvRow& row) {
+  if (!NextUnsplit(row)) return false;
+  if (!row.is_split) SplitFields(row);
+  return true;
+}
+
+bool CsvReader::NextUnsplit(CsvRow& row) {
   row = CsvRow();
   std::vector<Line> lines;
   std::size_t size = 0;
   Line line;
   while (NextLine(line)) {
-    const bool blank = line.text.find_first_not_of(" \t") == std::string::npos;
+    const bool blank = line.text.find_first_not_of(kBlanks) == std::string::npos;
     if (blank && lines.empty()) continue;
+    // The first line may begin with the mark.
+    if (lines.empty() && line_ > 1 && line.text.find('"') == std::string::npos) {
+      row.line = line_;
+      row.text = std::move(line.text);
+      row.line_end = std::move(line.end);
+      row.is_split = false;
+      return true;
+    }
     if (lines.empty()) row.line = line_;
     lines.push_back(line);
     size += line.text.size();

@@ -20,7 +20,12 @@ struct CsvRow {
   std::vector<std::string> fields;
   /// What is wrong with its quotation marks, or empty. With a fault, `fields` has no meaning.
   std::string fault;
+  /// False while `fields` waits for SplitFields.
+  bool is_split = true;
 };
+
+/// Fills `fields` of a row that has no quotation mark.
+void SplitFields(CsvRow& row);
 
 /// Reads any number of rows, one by one. Lines end with "\n", "\r\n" or "\r"; blank lines are
 /// skipped. A quoted value may hold commas, line ends and doubled quotation marks. A row whose
@@ -35,6 +40,8 @@ class CsvReader {
 
   /// False at the end. Refusal when reading fails and at a line that is too long for a table.
   bool Next(CsvRow& row);
+  /// The same, but leaves a row without quotation marks to SplitFields, which any thread can call.
+  bool NextUnsplit(CsvRow& row);
 
  private:
   struct Line {

@@ -49,7 +49,7 @@ std::vector<CsvRow> NextRows(CsvReader& reader, std::size_t most) {
   std::vector<CsvRow> rows;
   std::size_t characters = 0;
   CsvRow row;
-  while (rows.size() < most && characters < kCharacters && reader.Next(row)) {
+  while (rows.size() < most && characters < kCharacters && reader.NextUnsplit(row)) {
     characters += row.text.size();
     rows.push_back(std::move(row));
   }
@@ -143,8 +143,12 @@ void EvalPoints(const PointsOptions& options) {
   const std::size_t rows_at_once = evaluator.RowsPerBlock();
   for (auto rows = NextRows(reader, rows_at_once); !rows.empty();
        rows = NextRows(reader, rows_at_once)) {
-    pending.push_back(workers.Add(RowWorkers::Task(
-        [&evaluator, rows = std::move(rows)] { return evaluator.Evaluate(rows); })));
+    pending.push_back(workers.Add(RowWorkers::Task([&evaluator, rows = std::move(rows)]() mutable {
+      for (CsvRow& row : rows) {
+        if (!row.is_split) SplitFields(row);
+      }
+      return evaluator.Evaluate(rows);
+    })));
     while (!pending.empty() && (pending.size() >= most || IsReady(pending.front()))) {
       deliver_first();
     }
