@@ -321,14 +321,14 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   }
   const std::size_t size = blocks * kBlock;
   AlignedArea area((inputs + 2) * size + workSize);
-  std::vector<batch::Question> questions(questionCount);
+  const std::unique_ptr<batch::Question[]> questions(new batch::Question[questionCount]);
   std::vector<int> ownStatuses(size);
   double* const x = area.Start();
   double* const ownValues = x + inputs * size;
   double* const ownErrors = ownValues + size;
   SharedArea shared(*parts_, withErrors, blocks);
-  const batch::Tools tools = {parts_->exact,    parts_->fast,    ownErrors + size,
-                              questions.data(), shared.Values(), shared.Errors()};
+  const batch::Tools tools = {parts_->exact,   parts_->fast,    ownErrors + size,
+                              questions.get(), shared.Values(), shared.Errors()};
   const batch::Results results = {ownValues, withErrors ? ownErrors : nullptr, ownStatuses.data()};
 
   const auto evaluate = [&](std::size_t o, std::size_t first, std::size_t count,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "kernels/loops/row_pieces.h"
 #include "numerics/polynomial_basis.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
@@ -20,7 +21,8 @@ struct KernelWork {
     x = area.Take((model.inputs + 1) * kBlock);
     sums = area.Take(kBlock);
     trend = area.Take(kBlock);
-    values = area.Take((withErrors ? errorBlocks * n : std::min(n, kernels::kChunk)) * kBlock);
+    values = area.Take(withErrors ? errorBlocks * n * kBlock
+                                  : std::max(n, std::min(n, kernels::kChunk) * kBlock));
     steps = area.Take(2 * model.inputs * kBlock);
     if (withErrors) {
       w = area.Take(errorBlocks * model.error->norms->FunctionRows() * kBlock);
@@ -215,7 +217,31 @@ class KernelSurface : public PreparedSurface {
       }
       shared->forms[block] = SharedValues::Form::Exact;
     }
-    tools.exact->byKernel[model_.kernel->index].sum(call);
+    if (count == 1 && !call.keepsValues) {
+      work.sums[0] = SumAtOnePoint(*tools.exact, call, work.steps);
+    } else {
+      tools.exact->byKernel[model_.kernel->index].sum(call);
+    }
+  }
+
+  /// The same sum by the loops in which the lanes of a vector are samples: for a single point those
+  /// of a block would compute copies of it. `x` holds a value per input.
+  double SumAtOnePoint(const kernels::LoopTable& loops, const kernels::KernelSum& sums,
+                       double* x) const {
+    for (std::size_t i = 0; i < model_.inputs; ++i) x[i] = sums.x[i * kBlock];
+    kernels::RowKernels call;
+    static_cast<kernels::KernelCall&>(call) = sums;
+    call.x = x;
+    call.scales = sums.scales;
+    double sum = sums.start;
+    kernels::ForRowKernels(&loops, call, kernels::FlatRows{sums.centres, model_.inputs},
+                           sums.centreCount, sums.centreScales, sums.values,
+                           [&](std::size_t first, std::size_t last) {
+                             for (std::size_t j = first; j < last; ++j) {
+                               sum += sums.values[j] * sums.weights[j];
+                             }
+                           });
+    return sum;
   }
 
   void SumFast(std::size_t count, std::size_t block, const Tools& tools,

@@ -8,12 +8,24 @@
 
 namespace Tarvane::Plexura::PXROM::kernels {
 
+/// Rows of `width` values, one after the other.
+struct FlatRows {
+  struct Row {
+    const double* data() const { return values; }
+    const double* values;
+  };
+  Row operator[](std::size_t row) const { return {first + row * width}; }
+
+  const double* first;
+  std::size_t width;
+};
+
 /// Fills `values` with the kernel values of the first `count` rows, and calls use(first, last)
 /// after each piece of them. `call` holds the rest; `scales`, one per row, may be null. Uses the
 /// vectors of `loops` for kernels that have them; with null it uses plain numbers.
-template <class Use>
-void ForRowKernels(const LoopTable* loops, RowKernels call, const std::vector<double>* rows,
-                   std::size_t count, const double* scales, double* values, const Use& use) {
+template <class Rows, class Use>
+void ForRowKernels(const LoopTable* loops, RowKernels call, const Rows& rows, std::size_t count,
+                   const double* scales, double* values, const Use& use) {
   constexpr std::size_t kMostLanes = 8;
   const auto onVectors = loops != nullptr ? loops->byKernel[call.kernel->index].rows : nullptr;
   const auto fill = onVectors != nullptr ? onVectors : call.kernel->rows;
