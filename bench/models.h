@@ -136,13 +136,24 @@ inline CQRSData Regression(int n, int d) {
   return record;
 }
 
-inline void FillModel(const CFittingCandidates& list, int d, CDiscreteCombinations& model) {
+/// An output for each list.
+inline void FillModel(const std::vector<CFittingCandidates>& lists, int d,
+                      CDiscreteCombinations& model) {
   for (int i = 0; i < d; ++i) {
     model.RegisterParameter("x" + std::to_string(i), CausalityInput, ContinuousNotManufacturable,
                             true);
   }
-  model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
-  model.RegisterDiscreteCombination({}, {{"y", list.Clone()}});
+  std::vector<std::pair<std::string, CFittingCandidates*>> outputs;
+  for (const CFittingCandidates& list : lists) {
+    outputs.emplace_back("y" + std::to_string(outputs.size()), list.Clone());
+    model.RegisterParameter(outputs.back().first, CausalityOutput, ContinuousNotManufacturable,
+                            true);
+  }
+  model.RegisterDiscreteCombination({}, outputs);
+}
+
+inline void FillModel(const CFittingCandidates& list, int d, CDiscreteCombinations& model) {
+  FillModel(std::vector<CFittingCandidates>{list}, d, model);
 }
 
 /// Three families in ten folds of twenty samples, each sub surface on nine of them.
@@ -152,7 +163,12 @@ inline CFittingCandidates CrossValidated(int d) {
   CFittingCandidate candidate;
   const auto add = [&](const CRSData& full, const CRSData& sub) {
     candidate.AddRSAndWeight(&full, 0.3);
-    for (int f = 0; f < folds; ++f) candidate.AddSubRS(&sub);
+    for (int f = 0; f < folds; ++f) {
+      // No two folds leave the same samples, which a prepared model would hold once.
+      const std::unique_ptr<CRSData> own(sub.Clone());
+      own->InputSamples[0] = own->InputSamples[static_cast<std::size_t>(f) + 1];
+      candidate.AddSubRS(own.get());
+    }
   };
   add(Kriging(200, d, CorrGaussian), Kriging(180, d, CorrGaussian));
   add(SupportVector(200, d, SVRKernGaussian), SupportVector(180, d, SVRKernGaussian));
