@@ -62,9 +62,12 @@ int IntegerOf(const Input& input, const std::string& text) {
 template <typename Value>
 void SortNamed(const Model& model, std::vector<std::pair<std::string, Value>>& named) {
   const auto& rank = *model.GetRegistrationRank();
-  std::stable_sort(named.begin(), named.end(), [&rank](const auto& a, const auto& b) {
+  const auto is_before = [&rank](const auto& a, const auto& b) {
     return std::make_pair(rank.at(a.first), a.second) < std::make_pair(rank.at(b.first), b.second);
-  });
+  };
+  // As in most tables. Sorting would allocate a buffer.
+  if (std::is_sorted(named.begin(), named.end(), is_before)) return;
+  std::stable_sort(named.begin(), named.end(), is_before);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "csv_reader.h"
 
+#include <algorithm>
 #include <ios>
 #include <new>
 #include <string_view>
@@ -43,12 +44,14 @@ void CsvReader::Restart() {
 
 bool CsvReader::NextInputLine(Line& line) {
   line.text.clear();
+  line.text.reserve(last_size_);
   line.end.clear();
   try {
     for (auto c = input_->sbumpc(); !Traits::eq_int_type(c, Traits::eof()); c = input_->sbumpc()) {
       const char byte = Traits::to_char_type(c);
       if (byte == '\n' || byte == '\r') {
         line.end = byte;
+        last_size_ = line.text.size();
         const bool both =
             byte == '\r' && Traits::eq_int_type(input_->sgetc(), Traits::to_int_type('\n'));
         if (both) line.end += Traits::to_char_type(input_->sbumpc());
@@ -109,6 +112,7 @@ void CsvReader::EndAsFault(CsvRow& row, const std::vector<Line>& lines, const ch
 
 void SplitFields(CsvRow& row) {
   std::string_view rest = row.text;
+  row.fields.reserve(static_cast<std::size_t>(std::count(rest.begin(), rest.end(), ',')) + 1);
   for (bool more = true; more;) {
     const std::size_t comma = rest.find(',');
     more = comma != std::string_view::npos;

@@ -61,6 +61,7 @@ class CsvReader {
   std::vector<std::string> fields_;
   bool row_ended_ = false;
   std::size_t line_ = 0;
+  std::size_t last_size_ = 0;  ///< of a line, since the next one is likely to be as long
   /// Lines to be read again, the next one last.
   std::vector<Line> again_;
 };
