@@ -105,6 +105,17 @@ TEST(Reports, SayTheSameToTheLetter) {
   std::string windows = std::regex_replace(constant, std::regex("\n"), "\r\n");
   reports.AddSound("line ends of Windows", windows);
   reports.AddSound("line ends of Windows but one", windows.erase(windows.find('\r'), 1));
+  using Change = std::pair<std::string, std::string>;
+  const auto addChanged = [&](const std::string& name, const std::vector<Change>& changes) {
+    std::string text = constant;
+    for (const auto& [from, to] : changes) text.replace(text.find(from), from.size(), to);
+    reports.AddDamaged(name, constant, text);
+  };
+  const Change causality = {"Causalities=0,1", "Causalities=0,2"};
+  addChanged("no such causality, and a rank of no parameter", {causality, {"Rank={x", "Rank={z"}});
+  addChanged("no such causality, and no number of inputs",
+             {causality, {"InputVariables=1", "InputVariables="}});
+  addChanged("an input, and an output of its rank", {{"{y;1}", "{y;0}"}});
   for (const Damage& damage : Damages()) {
     reports.AddDamaged(damage.name, ContentOf(SourcePath(damage.model)), damage.text);
   }
