@@ -108,7 +108,7 @@ inline std::vector<std::string> GoodModels() {
   std::vector<std::string> paths;
   for (const std::string& folder : {SourcePath("tests/data/models"), SourcePath("examples")}) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-      if (entry.path().extension() == ".pxdb") paths.push_back(entry.path().string());
+      if (entry.path().extension() == ".pxdb") paths.push_back(entry.path().generic_string());
     }
   }
   std::sort(paths.begin(), paths.end());
