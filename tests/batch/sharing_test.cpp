@@ -98,6 +98,9 @@ TEST(Sharing, OfGaussianProcessesKeepsEachOutput) {
           for (double& c : r.PolynomialCoefficients) c *= 2.0;
         }),
         with([](R& r) {
+          for (int& exponent : r.Monomials) exponent = exponent == 1 ? 2 : 1;
+        }),
+        with([](R& r) {
           if (!r.TermAmplitudes.empty()) r.TermAmplitudes[0] *= 2.0;
         }),
         with([](R& r) {
