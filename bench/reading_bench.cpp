@@ -15,6 +15,8 @@
 
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
+#include "pxrom/kriging.h"
+#include "pxrom/writer.h"
 #include "ratio_report.h"
 #include "reference/reading_literal.h"
 #include "text/tokens.h"
@@ -130,6 +132,57 @@ std::string Database(std::size_t bytes, int combinations, int outputs) {
   return text;
 }
 
+/// A database of one Kriging surface with predicted errors, whose triangular matrix of `samples`
+/// rows is nearly all of the text.
+std::string TriangularDatabase(int samples) {
+  std::mt19937 random(1);
+  std::normal_distribution<double> normal;
+  const auto n = static_cast<std::size_t>(samples);
+  const auto draw = [&](std::size_t count) {
+    std::vector<double> values(count);
+    for (double& value : values) value = normal(random);
+    return values;
+  };
+  CKrigingData record;
+  record.NumberOfInputVariables = kInputs;
+  record.NumberOfSamples = samples;
+  for (std::size_t i = 0; i < n; ++i) record.InputSamples.push_back(draw(kInputs));
+  record.OutputSamples = draw(n);
+  record.InputScaleSlopes.assign(kInputs, 1.0);
+  record.InputScaleIntercepts.assign(kInputs, 0.0);
+  record.OutputScaleSlope = 1.0;
+  record.ReadyForEvaluation = true;
+  record.PolynomialType = PolyConstant;
+  record.PolynomialCoefficients = {1.5};
+  record.CorrelationFunctionType = CorrGaussian;
+  record.CorrelationCoefficients = draw(n);
+  record.CorrelationKernels.assign(kInputs, 1.0);
+  record.SavePredictorError = true;
+  record.NumberOfPolyCoeff = 1;
+  record.Sigma2 = 1.0;
+  for (std::size_t i = 0; i < n; ++i) {
+    record.InvC.push_back(draw(i + 1));
+    record.InvC.back().resize(n);
+  }
+  record.InvG = {{1.0}};
+  record.Ft = {draw(n)};
+
+  CDiscreteCombinations model;
+  for (int i = 0; i < kInputs; ++i) {
+    model.RegisterParameter("x" + std::to_string(i), CausalityInput, ContinuousNotManufacturable,
+                            true);
+  }
+  model.RegisterParameter("y", CausalityOutput, ContinuousNotManufacturable, true);
+  auto list = std::make_unique<CFittingCandidates>();
+  list->GenerateCandidateFromCRSData(&record);
+  if (model.RegisterDiscreteCombination({}, {{"y", list.get()}}) == 0) {
+    static_cast<void>(list.release());
+  }
+  std::string text;
+  CWriterPXROMDatabase().WriteDiscreteCombinations(model, text);
+  return text;
+}
+
 /// What a text costs at the least: every number of it, one after the other, kept in one vector.
 void FromChars(benchmark::State& state, const std::string& text) {
   for (auto _ : state) {
@@ -203,7 +256,19 @@ struct Size {
   std::size_t megabytes;
   int combinations;
   int outputs;
+  /// Of the one surface of a text that is nearly all a triangular matrix; 0 for other texts.
+  int samplesOfMatrix = 0;
 };
+
+constexpr Size kFewGroups = {20, 10, 10};
+constexpr Size kManyGroups = {20, 1000, 10};
+constexpr Size kMatrix = {0, 1, 1, 4000};
+
+/// The two large files of users have a goal of their own: a study, and one model with its matrix.
+std::string KindOf(const Size& size) {
+  const bool isFile = size.samplesOfMatrix != 0 || size.combinations == kManyGroups.combinations;
+  return isFile ? "files" : "reading";
+}
 
 /// The most memory that reading takes at a time, the reader's copy of the text among it, and what
 /// the objects keep of it, per byte of the text.
@@ -223,6 +288,9 @@ void PrintMemory(const std::string& name, const std::string& text) {
 }
 
 std::string NameOf(const Size& size) {
+  if (size.samplesOfMatrix != 0) {
+    return "the matrix of " + std::to_string(size.samplesOfMatrix) + " samples";
+  }
   return std::to_string(size.megabytes) + " MB, " + std::to_string(size.combinations) +
          (size.combinations == 1 ? " combination of " : " combinations of ") +
          std::to_string(size.outputs);
@@ -233,7 +301,11 @@ class Texts {
  public:
   const std::string& Of(const Size& size) {
     std::string& text = texts_[NameOf(size)];
-    if (text.empty()) text = Database(size.megabytes << 20, size.combinations, size.outputs);
+    if (text.empty()) {
+      text = size.samplesOfMatrix != 0
+                 ? TriangularDatabase(size.samplesOfMatrix)
+                 : Database(size.megabytes << 20, size.combinations, size.outputs);
+    }
     return text;
   }
 
@@ -246,7 +318,7 @@ class Texts {
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   // How the time grows with the text, and with the number of groups in it.
-  const Size sizes[] = {{1, 1, 1}, {10, 1, 1}, {100, 1, 1}, {20, 10, 10}, {20, 1000, 10}};
+  const Size sizes[] = {{1, 1, 1}, {10, 1, 1}, {100, 1, 1}, kFewGroups, kManyGroups, kMatrix};
   Texts texts;
   std::mt19937 random(1);
   const std::string list = RandomList(random, 100000);
@@ -262,13 +334,13 @@ int main(int argc, char** argv) {
   for (const Size& size : sizes) {
     const std::string name = NameOf(size);
     benchmark::RegisterBenchmark(
-        ("reading/from_chars/" + name).c_str(),
+        (KindOf(size) + "/from_chars/" + name).c_str(),
         [&texts, size](benchmark::State& state) { FromChars(state, texts.Of(size)); })
         ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("reading/library/" + name).c_str(), [&texts, size](
-                                                                          benchmark::State& state) {
-      Library(state, texts.Of(size));
-    })->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(
+        (KindOf(size) + "/library/" + name).c_str(),
+        [&texts, size](benchmark::State& state) { Library(state, texts.Of(size)); })
+        ->Unit(benchmark::kMillisecond);
   }
   const Size usual = sizes[1];
   benchmark::RegisterBenchmark(
@@ -278,10 +350,12 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks(&report);
   report.Print("numbers", "Reading numbers, per MB", {0.8}, "from_chars");
   report.Print("reading", "Reading databases, per MB", {0.8}, "from_chars");
-  // The last two sizes: the same length in a hundred and in ten thousand groups.
-  const double many = report.Best("reading", "library", NameOf(sizes[4]));
-  const double few = report.Best("reading", "library", NameOf(sizes[3]));
-  if (many > 0.0) {
+  report.Print("files", "Reading files as users have them, per MB",
+               {1.0, 0.0, {NameOf(kManyGroups), NameOf(kMatrix)}}, "from_chars");
+  // The same length in a hundred and in ten thousand groups.
+  const double many = report.Best(KindOf(kManyGroups), "library", NameOf(kManyGroups));
+  const double few = report.Best(KindOf(kFewGroups), "library", NameOf(kFewGroups));
+  if (many > 0.0 && few > 0.0) {
     RatioReport::Row("Reading databases, many groups against few", "", "",
                      RatioReport::Number(few / many), "",
                      RatioReport::Reached(">= 0.50", few / many >= 0.5));

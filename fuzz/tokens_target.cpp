@@ -110,7 +110,7 @@ void RunTokens(std::string_view data) {
   CompareNumber(text, false);
   std::string_view rest = text;
   double token = 8.25;
-  reading::ExtractTokens(rest, outer, &token, 1);
+  reading::ExtractTokens(rest, outer, &token, 1, rest.data() + rest.size());
   double first = 0.0;
   literal::Extract(text.substr(0, text.find(outer)), first);
   const std::size_t delimiter = text.find(outer);

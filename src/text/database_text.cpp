@@ -14,10 +14,12 @@ constexpr std::size_t kNone = std::string_view::npos;
 // limits.
 constexpr std::size_t kWorkForAnyText = std::size_t{16} << 20;
 constexpr std::size_t kWorkPerCharacter = 16;
-// Longer than any tag of the format can be.
-constexpr std::size_t kLongestTag = 64;
 // The size of a group's object without its lists.
 constexpr std::size_t kGroupOverhead = 512;
+// A quarter of the size of a list of candidates that shares its content, with all that owns and
+// finds it. The shortest use of a group in a line has six characters, so a text may use one as
+// often as its length allows.
+constexpr std::size_t kListOverhead = 80;
 // The size of a row of a matrix without its values.
 constexpr std::size_t kRowOverhead = sizeof(std::vector<double>) + 16;
 
@@ -61,13 +63,16 @@ std::size_t WorkAllowedFor(std::size_t length) {
 
 std::size_t WorkOfGroup(std::size_t characters) { return characters + kGroupOverhead; }
 
+std::size_t WorkOfList() { return kListOverhead; }
+
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns) {
   return rows * (columns * sizeof(double) + kRowOverhead);
 }
 
 namespace {
 
-bool IsMark(char c) { return c == '=' || c == '<'; }
+// '<' and '=' differ in the lowest bit only.
+bool IsMark(char c) { return (c | 1) == '='; }
 
 /// Whether a mark is among `kCount` characters. Without branches and with a fixed size, so that
 /// compilers can vectorise it.
@@ -80,26 +85,53 @@ bool HasMark(const char* text) {
   return any != 0;
 }
 
+void NoteMark(char c, std::size_t place, Marks& marks) {
+  (c == '=' ? marks.equalSigns : marks.brackets).push_back(place);
+}
+
 void NoteMarks(std::string_view text, std::size_t first, std::size_t end, Marks& marks) {
   for (std::size_t at = first; at < end; ++at) {
-    const char c = text[at];
-    if (!IsMark(c)) continue;
-    (c == '=' ? marks.equalSigns : marks.brackets).push_back(at);
+    if (IsMark(text[at])) NoteMark(text[at], at, marks);
   }
 }
+
+constexpr std::size_t kCharsOfWord = 8;
+
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+
+// Eight characters at once: a byte of `marked` is 0x80 where one of them is a mark.
+void NoteMarksOfWord(std::string_view text, std::size_t first, Marks& marks) {
+  constexpr std::uint64_t kLow = 0x7f7f7f7f7f7f7f7fU;
+  std::uint64_t word = 0;
+  std::memcpy(&word, &text[first], kCharsOfWord);
+  word = (word | 0x0101010101010101U) ^ 0x3d3d3d3d3d3d3d3dU;
+  std::uint64_t marked = ~(((word & kLow) + kLow) | word | kLow);
+  for (; marked != 0; marked &= marked - 1) {
+    const std::size_t at = first + static_cast<std::size_t>(__builtin_ctzll(marked)) / 8;
+    NoteMark(text[at], at, marks);
+  }
+}
+
+#else
+
+void NoteMarksOfWord(std::string_view text, std::size_t first, Marks& marks) {
+  NoteMarks(text, first, first + kCharsOfWord, marks);
+}
+
+#endif
 
 }  // namespace
 
 Marks FindMarks(std::string_view text, std::size_t lower, std::size_t end) {
   // Most of a text is long lists of numbers, which hold neither mark.
   constexpr std::size_t kBlock = 64;
-  constexpr std::size_t kPart = 16;
   Marks marks;
+  if (lower < end) marks.equalSigns.reserve((end - lower) / kBlock);
   std::size_t at = lower;
   for (; at < end && end - at >= kBlock; at += kBlock) {
     if (!HasMark<kBlock>(&text[at])) continue;
-    for (std::size_t part = at; part < at + kBlock; part += kPart) {
-      if (HasMark<kPart>(&text[part])) NoteMarks(text, part, part + kPart, marks);
+    for (std::size_t word = at; word < at + kBlock; word += kCharsOfWord) {
+      NoteMarksOfWord(text, word, marks);
     }
   }
   NoteMarks(text, at, end, marks);
@@ -112,18 +144,11 @@ DatabaseText::DatabaseText(std::string_view text)
 void DatabaseText::Index() {
   indexed_ = true;
   marks_ = FindMarks(text_, 0, text_.size());
-  for (const std::size_t at : marks_.brackets) {
-    const std::size_t length = text_.substr(at, kLongestTag).find('>');
-    if (length != kNone) tags_[text_.substr(at, length + 1)].push_back(at);
-  }
+  tags_.Fill(text_, marks_.brackets);
 }
 
 std::size_t DatabaseText::Find(std::string_view tag, std::size_t from) const {
-  if (!indexed_ || tag.size() > kLongestTag) return text_.find(tag, from);
-  const auto places = tags_.find(tag);
-  if (places == tags_.end()) return kNone;
-  const auto place = std::lower_bound(places->second.begin(), places->second.end(), from);
-  return place == places->second.end() ? kNone : *place;
+  return indexed_ && TagIndex::Covers(tag) ? tags_.Find(tag, from) : text_.find(tag, from);
 }
 
 int DatabaseText::SearchBounds(const std::string& opening, const std::string& closing,
@@ -145,11 +170,28 @@ bool DatabaseText::Charge(std::size_t bytes) {
   return !IsExhausted();
 }
 
-AttributeRange::Places AttributeRange::PlacesInside(const std::vector<std::size_t>& places,
-                                                    std::size_t begin, std::size_t end) {
-  const auto first = std::lower_bound(places.begin(), places.end(), begin);
-  const auto last = std::lower_bound(first, places.end(), end);
-  return {places.data() + (first - places.begin()), places.data() + (last - places.begin())};
+namespace {
+
+// Most values are a digit or two, for which a call would cost more than the search.
+std::size_t FindLineEnd(std::string_view text, std::size_t from) {
+  constexpr std::size_t kNear = 8;
+  const char lineEnd = Labels::strEOL()[0];
+  const std::size_t near = std::min(text.size(), from + kNear);
+  for (; from < near; ++from) {
+    if (text[from] == lineEnd) return from;
+  }
+  return text.find(lineEnd, from);
+}
+
+}  // namespace
+
+AttributeRange::Places AttributeRange::EqualSignsInside() const {
+  const std::vector<std::size_t>& all = marks_->equalSigns;
+  std::size_t& near = text_.LastEqualSign();
+  const std::size_t first = CountBelow(all.data(), all.size(), begin_, near);
+  const std::size_t last = CountBelow(all.data(), all.size(), end_, first);
+  if (marks_ == text_.AllMarks()) near = first;
+  return {all.data() + first, all.data() + last};
 }
 
 void AttributeRange::LookThrough() {
@@ -164,7 +206,7 @@ void AttributeRange::LookThrough() {
     ownMarks_ = FindMarks(text_.View(), begin_, end_);
     marks_ = &ownMarks_;
   }
-  equalSigns_ = PlacesInside(marks_->equalSigns, begin_, end_);
+  equalSigns_ = EqualSignsInside();
 }
 
 bool AttributeRange::Find(const std::string& key, std::string_view& value) {
@@ -190,7 +232,7 @@ bool AttributeRange::Find(const std::string& key, std::string_view& value) {
 std::size_t AttributeRange::LineEnd(std::size_t from) {
   if (from < lineFrom_ || from > lineEnd_) {
     lineFrom_ = from;
-    lineEnd_ = std::min(text_.View().find(Labels::strEOL()[0], from), end_);
+    lineEnd_ = std::min(FindLineEnd(text_.View(), from), end_);
   }
   return lineEnd_;
 }
@@ -215,7 +257,7 @@ int AttributeRange::CatchMatrix(const std::string& key, int rows, int columns,
   std::vector<std::vector<double>> matrix(rowCount);
   for (std::vector<double>& row : matrix) {
     row.resize(columnCount);
-    ExtractTokens(list, separator, row.data(), columnCount);
+    ExtractTokens(list, separator, row.data(), columnCount, EndOfText());
   }
   target = std::move(matrix);
   return 0;

@@ -3,11 +3,12 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <type_traits>
 #include <vector>
 
 #include "pxrom/database_labels.h"
 #include "text/number_text.h"
+#include "text/tag_index.h"
 #include "text/tokens.h"
 
 namespace Tarvane::Plexura::PXROM::reading {
@@ -38,10 +39,11 @@ std::string_view RestOfLine(std::string_view text, std::size_t position);
 std::size_t CountLinesWith(std::string_view range, const std::string& key);
 
 /// Work is counted in bytes, see DatabaseText::Charge: how much a text of `length` characters may
-/// need, how much one use of a group of `characters` counts, and how much a matrix counts in
-/// addition to the text of its values.
+/// need, how much a group of `characters` counts, how much each use of a group, and how much a
+/// matrix in addition to the text of its values.
 std::size_t WorkAllowedFor(std::size_t length);
 std::size_t WorkOfGroup(std::size_t characters);
+std::size_t WorkOfList();
 std::size_t WorkOfMatrix(std::size_t rows, std::size_t columns);
 
 /// The places of the characters that searches stop at, in ascending order.
@@ -69,6 +71,8 @@ class DatabaseText {
   void Index();
   /// The marks of the whole text; null before Index.
   const Marks* AllMarks() const { return indexed_ ? &marks_ : nullptr; }
+  /// Where the last range began among the equal signs of the whole text: the next one is near.
+  std::size_t& LastEqualSign() { return lastEqualSign_; }
 
   /// The body of the first group that opens at or after `from`. 1 when the body is empty or ends
   /// before it starts, else 0.
@@ -83,8 +87,8 @@ class DatabaseText {
   bool FindGroupInside(const std::string& word, int id, const Bounds& outer, Bounds& bounds) const;
 
   /// Adds `bytes` to the work: text that was searched or memory that was taken. False once the sum
-  /// is above the limit for a text of this length (CReaderPXROMDatabase). Groups can be used any
-  /// number of times, so the length of the text alone doesn't bound the work.
+  /// is above the limit for a text of this length (CReaderPXROMDatabase). Damaged groups can
+  /// overlap, so the length of the text alone doesn't bound the work.
   bool Charge(std::size_t bytes);
   bool IsExhausted() const { return charged_ > limit_; }
 
@@ -96,7 +100,8 @@ class DatabaseText {
   std::size_t limit_ = 0;
   bool indexed_ = false;
   Marks marks_;
-  std::unordered_map<std::string_view, std::vector<std::size_t>> tags_;
+  TagIndex tags_;
+  std::size_t lastEqualSign_ = 0;
 };
 
 /// The attributes of one group: finds a key's first place in the range and converts its value. It
@@ -127,7 +132,11 @@ class AttributeRange {
   /// A list of double, int or std::string.
   template <class Value>
   void Catch(const std::string& key, std::vector<Value>& target) {
-    Tokenize(ListValue(key), Labels::strSep()[0], target);
+    if constexpr (std::is_same_v<Value, double>) {
+      Tokenize(ListValue(key), Labels::strSep()[0], target, EndOfText());
+    } else {
+      Tokenize(ListValue(key), Labels::strSep()[0], target);
+    }
   }
 
   /// A list of pairs from std::string to double, int or std::string.
@@ -157,6 +166,7 @@ class AttributeRange {
     if (Find(key, value)) Extract(value, target);
   }
   std::string_view ListValue(const std::string& key);
+  const char* EndOfText() const { return text_.View().data() + text_.View().size(); }
   void LookThrough();
   /// The end of the line, or of the range, at or after `from`.
   std::size_t LineEnd(std::size_t from);
@@ -166,8 +176,7 @@ class AttributeRange {
     const std::size_t* first = nullptr;
     const std::size_t* last = nullptr;
   };
-  static Places PlacesInside(const std::vector<std::size_t>& places, std::size_t begin,
-                             std::size_t end);
+  Places EqualSignsInside() const;
 
   DatabaseText& text_;
   Bounds bounds_;

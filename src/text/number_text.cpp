@@ -180,14 +180,15 @@ std::size_t ExtractToken(std::string_view text, char delimiter, double& target) 
 
 }  // namespace
 
-void ExtractTokens(std::string_view& text, char delimiter, double* values,
-                   std::size_t count) noexcept {
+void ExtractTokens(std::string_view& text, char delimiter, double* values, std::size_t count,
+                   const char* readable) noexcept {
   const bool isUsual = !IsInNumbers(delimiter);
   const char* at = text.data();
   const char* const end = at + text.size();
   for (std::size_t i = 0; i < count; ++i) {
-    const char* behind = isUsual ? ReadShortDecimal(at, end, values[i]) : nullptr;
-    if (behind == nullptr || *behind != delimiter) {
+    const char* behind = isUsual ? ReadShortDecimal(at, readable, values[i]) : nullptr;
+    // A number that goes on after the end was not read as a whole.
+    if (behind == nullptr || behind > end || (behind < end && *behind != delimiter)) {
       const std::string_view rest(at, static_cast<std::size_t>(end - at));
       behind = at + ExtractToken(rest, delimiter, values[i]);
     }

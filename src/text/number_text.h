@@ -17,8 +17,10 @@ void Extract(std::string_view text, double& target) noexcept;
 void Extract(std::string_view text, bool& target) noexcept;
 
 /// Reads `count` doubles from the front of `text`, each up to the next `delimiter` or the end, as
-/// Extract does into 0.0, and drops them from it. After the end all are 0.0.
-void ExtractTokens(std::string_view& text, char delimiter, double* values,
-                   std::size_t count) noexcept;
+/// Extract does into 0.0, and drops them from it. After the end all are 0.0. The characters from
+/// the end of `text` up to `readable` have no effect on the values but must be readable: with them
+/// the last numbers of a list take the short way too.
+void ExtractTokens(std::string_view& text, char delimiter, double* values, std::size_t count,
+                   const char* readable) noexcept;
 
 }  // namespace Tarvane::Plexura::PXROM::reading

@@ -93,8 +93,8 @@ inline bool Divide(std::uint64_t number, std::size_t places, double& value) {
 
 }  // namespace short_decimal
 
-/// Reads the number at the front of `text` up to `end` and returns the place after it; null for a
-/// number of another form.
+/// Reads the number at the front of `text`, which is readable up to `end`, and returns the place
+/// after it; null for a number of another form.
 inline const char* ReadShortDecimal(const char* text, const char* end, double& value) {
   using namespace short_decimal;
   if (end - text < static_cast<std::ptrdiff_t>(kLongest)) return nullptr;

@@ -64,8 +64,13 @@ std::size_t CountTokens(std::string_view text, char delimiter) {
 }
 
 void Tokenize(std::string_view text, char delimiter, std::vector<double>& out) {
+  Tokenize(text, delimiter, out, text.data() + text.size());
+}
+
+void Tokenize(std::string_view text, char delimiter, std::vector<double>& out,
+              const char* readable) {
   out.resize(CountTokens(text, delimiter));
-  ExtractTokens(text, delimiter, out.data(), out.size());
+  ExtractTokens(text, delimiter, out.data(), out.size(), readable);
 }
 
 void Tokenize(std::string_view text, char delimiter, std::vector<int>& out) {

@@ -25,6 +25,9 @@ std::size_t CountTokens(std::string_view text, char delimiter);
 
 // The tokenizers of CReader on views, with the rules in reader.h.
 void Tokenize(std::string_view text, char delimiter, std::vector<double>& out);
+/// With characters after the end that may be read, see ExtractTokens.
+void Tokenize(std::string_view text, char delimiter, std::vector<double>& out,
+              const char* readable);
 void Tokenize(std::string_view text, char delimiter, std::vector<int>& out);
 void Tokenize(std::string_view text, char delimiter, std::vector<std::string>& out);
 void TokenizePairs(std::string_view text, char pairDelimiter, char innerDelimiter,

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <sstream>
@@ -111,33 +112,58 @@ TEST(DatabaseText, RefusesWorkBeyondItsLimit) {
   EXPECT_TRUE(text.IsExhausted());
 }
 
-// In whole databases tags and keys are found by an index, and else by plain searches.
+TEST(TagIndex, CountsPlacesFromAnywhere) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<std::size_t> places(random() % 50);
+    for (std::size_t& place : places) place = random() % 100;
+    std::sort(places.begin(), places.end());
+    const std::size_t from = random() % 110;
+    const std::size_t near = random() % 60;
+    const auto below = std::lower_bound(places.begin(), places.end(), from) - places.begin();
+    EXPECT_EQ(reading::CountBelow(places.data(), places.size(), from, near),
+              static_cast<std::size_t>(below))
+        << places.size() << ' ' << from << ' ' << near;
+  }
+}
+
+// In whole databases tags and keys are found by an index, and else by plain searches. A list that
+// is cut by the end of its range is followed by characters that do not count.
 TEST(RandomTexts, OfTagsReadTheSameWithAnIndex) {
   const std::vector<std::string> pieces = Split(
       "<FMU>|</FMU>|<FMU ID=1>|<FMU ID=12>|<FMU ID=1|a=|ba=|=|\n|\n|1|2.5|,|{x;1}|<|>|</| |\r|"
-      "word|;");
+      "word|;|0,1,-2,3.25,4e1,5");
   std::mt19937 random(5);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < 10000; ++round) {
     const std::string text = RandomText(pieces, 40, random);
-    const std::size_t lower = random() % (text.size() + 1);
-    const std::size_t upper = random() % 4 == 0 ? std::string::npos : random() % (text.size() + 2);
     reading::DatabaseText indexed(text);
     indexed.Index();
-    for (const char* const opening : {"<FMU>", "<FMU ID=1>"}) {
-      reading::Bounds bounds;
-      std::size_t start = 0;
-      std::size_t end = 0;
-      EXPECT_EQ(indexed.SearchBounds(opening, "</FMU>", lower, bounds),
-                literal::SearchBounds(text, opening, "</FMU>", lower, start, end));
-      EXPECT_EQ(bounds.lower, start) << text;
-      EXPECT_EQ(bounds.upper, end) << text;
-    }
-    reading::AttributeRange range(indexed, {lower, upper});
-    for (const char* const key : {"a=", "ba=", "="}) {
-      std::string slow = "none";
-      std::string_view value = "none";
-      EXPECT_EQ(range.Find(key, value), literal::CatchKeyValue(text, key, slow, lower, upper));
-      EXPECT_EQ(value, slow) << text;
+    for (int search = 0; search < 3; ++search) {
+      const std::size_t lower = random() % (text.size() + 1);
+      const std::size_t upper =
+          random() % 4 == 0 ? std::string::npos : random() % (text.size() + 2);
+      for (const char* const opening : {"<FMU>", "<FMU ID=1>"}) {
+        reading::Bounds bounds;
+        std::size_t start = 0;
+        std::size_t end = 0;
+        EXPECT_EQ(indexed.SearchBounds(opening, "</FMU>", lower, bounds),
+                  literal::SearchBounds(text, opening, "</FMU>", lower, start, end));
+        EXPECT_EQ(bounds.lower, start) << text;
+        EXPECT_EQ(bounds.upper, end) << text;
+      }
+      reading::AttributeRange range(indexed, {lower, upper});
+      for (const char* const key : {"a=", "ba=", "="}) {
+        std::string slow = "none";
+        std::string_view value = "none";
+        const bool isThere = literal::CatchKeyValue(text, key, slow, lower, upper);
+        EXPECT_EQ(range.Find(key, value), isThere);
+        EXPECT_EQ(value, slow) << text;
+        std::vector<double> numbers;
+        range.Catch(key, numbers);
+        const bool isBlank = !isThere || reading::EmptyIfBlank(slow).empty();
+        EXPECT_EQ(numbers, isBlank ? std::vector<double>() : literal::TokenizeDouble(slow, ','))
+            << text;
+      }
     }
   }
 }
