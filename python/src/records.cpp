@@ -1,6 +1,7 @@
 // The record of each family, with the library's own names for its fields: attributes are made from
 // the description that reader and writer go by.
 
+#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
@@ -38,7 +39,7 @@ class FieldVisitor {
   bool HasPart(bool) const { return true; }
   template <class Field>
   void operator()(const pxrom::fields::Key&, const char* name, Field& field) {
-    visit_(name, field, [&field](const Field& value) { field = value; });
+    visit_(name, field, [&field](Field value) { field = std::move(value); });
   }
   template <class Field>
   void Kept(const pxrom::fields::Key& key, const char* name, Field& field) {
@@ -82,6 +83,41 @@ void VisitFields(Record& record, Visit visit) {
 template <class Field>
 using Shown = std::conditional_t<std::is_enum_v<Field>, int, Field>;
 
+template <class Field>
+Field FromPython(const py::object& value) {
+  return value.cast<Field>();
+}
+
+using Array = py::array_t<double, py::array::c_style | py::array::forcecast>;
+
+/// The numbers of an array, without an object for each; a null array for anything else.
+Array AsArray(const py::object& value, py::ssize_t dimensions) {
+  if (!py::isinstance<py::array>(value)) return py::reinterpret_steal<Array>(nullptr);
+  Array array = Array::ensure(value);
+  if (!array || array.ndim() != dimensions) throw py::cast_error();
+  return array;
+}
+
+template <>
+std::vector<double> FromPython(const py::object& value) {
+  const Array array = AsArray(value, 1);
+  if (!array) return value.cast<std::vector<double>>();
+  return {array.data(), array.data() + array.size()};
+}
+
+template <>
+pxrom::fields::MatrixField FromPython(const py::object& value) {
+  const Array array = AsArray(value, 2);
+  if (!array) return value.cast<pxrom::fields::MatrixField>();
+  pxrom::fields::MatrixField rows(static_cast<std::size_t>(array.shape(0)));
+  const double* row = array.data();
+  for (std::vector<double>& each : rows) {
+    each.assign(row, row + array.shape(1));
+    row += array.shape(1);
+  }
+  return rows;
+}
+
 /// An attribute for each field that `visitFields` shows of a record.
 template <class Record, class Class, class VisitAll>
 void DefineAttributes(Class& bound, VisitAll visitAll) {
@@ -103,7 +139,7 @@ void DefineAttributes(Class& bound, VisitAll visitAll) {
         using Field = std::decay_t<decltype(field)>;
         if (name != other) return;
         try {
-          store(static_cast<Field>(value.cast<Shown<Field>>()));
+          store(static_cast<Field>(FromPython<Shown<Field>>(value)));
         } catch (const py::cast_error&) {
           throw py::type_error("a value of this type can't be stored in " + name);
         }

@@ -49,9 +49,9 @@ class Study {
   void AddParameter(const py::str& id, bool isInput, int type, const py::str& unit,
                     const py::str& caption, double lower, double upper) {
     const std::string name = ToBytes(id);
-    model_.RegisterParameter(name, isInput ? pxrom::CausalityInput : pxrom::CausalityOutput,
-                             static_cast<pxrom::E_ParameterType>(type), true);
-    model_.RegisterParameterExtraInfos(name, name, ToBytes(unit), ToBytes(caption), upper, lower);
+    model_->RegisterParameter(name, isInput ? pxrom::CausalityInput : pxrom::CausalityOutput,
+                              static_cast<pxrom::E_ParameterType>(type), true);
+    model_->RegisterParameterExtraInfos(name, name, ToBytes(unit), ToBytes(caption), upper, lower);
   }
   void AddCombination(const std::vector<std::pair<py::str, int>>& values,
                       const std::vector<std::pair<py::str, const Candidate*>>& outputs) {
@@ -65,15 +65,16 @@ class Study {
       lists.back()->AddFittingCandidate(*candidate);
       named.emplace_back(ToBytes(id), lists.back().get());
     }
-    if (model_.RegisterDiscreteCombination(discrete, named) != 0) {
+    if (model_->RegisterDiscreteCombination(discrete, named) != 0) {
       throw py::value_error("the combination does not fit the parameters");
     }
     for (auto& list : lists) static_cast<void>(list.release());  // the model's now
   }
-  const pxrom::CDiscreteCombinations& Model() const { return model_; }
+  const std::shared_ptr<pxrom::CDiscreteCombinations>& Model() const { return model_; }
 
  private:
-  pxrom::CDiscreteCombinations model_;
+  std::shared_ptr<pxrom::CDiscreteCombinations> model_ =
+      std::make_shared<pxrom::CDiscreteCombinations>();
 };
 
 }  // namespace
@@ -92,7 +93,8 @@ void BindWriter(py::module_& module) {
       .def(py::init<>())
       .def("add_parameter", &Study::AddParameter)
       .def("add_combination", &Study::AddCombination)
-      .def("to_text", [](const Study& study) { return ToText(study.Model()); });
+      .def("model", &Study::Model, "What its text reads as.")
+      .def("to_text", [](const Study& study) { return ToText(*study.Model()); });
 }
 
 }  // namespace pxrom_python

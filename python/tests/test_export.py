@@ -324,9 +324,9 @@ def test_rounding_of_errors_grows_with_the_variance():
 
 def test_rounding_of_an_ensemble_is_that_of_its_parts(monkeypatch):
     seen = []
-    monkeypatch.setattr("pxrom.export.study.compare", lambda *given: seen.append(given[3]))
-    for fitted in (KRIGED, [(KRIGED, 0.25), (KRIGED, 0.75)]):
-        to_text(fitted)
+    monkeypatch.setattr("pxrom.export.study.compare", lambda *given: seen.append(given[3]()))
+    for weight in (0.5, 0.25):
+        to_text([(KRIGED, weight), (KRIGED, 1 - weight)])
     np.testing.assert_allclose(seen[1], seen[0], rtol=1e-12)
 
 

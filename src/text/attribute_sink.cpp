@@ -9,21 +9,59 @@ namespace Tarvane::Plexura::PXROM::writing {
 
 namespace {
 
+// The longest are doubles such as -2.2250738585072014e-308.
+constexpr std::size_t kLongestNumber = 24;
+
 template <class Number>
 void AppendNumber(std::string& text, Number value) {
-  // The longest are doubles such as -2.2250738585072014e-308.
-  char digits[32];
+  char digits[kLongestNumber];
   const auto result = std::to_chars(std::begin(digits), std::end(digits), value);
   text.append(digits, static_cast<std::size_t>(result.ptr - digits));
 }
+
+/// Appends doubles with separators between them. Half of a large triangular matrix are zeros.
+class DoubleList {
+ public:
+  explicit DoubleList(std::string& text) : text_(text) {}
+  ~DoubleList() { Flush(); }
+  DoubleList(const DoubleList&) = delete;
+  DoubleList& operator=(const DoubleList&) = delete;
+
+  void Add(double value) {
+    if (static_cast<std::size_t>(buffer_ + sizeof buffer_ - end_) < 1 + kLongestNumber) Flush();
+    if (!isFirst_) *end_++ = separator_;
+    isFirst_ = false;
+    if (value == 0.0 && !std::signbit(value)) {
+      *end_++ = '0';
+    } else {
+      end_ = std::to_chars(end_, buffer_ + sizeof buffer_, value).ptr;
+    }
+  }
+
+ private:
+  void Flush() {
+    text_.append(buffer_, static_cast<std::size_t>(end_ - buffer_));
+    end_ = buffer_;
+  }
+
+  std::string& text_;
+  char buffer_[1024];
+  char* end_ = buffer_;
+  const char separator_ = Labels::strSep()[0];
+  bool isFirst_ = true;
+};
 
 }  // namespace
 
 void AttributeSink::Append(const std::string&, int value) { AppendNumber(text_, value); }
 
 void AttributeSink::Append(const std::string& key, double value) {
-  if (!std::isfinite(value)) Refuse(NameOf(key) + " holds a number that is not finite");
+  RequireFinite(key, value);
   AppendNumber(text_, value);
+}
+
+void AttributeSink::RequireFinite(const std::string& key, double value) {
+  if (!std::isfinite(value)) Refuse(NameOf(key) + " holds a number that is not finite");
 }
 
 void AttributeSink::Put(const std::string& key, int value) {
@@ -43,7 +81,7 @@ void AttributeSink::Put(const std::string& key, const std::vector<int>& list) {
 }
 
 void AttributeSink::Put(const std::string& key, const std::vector<double>& list) {
-  PutJoined(key, list, [&](double value) { Append(key, value); });
+  PutRows(key, &list, 1);
 }
 
 void AttributeSink::Put(const std::string& key, const std::vector<std::string>& list) {
@@ -61,17 +99,25 @@ void AttributeSink::PutMatrix(const std::string& key,
     return Refuse(NameOf(key) + " is not a matrix of " + std::to_string(rows) + " rows and " +
                   std::to_string(columns) + " columns, as the counts beside it say");
   }
+  PutRows(key, matrix.data(), matrix.size());
+  if (columns == 0) emptyRows_ = std::max(emptyRows_, matrix.size());
+  work_ += reading::WorkOfMatrix(matrix.size(), static_cast<std::size_t>(columns));
+}
+
+void AttributeSink::PutRows(const std::string& key, const std::vector<double>* rows,
+                            std::size_t count) {
   text_ += key;
   const std::size_t start = text_.size();
-  for (const std::vector<double>& row : matrix) {
-    for (const double value : row) {
-      if (text_.size() != start) text_ += Labels::strSep();
-      Append(key, value);
+  {
+    DoubleList list(text_);
+    for (std::size_t i = 0; i < count; ++i) {
+      for (const double value : rows[i]) {
+        RequireFinite(key, value);
+        list.Add(value);
+      }
     }
   }
-  if (columns == 0) emptyRows_ = std::max(emptyRows_, matrix.size());
   work_ += text_.size() - start;
-  work_ += reading::WorkOfMatrix(matrix.size(), static_cast<std::size_t>(columns));
   text_ += Labels::strEOL();
 }
 

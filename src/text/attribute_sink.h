@@ -94,6 +94,8 @@ class AttributeSink {
     work_ += text_.size() - start;
     text_ += Labels::strEOL();
   }
+  void PutRows(const std::string& key, const std::vector<double>* rows, std::size_t count);
+  void RequireFinite(const std::string& key, double value);
   void Append(const std::string& key, int value);
   void Append(const std::string& key, double value);
   void Append(const std::string&, std::string_view value) { text_ += value; }

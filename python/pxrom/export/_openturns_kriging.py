@@ -34,8 +34,6 @@ def _surface(fitted: Any, column: int) -> Surface:
     variance = float(model.getAmplitude()[0]) ** 2
     weights = _weights(fitted, column, variance)
     correlation = None if any(len(term) > 2 for term in trend) else _correlation(model, inputs)
-    # The matrix of the tool, with the factor that it adds to the diagonal.
-    matrix = np.array(model.discretize(ot.Sample(X)))
     nugget = float(model.getNuggetFactor())
     sizes = variance * np.abs(weights)
     made: Surface
@@ -48,7 +46,9 @@ def _surface(fitted: Any, column: int) -> Surface:
             correlation=correlation[0],
             coefficients=variance * weights,
             kernels=correlation[1],
-            error_data=_kriging_error(matrix, nugget, X, variance, terms, trend),
+            make_error=lambda: _kriging_error(
+                _discretized(model, X), nugget, X, variance, terms, trend
+            ),
         )
     else:
         made = ProcessSurface(
@@ -58,8 +58,9 @@ def _surface(fitted: Any, column: int) -> Surface:
             trend=trend,
         )
         functions = design(list(made.trend), X) if trend else None
-        lower = np.linalg.cholesky(matrix)
-        made.error_data = _process.error_data(lower, nugget > 0.0, functions)
+        made.make_error = lambda: _process.error_data(
+            np.linalg.cholesky(_discretized(model, X)), nugget > 0.0, functions
+        )
     made.samples, made.outputs = X, np.array(fitted.getOutputSample())[:, column]
     # The tool adds its nugget at a sample; a product adds it for every equal coordinate.
     is_product = model.getClassName() == "ProductCovarianceModel"
@@ -70,6 +71,13 @@ def _surface(fitted: Any, column: int) -> Surface:
         np.abs(np.array(fitted.getConditionalMarginalVariance(ot.Sample(points), column)).ravel())
     )
     return made
+
+
+def _discretized(model: Any, X: np.ndarray) -> np.ndarray:
+    """The matrix of the tool, with the factor that it adds to the diagonal."""
+    import openturns as ot
+
+    return np.array(model.discretize(ot.Sample(X)))
 
 
 def _implementation(model: Any) -> Any:
@@ -208,8 +216,8 @@ def _kriging_error(
 ) -> KrigingErrorData:
     """Universal Kriging. Terms that the fit did not have contribute zeros."""
     nugget = 1.0 + nugget
-    lower = np.linalg.cholesky(covariance / variance)
-    inverse = np.linalg.solve(lower, np.eye(len(X)))
+    inverse = _process.inverse_of(np.linalg.cholesky(covariance))
+    inverse *= np.sqrt(variance)
     ft = np.zeros((len(terms), len(X)))
     inv_g = np.zeros((len(terms), len(terms)))
     places = [place for place, term in enumerate(terms) if term in used]
@@ -218,9 +226,10 @@ def _kriging_error(
         # |g| = |InvG w| only depends on InvG' InvG, the inverse of Ft Ft'.
         orthogonal = np.asarray(np.linalg.qr(ft[places].T, mode="r"))
         inv_g[np.ix_(places, places)] = np.linalg.solve(orthogonal.T, np.eye(len(places)))
+    inverse /= np.sqrt(nugget)
     return KrigingErrorData(
         variance=variance * nugget,
-        inv_c=inverse / np.sqrt(nugget),
+        inv_c=inverse,
         inv_g=inv_g / np.sqrt(nugget),
         ft=ft * np.sqrt(nugget),
     )

@@ -4,8 +4,8 @@ Rasmussen and Williams, Gaussian Processes for Machine Learning (2006), sections
 """
 
 from dataclasses import dataclass, field
-from functools import partial
-from typing import Any, Dict, Iterator, List, Optional, Tuple
+from functools import cached_property, partial
+from typing import Any, Callable, Dict, Iterator, List, Optional, Tuple
 
 import numpy as np
 
@@ -28,6 +28,21 @@ class ProcessErrorData:
     trend_at_samples: Optional[np.ndarray] = None
 
 
+def inverse_of(lower: np.ndarray) -> np.ndarray:
+    """That of a lower triangular matrix, with zeros above its diagonal: a third of the work of
+    solving for each column of the identity."""
+    from scipy.linalg.lapack import dtrtri
+
+    # LAPACK stores matrices by columns.
+    upper, info = dtrtri(np.ascontiguousarray(lower, dtype=float).T, lower=0)
+    if info != 0:
+        raise np.linalg.LinAlgError("a triangular matrix has no inverse")
+    inverse = upper.T
+    for row in range(len(inverse)):  # LAPACK leaves the other triangle as it was
+        inverse[row, row + 1 :] = 0.0
+    return np.asarray(inverse)
+
+
 def error_data(
     lower: np.ndarray,
     includes_noise: bool = False,
@@ -42,8 +57,7 @@ def error_data(
     """
     from scipy.linalg import solve_triangular
 
-    inverse = solve_triangular(lower, np.eye(len(lower)), lower=True)
-    made = ProcessErrorData(inverse, includes_noise)
+    made = ProcessErrorData(inverse_of(lower), includes_noise)
     if trend is None or trend.shape[1] == 0:
         return made
     at_samples = solve_triangular(lower, trend, lower=True)
@@ -52,7 +66,7 @@ def error_data(
         rows = np.vstack([rows, np.diag(1.0 / np.sqrt(priors))])
     upper = np.asarray(np.linalg.qr(rows, mode="r"))
     upper = upper * np.where(np.diag(upper) < 0.0, -1.0, 1.0)[:, None]
-    made.trend_inverse = solve_triangular(upper.T, np.eye(len(upper)), lower=True)
+    made.trend_inverse = inverse_of(upper.T)
     made.trend_at_samples = at_samples.T
     return made
 
@@ -93,13 +107,18 @@ class ProcessSurface(Surface):
     covariance: Covariance = field(default_factory=Covariance)
     weights: np.ndarray = field(default_factory=lambda: np.empty(0))
     trend: Dict[Term, float] = field(default_factory=dict)
-    error_data: Optional[ProcessErrorData] = None
+    # A function, since large matrices should not be computed only to count outputs.
+    make_error: Optional[Callable[[], ProcessErrorData]] = None
     by_products: bool = False  # whether the tool computes |x - y|^2 as |x|^2 - 2 x y + |y|^2
 
     def __post_init__(self) -> None:
         """Brings the trend into the order of a record, as ``error_data`` has to have it."""
         self._trend_kind, terms = in_order(list(self.trend), self.inputs)
         self.trend = {term: float(self.trend[term]) for term in terms}
+
+    @cached_property
+    def error_data(self) -> Optional[ProcessErrorData]:
+        return None if self.make_error is None else self.make_error()
 
     @property
     def error_scale(self) -> Optional[float]:
@@ -188,17 +207,17 @@ class ProcessSurface(Surface):
         record.FactorLengths = [l for _, factor in factors for l in factor.lengths[:taken]]
         record.Weights = self.weights.tolist()
         record.NoiseVariance = self.covariance.noise
-        data = self.error_data
-        if data is not None and self.predict_error is not None:
+        data = None if self.predict_error is None else self.error_data
+        if data is not None:
             record.SavePredictorError = True
             record.ErrorIncludesNoise = data.includes_noise
             record.InverseFactor = _triangle(data.inverse)
             if data.trend_inverse is not None and data.trend_at_samples is not None:
                 record.TrendInverseFactor = _triangle(data.trend_inverse)
-                record.TrendAtSamples = data.trend_at_samples.tolist()
+                record.TrendAtSamples = data.trend_at_samples
         return record
 
 
-def _triangle(lower: np.ndarray) -> List[float]:
+def _triangle(lower: np.ndarray) -> np.ndarray:
     """Row by row."""
-    return [float(v) for v in lower[np.tril_indices(len(lower))]]
+    return np.asarray(lower[np.tri(len(lower), dtype=bool)])

@@ -5,6 +5,7 @@ product of correlations of one input each, and no noise but that of a measuremen
 become a process.
 """
 
+from functools import cache, partial
 from typing import Any, List, NamedTuple, Optional
 
 import numpy as np
@@ -59,12 +60,10 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
     means = np.broadcast_to(np.ravel(fitted._y_train_mean), alphas.shape[1])
     scales = np.broadcast_to(np.ravel(fitted._y_train_std), alphas.shape[1])
     targets = np.asarray(fitted.y_train_, dtype=float).reshape(len(X), -1)
-    kriging_error = None if correlation is None else _kriging_error(fitted, of)
-    process_error = None
-    if correlation is None:
-        # The tool's deviation at a new point has the white noise of the kernel, but not alpha.
-        noise = of.noise + np.asarray(fitted.alpha, dtype=float)
-        process_error = _process.process_error(of, X, noise, np.asarray(fitted.L_))
+    kriging_error = cache(partial(_kriging_error, fitted, of))
+    # The tool's deviation at a new point has the white noise of the kernel, but not alpha.
+    noise = of.noise + np.asarray(fitted.alpha, dtype=float)
+    process_error = cache(partial(_process.process_error, of, X, noise, np.asarray(fitted.L_)))
     made: List[Surface] = []
     for column, alpha in enumerate(alphas.T):
         surface: Surface
@@ -74,7 +73,7 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
                 correlation=correlation.kind,
                 coefficients=of.variance * alpha,
                 kernels=correlation.kernels,
-                error_data=kriging_error,
+                make_error=kriging_error,
             )
         else:
             surface = ProcessSurface(
@@ -82,7 +81,7 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
                 covariance=of,
                 weights=alpha,
                 trend=_process.posterior(of, X, alpha),
-                error_data=process_error,
+                make_error=process_error,
             )
         surface.samples, surface.outputs = X, targets[:, column]
         surface.scale, surface.shift = float(scales[column]), float(means[column])
@@ -92,12 +91,10 @@ def convert(fitted: Any, options: Options) -> List[Surface]:
 
 
 def _kriging_error(fitted: Any, of: Covariance) -> KrigingErrorData:
-    from scipy.linalg import solve_triangular
-
     samples = len(fitted.L_)
     # The noise belongs to the variance of a prediction, but not to its covariance with samples.
     variance = of.variance + of.noise
-    inverse = solve_triangular(fitted.L_, np.eye(samples), lower=True)
+    inverse = _process.inverse_of(fitted.L_)
     return KrigingErrorData(
         variance=variance,
         inv_c=inverse * (of.variance / np.sqrt(variance)),

@@ -7,6 +7,7 @@ library, with all of its numbers in its own space, and writes a record for any e
 """
 
 from dataclasses import dataclass, field
+from functools import cached_property
 from typing import Callable, Dict, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
@@ -168,7 +169,7 @@ class Surface:
             return
         record.NumberOfSamples = len(self.samples)
         samples = self.samples if own_samples else (self.samples - intercept) / slope
-        record.InputSamples = samples.tolist()
+        record.InputSamples = samples
         outputs = self.physical_outputs()
         if outputs is not None:  # else none are stored: no value needs them
             record.OutputSamples = (ensemble.slope * outputs + ensemble.intercept).tolist()
@@ -191,7 +192,12 @@ class KrigingSurface(Surface):
     correlation: int = 2  # E_KringingCorrelationFunctionType
     coefficients: np.ndarray = field(default_factory=lambda: np.empty(0))
     kernels: np.ndarray = field(default_factory=lambda: np.empty(0))
-    error_data: Optional[KrigingErrorData] = None
+    # A function, since large matrices should not be computed only to count outputs.
+    make_error: Optional[Callable[[], KrigingErrorData]] = None
+
+    @cached_property
+    def error_data(self) -> Optional[KrigingErrorData]:
+        return None if self.make_error is None else self.make_error()
 
     @property
     def error_scale(self) -> Optional[float]:
@@ -228,14 +234,14 @@ class KrigingSurface(Surface):
         record.CorrelationFunctionType = self.correlation
         record.CorrelationCoefficients = self.coefficients.tolist()
         record.CorrelationKernels = self.kernels.tolist()
-        if self.error_data is not None and self.predict_error is not None:
+        if self.predict_error is not None and self.error_data is not None:
             record.SavePredictorError = True
             record.NumberOfPolyCoeff = len(self.trend_coefficients)
             # The error of a record is not scaled back, so it is stored in physical units.
             record.Sigma2 = self.error_data.variance * (self.scale * ensemble.slope) ** 2
-            record.InvC = self.error_data.inv_c.tolist()
-            record.InvG = self.error_data.inv_g.tolist()
-            record.Ft = self.error_data.ft.tolist()
+            record.InvC = self.error_data.inv_c
+            record.InvG = self.error_data.inv_g
+            record.Ft = self.error_data.ft
         return record
 
 

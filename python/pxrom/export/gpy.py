@@ -5,6 +5,7 @@ Only attributes of the fit are read, so that the package need not be installed: 
 ``kern``, ``likelihood``, ``posterior``, ``normalizer`` and ``mean_function``.
 """
 
+from functools import cache, partial
 from typing import Any, List
 
 import numpy as np
@@ -51,7 +52,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         shifts = np.broadcast_to(np.ravel(fitted.normalizer.mean), Y.shape[1])
     lower = np.asarray(fitted.posterior.woodbury_chol, dtype=float)
     # The tool adds 1e-8 to the diagonal.
-    error_data = _process.process_error(of, X, of.noise + 1e-8, lower)
+    make_error = cache(partial(_process.process_error, of, X, of.noise + 1e-8, lower))
     made: List[Surface] = []
     for column in range(Y.shape[1]):
         made.append(
@@ -64,7 +65,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
                 covariance=of,
                 weights=weights[:, column],
                 trend=_process.posterior(of, X, weights[:, column]),
-                error_data=error_data,
+                make_error=make_error,
                 by_products=True,
                 predict=_Prediction(fitted, column, False),
                 predict_error=_Prediction(fitted, column, True),

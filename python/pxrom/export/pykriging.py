@@ -51,5 +51,5 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         predict_error=lambda points: (most - least)
         * np.array([float(np.ravel(fitted.predict_var(x))[0]) for x in points]),
     )
-    surface.error_data = _process.error_data(np.sqrt(variance) * factor)
+    surface.make_error = lambda: _process.error_data(np.sqrt(variance) * factor)
     return [surface]

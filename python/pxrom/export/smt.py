@@ -75,7 +75,7 @@ def _surface(
     if has_error:
         lower = np.sqrt(variance) * np.asarray(found["C"], dtype=float)
         functions = design(list(surface.trend), X)
-        surface.error_data = _process.error_data(lower, trend=functions)
+        surface.make_error = lambda: _process.error_data(lower, trend=functions)
         surface.predict_error = lambda points: np.sqrt(
             _column(fitted.predict_variances(points), column)
         )
