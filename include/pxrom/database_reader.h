@@ -29,10 +29,11 @@ class AttributeRange;
 /// (docs/behaviours.md). Use InspectPXROMDatabase for files from others.
 ///
 /// Limits: negative sizes of matrices, and counts that need more than the text holds, give status 1
-/// before anything is allocated. A negative number of surfaces counts as 0. Several lines may share
-/// a group, and each use reads it again. A text whose uses of groups add up to more than 16 MiB
-/// plus 16 times its length, counting 512 bytes extra for each group, is refused with status 1. So
-/// no text can exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a
+/// before anything is allocated. A negative number of surfaces counts as 0. Any number of lines may
+/// use one group: it is read once, and its content is held once (CFittingCandidate). Groups of a
+/// damaged text can overlap. A text whose groups add up to more than 16 MiB plus 16 times its
+/// length, counting 512 bytes extra for each group and 80 for each use, is refused with status 1.
+/// So no text can exhaust memory or time: reading takes at most 64 MiB, or 64 times the length of a
 /// longer text.
 ///
 /// Exceptions: std::bad_alloc and std::out_of_range. Nothing leaks on any path.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -36,6 +37,11 @@ enum E_FittingCandidateVersion : std::int32_t {
 /// Deliberate (assignment-shares): **assignment shares.** Nothing is cloned, and both candidates
 /// hold the same surfaces. A surface is destroyed when the last candidate that holds it is reset,
 /// assigned over or destroyed, in any order. Use the copy constructor to get surfaces of your own.
+///
+/// Memory: candidates that were read from the same group of a text, and copies of them, hold one
+/// content together. Nobody sees this: before a candidate changes, and before it hands out a
+/// pointer to a surface, it makes a copy of its own, so GetRSPtr and GetSubRSPtr can throw
+/// std::bad_alloc.
 ///
 /// Statuses: 0 unless a comment says otherwise. Indices are the caller's responsibility unless a
 /// comment says that they are checked.
@@ -76,7 +82,8 @@ class PXROM_API CFittingCandidate {
                       bool errorPrediction);
   std::size_t GetRSCount() const;
   std::size_t GetSubRSCounts() const;
-  /// The surface, owned by the candidate; null for an index outside the list.
+  /// The surface, owned by the candidate; null for an index outside the list. Several threads may
+  /// ask for it at once, as for anything that is const.
   const CRSData* GetRSPtr(int i) const;
   const CRSData* GetSubRSPtr(int i) const;
   /// The weight at `i`, which is not checked.
@@ -142,25 +149,18 @@ class PXROM_API CFittingCandidate {
  private:
   friend struct CandidateAccess;
 
+  struct Content;
   using Surfaces = std::vector<std::shared_ptr<CRSData>>;
 
-  E_FittingCandidateVersion Version = FittingCandidateVersion192;
-  Surfaces RSList;
-  Surfaces SubRSList;
-  std::vector<double> Weights;
-  int NumberOfInputVariables = 0;
-  int NumberOfSamples = 0;
-  std::vector<std::vector<double>> InputSamples;
-  std::vector<double> OutputSamples;
-  std::vector<double> InputScaleSlopes;
-  std::vector<double> InputScaleIntercepts;
-  double OutputScaleSlope = 1.0;
-  double OutputScaleIntercept = 0.0;
-  int SubRSPerRS = 0;
-  bool bIsErrPredRequired = false;
-  std::vector<int> viNumPtsPerFold;
-  std::vector<std::vector<double>> vvdScSortedInput;
-  double DPMinDist = 0.0;
+  const Content& Read() const;
+  Content& OwnContent() const;
+  void Replace(Content content);
+
+  /// The content that nobody else holds. While it is null, the candidate reads Shared.
+  mutable std::atomic<Content*> Own;
+  /// Never changes. It stays after the candidate got its own content, since another thread may read
+  /// it at that moment.
+  std::shared_ptr<const Content> Shared;
 };
 
 }  // namespace Tarvane::Plexura::PXROM

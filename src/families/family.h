@@ -61,8 +61,6 @@ struct Family {
   bool hasValue = true;
   /// Whether the evaluator has a form with an error. If it has, a record may still lack the data.
   bool hasErrorForm = false;
-  /// Whether that form may leave the record changed where it has no error.
-  bool changesRecordForError = false;
   Derivative derivative = Derivative::Refused;
   /// Whether a prediction uses the surface's own scaling.
   bool scalesInput = false;
@@ -90,6 +88,8 @@ struct Family {
   /// Whether a record of a family with predicted errors lacks the data for them, so that the form
   /// with an error is refused.
   bool (*lacksErrorData)(const CRSData&) = nullptr;
+  /// Whether the form with an error leaves this record changed; null for a family that never does.
+  bool (*changesRecordForError)(const CRSData&) = nullptr;
   /// Whether the evaluator's derivative for this record is not that of the value.
   bool (*isDerivativeOff)(const CRSData&) = nullptr;
   /// Why a value can still be refused when every shape fits, as the end of a sentence; or "".

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "families/family.h"
 #include "model/candidate_access.h"
 #include "model/candidate_evaluation.h"
@@ -52,6 +54,19 @@ bool AddPredictionsWithErrors(const Surfaces& surfaces, const std::vector<double
     sum += weights[i] * value;
   }
   return true;
+}
+
+// The surfaces of `candidate` for the form with an error, which can write the record of a surface.
+// The record must not be one that other candidates hold too.
+const Surfaces& SurfacesForErrors(const CFittingCandidate& candidate) {
+  const Surfaces& surfaces = Access::Surfaces(candidate);
+  if (!Access::IsShared(candidate)) return surfaces;
+  const bool isWritten = std::any_of(surfaces.begin(), surfaces.end(), [](const auto& surface) {
+    const Family* const family = FindFamily(surface->DataType());
+    return family != nullptr && family->changesRecordForError != nullptr &&
+           family->changesRecordForError(*surface);
+  });
+  return isWritten ? Access::OwnSurfaces(candidate) : surfaces;
 }
 
 }  // namespace
@@ -114,7 +129,10 @@ int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& poi
 
   bool hasError = true;
   if (!candidate->GetIsErrPredRequired()) {
-    if (!AddPredictionsWithErrors(surfaces, weights, point, value, error, hasError)) return 1;
+    if (!AddPredictionsWithErrors(SurfacesForErrors(*candidate), weights, point, value, error,
+                                  hasError)) {
+      return 1;
+    }
   } else {
     const std::optional<CrossValidation> validation = ValidationOf(*candidate, point.Size());
     if (!validation) return 1;

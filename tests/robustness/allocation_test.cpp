@@ -8,6 +8,7 @@
 #include <new>
 
 #include "support/model_files.h"
+#include "support/shared_group.h"
 #include "support/source_path.h"
 
 namespace {
@@ -109,6 +110,35 @@ TEST(Allocation, AnyMayFailWhileReading) {
   CDiscreteCombinations undisturbed;
   EXPECT_EQ(reader.ResumeDiscreteCombinations(undisturbed), 0);
   EXPECT_EQ(Answer(model), Answer(undisturbed));
+}
+
+// A further line of a group takes a list with its entries, and nothing of what the group holds.
+TEST(Allocation, LinesOfOneGroupTakeFewEach) {
+  const auto failuresOf = [](int lines) {
+    std::string text = TextOfSharedGroup(lines);
+    CReaderPXROMDatabase reader;
+    reader.ReadDataStream(text);
+    return FailEachAllocation(1, kNothing, [&] {
+      CDiscreteCombinations model;
+      return reader.ResumeDiscreteCombinations(model);
+    });
+  };
+  const int one = failuresOf(1);
+  EXPECT_GT(one, 100);
+  EXPECT_LT(failuresOf(21) - one, 20 * 25);
+}
+
+TEST(Allocation, AnyMayFailWhileASharedContentIsCopied) {
+  std::string text = TextOfSharedGroup(2);
+  CReaderPXROMDatabase reader;
+  reader.ReadDataStream(text);
+  CDiscreteCombinations model;
+  ASSERT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+  const CFittingCandidates& list = *model.GetOutputsWrtDiscCombPtr()->at(1).begin()->second;
+  const CFittingCandidate& candidate = *list.GetEvaluationCandidatePtr();
+  EXPECT_GT(
+      FailEachAllocation(1, kNothing, [&] { return candidate.GetRSPtr(0) == nullptr ? 1 : 0; }),
+      10);
 }
 
 TEST(Allocation, AnyMayFailWhileEvaluating) {

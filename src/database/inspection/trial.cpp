@@ -9,6 +9,7 @@
 #include "database/inspection/context.h"
 #include "database/reader/candidate_reading.h"
 #include "families/family.h"
+#include "model/candidate_access.h"
 #include "model/ensemble_cost.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
@@ -219,11 +220,14 @@ class Trial {
     }
   }
 
-  // The first surface whose record the form with an error may change; null without such a surface.
+  // The first surface whose record the form with an error changes; null without such a surface.
   static const Family* FindChanging(const CFittingCandidate& candidate) {
     for (std::size_t i = 0; i < candidate.GetRSCount(); ++i) {
-      const Family& family = FamilyOfSurface(*candidate.GetRSPtr(static_cast<int>(i)));
-      if (family.changesRecordForError) return &family;
+      const CRSData& surface = *candidate.GetRSPtr(static_cast<int>(i));
+      const Family& family = FamilyOfSurface(surface);
+      if (family.changesRecordForError != nullptr && family.changesRecordForError(surface)) {
+        return &family;
+      }
     }
     return nullptr;
   }
@@ -299,7 +303,8 @@ class Trial {
     CDiscreteCombinations model;
     const int status = StatusOf([&] { return reader_.ResumeDiscreteCombinations(model); });
     if (status != 0) {
-      ReportUnreadable(status);
+      Report(SeverityError, FindingReadingRefused, 0, "",
+             "no group is damaged, but the text as a whole can't be read: " + Answer(status));
       return;
     }
     if (!isAllTried_) return;
@@ -309,41 +314,54 @@ class Trial {
       if (model.IsInput(name)) inputs.push_back(name);
     }
     const std::vector<CDiscreteCombinations::OutputsByID>& all = *model.GetOutputsWrtDiscCombPtr();
+    std::map<Contents, bool> refusals;
+    std::map<const void*, EnsembleCost> costs;
     for (const auto& [values, position] : *model.GetDiscreteCombinationsIndexingPtr()) {
       std::vector<std::pair<std::string, int>> discrete;
       for (std::size_t i = 0; i < values.size() && i < inputs.size(); ++i) {
         discrete.emplace_back(inputs[i], values[i]);
       }
-      if (!TakesWork(CostOf(all[static_cast<std::size_t>(position)]).OfEvaluation())) {
-        Report(SeverityWarning, FindingNotTried, 0, TextOf(Word::DiscreteSets),
-               "the evaluation of all combinations would take out of proportion long, not all "
-               "were tried");
-        return;
+      const auto& outputs = all[static_cast<std::size_t>(position)];
+      const auto [known, isNew] = refusals.emplace(ContentsOf(outputs), false);
+      if (isNew) {
+        if (!TakesWork(CostOfAll(outputs, costs).OfEvaluation())) {
+          Report(SeverityWarning, FindingNotTried, 0, TextOf(Word::DiscreteSets),
+                 "the evaluation of all combinations would take out of proportion long, not all "
+                 "were tried");
+          return;
+        }
+        std::vector<std::pair<std::string, double>> results;
+        known->second = model.Evaluate(discrete, middle_, results) != 0;
       }
-      std::vector<std::pair<std::string, double>> outputs;
-      if (model.Evaluate(discrete, middle_, outputs) == 0) continue;
+      if (!known->second) continue;
       Report(SeverityError, FindingEvaluationRefused, 0, TextOf(Word::DiscreteSets),
              "combination " + std::to_string(position + 1) +
                  " is read, but in the middle of the bounds its evaluation is refused");
     }
   }
 
-  // Each group could be read once, so the refusal must come from reading groups repeatedly.
-  void ReportUnreadable(int status) {
-    std::size_t uses = 0;
-    for (const CCombinationOverview& line : context_.overview.combinations) {
-      uses += line.outputs.size();
+  using Contents = std::vector<const void*>;
+
+  // What the outputs of a combination hold. Combinations that hold the same are evaluated once.
+  static Contents ContentsOf(const CDiscreteCombinations::OutputsByID& outputs) {
+    Contents contents;
+    contents.reserve(outputs.size());
+    for (const auto& [id, list] : outputs) {
+      contents.push_back(CandidateAccess::Identity(*list->GetEvaluationCandidatePtr()));
     }
-    const Group* const sets = context_.outline.FindPlain(Word::DiscreteSets);
-    const std::size_t groups = context_.used.size();
-    const bool isShared = sets != nullptr && uses > groups;
-    Report(SeverityError, FindingReadingRefused, isShared ? sets->tag : 0,
-           isShared ? TextOf(Word::DiscreteSets) : "",
-           "no group is damaged, but the text as a whole can't be read: " + Answer(status) +
-               (isShared
-                    ? "; its lines use " + Counted(groups, "group") + ' ' + Counted(uses, "time") +
-                          ", which is more work than a text of this length may ask for"
-                    : ""));
+    return contents;
+  }
+
+  static EnsembleCost CostOfAll(const CDiscreteCombinations::OutputsByID& outputs,
+                                std::map<const void*, EnsembleCost>& known) {
+    EnsembleCost cost;
+    for (const auto& [id, list] : outputs) {
+      const CFittingCandidate& candidate = *list->GetEvaluationCandidatePtr();
+      const auto [own, isNew] = known.emplace(CandidateAccess::Identity(candidate), EnsembleCost());
+      if (isNew) own->second = CostOf(candidate);
+      cost += own->second;
+    }
+    return cost;
   }
 
   struct WithoutDerivative {

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "database/reader/candidate_reading.h"
+#include "model/candidate_access.h"
 #include "model/registry_fields.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/discrete_combinations.h"
@@ -71,9 +72,37 @@ int ReadParameterRegistry(DatabaseText& text, CDiscreteCombinations& out) {
   return out.SetRegistrationRank(registry.ranks) == 1 ? 1 : 0;
 }
 
+// The lists of candidates of a text. A group that is used again is not read again: all its lists
+// hold one content together.
+class CandidateLists {
+ public:
+  // A group takes two tags, and each of its surfaces two.
+  explicit CandidateLists(DatabaseText& text) : text_(text) {
+    firstOfGroup_.reserve(text.AllMarks()->brackets.size() / 4);
+  }
+
+  // A list with the candidate of group `id`; null when the group is refused. The lists that were
+  // made before have to live.
+  std::unique_ptr<CFittingCandidates> Make(int id) {
+    auto list = std::make_unique<CFittingCandidates>();
+    if (!text_.Charge(WorkOfList())) return nullptr;
+    const auto [first, isNew] = firstOfGroup_.emplace(id, list.get());
+    if (isNew) {
+      if (ReadFittingCandidates(text_, id, *list) != 0) return nullptr;
+    } else {
+      CandidateAccess::Share(*first->second, *list);
+    }
+    return list;
+  }
+
+ private:
+  DatabaseText& text_;
+  std::unordered_map<int, CFittingCandidates*> firstOfGroup_;
+};
+
 // Reads the groups that one "DiscreteSet=" line names and registers its combination: first a pair
 // per discrete input with its value, then a pair per output with its group.
-int ReadCombination(DatabaseText& text, std::string_view line, std::size_t discreteInputs,
+int ReadCombination(std::string_view line, std::size_t discreteInputs, CandidateLists& candidates,
                     CDiscreteCombinations& out) {
   std::vector<std::pair<std::string, int>> pairs;
   TokenizePairs(line, Labels::strSep()[0], Labels::strSubSep()[0], pairs);
@@ -83,9 +112,9 @@ int ReadCombination(DatabaseText& text, std::string_view line, std::size_t discr
   std::vector<std::unique_ptr<CFittingCandidates>> lists;
   std::vector<std::pair<std::string, CFittingCandidates*>> outputs;
   for (auto output = firstOutput; output != pairs.end(); ++output) {
-    lists.push_back(std::make_unique<CFittingCandidates>());
+    lists.push_back(candidates.Make(output->second));
+    if (lists.back() == nullptr) return 1;
     outputs.emplace_back(output->first, lists.back().get());
-    if (ReadFittingCandidates(text, output->second, *lists.back()) != 0) return 1;
   }
   if (out.RegisterDiscreteCombination({pairs.begin(), firstOutput}, outputs) != 0) return 1;
   for (auto& list : lists) static_cast<void>(list.release());
@@ -102,10 +131,11 @@ int ReadDiscreteCombinations(DatabaseText& text, CDiscreteCombinations& out) {
   const std::size_t discreteInputs = out.Count(CausalityInput, DiscreteParameter, true);
   const std::string_view all = text.View();
   const std::string& key = Labels::attDiscreteSet();
+  CandidateLists candidates(text);
   std::size_t lines = CountLinesWith(ViewOf(all, bounds.lower, bounds.upper), key);
   for (std::size_t at = all.find(key, bounds.lower); lines > 0; --lines) {
     const std::string_view line = RestOfLine(all, at + key.size());
-    if (ReadCombination(text, line, discreteInputs, out) != 0) return 1;
+    if (ReadCombination(line, discreteInputs, candidates, out) != 0) return 1;
     at = all.find(key, at + key.size() + line.size());
   }
   return 0;

@@ -89,7 +89,7 @@ std::string_view CandidateGroups::BodyOf(const Group& group) const {
 }
 
 // Writes a group for `list`, and removes it again if there is a group with the same body.
-CandidateGroups::Group CandidateGroups::Written(const CFittingCandidates& list) {
+int CandidateGroups::Write(const CFittingCandidates& list) {
   const std::string& word = Labels::tagPlexuraData();
   const std::size_t before = text_.size();
   const std::size_t workBefore = sink_.Work();
@@ -98,39 +98,26 @@ CandidateGroups::Group CandidateGroups::Written(const CFittingCandidates& list) 
   group.number = count_;
   group.start = before + reading::OpeningTag(word, count_).size();
   group.length = text_.size() - group.start;
-  group.work = sink_.Work() - workBefore;
 
   const std::size_t hash = std::hash<std::string_view>()(BodyOf(group));
   const auto [first, last] = byHash_.equal_range(hash);
   for (auto known = first; known != last; ++known) {
     if (BodyOf(known->second) != BodyOf(group)) continue;
     text_.resize(before);
-    return known->second;
+    return known->second.number;
   }
   byHash_.emplace(hash, group);
-  ++count_;
-  return group;
+  work_ += sink_.Work() - workBefore;
+  return count_++;
 }
 
 int CandidateGroups::NumberOf(const CFittingCandidates& list) {
-  const auto known = byList_.find(&list);
-  if (known != byList_.end()) return NumberOfUse(known->second);
-  const int groupsBefore = count_;
-  const Group group = Written(list);
-  byList_.emplace(&list, group);
-  if (count_ == groupsBefore) return NumberOfUse(group);
-  work_ += group.work;
-  return group.number;
-}
-
-// One more use of an existing group: by its number, or by a copy if its number would cause more
-// work than the text allows.
-int CandidateGroups::NumberOfUse(const Group& group) {
-  work_ += group.work;
-  if (work_ <= reading::WorkAllowedFor(text_.size())) return group.number;
-  text_ += reading::OpeningTag(Labels::tagPlexuraData(), count_);
-  text_.append(text_, group.start, group.length);
-  return count_++;
+  work_ += reading::WorkOfList();
+  const CFittingCandidate* const candidate = list.GetEvaluationCandidatePtr();
+  if (candidate == nullptr || list.GetCandidateCount() != 1) return Write(list);
+  const auto [known, isNew] = byContent_.emplace(CandidateAccess::Identity(*candidate), 0);
+  if (isNew) known->second = Write(list);
+  return known->second;
 }
 
 }  // namespace Tarvane::Plexura::PXROM::writing

@@ -14,8 +14,7 @@ namespace Tarvane::Plexura::PXROM::writing {
 void WriteFittingCandidates(AttributeSink& out, const CFittingCandidates& list);
 
 /// Builds the `PlexuraData` groups of a database, numbered from 0. Lists with the same content
-/// share a group, within the reader's limit of work: a reader reads a group again for each use. The
-/// lists must not change meanwhile.
+/// share a group. The lists must not change meanwhile.
 class CandidateGroups {
  public:
   /// The number of the group that holds `list`. It has no meaning once the sink is refused.
@@ -23,7 +22,7 @@ class CandidateGroups {
 
   AttributeSink& Sink() { return sink_; }
   const std::string& Text() const { return text_; }
-  /// The work of reading all groups as often as they are used.
+  /// The work of reading all groups and making all lists.
   std::size_t Work() const { return work_; }
 
  private:
@@ -32,18 +31,17 @@ class CandidateGroups {
     /// The place of the body in the text.
     std::size_t start = 0;
     std::size_t length = 0;
-    std::size_t work = 0;
   };
 
   std::string_view BodyOf(const Group& group) const;
-  Group Written(const CFittingCandidates& list);
-  int NumberOfUse(const Group& group);
+  int Write(const CFittingCandidates& list);
 
   std::string text_;
   AttributeSink sink_{text_};
   int count_ = 0;
   std::size_t work_ = 0;
-  std::unordered_map<const CFittingCandidates*, Group> byList_;
+  /// By what candidates hold (CandidateAccess::Identity).
+  std::unordered_map<const void*, int> byContent_;
   std::unordered_multimap<std::size_t, Group> byHash_;
 };
 

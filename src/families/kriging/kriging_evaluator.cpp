@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "families/kriging/correlation.h"
 #include "families/kriging/predictor_error.h"
@@ -40,16 +42,12 @@ class Prediction {
   /// The value in physical units: trend plus weighted correlations, backscaled. False, with `y`
   /// untouched, when the trend does not fit its coefficients.
   bool Value(double& y) {
+    const std::optional<std::size_t> functions = kriging::TrendFunctionsOf(record_);
+    if (!functions) return false;
     double trend = 0.0;
     if (record_.PolynomialType != PolyNone) {
-      const std::vector<double>& coefficients = record_.PolynomialCoefficients;
-      // Counted before it is computed, since the basis can be far longer than the list of
-      // coefficients. An unknown type has no functions, and is accepted without coefficients.
-      const auto count = PolynomialCount(record_.PolynomialType, record_.NumberOfInputVariables);
-      if (coefficients.size() != static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0))) {
-        return false;
-      }
       record_.ComputeVandermondePolynomialVector(point_, record_.PolynomialType, trend_);
+      const std::vector<double>& coefficients = record_.PolynomialCoefficients;
       for (std::size_t k = 0; k < trend_.size(); ++k) trend += trend_[k] * coefficients[k];
     }
     double value = trend + weighted_;
@@ -98,6 +96,26 @@ void KeepScaledSamples(const CKrigingData& record) {
 }
 
 }  // namespace
+
+namespace kriging {
+
+std::optional<std::size_t> TrendFunctionsOf(const CKrigingData& record) {
+  if (record.PolynomialType == PolyNone) return 0;
+  // Counted before they are computed, since the basis can be far longer than the list of
+  // coefficients. An unknown type has no functions, and is accepted without coefficients.
+  const std::int64_t count = PolynomialCount(record.PolynomialType, record.NumberOfInputVariables);
+  const auto functions = static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0));
+  if (record.PolynomialCoefficients.size() != functions) return std::nullopt;
+  return record.PolynomialCoefficients.size();
+}
+
+bool ChangesRecordForError(const CRSData& record) {
+  const CKrigingData& kriging = AsKriging(&record);
+  const std::optional<std::size_t> functions = TrendFunctionsOf(kriging);
+  return !functions || !PredictorError(kriging, *functions).IsPredicted();
+}
+
+}  // namespace kriging
 
 CKrigingEvaluator* CKrigingEvaluator::Clone() const { return new CKrigingEvaluator(*this); }
 CKrigingEvaluator::~CKrigingEvaluator() = default;

@@ -1,6 +1,7 @@
 #include "families/kernel_sum/kernel_surface.h"
 #include "families/kriging/kriging_checks.h"
 #include "families/kriging/kriging_fields.h"
+#include "families/kriging/predictor_error.h"
 
 namespace Tarvane::Plexura::PXROM {
 
@@ -9,7 +10,7 @@ namespace {
 constexpr Family Describe() {
   Family family = StartFamily<CKrigingData, CKrigingEvaluator>();
   family.hasErrorForm = true;
-  family.changesRecordForError = true;
+  family.changesRecordForError = &kriging::ChangesRecordForError;
   family.derivative = Derivative::Silent;
   family.scalesInput = true;
   family.scalesOutput = true;

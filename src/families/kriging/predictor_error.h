@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "pxrom/kriging.h"
@@ -32,5 +33,12 @@ class PredictorError {
   std::vector<double> w_;
   std::vector<double> g_;
 };
+
+/// The number of trend functions that a prediction with this record computes; empty when its
+/// coefficients do not fit, so that it has no value.
+std::optional<std::size_t> TrendFunctionsOf(const CKrigingData& record);
+
+/// Whether the evaluator's form with an error leaves the record changed: it then has no error.
+bool ChangesRecordForError(const CRSData& record);
 
 }  // namespace Tarvane::Plexura::PXROM::kriging

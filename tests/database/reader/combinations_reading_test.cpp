@@ -238,36 +238,52 @@ TEST(Database, ARegistryIsReadAloneAndNotAtAllIfItsListsAreTooShort) {
   EXPECT_TRUE(model.GetOutputsWrtDiscCombPtr()->empty());
 }
 
-// Groups that are used again and again must not multiply the work without limit.
-TEST(Database, SharedGroupsAreRefusedBeyondABudget) {
-  const auto statusOf = [](int uses, const std::string& group) {
-    std::string sets;
-    for (int i = 0; i < uses; ++i) sets += "DiscreteSet={y;3}\n";
-    return Status(kRegistry +
-                  ("<DiscreteSets>\n" + sets + "</DiscreteSets>\n<PlexuraData ID=3>\n") + group +
-                  "</PlexuraData>\n");
-  };
-  const auto genomes = [](int count, const char* content) {
-    std::string text = kCandidate + ("CandidateRSCardinality=" + std::to_string(count) + "\n");
-    for (int i = 0; i < count; ++i) text += "<Genome ID=" + std::to_string(i) + ">" + content;
-    return text;
-  };
+std::string SetsOf(const std::vector<int>& groups) {
+  std::string sets = "<DiscreteSets>\n";
+  for (const int group : groups) sets += "DiscreteSet={y;" + std::to_string(group) + "}\n";
+  return sets + "</DiscreteSets>\n";
+}
+
+std::string Opening(const char* word, int number) {
+  return std::string("<") + word + " ID=" + std::to_string(number) + ">\n";
+}
+
+std::string Samples(int count) {
   std::string samples = "InputSamples=";
-  for (int i = 0; i < 40000; ++i) samples += "1,";
-  EXPECT_EQ(statusOf(20000,
-                     "CandidateVersion=170\nCandidateNumberOfInputVariables=1\n"
-                     "CandidateNumberOfSamples=40000\nCandidateRSCardinality=0\nCandidate" +
-                         samples + "\n"),
-            1);
-  // Surfaces opened inside each other all see the same attributes.
-  EXPECT_EQ(statusOf(1, genomes(20000, "") +
-                            "\nDataType=8\nNumberOfSamples=40000\nNumberOfInputVariables=1\n" +
-                            samples + "\n</Genome>\n"),
-            1);
-  // Many small groups take more memory as objects than their text shows.
-  const std::string many = genomes(300, "\nDataType=8\n</Genome>\n");
-  EXPECT_EQ(statusOf(10, many), 0);
-  EXPECT_EQ(statusOf(3000, many), 1);
+  for (int i = 0; i < count; ++i) samples += "1,";
+  return samples + "\n";
+}
+
+TEST(Database, AGroupIsReadOnceForAllLines) {
+  const std::string group = Opening("PlexuraData", 3) +
+                            "CandidateVersion=170\nCandidateNumberOfInputVariables=1\n"
+                            "CandidateNumberOfSamples=40000\nCandidateRSCardinality=0\nCandidate" +
+                            Samples(40000) + "</PlexuraData>\n";
+  EXPECT_EQ(Status(kRegistry + SetsOf(std::vector<int>(20000, 3)) + group), 0);
+}
+
+// Groups that overlap must not multiply the work without limit.
+TEST(Database, OverlappingGroupsAreRefusedBeyondABudget) {
+  const auto statusOf = [](int groups, int surfaces, const std::string& content) {
+    std::vector<int> numbers;
+    std::string text;
+    for (int g = 0; g < groups; ++g) {
+      numbers.push_back(g);
+      text += Opening("PlexuraData", g);
+    }
+    text += kCandidate + ("CandidateRSCardinality=" + std::to_string(surfaces) + "\n");
+    for (int s = 0; s < surfaces; ++s) text += Opening("Genome", s);
+    return Status(kRegistry + SetsOf(numbers) + text + content + "</Genome>\n</PlexuraData>\n");
+  };
+  const std::string many =
+      "DataType=8\nNumberOfSamples=40000\nNumberOfInputVariables=1\n" + Samples(40000);
+  EXPECT_EQ(statusOf(1, 1, many), 0);
+  EXPECT_EQ(statusOf(20000, 1, many), 1);
+  EXPECT_EQ(statusOf(1, 20000, many), 1);
+  // Many small surfaces take more memory as objects than their text shows.
+  const std::string few = "DataType=8\n";
+  EXPECT_EQ(statusOf(10, 300, few), 0);
+  EXPECT_EQ(statusOf(3000, 300, few), 1);
 }
 
 }  // namespace
