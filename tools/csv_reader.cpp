@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ios>
-#include <new>
 #include <string_view>
 #include <utility>
 
@@ -29,18 +28,7 @@ const char* const kMisplaced =
 }  // namespace
 
 CsvReader::CsvReader(std::istream& input, std::string name)
-    : input_(input.rdbuf()), name_(std::move(name)) {
-  csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI);
-}
-
-CsvReader::~CsvReader() { csv_free(&parser_); }
-
-void CsvReader::Restart() {
-  csv_free(&parser_);
-  csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI);
-  fields_.clear();
-  row_ended_ = false;
-}
+    : input_(input.rdbuf()), name_(std::move(name)) {}
 
 bool CsvReader::NextInputLine(Line& line) {
   line.text.clear();
@@ -82,22 +70,14 @@ bool CsvReader::NextLine(Line& line) {
 
 /// What is wrong with the quotation marks up to the end of `line`, or null.
 const char* CsvReader::Feed(const Line& line) {
-  const auto on_field = [](void* value, std::size_t size, void* self) {
-    static_cast<CsvReader*>(self)->fields_.emplace_back(static_cast<const char*>(value), size);
-  };
-  const auto on_row = [](int, void* self) { static_cast<CsvReader*>(self)->row_ended_ = true; };
   std::string bytes = line.text + line.end;
   if (line_ == 1 && bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
     bytes.erase(0, kByteOrderMark.size());
   }
-  const char* fault = nullptr;
-  if (csv_parse(&parser_, bytes.data(), bytes.size(), on_field, on_row, this) != bytes.size()) {
-    fault = kMisplaced;
-  } else if (line.end.empty() && csv_fini(&parser_, on_field, on_row, this) != 0) {
-    fault = kUnclosed;
+  for (const char byte : bytes) {
+    if (!fields_.Take(byte)) return kMisplaced;
   }
-  if (fault != nullptr && csv_error(&parser_) != CSV_EPARSE) throw std::bad_alloc();
-  return fault;
+  return line.end.empty() && !fields_.End() ? kUnclosed : nullptr;
 }
 
 /// The first line is the row; the lines after it are read again.
@@ -107,7 +87,7 @@ void CsvReader::EndAsFault(CsvRow& row, const std::vector<Line>& lines, const ch
   row.fault = fault;
   again_.insert(again_.end(), lines.rbegin(), lines.rend() - 1);
   line_ = row.line;
-  Restart();
+  fields_ = CsvFields();
 }
 
 void SplitFields(CsvRow& row) {
@@ -155,13 +135,11 @@ bool CsvReader::NextUnsplit(CsvRow& row) {
       EndAsFault(row, lines, fault);
       return true;
     }
-    if (row_ended_) {
+    if (fields_.RowEnded()) {
       row.line_end = std::move(lines.back().end);
       lines.back().end.clear();
       for (const Line& part : lines) row.text += part.text + part.end;
-      row.fields = std::move(fields_);
-      fields_.clear();
-      row_ended_ = false;
+      row.fields = fields_.TakeRow();
       return true;
     }
     if (size > kLongestRow) break;
@@ -173,9 +151,9 @@ bool CsvReader::NextUnsplit(CsvRow& row) {
 
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted(csv_write(nullptr, 0, text.data(), text.size()), '\0');
-  csv_write(quoted.data(), quoted.size(), text.data(), text.size());
-  return quoted;
+  std::string quoted = "\"";
+  for (const char byte : text) quoted.append(byte == '"' ? 2 : 1, byte);
+  return quoted + '"';
 }
 
 }  // namespace pxrom_command

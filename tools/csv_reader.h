@@ -1,11 +1,11 @@
 #pragma once
 
-#include <csv.h>
-
 #include <cstddef>
 #include <istream>
 #include <string>
 #include <vector>
+
+#include "csv_fields.h"
 
 namespace pxrom_command {
 
@@ -34,9 +34,6 @@ class CsvReader {
  public:
   /// `input` has to outlive the reader; refusals call it `name`.
   CsvReader(std::istream& input, std::string name);
-  CsvReader(const CsvReader&) = delete;
-  CsvReader& operator=(const CsvReader&) = delete;
-  ~CsvReader();
 
   /// False at the end. Refusal when reading fails and at a line that is too long for a table.
   bool Next(CsvRow& row);
@@ -53,13 +50,10 @@ class CsvReader {
   bool NextInputLine(Line& line);
   const char* Feed(const Line& line);
   void EndAsFault(CsvRow& row, const std::vector<Line>& lines, const char* fault);
-  void Restart();
 
   std::streambuf* input_;
   std::string name_;
-  csv_parser parser_{};
-  std::vector<std::string> fields_;
-  bool row_ended_ = false;
+  CsvFields fields_;
   std::size_t line_ = 0;
   std::size_t last_size_ = 0;  ///< of a line, since the next one is likely to be as long
   /// Lines to be read again, the next one last.
