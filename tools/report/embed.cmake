@@ -1,5 +1,5 @@
-# Writes ${assets}, the source that embeds the page's parts of ${folder} and the file ${module},
-# compressed, unless that is empty.
+# Writes ${assets}, the source that embeds the page's parts of ${folder}, the script ${library} of the
+# npm package, and the file ${module}, compressed, unless that is empty.
 
 # A constant as bytes, since compilers may limit the length of a literal.
 function(append_bytes name hex)
@@ -32,8 +32,8 @@ endfunction()
 # In one file, as in the page: the hash covers all bytes of the script element.
 set(script "${assets}.js")
 file(WRITE "${script}" "\"use strict\";\n")
-foreach(part library numbers profile page)
-  file(READ "${folder}/${part}.js" text)
+foreach(script_part "${library}" ${folder}/numbers.js ${folder}/profile.js ${folder}/page.js)
+  file(READ "${script_part}" text)
   file(APPEND "${script}" "${text}")
 endforeach()
 file(SHA256 "${script}" hash)

@@ -1,13 +1,15 @@
-// The live part of the page: a point, its outputs, and slices through it.
+// The live part of the page: a point, its outputs, and slices through it. The numbers come from the
+// npm package (web/pxrom.js), which is before this in the page.
 
 const SLIDER_STEPS = 200;
 const FRAME_BUDGET = 12; // milliseconds of slices between two frames
 // About a tenth of a second for a point; half a minute for all pictures; what is computed at a time.
 const LIMIT = {operations: 1e8, bytes: 256e6};
+const UNLIMITED = {};
 const MOST_FOR_SLICES = 3e10;
 const PIECE = 1e7;
 const SPEAK_AFTER = 600; // milliseconds without a change
-const MOST_NAMED = 20;
+const MOST_SHOWN = 20;
 const DECIMAL = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i;
 
 const byId = (id) => document.getElementById(id);
@@ -18,6 +20,15 @@ function embeddedBytes(id) {
   const bytes = new Uint8Array(text.length);
   for (let i = 0; i < text.length; ++i) bytes[i] = text.charCodeAt(i);
   return bytes;
+}
+
+function bytesOfBase64(text) {
+  return Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0));
+}
+
+async function unzipped(bytes) {
+  const stream = new Blob([bytes]).stream().pipeThrough(new DecompressionStream("gzip"));
+  return new Uint8Array(await new Response(stream).arrayBuffer());
 }
 
 function make(name, properties = {}, ...children) {
@@ -47,13 +58,28 @@ function roundedWithin({hasBounds, lower, upper}, value) {
   return Math.min(upper, Math.max(lower, roundedTo(value, roundStep(upper - lower, 1000))));
 }
 
+/// A parameter as the page shows it. `name` is its ID as the library knows it.
+function shownParameter({id, unit, caption, bounds = null, values = []}) {
+  const [lower, upper] = bounds ?? [NaN, NaN];
+  return {
+    name: id,
+    id: visible(id),
+    unit: visible(unit),
+    caption: visible(caption),
+    hasBounds: bounds !== null,
+    lower,
+    upper,
+    values,
+  };
+}
+
 /// The choices made with the controls.
 class Choice {
   constructor(model) {
-    this.inputs = model.parameters(LIST.inputs);
-    this.discrete = model.parameters(LIST.discrete);
-    this.outputs = model.parameters(LIST.outputs);
-    this.combinations = model.combinations(this.discrete.length);
+    this.inputs = model.inputs.map(shownParameter);
+    this.discrete = model.discreteInputs.map(shownParameter);
+    this.outputs = model.outputs.map(shownParameter);
+    this.combinations = model.combinations.map((named) => this.discrete.map(({name}) => named[name]));
     this.combination = [...this.combinations[0]];
     this.toMiddle();
   }
@@ -61,6 +87,10 @@ class Choice {
   toMiddle() {
     this.point = this.inputs.map((input) => (
       input.hasBounds ? roundedWithin(input, 0.5 * input.lower + 0.5 * input.upper) : 0));
+  }
+
+  namedCombination() {
+    return Object.fromEntries(this.discrete.map(({name}, k) => [name, this.combination[k]]));
   }
 
   combinationText(values = this.combination) {
@@ -73,7 +103,7 @@ class Choice {
 
   /// Why this combination has no results, in the words of the command.
   refusal() {
-    const known = this.combinations.slice(0, MOST_NAMED).map((values) => this.combinationText(values));
+    const known = this.combinations.slice(0, MOST_SHOWN).map((values) => this.combinationText(values));
     const more = this.combinations.length - known.length;
     if (more > 0) known.push(`and ${more} more`);
     return `there is no model for the combination ${this.combinationText()}; `
@@ -172,16 +202,16 @@ class Answers {
     let scaled = false;
     this.rows.forEach((row, k) => {
       const answer = answers?.[k];
-      const failed = answer?.status === POINT.failed;
+      const failed = answer?.status === STATUS.failed;
       this.#showNumber(row.value, answer && !failed ? answer.value : null, all, VALUE_DIGITS);
       row.value.classList.toggle("failed", failed);
       if (failed) row.value.textContent = "could not be evaluated";
-      this.#showNumber(row.error, answer?.status === POINT.ok ? answer.error : null, all, ERROR_DIGITS);
-      if (answer?.status === POINT.ok && !errorInUnit[k]) {
+      this.#showNumber(row.error, answer?.status === STATUS.ok ? answer.error : null, all, ERROR_DIGITS);
+      if (answer?.status === STATUS.ok && !errorInUnit[k]) {
         scaled = true;
         row.error.textContent += "*";
       }
-      if (answer?.status === POINT.withoutError) {
+      if (answer?.status === STATUS.withoutError) {
         row.error.textContent = "none";
         row.error.title = "no predicted error";
       }
@@ -197,7 +227,7 @@ class Answers {
   spoken(answers) {
     return (answers ?? []).map((answer, k) => {
       const {id, unit} = this.outputs[k];
-      if (answer.status === POINT.failed) return `${id} could not be evaluated`;
+      if (answer.status === STATUS.failed) return `${id} could not be evaluated`;
       return `${id} ${shown(answer.value, VALUE_DIGITS)} ${unit}`.trim();
     }).join(", ");
   }
@@ -206,6 +236,7 @@ class Answers {
 /// Connects the parts: a change of the choice shows everywhere.
 class Page {
   #prepared = null;
+  #errorInUnit = [];
   #cost = null;
   #refusal = ""; // why the chosen combination isn't evaluated, though it was fitted
   #limit = LIMIT;
@@ -273,7 +304,7 @@ class Page {
     this.#prepared?.free();
     this.#prepared = null;
     this.#refusal = "";
-    if (this.choice.isFitted()) this.#prepareFitted(this.choice.combination);
+    if (this.choice.isFitted()) this.#prepareFitted(this.choice.namedCombination());
     byId("evaluate-anyway").hidden = this.#refusal === "";
     this.selects.forEach((select, k) => {
       select.value = this.choice.combination[k];
@@ -284,10 +315,20 @@ class Page {
   #prepareFitted(combination) {
     try {
       this.#cost = this.model.cost(combination);
-      this.#prepared = this.model.prepare(combination, this.#limit);
+      this.#prepared = this.model.prepare(combination, {limit: this.#limit});
+      const scaled = new Set(this.#prepared.scaledErrors);
+      this.#errorInUnit = this.choice.outputs.map(({name}) => !scaled.has(name));
     } catch (error) {
       this.#refusal = `this page does not evaluate the model on its own. ${error.message}`;
     }
+  }
+
+  /// For each point of a table, row by row, the answer of each output: {status, value, error}.
+  #predict(table) {
+    const {rows, statuses, values, errors} =
+      this.#prepared.predict(Float64Array.from(table), {error: true});
+    return Array.from({length: rows}, (_, row) => this.choice.outputs.map(({name}) => (
+      {status: statuses[name][row], value: values[name][row], error: errors[name][row]})));
   }
 
   move(index, value, settled) {
@@ -319,7 +360,7 @@ class Page {
 
   #show() {
     const {choice} = this;
-    this.#answers = this.#prepared?.predict(choice.point, 1)[0] ?? null;
+    this.#answers = this.#prepared === null ? null : this.#predict(choice.point)[0];
     this.controls.forEach((control, k) => control.show(choice.point[k]));
     this.#showAnswers();
     byId("command").textContent = choice.commandLine(this.file);
@@ -332,7 +373,7 @@ class Page {
   }
 
   #showAnswers() {
-    this.answers.show(this.#answers, this.#prepared?.errorInUnit ?? []);
+    this.answers.show(this.#answers, this.#errorInUnit);
     byId("notes").replaceChildren(...this.#notes().map((text) => make("li", {textContent: text})));
   }
 
@@ -341,7 +382,7 @@ class Page {
     const {choice} = this;
     if (this.#prepared === null) return [this.#refusal || choice.refusal()];
     const combination = choice.combinationText();
-    const failed = choice.outputs.filter((_, k) => this.#answers[k].status === POINT.failed).map(({id}) => (
+    const failed = choice.outputs.filter((_, k) => this.#answers[k].status === STATUS.failed).map(({id}) => (
       `the library can't evaluate the output "${id}"${combination && ` of ${combination}`}: `
       + "one of its surfaces is damaged, stopped or not ready"));
     const outside = choice.outsideBounds().map((input) => (
@@ -379,10 +420,10 @@ class Page {
     const done = this.#begunSlice.length;
     const piece = ats.slice(done, done + Math.max(1, Math.floor(PIECE / this.#cost.operations)));
     const points = piece.flatMap((at) => point.map((value, k) => (k === index ? at : value)));
-    const {errorInUnit} = this.#prepared;
-    this.#begunSlice.push(...this.#prepared.predict(points, piece.length).map((row, k) => ({
+    this.#begunSlice.push(...this.#predict(points).map((row, k) => ({
       at: piece[k],
-      answers: row.map(({value, error}, output) => ({value, error: errorInUnit[output] ? error : NaN})),
+      answers: row.map(({value, error}, output) => (
+        {value, error: this.#errorInUnit[output] ? error : NaN})),
     })));
     if (this.#begunSlice.length < POINTS_PER_SLICE) return;
     this.#slices[index] = this.#begunSlice;
@@ -415,12 +456,12 @@ async function start() {
   const state = byId("live-state");
   state.textContent = "Loading the model\u2026";
   try {
-    const library = await Library.load(byId("module").textContent);
+    const load = await loaderOf(await unzipped(bytesOfBase64(byId("module").textContent)));
     const file = new TextDecoder().decode(embeddedBytes("file"));
-    const model = new Model(library, embeddedBytes("database"));
+    const model = await load(embeddedBytes("database"));
     byId("live-body").hidden = false;
     new Page(model, file);
-    state.textContent = `Every number here is computed in this page by pxrom ${library.version()} itself.`;
+    state.textContent = `Every number here is computed in this page by pxrom ${model.version} itself.`;
   } catch (error) {
     byId("live-body").hidden = true;
     state.textContent = `This page can't evaluate the model: ${error.message}`;

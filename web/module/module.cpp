@@ -1,5 +1,5 @@
 // The module exports the C interface unchanged (CMakeLists.txt names the operations). The checks
-// here make sure that ../library.js knows the layout of its structures.
+// here make sure that ../pxrom.js knows the layout of its structures.
 
 #include <cstddef>
 
