@@ -5,11 +5,26 @@ if(NOT PXROM_INSTALL)
   return()
 endif()
 
+# Who made the package, as git knows them. Without either, cpack asks for CPACK_PACKAGE_CONTACT.
+set(PXROM_MAINTAINER "" CACHE STRING "The maintainer of packages, Name <address>; git's identity if empty")
+set(maintainer "${PXROM_MAINTAINER}")
+find_package(Git QUIET)
+if(NOT maintainer AND Git_FOUND)
+  foreach(item name email)
+    execute_process(COMMAND ${GIT_EXECUTABLE} config user.${item}
+      WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE git_${item}
+      OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  endforeach()
+  if(git_name AND git_email)
+    set(maintainer "${git_name} <${git_email}>")
+  endif()
+endif()
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME pxrom)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "The PXROM developers")
-set(CPACK_PACKAGE_CONTACT "The PXROM developers <pxrom@localhost>")
+set(CPACK_PACKAGE_CONTACT "${maintainer}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGE_DESCRIPTION
   "Predicts the outputs of a costly simulation by formulas that were fitted to its results: shared

@@ -7,10 +7,13 @@ source=$1 work=$2 build=$3 cpack=$4
 
 rm -rf "$work"
 mkdir -p "$work"
-"$cpack" --config "$build/CPackConfig.cmake" -B "$work" >"$work/log" || { cat "$work/log" >&2; exit 1; }
+maintainer="A Packager <packager@example.org>"
+"$cpack" --config "$build/CPackConfig.cmake" -B "$work" -D CPACK_PACKAGE_CONTACT="$maintainer" \
+  >"$work/log" || { cat "$work/log" >&2; exit 1; }
 version=$(sed -nE 's/.*PXROM_VERSION_STRING "([^"]+)".*/\1/p' "$source/include/pxrom/version.h")
 package=$(ls "$work"/*.deb)
 [[ $(dpkg-deb -f "$package" Package Version) == $'Package: pxrom\nVersion: '"$version" ]]
+[[ $(dpkg-deb -f "$package" Maintainer) == "$maintainer" ]]
 
 dpkg-deb -x "$package" "$work/root"
 for file in include/pxrom/pxrom.h include/pxrom/pxrom_c.h bin/pxrom; do
