@@ -28,6 +28,18 @@ macro(pxrom_part option text)
   endif()
 endmacro()
 
+# A source distribution of the Python package brings the libraries of headers that the command needs.
+set(pxrom_bundled ${PROJECT_SOURCE_DIR}/third_party)
+if(EXISTS ${pxrom_bundled})
+  foreach(package CLI11 nlohmann_json)
+    string(TOLOWER ${package} file)
+    file(WRITE ${CMAKE_FIND_PACKAGE_REDIRECTS_DIR}/${file}-config.cmake
+      "if(NOT TARGET ${package}::${package})
+  add_library(${package}::${package} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${package}::${package} INTERFACE ${pxrom_bundled})
+endif()\n")
+  endforeach()
+endif()
 pxrom_part(PXROM_BUILD_TESTS "the tests" GTest nlohmann_json)
 pxrom_part(PXROM_BUILD_TOOLS "the pxrom command" CLI11 nlohmann_json Threads)
 if(PXROM_BUILD_TOOLS AND NOT UNIX)

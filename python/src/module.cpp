@@ -14,4 +14,7 @@ PYBIND11_MODULE(_core, module) {
   pxrom_python::BindInspection(module);
   pxrom_python::BindRecords(module);
   pxrom_python::BindWriter(module);
+#ifdef PXROM_PYTHON_COMMAND
+  pxrom_python::BindCommand(module);
+#endif
 }
