@@ -74,8 +74,7 @@ struct Family {
   /// The checks of an inspection beyond keys and their forms.
   void (*check)(inspection::SurfaceText&) = nullptr;
   /// Prepares a record for many points. If it is null, the evaluator is called for each point.
-  std::unique_ptr<batch::PreparedSurface> (*prepare)(const CRSData&,
-                                                           std::size_t inputs) = nullptr;
+  std::unique_ptr<batch::PreparedSurface> (*prepare)(const CRSData&, std::size_t inputs) = nullptr;
   /// Whether a sound record may refuse some points, so that a trial at one point proves nothing for
   /// others.
   bool valueDependsOnPoint = false;

@@ -19,7 +19,8 @@ struct CandidateAccess {
   static void HandOver(CFittingCandidates& from, CFittingCandidates& to) noexcept {
     from.Candidates.swap(to.Candidates);
   }
-  /// If this throws, the candidate may have a weight without a surface: for one that is dropped then.
+  /// If this throws, the candidate may have a weight without a surface: for one that is dropped
+  /// then.
   static void AddSurface(CFittingCandidate& candidate, std::unique_ptr<CRSData> surface,
                          double weight) {
     CFittingCandidate::Content& content = ContentOf(candidate);
