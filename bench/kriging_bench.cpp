@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "peak.h"
 #include "peers/peer.h"
 #include "pxrom/kriging.h"
 #include "ratio_report.h"
@@ -52,6 +53,15 @@ void LibraryError(benchmark::State& state, CKrigingData& record, const std::vect
   }
 }
 
+/// The matrix of the error alone.
+void Reading(benchmark::State& state, CKrigingData& record, const std::vector<double>&) {
+  for (auto _ : state) {
+    for (const std::vector<double>& row : record.InvC) {
+      benchmark::DoNotOptimize(peak::Read(row.data(), row.size()));
+    }
+  }
+}
+
 /// At its points of one scaling, as a host of it keeps them.
 void PeerValue(benchmark::State& state, CKrigingData& record, const std::vector<double>& x) {
   double y = 0.0;
@@ -83,6 +93,7 @@ int main(int argc, char** argv) {
       if (peers::HasOpenTurns()) Register("value/OpenTURNS" + size, &PeerValue, n, d);
       Register("error/literal" + size, &LiteralError, n, d);
       Register("error/library" + size, &LibraryError, n, d);
+      if (peak::IsKnown()) Register("error/reading alone" + size, &Reading, n, d);
     }
   }
   RatioReport report;
