@@ -54,9 +54,10 @@ class ProcessSurface : public PreparedSurface {
     if (!process_.ErrorPart().IsAvailable()) return;
     norms_ = NormsOf(record_, n_);
     errorFunctions_ = record_.TrendAtSamples.size();
-    record_.InverseFactor = {};
-    record_.TrendInverseFactor = {};
-    record_.TrendAtSamples = {};
+    // The panels hold them now. An assignment of nothing would keep the memory.
+    std::vector<double>().swap(record_.InverseFactor);
+    std::vector<double>().swap(record_.TrendInverseFactor);
+    std::vector<std::vector<double>>().swap(record_.TrendAtSamples);
   }
 
   std::size_t Share(Sharing& sharing) override {
