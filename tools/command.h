@@ -8,6 +8,7 @@ namespace pxrom_command {
 // result to the standard output, or throws a Refusal if it has none.
 
 void AddCheck(CLI::App& app);
+void AddCode(CLI::App& app);
 void AddEval(CLI::App& app);
 void AddFmu(CLI::App& app);
 void AddInfo(CLI::App& app);

@@ -50,6 +50,7 @@ int Parsed(int argc, const char* const* argv) {
   pxrom_command::AddFmu(app);
   pxrom_command::AddFormat(app);
   pxrom_command::AddReport(app);
+  pxrom_command::AddCode(app);
 
   try {
     RequireKnownCommand(app, argc, argv);

@@ -1,0 +1,569 @@
+#include "codegen/generate.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <set>
+
+#include "codegen/lowering.h"
+#include "codegen/source.h"
+#include "codegen/text.h"
+#include "pxrom/batch.h"
+
+namespace pxrom_codegen {
+
+namespace {
+
+using Model = pxrom::CDiscreteCombinations;
+using Vector = std::vector<double>;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+/// Points at which the code is compared with the library before it is written.
+constexpr std::size_t kMeasuredPoints = 64;
+constexpr std::size_t kMeasuredSamples = 200;
+/// Stored points of the self-test, of all combinations together.
+constexpr std::size_t kStoredPoints = 5;
+constexpr std::size_t kStoredPointsOfAll = 24;
+/// For the frames of the functions besides the working area.
+constexpr std::uint64_t kFrameBytes = 768;
+/// How far results may be from the library's. On this machine they have the same bits, unless a
+/// build without optimisation computes a power in another way.
+constexpr double kAgreement = 1e-12;
+
+std::string Quoted(const std::string& text) { return '"' + InComment(text) + '"'; }
+
+/// One combination of the model and what it predicts.
+struct Combination {
+  std::vector<int> key;
+  const Model::OutputsByID* outputs = nullptr;
+  pxrom::CPreparedModel library;
+};
+
+/// The IDs of `ranked` by rank. Refused where two have the same rank: their values would be sorted.
+std::vector<std::string> ByRank(const Model& model, const std::vector<std::string>& ids) {
+  std::vector<std::pair<std::int32_t, std::string>> ranked;
+  for (const std::string& id : ids) ranked.emplace_back(model.GetRegistrationRank()->at(id), id);
+  std::sort(ranked.begin(), ranked.end());
+  std::vector<std::string> sorted;
+  for (std::size_t i = 0; i < ranked.size(); ++i) {
+    if (i > 0 && ranked[i].first == ranked[i - 1].first) {
+      throw Refused("The inputs " + Quoted(ranked[i - 1].second) + " and " +
+                    Quoted(ranked[i].second) + " have the same rank.");
+    }
+    sorted.push_back(ranked[i].second);
+  }
+  return sorted;
+}
+
+std::vector<std::string> ContinuousInputs(const Model& model) {
+  std::vector<std::string> ids;
+  for (const std::string& id : model.ListParameterImmutableID(pxrom::CausalityInput, true)) {
+    if (model.IsContinuous(id) && model.GetRegistrationRank()->count(id) != 0) ids.push_back(id);
+  }
+  return ByRank(model, ids);
+}
+
+std::vector<std::string> DiscreteInputs(const Model& model) {
+  std::vector<std::string> ids;
+  for (const std::string& id : model.ListParameterImmutableID(pxrom::CausalityInput, true)) {
+    if (model.IsDiscrete(id) && model.GetRegistrationRank()->count(id) != 0) ids.push_back(id);
+  }
+  return ByRank(model, ids);
+}
+
+template <class Value>
+Value FirstOf(const std::vector<std::pair<std::string, Value>>& list) {
+  return list.empty() ? Value() : list.front().second;
+}
+
+std::string Joined(const std::vector<std::string>& parts, const char* between) {
+  std::string text;
+  for (const std::string& part : parts) {
+    if (part.empty()) continue;
+    text += (text.empty() ? "" : between) + part;
+  }
+  return text;
+}
+
+/// The caption and the unit.
+std::string Words(const Model& model, const std::string& id) {
+  const std::string caption = FirstOf(model.ListParameterCaption({id}));
+  const std::string unit = FirstOf(model.ListParameterUnit({id}));
+  return InComment(
+      Joined({id, caption == id ? "" : caption, unit.empty() ? "" : "[" + unit + "]"}, ", "));
+}
+
+/// Widens the range of input `i` by the samples that the ensembles were fitted to.
+void WidenBySamples(const std::vector<Combination>& combinations, std::size_t i, double& lower,
+                    double& upper) {
+  for (const Combination& combination : combinations) {
+    for (const auto& output : *combination.outputs) {
+      const pxrom::CFittingCandidate* const candidate = output.second->GetEvaluationCandidatePtr();
+      std::vector<Vector> rows;
+      if (candidate != nullptr) candidate->GetInputSamples(rows);
+      for (const Vector& row : rows) {
+        if (i >= row.size() || !std::isfinite(row[i])) continue;
+        lower = std::min(lower, row[i]);
+        upper = std::max(upper, row[i]);
+      }
+    }
+  }
+}
+
+std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::string>& ids,
+                                     const std::vector<Combination>& combinations) {
+  std::vector<InputWords> inputs;
+  const std::vector<std::string> names = UpperNames(ids);
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    InputWords input;
+    input.id = ids[i];
+    input.name = names[i];
+    input.lower = FirstOf(model.ListLowerBound({ids[i]}));
+    input.upper = FirstOf(model.ListUpperBound({ids[i]}));
+    const char* from = "";
+    if (!(input.lower < input.upper)) {
+      input.lower = kInfinity;
+      input.upper = -kInfinity;
+      WidenBySamples(combinations, i, input.lower, input.upper);
+      from = " in the samples";
+    }
+    std::string range;
+    if (input.lower <= input.upper) {
+      range = Literal(input.lower) + " to " + Literal(input.upper) + from;
+    } else {
+      input.lower = -kInfinity;
+      input.upper = kInfinity;
+    }
+    input.words = Joined({Words(model, ids[i]), range}, ", ");
+    inputs.push_back(input);
+  }
+  return inputs;
+}
+
+/// How an error of an output is to be read.
+std::string ErrorWords(const Model::OutputsByID& outputs, const std::string& id) {
+  const pxrom::CFittingCandidate* const candidate = outputs.at(id)->GetEvaluationCandidatePtr();
+  const bool isScaled = candidate != nullptr && !candidate->GetIsErrPredRequired();
+  return isScaled ? "error as the surface reports it, in its scaled space" : "";
+}
+
+std::vector<Combination> CombinationsOf(const Model& model, const Options& options,
+                                        const std::vector<std::string>& discrete) {
+  std::vector<Combination> combinations;
+  for (const auto& [key, index] : *model.GetDiscreteCombinationsIndexingPtr()) {
+    if (key.size() != discrete.size()) continue;
+    std::vector<std::pair<std::string, int>> values;
+    bool isChosen = true;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+      values.emplace_back(discrete[i], key[i]);
+      for (const auto& [id, value] : options.combination) {
+        if (id == discrete[i] && value != key[i]) isChosen = false;
+      }
+    }
+    if (!isChosen) continue;
+    Combination combination;
+    combination.key = key;
+    combination.outputs = &(*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(index)];
+    std::string reason;
+    if (pxrom::CPreparedModel::Prepare(model, values, combination.library, &reason) != 0) {
+      throw Refused(reason);
+    }
+    combinations.push_back(std::move(combination));
+  }
+  if (combinations.empty()) {
+    throw Refused(options.combination.empty()
+                      ? "The model has no combination."
+                      : "The model has no combination of these discrete values.");
+  }
+  return combinations;
+}
+
+void RequireDiscrete(const Options& options, const std::vector<std::string>& discrete) {
+  if (options.combination.empty()) return;
+  std::set<std::string> named;
+  for (const auto& [id, value] : options.combination) {
+    if (std::find(discrete.begin(), discrete.end(), id) == discrete.end()) {
+      throw Refused("The model has no enabled discrete input " + Quoted(id) + ".");
+    }
+    if (!named.insert(id).second) throw Refused("The input " + Quoted(id) + " is given twice.");
+  }
+  if (named.size() != discrete.size()) {
+    throw Refused("A combination names all " + std::to_string(discrete.size()) +
+                  " discrete inputs, but " + std::to_string(named.size()) + " are given.");
+  }
+}
+
+/// The chosen outputs, in the order of IDs.
+std::vector<std::string> OutputsOf(const std::vector<Combination>& combinations,
+                                   const Options& options) {
+  std::vector<std::string> all;
+  for (const auto& output : *combinations.front().outputs) all.push_back(output.first);
+  for (const Combination& combination : combinations) {
+    std::vector<std::string> own;
+    for (const auto& output : *combination.outputs) own.push_back(output.first);
+    if (own != all) throw Refused("The combinations of the model have different outputs.");
+  }
+  for (const std::string& id : options.outputs) {
+    if (std::find(all.begin(), all.end(), id) == all.end()) {
+      throw Refused("The model has no output " + Quoted(id) + ".");
+    }
+  }
+  std::vector<std::string> chosen;
+  for (const std::string& id : all) {
+    const bool isChosen =
+        options.outputs.empty() ||
+        std::find(options.outputs.begin(), options.outputs.end(), id) != options.outputs.end();
+    if (isChosen) chosen.push_back(id);
+  }
+  if (chosen.empty()) throw Refused("The model has no output.");
+  return chosen;
+}
+
+/// Point `k` of a sequence that fills the ranges evenly and begins in their middle: multiples of
+/// the powers of a root of x^(d+1) = x + 1 (Roberts, The unreasonable effectiveness of quasirandom
+/// sequences, 2018). Six digits, so that a stored point is short.
+Vector PointInRanges(const std::vector<InputWords>& inputs, std::size_t k) {
+  const auto d = static_cast<double>(inputs.size());
+  double root = 1.5;
+  for (int i = 0; i < 60; ++i) root = std::pow(1.0 + root, 1.0 / (d + 1.0));
+  Vector point;
+  double step = 1.0;
+  for (const InputWords& input : inputs) {
+    step /= root;
+    const double part = std::fmod(0.5 + static_cast<double>(k) * step, 1.0);
+    const bool isBounded = std::isfinite(input.lower) && std::isfinite(input.upper);
+    const double x =
+        isBounded ? input.lower + (input.upper - input.lower) * part : 2.0 * part - 1.0;
+    const double unit = x == 0.0 ? 1.0 : std::pow(10.0, std::floor(std::log10(std::fabs(x))) - 5.0);
+    point.push_back(std::floor(x / unit) * unit);
+  }
+  return point;
+}
+
+/// Some of the samples that the chosen outputs of a combination were fitted to.
+void AppendSamples(const Combination& combination, std::size_t inputs,
+                   std::vector<Vector>& points) {
+  std::vector<Vector> rows;
+  const pxrom::CFittingCandidate* const candidate =
+      combination.outputs->begin()->second->GetEvaluationCandidatePtr();
+  if (candidate != nullptr) candidate->GetInputSamples(rows);
+  const std::size_t stride = rows.size() / kMeasuredSamples + 1;
+  for (std::size_t r = 0; r < rows.size(); r += stride) {
+    if (rows[r].size() == inputs) points.push_back(rows[r]);
+  }
+}
+
+/// The library's answers for the chosen outputs, whose places are `places`.
+TestPoint Ask(const pxrom::CPreparedModel& library, const std::vector<std::size_t>& places,
+              const Vector& point, bool errors, bool gradients) {
+  const std::size_t outputs = library.OutputIDs().size();
+  const std::size_t inputs = point.size();
+  TestPoint test;
+  test.inputs = point;
+  Vector values(outputs);
+  Vector errorValues(outputs);
+  Vector slopes(outputs * inputs);
+  std::vector<int> statuses(outputs);
+  std::vector<int> errorStatuses(outputs);
+  std::vector<int> slopeStatuses(outputs);
+  library.Evaluate(point.data(), 1, pxrom::PrecisionExact, values.data(), nullptr, statuses.data());
+  for (const std::size_t o : places) {
+    test.values.push_back(values[o]);
+    test.statuses.push_back(statuses[o]);
+  }
+  if (errors) {
+    library.Evaluate(point.data(), 1, pxrom::PrecisionExact, values.data(), errorValues.data(),
+                     errorStatuses.data());
+    for (const std::size_t o : places) {
+      test.errors.push_back(errorValues[o]);
+      test.errorStatuses.push_back(errorStatuses[o]);
+    }
+  }
+  if (gradients) {
+    library.EvaluateGradients(point.data(), 1, slopes.data(), slopeStatuses.data());
+    for (const std::size_t o : places) {
+      const auto first = slopes.begin() + static_cast<std::ptrdiff_t>(o * inputs);
+      test.gradients.insert(test.gradients.end(), first,
+                            first + static_cast<std::ptrdiff_t>(inputs));
+      test.gradientStatuses.push_back(slopeStatuses[o]);
+    }
+  }
+  return test;
+}
+
+/// The answers of the code that is about to be written.
+template <class Real>
+class CodeAnswers {
+ public:
+  CodeAnswers(const Lowered<Real>& model, std::size_t combination)
+      : ensembles_(model.combinations[combination].value), work_(model.work + kGuard) {}
+
+  TestPoint At(const TestPoint& like) {
+    const std::vector<Real> x(like.inputs.begin(), like.inputs.end());
+    TestPoint test;
+    for (const auto& ensemble : ensembles_) {
+      Real value = 0;
+      Real error = 0;
+      const int status = Run([&](Real* work) {
+        return Runtime<Real>::ensemble_value(&ensemble, x.data(), work, &value);
+      });
+      test.statuses.push_back(status);
+      test.values.push_back(status == 1 ? kNaN : static_cast<double>(value));
+      if (!like.errors.empty()) {
+        const int errorStatus = Run([&](Real* work) {
+          return Runtime<Real>::ensemble_error(&ensemble, x.data(), work, &value, &error);
+        });
+        test.errorStatuses.push_back(errorStatus);
+        test.errors.push_back(errorStatus != 0 ? kNaN : static_cast<double>(error));
+      }
+      if (like.gradients.empty()) continue;
+      std::vector<Real> gradient(x.size());
+      const int slopeStatus = Run([&](Real* work) {
+        return Runtime<Real>::ensemble_gradient(&ensemble, x.data(), work, gradient.data());
+      });
+      test.gradientStatuses.push_back(slopeStatus);
+      for (const Real entry : gradient) {
+        test.gradients.push_back(slopeStatus != 0 ? kNaN : static_cast<double>(entry));
+      }
+    }
+    return test;
+  }
+
+ private:
+  static constexpr std::size_t kGuard = 8;
+  static constexpr Real kUntouched = Real{-12345.5};
+
+  /// Runs a function on the working area, and checks that it stays in it.
+  template <class Call>
+  int Run(const Call& call) {
+    std::fill(work_.end() - kGuard, work_.end(), kUntouched);
+    const int status = call(work_.data());
+    if (!std::all_of(work_.end() - kGuard, work_.end(), [](Real v) { return v == kUntouched; })) {
+      throw Refused("The code would need more stack than its header says; please report this.");
+    }
+    return status;
+  }
+
+  const std::vector<typename Runtime<Real>::ensemble>& ensembles_;
+  std::vector<Real> work_;
+};
+
+/// The largest magnitudes of one kind of results, column by column, and the largest difference.
+class Difference {
+ public:
+  void Scale(const Vector& row) {
+    largest_.resize(row.size(), 0.0);
+    for (std::size_t c = 0; c < row.size(); ++c) {
+      if (std::isfinite(row[c])) largest_[c] = std::max(largest_[c], std::fabs(row[c]));
+    }
+  }
+  void Add(const Vector& want, const Vector& got) {
+    for (std::size_t c = 0; c < want.size(); ++c) {
+      const bool isSame = want[c] == got[c] || (std::isnan(want[c]) && std::isnan(got[c]));
+      if (isSame) continue;
+      const double scale = largest_[c] > 0.0 ? largest_[c] : 1.0;
+      const double difference = std::fabs(want[c] - got[c]) / scale;
+      most_ = std::isnan(difference) ? kInfinity : std::max(most_, difference);
+    }
+  }
+  double Most() const { return most_; }
+
+ private:
+  Vector largest_;
+  double most_ = 0.0;
+};
+
+template <class Real>
+Lowered<Real> Lower(const std::vector<Combination>& combinations,
+                    const std::vector<OutputWords>& outputs, std::size_t inputs,
+                    const Options& options) {
+  Lowered<Real> lowered;
+  Lowering<Real> lowering(inputs, options.errors, options.gradients, lowered);
+  for (std::size_t c = 0; c < combinations.size(); ++c) {
+    std::vector<typename Runtime<Real>::ensemble> ensembles;
+    for (const OutputWords& output : outputs) {
+      std::string name = output.name;
+      for (char& letter : name)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+      name = "o_" + name;
+      std::string words = "the output " + Quoted(output.id);
+      if (combinations.size() > 1) {
+        name += "_c" + std::to_string(c + 1);
+        words += " in combination " + std::to_string(c + 1);
+      }
+      ensembles.push_back(lowering.Ensemble(*combinations[c].outputs->at(output.id), name, words));
+    }
+    lowered.combinations.push_back(
+        {"combination_" + std::to_string(c + 1), "", std::move(ensembles)});
+  }
+  if (sizeof(Real) == sizeof(double)) lowered.pieces.insert("HOLES");
+  AddNeededPieces(lowered.pieces);
+  return lowered;
+}
+
+/// Compares the code with the library and returns the largest difference. With `areStored` the
+/// answers of the first points go into `interface`.
+template <class Real>
+double Compare(const Lowered<Real>& lowered, const std::vector<Combination>& combinations,
+               const std::vector<std::size_t>& places, const Options& options,
+               Interface& interface) {
+  const std::size_t stored =
+      std::max<std::size_t>(1, std::min(kStoredPoints, kStoredPointsOfAll / combinations.size()));
+  double most = 0.0;
+  bool isStatusOther = false;
+  interface.tests.clear();
+  for (std::size_t c = 0; c < combinations.size(); ++c) {
+    std::vector<Vector> points;
+    for (std::size_t k = 0; k < kMeasuredPoints; ++k) {
+      points.push_back(PointInRanges(interface.inputs, k));
+    }
+    AppendSamples(combinations[c], interface.inputs.size(), points);
+    std::vector<TestPoint> wanted;
+    Difference differences[3];
+    for (Vector& point : points) {
+      for (double& x : point) x = static_cast<double>(static_cast<Real>(x));
+      wanted.push_back(
+          Ask(combinations[c].library, places, point, options.errors, options.gradients));
+      wanted.back().combination = c;
+      differences[0].Scale(wanted.back().values);
+      differences[1].Scale(wanted.back().errors);
+      differences[2].Scale(wanted.back().gradients);
+    }
+    CodeAnswers<Real> code(lowered, c);
+    for (std::size_t k = 0; k < wanted.size(); ++k) {
+      const TestPoint& want = wanted[k];
+      const TestPoint got = code.At(want);
+      isStatusOther = isStatusOther || got.statuses != want.statuses ||
+                      got.errorStatuses != want.errorStatuses ||
+                      got.gradientStatuses != want.gradientStatuses;
+      differences[0].Add(want.values, got.values);
+      differences[1].Add(want.errors, got.errors);
+      // At a sample some covariances have a kink, on which float and double can take other sides.
+      if (sizeof(Real) == sizeof(double) || k < kMeasuredPoints) {
+        differences[2].Add(want.gradients, got.gradients);
+      }
+      if (k < stored) interface.tests.push_back(want);
+    }
+    for (const Difference& difference : differences) most = std::max(most, difference.Most());
+  }
+  if (isStatusOther && sizeof(Real) == sizeof(double)) return kInfinity;
+  return most;
+}
+
+std::string KeyWords(const Model& model, const std::vector<std::string>& discrete,
+                     const std::vector<int>& key) {
+  std::vector<std::string> parts;
+  (void)model;
+  for (std::size_t i = 0; i < key.size(); ++i) {
+    parts.push_back(InComment(discrete[i]) + " = " + std::to_string(key[i]));
+  }
+  return Joined(parts, ", ");
+}
+
+template <class Real>
+void WriteTexts(const Lowered<Real>& lowered, Interface& interface, Code& code) {
+  interface.stackBytes = lowered.work * sizeof(Real) + kFrameBytes;
+  code.source = SourceText(lowered, interface);
+  code.header = HeaderText(interface, sizeof(Real) == sizeof(float));
+}
+
+Code GenerateOrThrow(const Model& model, const Options& options) {
+  if (!IsName(options.name)) {
+    throw Refused(
+        Quoted(options.name) +
+        " is no name for code: it needs a letter, and then up to 39 letters, digits or _.");
+  }
+  const std::vector<std::string> inputIDs = ContinuousInputs(model);
+  const std::vector<std::string> discreteIDs = DiscreteInputs(model);
+  if (inputIDs.empty()) throw Refused("The model has no continuous input.");
+  RequireDiscrete(options, discreteIDs);
+  const std::vector<Combination> combinations = CombinationsOf(model, options, discreteIDs);
+  const std::vector<std::string> outputIDs = OutputsOf(combinations, options);
+
+  Interface interface;
+  interface.name = options.name;
+  interface.upper = UpperName(options.name);
+  interface.errors = options.errors;
+  interface.gradients = options.gradients;
+  interface.inputs = InputWordsOf(model, inputIDs, combinations);
+  const std::vector<std::string> outputNames = UpperNames(outputIDs);
+  std::vector<std::size_t> places;
+  for (std::size_t o = 0; o < outputIDs.size(); ++o) {
+    std::string words = Words(model, outputIDs[o]);
+    if (options.errors) {
+      words = Joined({words, ErrorWords(*combinations.front().outputs, outputIDs[o])}, "; ");
+    }
+    interface.outputs.push_back({outputIDs[o], outputNames[o], words});
+    const auto& all = combinations.front().library.OutputIDs();
+    places.push_back(
+        static_cast<std::size_t>(std::find(all.begin(), all.end(), outputIDs[o]) - all.begin()));
+  }
+  const bool isOne = discreteIDs.empty() || !options.combination.empty();
+  if (isOne) {
+    interface.chosen = KeyWords(model, discreteIDs, combinations.front().key);
+  } else {
+    const std::vector<std::string> names = UpperNames(discreteIDs);
+    for (std::size_t i = 0; i < discreteIDs.size(); ++i) {
+      interface.discrete.push_back(
+          {discreteIDs[i], names[i], Words(model, discreteIDs[i]), 0.0, 0.0});
+    }
+    for (const Combination& combination : combinations) interface.keys.push_back(combination.key);
+  }
+  for (const Combination& combination : combinations) {
+    interface.operations = std::max(interface.operations, combination.library.Cost().operations);
+  }
+
+  Code code;
+  const auto exact = Lower<double>(combinations, interface.outputs, inputIDs.size(), options);
+  const double difference = Compare(exact, combinations, places, options, interface);
+  if (!(difference <= kAgreement)) {
+    throw Refused("The code would not give the library's results (difference " +
+                  Literal(difference) + "); please report this.");
+  }
+  if (options.isFloat) {
+    const auto rounded = Lower<float>(combinations, interface.outputs, inputIDs.size(), options);
+    interface.largestDifference = Compare(rounded, combinations, places, options, interface);
+    if (!(interface.largestDifference <= 0.01)) {
+      throw Refused("With float, results would differ from the library's by up to " +
+                    Literal(static_cast<float>(interface.largestDifference)) +
+                    " of the largest one; use double.");
+    }
+    // Rounded up to two digits.
+    const double unit =
+        interface.largestDifference > 0.0
+            ? std::pow(10.0, std::floor(std::log10(interface.largestDifference)) - 1.0)
+            : 1.0;
+    interface.largestDifference = std::ceil(interface.largestDifference / unit) * unit;
+    interface.tolerance = std::max(4.0 * interface.largestDifference, 1e-5);
+    code.largestDifference = interface.largestDifference;
+    WriteTexts(rounded, interface, code);
+  } else {
+    interface.tolerance = 1e-9;
+    WriteTexts(exact, interface, code);
+  }
+  code.needs = {interface.tableBytes, interface.codeBytes, interface.stackBytes,
+                interface.operations};
+  const std::uint64_t flash = code.needs.tableBytes + code.needs.codeBytes;
+  if (options.budget != 0 && flash > options.budget) {
+    throw Refused("The code would take about " + std::to_string(flash) + " bytes of flash (" +
+                  std::to_string(code.needs.tableBytes) + " of tables), more than the budget of " +
+                  std::to_string(options.budget) + ".");
+  }
+  return code;
+}
+
+}  // namespace
+
+int Generate(const Model& model, const Options& options, Code& code, std::string& reason) {
+  try {
+    code = GenerateOrThrow(model, options);
+    return 0;
+  } catch (const Refused& refused) {
+    reason = refused.what();
+    return 1;
+  }
+}
+
+}  // namespace pxrom_codegen

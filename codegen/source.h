@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "codegen/lowering.h"
+
+namespace pxrom_codegen {
+
+struct InputWords {
+  std::string id;
+  std::string name;   ///< in upper case, an identifier
+  std::string words;  ///< caption, unit and range, for a comment
+  double lower = 0.0;
+  double upper = 0.0;
+};
+
+struct OutputWords {
+  std::string id;
+  std::string name;
+  std::string words;
+};
+
+/// A point with the library's answers.
+struct TestPoint {
+  std::size_t combination = 0;
+  std::vector<double> inputs;
+  std::vector<double> values;
+  std::vector<int> statuses;
+  std::vector<double> errors;
+  std::vector<int> errorStatuses;
+  std::vector<double> gradients;
+  std::vector<int> gradientStatuses;
+};
+
+/// All that the texts say besides the tables.
+struct Interface {
+  std::string name;
+  std::string upper;
+  std::vector<InputWords> inputs;
+  std::vector<OutputWords> outputs;
+  /// All combinations; of one the code takes no discrete values.
+  std::vector<InputWords> discrete;
+  std::vector<std::vector<int>> keys;
+  /// The chosen combination in words; empty for a model without discrete inputs.
+  std::string chosen;
+  bool errors = false;
+  bool gradients = false;
+  std::vector<TestPoint> tests;
+  double tolerance = 0.0;
+  double largestDifference = 0.0;
+  std::uint64_t operations = 0;
+  std::uint64_t stackBytes = 0;
+  std::uint64_t tableBytes = 0;
+  std::uint64_t codeBytes = 0;
+
+  bool TakesDiscrete() const { return !discrete.empty(); }
+};
+
+/// The pieces that others need.
+void AddNeededPieces(Pieces& pieces);
+
+/// The source file without the comment at its start. Sets the bytes of its tables and code.
+template <class Real>
+std::string SourceText(const Lowered<Real>& model, Interface& interface);
+
+std::string HeaderText(const Interface& interface, bool isFloat);
+
+}  // namespace pxrom_codegen

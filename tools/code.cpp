@@ -1,0 +1,151 @@
+#include <cctype>
+#include <cstdint>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "codegen/generate.h"
+#include "command.h"
+#include "model_file.h"
+#include "numbers.h"
+#include "output_file.h"
+#include "refusal.h"
+#include "wording.h"
+
+namespace pxrom_command {
+
+namespace {
+
+struct CodeOptions {
+  std::string model;
+  std::string folder;
+  std::string name;
+  std::vector<std::string> combination;
+  std::string budget;
+  pxrom_codegen::Options code;
+};
+
+/// The name of the model's file as a name for code.
+std::string NameOf(const std::string& path) {
+  constexpr std::size_t kLongest = 40;
+  std::string name;
+  for (const char c : std::filesystem::path(path).stem().string()) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool isPart = byte < 0x80 && (std::isalnum(byte) != 0 || c == '_');
+    if (name.empty() && !(isPart && std::isalpha(byte) != 0)) continue;
+    name += isPart ? c : '_';
+  }
+  return name.empty() ? "model" : name.substr(0, kLongest);
+}
+
+/// "64KB" as bytes; a kilobyte has 1024.
+std::uint64_t BytesOf(const std::string& text) {
+  const std::size_t end = text.find_first_not_of("0123456789.");
+  const std::string unit = end == std::string::npos ? "" : text.substr(end);
+  std::uint64_t factor = 0;
+  if (unit.empty() || unit == "B") factor = 1;
+  if (unit == "KB" || unit == "kB" || unit == "K" || unit == "KiB") factor = 1024;
+  if (unit == "MB" || unit == "M" || unit == "MiB") factor = 1024 * 1024;
+  const std::optional<double> number = ParseReal(text.substr(0, end));
+  constexpr double kMost = 1e12;
+  if (factor == 0 || !number.has_value() || *number <= 0.0 || *number > kMost) {
+    throw Refusal(Quoted(text) + " is no budget of bytes such as 64KB");
+  }
+  return static_cast<std::uint64_t>(*number * static_cast<double>(factor));
+}
+
+std::vector<std::pair<std::string, int>> CombinationOf(const std::vector<std::string>& texts) {
+  std::vector<std::pair<std::string, int>> combination;
+  for (const std::string& text : texts) {
+    const std::size_t at = text.rfind('=');
+    const std::optional<int> value =
+        at == std::string::npos ? std::nullopt : ParseInteger(text.substr(at + 1));
+    if (!value.has_value()) {
+      throw Refusal(Quoted(text) + " is not a discrete value such as Holes=2");
+    }
+    combination.emplace_back(text.substr(0, at), *value);
+  }
+  return combination;
+}
+
+std::string BytesInWords(std::uint64_t bytes) {
+  constexpr double kKilo = 1024.0;
+  return bytes < 10240 ? std::to_string(bytes) + " bytes"
+                       : Shown(static_cast<double>(bytes) / kKilo, 4) + " KB";
+}
+
+void PrintNeeds(const pxrom_codegen::Code& code, bool isFloat) {
+  std::cout << "Flash       " << BytesInWords(code.needs.tableBytes) << " of tables and about "
+            << BytesInWords(code.needs.codeBytes) << " of code, without math.h\n"
+            << "Stack       " << BytesInWords(code.needs.stackBytes) << " per call\n"
+            << "Operations  about " << code.needs.operations << " per call\n";
+  if (isFloat) {
+    std::cout << "Float       differs by up to " << Shown(code.largestDifference, 2)
+              << " of the largest value of an output\n";
+  }
+}
+
+void WriteCode(CodeOptions& options) {
+  options.code.name = options.name.empty() ? NameOf(options.model) : options.name;
+  options.code.combination = CombinationOf(options.combination);
+  if (!options.budget.empty()) options.code.budget = BytesOf(options.budget);
+  const std::unique_ptr<Model> model = ReadModel(options.model);
+  pxrom_codegen::Code code;
+  std::string reason;
+  if (pxrom_codegen::Generate(*model, options.code, code, reason) != 0) {
+    throw Refusal("no code for " + Quoted(options.model) + ": " + reason);
+  }
+  std::error_code failed;
+  const std::filesystem::path folder = options.folder;
+  std::filesystem::create_directories(folder, failed);
+  if (failed)
+    throw Refusal("can't make the folder " + Quoted(options.folder) + ": " + failed.message());
+  const std::string header = (folder / (options.code.name + ".h")).string();
+  const std::string source = (folder / (options.code.name + ".c")).string();
+  // Both are complete before the first one replaces an older file.
+  OutputFile headerFile(header, {options.model});
+  OutputFile sourceFile(source, {options.model});
+  headerFile.Write(code.header);
+  sourceFile.Write(code.source);
+  headerFile.Finish();
+  sourceFile.Finish();
+  std::cout << "Wrote       " << Printed(header) << " and " << Printed(source) << '\n';
+  PrintNeeds(code, options.code.isFloat);
+}
+
+}  // namespace
+
+void AddCode(CLI::App& app) {
+  const auto options = std::make_shared<CodeOptions>();
+  CLI::App* code = app.add_subcommand("code", "Write a model as C for a controller");
+  code->add_option("MODEL", options->model, "Database of fitted models")->required();
+  code->add_option("-o,--out", options->folder, "Folder for the two files, NAME.h and NAME.c")
+      ->required();
+  code->add_option("--name", options->name,
+                   "Start of all names in the code; default: the name of MODEL");
+  code->add_option("--combination", options->combination,
+                   "Values of all discrete inputs; default: the code takes them and has all "
+                   "combinations")
+      ->delimiter(',');
+  code->add_option("--outputs", options->code.outputs, "Outputs; default: all")->delimiter(',');
+  code->add_flag("--errors", options->code.errors, "Predicted errors too");
+  code->add_flag("--gradients", options->code.gradients, "Derivatives by the inputs too");
+  code->add_flag("--float", options->code.isFloat,
+                 "float instead of double; the header says how far results differ");
+  code->add_option("--budget", options->budget,
+                   "Refuse to write more flash than this, for example 64KB");
+  code->footer(
+      "The code is C99, needs math.h alone, and gives the same bits as the library on the same\n"
+      "machine. The flash of the code itself is an estimate for a Cortex-M4.\n"
+      "\n"
+      "Example:\n"
+      "  pxrom code examples/beam.pxdb -o generated --combination Material=1,Holes=2 --errors");
+  code->callback([options] { WriteCode(*options); });
+}
+
+}  // namespace pxrom_command
