@@ -42,7 +42,8 @@ struct Code {
   std::string header;
   std::string source;
   Needs needs;
-  /// Between float and the library's double, relative to the largest value of the output.
+  /// Between the code and the library at the samples and other points, relative to the largest
+  /// value of the output. It is 0 for double.
   double largestDifference = 0.0;
 };
 
