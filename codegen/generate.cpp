@@ -95,6 +95,14 @@ std::string Words(const Model& model, const std::string& id) {
       Joined({id, caption == id ? "" : caption, unit.empty() ? "" : "[" + unit + "]"}, ", "));
 }
 
+/// A number for a comment.
+std::string InWords(double value) {
+  std::string text = Literal(value);
+  const std::size_t size = text.size();
+  if (size > 2 && text.compare(size - 2, 2, ".0") == 0) text.resize(size - 2);
+  return text;
+}
+
 /// Widens the range of input `i` by the samples that the ensembles were fitted to.
 void WidenBySamples(const std::vector<Combination>& combinations, std::size_t i, double& lower,
                     double& upper) {
@@ -131,7 +139,7 @@ std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::
     }
     std::string range;
     if (input.lower <= input.upper) {
-      range = Literal(input.lower) + " to " + Literal(input.upper) + from;
+      range = InWords(input.lower) + " to " + InWords(input.upper) + from;
     } else {
       input.lower = -kInfinity;
       input.upper = kInfinity;
@@ -452,10 +460,8 @@ double Compare(const Lowered<Real>& lowered, const std::vector<Combination>& com
   return most;
 }
 
-std::string KeyWords(const Model& model, const std::vector<std::string>& discrete,
-                     const std::vector<int>& key) {
+std::string KeyWords(const std::vector<std::string>& discrete, const std::vector<int>& key) {
   std::vector<std::string> parts;
-  (void)model;
   for (std::size_t i = 0; i < key.size(); ++i) {
     parts.push_back(InComment(discrete[i]) + " = " + std::to_string(key[i]));
   }
@@ -502,7 +508,7 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   }
   const bool isOne = discreteIDs.empty() || !options.combination.empty();
   if (isOne) {
-    interface.chosen = KeyWords(model, discreteIDs, combinations.front().key);
+    interface.chosen = KeyWords(discreteIDs, combinations.front().key);
   } else {
     const std::vector<std::string> names = UpperNames(discreteIDs);
     for (std::size_t i = 0; i < discreteIDs.size(); ++i) {

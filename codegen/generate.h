@@ -30,7 +30,7 @@ struct Options {
 /// What the code will need on a controller.
 struct Needs {
   std::uint64_t tableBytes = 0;
-  /// An estimate, for optimisation by size on a Cortex-M4.
+  /// A rather high estimate, for optimisation by size on a Cortex-M4.
   std::uint64_t codeBytes = 0;
   /// The working area of a call, and an allowance for the frames of its functions.
   std::uint64_t stackBytes = 0;

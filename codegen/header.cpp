@@ -16,8 +16,6 @@ void Enumerator(std::ostringstream& out, const std::string& name, const std::str
   out << '\n';
 }
 
-std::string Thousands(std::uint64_t value) { return std::to_string(value); }
-
 }  // namespace
 
 std::string HeaderText(const Interface& interface, bool isFloat) {
@@ -47,12 +45,12 @@ std::string HeaderText(const Interface& interface, bool isFloat) {
          "may\n"
          " * run in several threads or interrupts at once. int must have at least 32 bits.\n"
       << " *\n"
-      << " *   tables     " << Thousands(interface.tableBytes) << " bytes of constants\n"
-      << " *   code       about " << Thousands(interface.codeBytes)
+      << " *   tables     " << interface.tableBytes << " bytes of constants\n"
+      << " *   code       up to about " << interface.codeBytes
       << " bytes, optimised for size on a Cortex-M4, without math.h\n"
-      << " *   stack      " << Thousands(interface.stackBytes)
+      << " *   stack      " << interface.stackBytes
       << " bytes per call, without math.h and the self-test\n"
-      << " *   operations about " << Thousands(interface.operations)
+      << " *   operations about " << interface.operations
       << " per call, a function such as exp as forty\n"
       << " *\n";
   if (isFloat) {

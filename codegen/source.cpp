@@ -688,7 +688,7 @@ std::string SourceText(const Lowered<Real>& model, Interface& interface) {
       << SelfTest<Real>(interface, interface.tableBytes);
 
   // Bytes of code per line, for optimisation by size.
-  constexpr std::uint64_t kBytesPerLine = 14;
+  constexpr std::uint64_t kBytesPerLine = 12;
   interface.codeBytes = kBytesPerLine * (CountLines(code) + CountLines(api));
   out << own.str();
   return out.str();

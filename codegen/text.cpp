@@ -120,7 +120,7 @@ std::string InComment(const std::string& text) {
       const bool isClose = (last == '*' && c == '/') || (last == '/' && c == '*');
       const bool isTrigraph = last == '?' && c == '?';
       if (isClose || isTrigraph) out += ' ';
-      out += c == '\\' ? '/' : static_cast<char>(c);
+      out += c == '\\' ? '|' : static_cast<char>(c);
     } else if (c >= 0xC2 && c <= 0xD5 && (next & 0xC0U) == 0x80U && !(c == 0xC2 && next < 0xA1)) {
       // Letters and signs of two bytes, all without an effect on the direction of text.
       out += static_cast<char>(c);
@@ -147,7 +147,8 @@ std::string UpperName(const std::string& text) {
 
 std::vector<std::string> UpperNames(const std::vector<std::string>& ids) {
   std::vector<std::string> names;
-  std::set<std::string> used;
+  // The enumerator after the last one.
+  std::set<std::string> used = {"COUNT"};
   for (const std::string& id : ids) {
     std::string name = UpperName(id);
     if (name.find_first_not_of('_') == std::string::npos)

@@ -80,8 +80,9 @@ std::string BytesInWords(std::uint64_t bytes) {
 }
 
 void PrintNeeds(const pxrom_codegen::Code& code, bool isFloat) {
-  std::cout << "Flash       " << BytesInWords(code.needs.tableBytes) << " of tables and about "
-            << BytesInWords(code.needs.codeBytes) << " of code, without math.h\n"
+  std::cout << "Flash       " << BytesInWords(code.needs.tableBytes)
+            << " of tables and up to about " << BytesInWords(code.needs.codeBytes)
+            << " of code, without math.h\n"
             << "Stack       " << BytesInWords(code.needs.stackBytes) << " per call\n"
             << "Operations  about " << code.needs.operations << " per call\n";
   if (isFloat) {
