@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
-#include <memory>
+#include <map>
 #include <set>
 
 #include "codegen/lowering.h"
@@ -26,6 +27,9 @@ constexpr std::size_t kMeasuredSamples = 200;
 /// Stored points of the self-test, of all combinations together.
 constexpr std::size_t kStoredPoints = 5;
 constexpr std::size_t kStoredPointsOfAll = 24;
+/// What one evaluation may cost, and all of those that compare the code with the library.
+constexpr pxrom::CEvaluationLimit kLimit = {500'000'000, std::uint64_t{1} << 30U};
+constexpr std::uint64_t kMostOperations = 4'000'000'000;
 /// For the frames of the functions besides the working area.
 constexpr std::uint64_t kFrameBytes = 768;
 /// How far results may be from the library's. On this machine they have the same bits, unless a
@@ -37,8 +41,9 @@ std::string Quoted(const std::string& text) { return '"' + InComment(text) + '"'
 /// One combination of the model and what it predicts.
 struct Combination {
   std::vector<int> key;
+  std::vector<std::pair<std::string, int>> values;
   const Model::OutputsByID* outputs = nullptr;
-  pxrom::CPreparedModel library;
+  std::uint64_t operations = 0;
 };
 
 /// The IDs of `ranked` by rank. Refused where two have the same rank: their values would be sorted.
@@ -103,27 +108,35 @@ std::string InWords(double value) {
   return text;
 }
 
-/// Widens the range of input `i` by the samples that the ensembles were fitted to.
-void WidenBySamples(const std::vector<Combination>& combinations, std::size_t i, double& lower,
-                    double& upper) {
+/// The ranges of the samples that the ensembles were fitted to, from the lower to the upper ends.
+std::pair<Vector, Vector> RangesOfSamples(const std::vector<Combination>& combinations,
+                                          std::size_t inputs) {
+  Vector lower(inputs, kInfinity);
+  Vector upper(inputs, -kInfinity);
+  std::set<const pxrom::CFittingCandidates*> seen;
   for (const Combination& combination : combinations) {
     for (const auto& output : *combination.outputs) {
+      if (!seen.insert(output.second).second) continue;
       const pxrom::CFittingCandidate* const candidate = output.second->GetEvaluationCandidatePtr();
       std::vector<Vector> rows;
       if (candidate != nullptr) candidate->GetInputSamples(rows);
       for (const Vector& row : rows) {
-        if (i >= row.size() || !std::isfinite(row[i])) continue;
-        lower = std::min(lower, row[i]);
-        upper = std::max(upper, row[i]);
+        for (std::size_t i = 0; i < std::min(inputs, row.size()); ++i) {
+          if (!std::isfinite(row[i])) continue;
+          lower[i] = std::min(lower[i], row[i]);
+          upper[i] = std::max(upper[i], row[i]);
+        }
       }
     }
   }
+  return {lower, upper};
 }
 
 std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::string>& ids,
                                      const std::vector<Combination>& combinations) {
   std::vector<InputWords> inputs;
   const std::vector<std::string> names = UpperNames(ids);
+  const auto samples = RangesOfSamples(combinations, ids.size());
   for (std::size_t i = 0; i < ids.size(); ++i) {
     InputWords input;
     input.id = ids[i];
@@ -132,9 +145,8 @@ std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::
     input.upper = FirstOf(model.ListUpperBound({ids[i]}));
     const char* from = "";
     if (!(input.lower < input.upper)) {
-      input.lower = kInfinity;
-      input.upper = -kInfinity;
-      WidenBySamples(combinations, i, input.lower, input.upper);
+      input.lower = samples.first[i];
+      input.upper = samples.second[i];
       from = " in the samples";
     }
     std::string range;
@@ -174,10 +186,14 @@ std::vector<Combination> CombinationsOf(const Model& model, const Options& optio
     Combination combination;
     combination.key = key;
     combination.outputs = &(*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(index)];
+    pxrom::CEvaluationCost cost;
     std::string reason;
-    if (pxrom::CPreparedModel::Prepare(model, values, combination.library, &reason) != 0) {
+    if (pxrom::CPreparedModel::EstimateCost(model, values, cost, &reason) != 0 ||
+        pxrom::CheckEvaluationCost(cost, kLimit, &reason) != 0) {
       throw Refused(reason);
     }
+    combination.operations = cost.operations;
+    combination.values = std::move(values);
     combinations.push_back(std::move(combination));
   }
   if (combinations.empty()) {
@@ -250,14 +266,14 @@ Vector PointInRanges(const std::vector<InputWords>& inputs, std::size_t k) {
   return point;
 }
 
-/// Some of the samples that the chosen outputs of a combination were fitted to.
-void AppendSamples(const Combination& combination, std::size_t inputs,
+/// At most `count` of the samples that an output of a combination was fitted to.
+void AppendSamples(const Combination& combination, std::size_t inputs, std::size_t count,
                    std::vector<Vector>& points) {
   std::vector<Vector> rows;
   const pxrom::CFittingCandidate* const candidate =
       combination.outputs->begin()->second->GetEvaluationCandidatePtr();
   if (candidate != nullptr) candidate->GetInputSamples(rows);
-  const std::size_t stride = rows.size() / kMeasuredSamples + 1;
+  const std::size_t stride = rows.size() / count + 1;
   for (std::size_t r = 0; r < rows.size(); r += stride) {
     if (rows[r].size() == inputs) points.push_back(rows[r]);
   }
@@ -290,7 +306,11 @@ TestPoint Ask(const pxrom::CPreparedModel& library, const std::vector<std::size_
     }
   }
   if (gradients) {
-    library.EvaluateGradients(point.data(), 1, slopes.data(), slopeStatuses.data());
+    std::string reason;
+    if (library.EvaluateGradients(point.data(), 1, slopes.data(), slopeStatuses.data(), &reason) !=
+        0) {
+      throw Refused(reason);
+    }
     for (const std::size_t o : places) {
       const auto first = slopes.begin() + static_cast<std::ptrdiff_t>(o * inputs);
       test.gradients.insert(test.gradients.end(), first,
@@ -389,6 +409,7 @@ Lowered<Real> Lower(const std::vector<Combination>& combinations,
                     const Options& options) {
   Lowered<Real> lowered;
   Lowering<Real> lowering(inputs, options.errors, options.gradients, lowered);
+  std::map<const pxrom::CFittingCandidates*, typename Runtime<Real>::ensemble> lists;
   for (std::size_t c = 0; c < combinations.size(); ++c) {
     std::vector<typename Runtime<Real>::ensemble> ensembles;
     for (const OutputWords& output : outputs) {
@@ -401,7 +422,13 @@ Lowered<Real> Lower(const std::vector<Combination>& combinations,
         name += "_c" + std::to_string(c + 1);
         words += " in combination " + std::to_string(c + 1);
       }
-      ensembles.push_back(lowering.Ensemble(*combinations[c].outputs->at(output.id), name, words));
+      // Combinations can share a list of candidates, which is written once.
+      const pxrom::CFittingCandidates* const list = combinations[c].outputs->at(output.id);
+      auto known = lists.find(list);
+      if (known == lists.end()) {
+        known = lists.emplace(list, lowering.Ensemble(*list, name, words)).first;
+      }
+      ensembles.push_back(known->second);
     }
     lowered.combinations.push_back(
         {"combination_" + std::to_string(c + 1), "", std::move(ensembles)});
@@ -411,29 +438,47 @@ Lowered<Real> Lower(const std::vector<Combination>& combinations,
   return lowered;
 }
 
-/// Compares the code with the library and returns the largest difference. With `areStored` the
-/// answers of the first points go into `interface`.
+/// How many points of a combination are compared.
+std::size_t PointsOf(const Combination& combination, std::size_t combinations, std::size_t stored) {
+  constexpr std::uint64_t kLeast = 1000;
+  const std::uint64_t each = std::max(combination.operations, kLeast);
+  const std::uint64_t points = kMostOperations / each / combinations;
+  return std::max(stored, static_cast<std::size_t>(
+                              std::min<std::uint64_t>(points, kMeasuredPoints + kMeasuredSamples)));
+}
+
+/// Compares the code with the library and returns the largest difference. The answers at the first
+/// points of each combination go into `interface`.
 template <class Real>
-double Compare(const Lowered<Real>& lowered, const std::vector<Combination>& combinations,
-               const std::vector<std::size_t>& places, const Options& options,
-               Interface& interface) {
+double Compare(const Model& model, const Lowered<Real>& lowered,
+               const std::vector<Combination>& combinations, const std::vector<std::size_t>& places,
+               const Options& options, Interface& interface) {
   const std::size_t stored =
       std::max<std::size_t>(1, std::min(kStoredPoints, kStoredPointsOfAll / combinations.size()));
   double most = 0.0;
   bool isStatusOther = false;
   interface.tests.clear();
   for (std::size_t c = 0; c < combinations.size(); ++c) {
+    // One at a time: together they could take far more memory than the model.
+    pxrom::CPreparedModel library;
+    std::string reason;
+    if (pxrom::CPreparedModel::Prepare(model, combinations[c].values, library, &reason, kLimit) !=
+        0) {
+      throw Refused(reason);
+    }
+    const std::size_t count = PointsOf(combinations[c], combinations.size(), stored);
     std::vector<Vector> points;
-    for (std::size_t k = 0; k < kMeasuredPoints; ++k) {
+    for (std::size_t k = 0; k < std::min(count, kMeasuredPoints); ++k) {
       points.push_back(PointInRanges(interface.inputs, k));
     }
-    AppendSamples(combinations[c], interface.inputs.size(), points);
+    if (count > kMeasuredPoints) {
+      AppendSamples(combinations[c], interface.inputs.size(), count - kMeasuredPoints, points);
+    }
     std::vector<TestPoint> wanted;
     Difference differences[3];
     for (Vector& point : points) {
       for (double& x : point) x = static_cast<double>(static_cast<Real>(x));
-      wanted.push_back(
-          Ask(combinations[c].library, places, point, options.errors, options.gradients));
+      wanted.push_back(Ask(library, places, point, options.errors, options.gradients));
       wanted.back().combination = c;
       differences[0].Scale(wanted.back().values);
       differences[1].Scale(wanted.back().errors);
@@ -502,9 +547,9 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
       words = Joined({words, ErrorWords(*combinations.front().outputs, outputIDs[o])}, "; ");
     }
     interface.outputs.push_back({outputIDs[o], outputNames[o], words});
-    const auto& all = combinations.front().library.OutputIDs();
-    places.push_back(
-        static_cast<std::size_t>(std::find(all.begin(), all.end(), outputIDs[o]) - all.begin()));
+    // The library orders outputs by ID.
+    const auto& all = *combinations.front().outputs;
+    places.push_back(static_cast<std::size_t>(std::distance(all.begin(), all.find(outputIDs[o]))));
   }
   const bool isOne = discreteIDs.empty() || !options.combination.empty();
   if (isOne) {
@@ -518,12 +563,12 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
     for (const Combination& combination : combinations) interface.keys.push_back(combination.key);
   }
   for (const Combination& combination : combinations) {
-    interface.operations = std::max(interface.operations, combination.library.Cost().operations);
+    interface.operations = std::max(interface.operations, combination.operations);
   }
 
   Code code;
   const auto exact = Lower<double>(combinations, interface.outputs, inputIDs.size(), options);
-  const double difference = Compare(exact, combinations, places, options, interface);
+  const double difference = Compare(model, exact, combinations, places, options, interface);
   code.largestDifference = difference;
   if (!(difference <= kAgreement)) {
     throw Refused("The code would not give the library's results (difference " +
@@ -531,7 +576,7 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   }
   if (options.isFloat) {
     const auto rounded = Lower<float>(combinations, interface.outputs, inputIDs.size(), options);
-    interface.largestDifference = Compare(rounded, combinations, places, options, interface);
+    interface.largestDifference = Compare(model, rounded, combinations, places, options, interface);
     if (!std::isfinite(interface.largestDifference)) {
       throw Refused("With float, some results would be missing or not finite; use double.");
     }

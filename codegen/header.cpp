@@ -108,10 +108,9 @@ std::string HeaderText(const Interface& interface, bool isFloat) {
       << "int " << name << "_evaluate(" << discrete << "const " << real << " *inputs, " << real
       << " *values, int *statuses);\n\n";
   if (interface.errors) {
-    out << "/* The same with predicted errors: standard deviations, in the unit of the output "
-           "where its\n"
-           " * words above do not say otherwise. An output that can have no error at all fails "
-           "here.\n"
+    out << "/* The same with predicted errors, in the unit of the output where its words above do "
+           "not\n"
+           " * say otherwise. An output that can have no error at all fails here.\n"
            " * Returns "
         << upper << "_NO_ERROR when an output lacks only its error, which is NaN.\n"
         << combination << " */\n"

@@ -50,7 +50,7 @@ std::uint64_t BytesOf(const std::string& text) {
   std::uint64_t factor = 0;
   if (unit.empty() || unit == "B") factor = 1;
   if (unit == "KB" || unit == "kB" || unit == "K" || unit == "KiB") factor = 1024;
-  if (unit == "MB" || unit == "M" || unit == "MiB") factor = 1024 * 1024;
+  if (unit == "MB" || unit == "M" || unit == "MiB") factor = std::uint64_t{1024} * 1024;
   const std::optional<double> number = ParseReal(text.substr(0, end));
   constexpr double kMost = 1e12;
   if (factor == 0 || !number.has_value() || *number <= 0.0 || *number > kMost) {
