@@ -34,7 +34,8 @@ struct Needs {
   std::uint64_t codeBytes = 0;
   /// The working area of a call, and an allowance for the frames of its functions.
   std::uint64_t stackBytes = 0;
-  /// Of the most expensive combination; a function such as exp counts as forty.
+  /// Of the most expensive combination with all outputs and errors; a function such as exp counts
+  /// as forty.
   std::uint64_t operations = 0;
 };
 

@@ -50,8 +50,8 @@ std::string HeaderText(const Interface& interface, bool isFloat) {
       << " bytes, optimised for size on a Cortex-M4, without math.h\n"
       << " *   stack      " << interface.stackBytes
       << " bytes per call, without math.h and the self-test\n"
-      << " *   operations about " << interface.operations
-      << " per call, a function such as exp as forty\n"
+      << " *   operations up to about " << interface.operations
+      << " per call with all outputs and errors, exp as forty\n"
       << " *\n";
   if (isFloat) {
     out << " * Results differ from those of the library, which computes in double, by up to "

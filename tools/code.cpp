@@ -84,7 +84,7 @@ void PrintNeeds(const pxrom_codegen::Code& code, bool isFloat) {
             << " of tables and up to about " << BytesInWords(code.needs.codeBytes)
             << " of code, without math.h\n"
             << "Stack       " << BytesInWords(code.needs.stackBytes) << " per call\n"
-            << "Operations  about " << code.needs.operations << " per call\n";
+            << "Operations  up to about " << code.needs.operations << " per call\n";
   if (isFloat) {
     std::cout << "Float       differs by up to " << Shown(code.largestDifference, 2)
               << " of the largest value of an output\n";
