@@ -182,6 +182,11 @@ TEST_P(ModelAsC, GivesTheLibrarysBits) {
     for (const std::string& id : library.InputIDs()) x.push_back(c["continuous"].at(id));
     Answers answers(code, library, key);
     ExpectTheLibrarysBits(library, x, answers);
+    if (&c != &cases[0]) continue;
+    for (const double odd : {std::nan(""), HUGE_VAL, -1e200, 1e17, 0.0}) {
+      SCOPED_TRACE(odd);
+      ExpectTheLibrarysBits(library, Vector(x.size(), odd), answers);
+    }
   }
   double largest = -1.0;
   EXPECT_EQ(code.Find<int(double*)>("self_test")(&largest), 0);
