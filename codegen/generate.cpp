@@ -49,6 +49,7 @@ struct Combination {
 /// The IDs of `ranked` by rank. Refused where two have the same rank: their values would be sorted.
 std::vector<std::string> ByRank(const Model& model, const std::vector<std::string>& ids) {
   std::vector<std::pair<std::int32_t, std::string>> ranked;
+  ranked.reserve(ids.size());
   for (const std::string& id : ids) ranked.emplace_back(model.GetRegistrationRank()->at(id), id);
   std::sort(ranked.begin(), ranked.end());
   std::vector<std::string> sorted;
@@ -413,10 +414,9 @@ Lowered<Real> Lower(const std::vector<Combination>& combinations,
   for (std::size_t c = 0; c < combinations.size(); ++c) {
     std::vector<typename Runtime<Real>::ensemble> ensembles;
     for (const OutputWords& output : outputs) {
-      std::string name = output.name;
+      std::string name = "o_" + output.name;
       for (char& letter : name)
         letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-      name = "o_" + name;
       std::string words = "the output " + Quoted(output.id);
       if (combinations.size() > 1) {
         name += "_c" + std::to_string(c + 1);
