@@ -23,7 +23,7 @@ CPP = HERE / "cpp" if IN_SDIST else HERE.parent
 BUILD = (HERE if IN_SDIST else CPP) / "build" / "wheel"
 # What the module is made of.
 TREE = (
-    "CMakeLists.txt", "README.md", "cmake", "include", "src", "tools", "web",
+    "CMakeLists.txt", "README.md", "cmake", "codegen", "include", "src", "tools", "web",
     "python/CMakeLists.txt", "python/src",
 )
 # The header-only libraries of the command, which a machine with only a compiler lacks.

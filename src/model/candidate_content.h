@@ -31,4 +31,10 @@ struct CFittingCandidate::Content {
   std::unique_ptr<Content> Clone() const;
 };
 
+// Inline, since an evaluation of a constant takes less than two calls.
+inline const CFittingCandidate::Content& CFittingCandidate::Read() const {
+  const Content* const own = Own.load(std::memory_order_acquire);
+  return own != nullptr ? *own : *Shared;
+}
+
 }  // namespace Tarvane::Plexura::PXROM

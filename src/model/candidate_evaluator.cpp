@@ -74,8 +74,8 @@ const Surfaces& SurfacesForErrors(const CFittingCandidate& candidate) {
 bool EvaluationPoint::TurnTo(const CFittingCandidate& candidate) {
   candidate_ = &candidate;
   isScaled_ = false;
-  return size_ == Access::InputScaleSlopes(candidate).size() &&
-         size_ == Access::InputScaleIntercepts(candidate).size();
+  const auto& content = Access::ContentOf(candidate);
+  return size_ == content.InputScaleSlopes.size() && size_ == content.InputScaleIntercepts.size();
 }
 
 const std::vector<double>& EvaluationPoint::Scaled() {
@@ -109,9 +109,9 @@ int EvaluateCandidate(const CFittingCandidates& candidates, EvaluationPoint& poi
   const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
   if (candidate == nullptr || !point.TurnTo(*candidate)) return 1;
   value = 0.0;
-  const Surfaces& surfaces = Access::Surfaces(*candidate);
-  const std::vector<double>& weights = Access::Weights(*candidate);
-  if (weights.size() < surfaces.size() || !AddPredictions(surfaces, weights, point, value)) {
+  const auto& content = Access::ContentOf(*candidate);
+  if (content.Weights.size() < content.RSList.size() ||
+      !AddPredictions(content.RSList, content.Weights, point, value)) {
     return 1;
   }
   return candidate->BackscaleAndOverwriteOutputSample(value);

@@ -41,11 +41,6 @@ std::unique_ptr<CFittingCandidate::Content> CFittingCandidate::Content::Clone() 
   return clone;
 }
 
-const CFittingCandidate::Content& CFittingCandidate::Read() const {
-  const Content* const own = Own.load(std::memory_order_acquire);
-  return own != nullptr ? *own : *Shared;
-}
-
 // The content that may change. Of several threads that make a copy at once, the first one counts.
 CFittingCandidate::Content& CFittingCandidate::OwnContent() const {
   Content* own = Own.load(std::memory_order_acquire);

@@ -64,9 +64,9 @@ def predicted(
     refused, so large texts need not be written and read to compare them."""
     prepared = study.model().prepare(at, None, None)
     table = np.ascontiguousarray(points, dtype=float)
-    values, errors, statuses = prepared.evaluate(table, False, with_error)
+    values, errors, statuses = prepared.evaluate(table, False, with_error, 1)
     if with_error and np.any(statuses == 1):  # then it may still have values
-        values = prepared.evaluate(table, False, False)[0]
+        values = prepared.evaluate(table, False, False, 1)[0]
     return values[:, 0], None if errors is None else errors[:, 0]
 
 
