@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -88,6 +89,7 @@ TEST_F(CInterface, ListsWhatTheModelHolds) {
 TEST_F(CInterface, DescribesEachParameter) {
   const ModelHandle model = Read(ContentOf(kBeam));
   std::ostringstream found;
+  found.imbue(std::locale::classic());
   pxrom_parameter p = {};
   for (std::size_t i = 0;
        pxrom_model_parameter(model.get(), PXROM_ALL_PARAMETERS, i, &p, nullptr, 0) == PXROM_OK;
