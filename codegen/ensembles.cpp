@@ -91,12 +91,16 @@ const typename Runtime<Real>::validation* Lowering<Real>::Validation(
   validation.sort_threshold = Number(2.0 * std::sqrt(static_cast<double>(statedInputs)) * 1.0e-12);
   validation.distance_scale = Number(candidate.GetDPMinDist());
   std::vector<typename T::surface> all;
-  for (std::size_t k = 0; k < subSurfaces; ++k) {
-    name_ =
-        name + "_s" + std::to_string(k / folds + 1) + "_without" + std::to_string(k % folds + 1);
-    words_ = std::to_string(k / folds + 1) + " of " + words + " without fold " +
-             std::to_string(k % folds + 1);
-    all.push_back(Surface(*candidate.GetSubRSPtr(static_cast<int>(k)), false));
+  for (std::size_t k = 0; k < surfaces; ++k) {
+    for (std::size_t f = 0; f < folds; ++f) {
+      const std::string surface = std::to_string(k + 1);
+      const std::string fold = std::to_string(f + 1);
+      name_ = name;
+      name_.append("_s").append(surface).append("_without").append(fold);
+      words_ = surface;
+      words_.append(" of ").append(words).append(" without fold ").append(fold);
+      all.push_back(Surface(*candidate.GetSubRSPtr(static_cast<int>(k * folds + f)), false));
+    }
   }
   name_ = name;
   validation.leaving_one_out = KeepArray(out_.surfaces, "_leaving_one_out", std::move(all));
