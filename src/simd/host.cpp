@@ -56,8 +56,8 @@ constexpr KnownValue kLogarithms[] = {
     {0x1.5d9082bd2026dp-2, 0x1.2cbdc478f6c57p-2, 0x1.2cbdc478f6c58p-2},
 };
 
-template <std::size_t kCount>
-HostForm FormOf(const KnownValue (&values)[kCount], double (*function)(double)) {
+template <std::size_t kCount, class Function>
+HostForm FormOf(const KnownValue (&values)[kCount], const Function& function) {
   bool isFused = true;
   bool isPlain = true;
   for (const KnownValue& known : values) {
