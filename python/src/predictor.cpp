@@ -44,8 +44,8 @@ void Run(std::uint64_t operations, const Work& work) {
 /// See _predictor.py for the results. It never changes.
 class Predictor {
  public:
-  /// `asPoint` makes an array of a point that is none, or refuses it; `gradientHint` follows the
-  /// reason why gradients cost too much.
+  /// `asPoint` turns a point that is not an array into one, or refuses it. `gradientHint` is added
+  /// to the message when gradients cost too much.
   Predictor(pxrom::CPreparedModel model, bool isOneOutput, py::object asPoint,
             std::string gradientHint)
       : model_(std::move(model)),

@@ -48,7 +48,7 @@ class SharedGroup : public ::testing::Test {
   static const CRSData* SurfaceAt(const CDiscreteCombinations& model, int k) {
     return ListAt(model, k).GetEvaluationCandidatePtr()->GetRSPtr(0);
   }
-  /// What a host does that changes a record behind the pointer that it got.
+  /// Changes the record through the pointer that a host gets from the candidate.
   static void Shift(const CDiscreteCombinations& model, int k) {
     const_cast<CRSData*>(SurfaceAt(model, k))->OutputScaleIntercept += 1.0;
   }
