@@ -1,15 +1,23 @@
-"""Reads files, with a reason if that fails, and writes them as a whole or not at all."""
+"""Gets texts from what people have: paths, bytes, open files, with a reason if that fails; and writes
+files as a whole or not at all."""
 
 import contextlib
 import errno
+import gzip
+import io
 import os
 import stat
 import tempfile
-from typing import Iterator, Optional, Union
+import zlib
+from typing import IO, Any, Iterator, Optional, Union
 
 from ._wording import visible
 
 Path = Union[str, "os.PathLike[str]"]
+Content = Union[bytes, bytearray, memoryview, IO[bytes], IO[str]]
+
+_GZIP = b"\x1f\x8b"
+_MOST_UNPACKED = 2**30
 
 _REASONS = {
     errno.ENOENT: "there is no such file or folder",
@@ -44,18 +52,63 @@ def _explained(what: str, path: Path) -> Iterator[None]:
 
 
 def read(path: Path) -> str:
-    """The text of a database file."""
+    """The text of a database file, which may be compressed by gzip."""
     with _explained("read", path):
-        with open(path, encoding="utf-8", errors="surrogateescape", newline="") as file:
-            return file.read()
+        with open(path, "rb") as file:
+            content = file.read()
+    try:
+        return _decoded(content)
+    except ValueError as error:
+        raise ValueError(f"{shown(path)}: {error}") from None
+
+
+def has_content(given: object) -> bool:
+    """Whether it is bytes or an open file, rather than a text or a path."""
+    return isinstance(given, (bytes, bytearray, memoryview)) or hasattr(given, "read")
+
+
+def text_of(content: Any) -> str:
+    """The text in bytes or in an open file, which may be compressed by gzip."""
+    if hasattr(content, "read"):
+        try:
+            content = content.read()
+        except UnicodeDecodeError:
+            raise ValueError(
+                "the open file is not in the encoding that it was opened with: open it with 'rb'"
+            ) from None
+        if isinstance(content, str):
+            return content
+    return _decoded(bytes(content))
+
+
+def _decoded(content: bytes) -> str:
+    if content.startswith(_GZIP):
+        content = _unpacked(content)
+    return content.decode("utf-8", "surrogateescape")
+
+
+def _unpacked(content: bytes) -> bytes:
+    try:
+        with gzip.GzipFile(fileobj=io.BytesIO(content)) as file:
+            # A few bytes can hold more than the memory.
+            made = file.read(_MOST_UNPACKED + 1)
+    except (EOFError, OSError, zlib.error) as error:
+        raise ValueError(f"the compressed text is damaged: {error}") from None
+    if len(made) > _MOST_UNPACKED:
+        raise ValueError(
+            f"the compressed text holds more than {_MOST_UNPACKED} bytes: decompress it first"
+        )
+    return made
 
 
 def write(path: Path, text: str) -> None:
     """Replaces a file: writes a new file in the same folder, flushes it to the device and renames
     it. Until then, and if that fails, the old file does not change. The new file keeps its
     permissions. A symbolic link stays, and its target is replaced. A path that is not an ordinary
-    file, such as a pipe, is written directly."""
+    file, such as a pipe, is written directly. A name that ends with ".gz" is compressed."""
     content = text.encode("utf-8", errors="surrogateescape")
+    if str(os.fspath(path)).lower().endswith(".gz"):
+        content = gzip.compress(content, mtime=0)
     with _explained("write", path):
         target = os.fspath(path)
         mode = os.stat(target).st_mode if os.path.exists(target) else None

@@ -38,19 +38,21 @@ def require_text(text: object) -> None:
     hint = ""
     if isinstance(text, os.PathLike):
         hint = f"; to read a file, call pxrom.load({os.fspath(text)!r})"
-    elif isinstance(text, (bytes, bytearray)):
-        hint = "; call decode('utf-8', 'surrogateescape') first"
-    raise TypeError(f"the text of a database is a str, not {type(text).__name__}{hint}")
+    raise TypeError(
+        f"the text of a database is a str, bytes or an open file, not {type(text).__name__}{hint}"
+    )
 
 
-def check(text: Union[str, "os.PathLike[str]"]) -> List[Finding]:
+def check(text: Union[str, "os.PathLike[str]", _files.Content]) -> List[Finding]:
     """Says what is wrong with the text of a database, which reading does not report.
 
-    Accepts any text: a ``str`` is the text itself, a ``pathlib.Path`` names a file. The findings
-    are in the order of the text. Without a finding of severity "error", the text can be read, and
+    Accepts any text: a ``str`` is the text itself, a ``pathlib.Path`` names a file; bytes and open
+    files hold the text, compressed or not. The findings are in the order of the text. Without a finding of severity "error", the text can be read, and
     each of its combinations evaluates in the middle of its bounds.
     """
     if isinstance(text, os.PathLike):
         text = _files.read(text)
+    elif _files.has_content(text):
+        text = _files.text_of(text)
     require_text(text)
     return [Finding(**found) for found in _core.inspect(text)]

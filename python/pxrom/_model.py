@@ -3,7 +3,7 @@
 import os
 import threading
 from dataclasses import dataclass
-from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tuple, Union, cast
 
 import numpy as np
 
@@ -13,6 +13,7 @@ from ._predictor import Predictor
 from ._wording import did_you_mean, listed, visible
 
 _HOW_TO_RAISE = "(limit= and memory_limit= of pxrom.load set them.)"
+_EACH_ROW = "leave {name!r} out of the combination to predict each point at its own"
 _KINDS = ("continuous", "continuous", "discrete", "derived")
 _MOST_SHOWN = 20
 _MOST_JOBS = 1024
@@ -63,6 +64,20 @@ class Cost(NamedTuple):
 class Combination(Dict[str, int]):
     """The values of the discrete inputs of one fitted combination, by name. A dict that can be
     passed to :meth:`Model.predict`."""
+
+
+class _Results(NamedTuple):
+    """What :class:`Prediction` holds."""
+
+    outputs: Tuple[str, ...]
+    values: np.ndarray
+    errors: Optional[np.ndarray]
+    statuses: np.ndarray
+    gradients: Optional[np.ndarray]
+
+
+# The results of one combination, with its key and the places of its points.
+_Part = Tuple[Tuple[int, ...], Any, _Results]
 
 
 class Model:
@@ -123,8 +138,9 @@ class Model:
             if parameter.enabled and not parameter.is_input and raw["type"] == 0
         )
         self._keys: Dict[Tuple[int, ...], Tuple[str, ...]] = dict(self._model.combinations())
-        names = [parameter.name for parameter in self.discrete]
-        self.combinations = tuple(Combination(zip(names, key)) for key in self._keys)
+        self._input_names = tuple(parameter.name for parameter in self.inputs)
+        self._discrete_names = tuple(parameter.name for parameter in self.discrete)
+        self.combinations = tuple(Combination(self._named(key)) for key in self._keys)
         self._prepared: Dict[Tuple[int, ...], _core.Prepared] = {}
         self._lock = threading.Lock()
 
@@ -138,18 +154,18 @@ class Model:
         mode: str = "exact",
         jobs: int = 1,
     ) -> Prediction:
-        """Predicts every output at many points of one combination.
+        """Predicts every output at many points.
 
         Args:
             discrete: the value of each discrete input by name, such as
-                ``{"Material": 1, "Holes": 2}``. A model without discrete inputs needs none:
-                ``predict(X)`` takes only the points.
+                ``{"Material": 1, "Holes": 2}``, for all points. Leave out what the points hold, or
+                all of it: ``predict(X)``.
             X: the points in physical units: an array of the shape (n, d) with a column per input in
                 the order of :attr:`inputs`; or a mapping from input name to n values, where a
                 single value is used for all points; or a pandas frame with a column per input, in
-                any order, which may have other columns; a column of a discrete input must agree
-                with ``discrete``. A point with a NaN in any input has the status 1 and NaN results,
-                in every family.
+                any order, which may have other columns. A mapping or frame may hold discrete inputs
+                too: each point is then predicted at its own combination. A point with a NaN in any
+                continuous input has the status 1 and NaN results, in every family.
             return_error: also the predicted errors. The values are the same either way.
             gradient: also the derivatives with respect to the inputs.
             mode: "exact" gives the same bits on every machine; "fast" gives values, and errors from
@@ -169,42 +185,35 @@ class Model:
             raise ValueError(f"mode has to be 'exact' or 'fast', not {mode!r}")
         if not isinstance(jobs, (int, np.integer)) or not 1 <= jobs <= _MOST_JOBS:
             raise ValueError(f"jobs has to be a number from 1 to {_MOST_JOBS}, not {jobs!r}")
-        if X is None and not self.discrete and _is_points(discrete):
+        if X is None and self._is_points(discrete):
             discrete, X = None, discrete
-        key = self._key({} if discrete is None else discrete)
-        prepared = self._prepare(key)
-        names = tuple(parameter.name for parameter in self.inputs)
+        fixed = self._fixed({} if discrete is None else discrete)
+        names = self._input_names
         if X is None:
+            self._whole_key(fixed)
             if names:
                 raise ValueError(f"X is missing: points with the inputs {listed(names)}")
             X = np.empty((1, 0))
-        _points.require_key(X, dict(zip((parameter.name for parameter in self.discrete), key)))
-        points = _points.table(X, names)
-
-        values, errors, statuses = prepared.evaluate(points, mode == "fast", return_error, jobs)
-        if return_error and (statuses == 1).any():
-            # A family without errors refuses the form with errors, but its value is valid.
-            plain, _, plain_statuses = prepared.evaluate(points, mode == "fast", False, jobs)
-            mended = (statuses == 1) & (plain_statuses == 0)
-            values[mended] = plain[mended]
-            statuses[mended] = -2
-        gradients = self._gradients(prepared, points, jobs) if gradient else None
-        unknown = _points.rows_with_nan(points)
-        if unknown is not None:
-            # Some families would refuse the point, others would give NaN as a value, or would not
-            # read the input.
-            statuses[unknown] = 1
-            for results in (values, errors, gradients):
-                if results is not None:
-                    results[unknown] = np.nan
+        points, columns = _points.tables(X, names, self._discrete_names)
+        if columns:
+            _points.require_key(columns, fixed, _EACH_ROW)
+        parts = [
+            (key, rows, self._evaluate(key, points[rows], return_error, gradient, mode, jobs))
+            for key, rows in self._groups(fixed, columns, X, len(points))
+        ]
+        if len(parts) == 1:
+            made = parts[0][2]
+        else:
+            made = self._joined(parts, len(points), return_error, gradient)
+        scaled = {name for key, _, _ in parts for name in self._keys[key]} if return_error else ()
         return Prediction(
-            outputs=prepared.outputs,
+            outputs=made.outputs,
             inputs=names,
-            values=values,
-            errors=errors,
-            statuses=statuses,
-            gradients=gradients,
-            scaled_errors=frozenset(self._keys[key]) if return_error else frozenset(),
+            values=made.values,
+            errors=made.errors,
+            statuses=made.statuses,
+            gradients=made.gradients,
+            scaled_errors=frozenset(scaled),
             index=X.index if _points.is_frame(X) else None,
         )
 
@@ -265,12 +274,102 @@ class Model:
         X = np.array(rows, dtype=float).reshape(len(rows), len(self.inputs))
         return X, np.array(values, dtype=float)
 
+    def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
+        """Writes :attr:`text` to a file, compressed if its name ends with ".gz". A file that is
+        there is replaced as a whole or, when that fails, left as it was."""
+        _files.write(path, self.text)
+
     def to_text(self) -> str:
         """The database in its canonical form, as ``pxrom format`` writes it. :attr:`text` is what
         was read. ValueError if the text would not read back as the same model."""
         return str(self._model.to_text())
 
-    def _key(self, discrete: Mapping[str, int]) -> Tuple[int, ...]:
+    def _is_points(self, given: Any) -> bool:
+        """Whether the only argument of a prediction is points rather than a combination."""
+        if _points.is_frame(given):
+            return True
+        if isinstance(given, Mapping):
+            return len(given) > 0 and (
+                not self.discrete or any(name in given for name in self._input_names)
+            )
+        return given is not None and not self.discrete
+
+    def _evaluate(
+        self,
+        key: Tuple[int, ...],
+        points: np.ndarray,
+        return_error: bool,
+        gradient: bool,
+        mode: str,
+        jobs: int,
+    ) -> _Results:
+        prepared = self._prepare(key)
+        values, errors, statuses = prepared.evaluate(points, mode == "fast", return_error, jobs)
+        if return_error and (statuses == 1).any():
+            # A family without errors refuses the form with errors, but its value is valid.
+            plain, _, plain_statuses = prepared.evaluate(points, mode == "fast", False, jobs)
+            mended = (statuses == 1) & (plain_statuses == 0)
+            values[mended] = plain[mended]
+            statuses[mended] = -2
+        gradients = self._gradients(prepared, points, jobs) if gradient else None
+        unknown = _points.rows_with_nan(points)
+        if unknown is not None:
+            # Some families would refuse the point, others would give NaN as a value, or would not
+            # read the input.
+            statuses[unknown] = 1
+            for results in (values, errors, gradients):
+                if results is not None:
+                    results[unknown] = np.nan
+        return _Results(prepared.outputs, values, errors, statuses, gradients)
+
+    def _joined(
+        self, parts: List[_Part], rows: int, return_error: bool, gradient: bool
+    ) -> _Results:
+        """The results of several combinations, each point in its place. An output that a
+        combination lacks has the status 1 there."""
+        outputs = tuple(dict.fromkeys(name for _, _, part in parts for name in part.outputs))
+        if not parts:
+            outputs = tuple(parameter.name for parameter in self.outputs)
+        shape = (rows, len(outputs))
+        joined = _Results(
+            outputs,
+            np.full(shape, np.nan),
+            np.full(shape, np.nan) if return_error else None,
+            np.ones(shape, dtype=np.intc),
+            np.full((*shape, len(self.inputs)), np.nan) if gradient else None,
+        )
+        for _, places, part in parts:
+            cells = np.ix_(places, [outputs.index(name) for name in part.outputs])
+            for whole, piece in zip(joined[1:], part[1:]):
+                if whole is not None:
+                    whole[cells] = piece
+        return joined
+
+    def _groups(
+        self, fixed: Mapping[str, int], columns: Mapping[str, np.ndarray], points: Any, rows: int
+    ) -> List[Tuple[Tuple[int, ...], Any]]:
+        """The combinations of the points, ascending, each with the places of its rows."""
+        free = [name for name in columns if name not in fixed]
+        if not free:
+            return [(self._whole_key(fixed), slice(None))]
+        if len(fixed) + len(free) < len(self.discrete):
+            self._whole_key({**fixed, **dict.fromkeys(free, 0)})  # says what is missing
+        table = np.empty((rows, len(self.discrete)), dtype=np.int64)
+        for place, parameter in enumerate(self.discrete):
+            if parameter.name in fixed:
+                table[:, place] = fixed[parameter.name]
+            else:
+                table[:, place] = _whole_values(parameter, columns[parameter.name], points)
+        keys, first, where, counts = np.unique(
+            table, axis=0, return_index=True, return_inverse=True, return_counts=True
+        )
+        for key, row in zip(keys.tolist(), first.tolist()):
+            self._require_fitted(tuple(key), f" in {_points.row_named(points, row)}")
+        places = np.split(np.argsort(where.ravel(), kind="stable"), np.cumsum(counts)[:-1])
+        return [(tuple(key), rows_of) for key, rows_of in zip(keys.tolist(), places)]
+
+    def _fixed(self, discrete: Any) -> Dict[str, int]:
+        """The values that a caller gives for all points, some or all of them."""
         names = [parameter.name for parameter in self.discrete]
         known = set(names)
         if not isinstance(discrete, Mapping):
@@ -286,26 +385,38 @@ class Model:
                 if any(name == parameter.name for parameter in self.inputs):
                     raise ValueError(f"{name!r} is a continuous input: it goes into the points X")
                 raise ValueError(f"there is no discrete input {name!r}{did_you_mean(name, names)}")
-        key: List[int] = []
+        fixed: Dict[str, int] = {}
         for parameter in self.discrete:
             if parameter.name not in discrete:
+                continue
+            value = discrete[parameter.name]
+            if np.ndim(value) != 0:
+                raise ValueError(
+                    f"{parameter.name!r} takes one value, not {type(value).__name__}; for a value "
+                    "per point, put it among the points of predict"
+                )
+            if value not in parameter.values:
+                raise _not_fitted(parameter, value)
+            fixed[parameter.name] = int(value)
+        return fixed
+
+    def _key(self, discrete: Any) -> Tuple[int, ...]:
+        """The key of one combination."""
+        return self._whole_key(self._fixed(discrete))
+
+    def _whole_key(self, fixed: Mapping[str, int]) -> Tuple[int, ...]:
+        for parameter in self.discrete:
+            if parameter.name not in fixed:
                 raise ValueError(
                     f"the discrete input {parameter.name!r} is missing; it takes "
                     f"{listed(parameter.values, 'or')}"
                 )
-            value = discrete[parameter.name]
-            if np.ndim(value) != 0:
-                raise ValueError(
-                    f"{parameter.name!r} takes one value, not {type(value).__name__}; predict one "
-                    "combination after the other"
-                )
-            if value not in parameter.values:
-                raise ValueError(
-                    f"{visible(parameter.name)}={value!r} was not fitted; it takes "
-                    f"{listed(parameter.values, 'or')}"
-                )
-            key.append(int(value))
-        if tuple(key) not in self._keys:
+        key = tuple(fixed[name] for name in self._discrete_names)
+        self._require_fitted(key)
+        return key
+
+    def _require_fitted(self, key: Tuple[int, ...], where: str = "") -> None:
+        if key not in self._keys:
             fitted = "; ".join(
                 ", ".join(f"{name}={value}" for name, value in combination.items())
                 for combination in self.combinations[:_MOST_SHOWN]
@@ -313,9 +424,9 @@ class Model:
             more = len(self.combinations) - _MOST_SHOWN
             fitted += f"; and {more} more" if more > 0 else ""
             raise ValueError(
-                f"the combination {dict(discrete)!r} was not fitted; there are: {visible(fitted)}"
+                f"the combination {dict(self._named(key))!r}{where} was not fitted; there are: "
+                + visible(fitted)
             )
-        return tuple(key)
 
     def _prepare(self, key: Tuple[int, ...]) -> _core.Prepared:
         prepared = self._prepared.get(key)
@@ -330,7 +441,7 @@ class Model:
         return prepared
 
     def _named(self, key: Tuple[int, ...]) -> List[Tuple[str, int]]:
-        return list(zip((parameter.name for parameter in self.discrete), key))
+        return list(zip(self._discrete_names, key))
 
     @staticmethod
     def _gradients(prepared: _core.Prepared, points: np.ndarray, jobs: int) -> np.ndarray:
@@ -338,6 +449,12 @@ class Model:
             return prepared.gradients(points, jobs)[0]
         except ValueError as error:
             raise ValueError(f"Gradients: {error} {_HOW_TO_RAISE}") from None
+
+    def __copy__(self) -> "Model":
+        return self
+
+    def __deepcopy__(self, memo: Any) -> "Model":
+        return self
 
     def __reduce__(self) -> Tuple[Any, ...]:
         return _restored, (self.text, self.limit, self.memory_limit)
@@ -367,8 +484,32 @@ class Model:
         return _html.table(head, rows, f"Model with {len(self.combinations)} combination(s)")
 
 
-def _is_points(given: Any) -> bool:
-    return given is not None and not (isinstance(given, Mapping) and len(given) == 0)
+def _not_fitted(parameter: Parameter, value: object, where: str = "") -> ValueError:
+    return ValueError(
+        f"{visible(parameter.name)}={value!r}{where} was not fitted; it takes "
+        f"{listed(parameter.values, 'or')}"
+    )
+
+
+def _number(value: Any) -> float:
+    try:
+        return float(value)
+    except (TypeError, ValueError):
+        return np.nan
+
+
+def _whole_values(parameter: Parameter, values: np.ndarray, points: Any) -> np.ndarray:
+    """The values (n,) of a discrete input at points, all of which were fitted."""
+    try:
+        numbers = values.astype(float)
+    except (TypeError, ValueError):
+        numbers = np.array([_number(value) for value in values.tolist()])
+    known = np.isin(numbers, parameter.values)
+    if not known.all():
+        row = int(np.argmin(known))
+        where = f" in {_points.row_named(points, row)}"
+        raise _not_fitted(parameter, values.tolist()[row], where)
+    return numbers.astype(np.int64)
 
 
 def _parameter(raw: Mapping[str, Any]) -> Parameter:
@@ -402,14 +543,18 @@ def _restored(text: str, limit: Optional[int], memory_limit: Optional[int]) -> M
 
 
 def loads(
-    text: str, *, limit: Optional[float] = None, memory_limit: Optional[float] = None
+    text: Union[str, _files.Content],
+    *,
+    limit: Optional[float] = None,
+    memory_limit: Optional[float] = None,
 ) -> Model:
     """Reads the text of a database.
 
     Reading does not report damage that can still be read; :func:`check` does.
 
     Args:
-        text: what the file holds.
+        text: what the file holds, as a str, as bytes or as an open file; bytes and files may be
+            compressed by gzip.
         limit: the largest number of floating-point operations that a prediction may take at each
             point, such as ``2e9``. :meth:`Model.predict` refuses a higher cost before it evaluates.
             Set a limit for models from strangers. :meth:`Model.cost` gives the cost of a model.
@@ -418,17 +563,25 @@ def loads(
     Raises:
         ValueError: when the text can't be read, with the first thing that is wrong with it.
     """
-    return Model(text, limit=limit, memory_limit=memory_limit)
+    held = _files.text_of(text) if _files.has_content(text) else cast(str, text)
+    return Model(held, limit=limit, memory_limit=memory_limit)
 
 
 def load(
-    path: Union[str, "os.PathLike[str]"],
+    path: Union[str, "os.PathLike[str]", _files.Content],
     *,
     limit: Optional[float] = None,
     memory_limit: Optional[float] = None,
 ) -> Model:
-    """Reads a database file; see :func:`loads`. OSError, with a sentence that says why,
-    if the file can't be read."""
+    """Reads a database file, which may be compressed by gzip; see :func:`loads`, which also says
+    what else than a path may be passed. OSError, with a sentence that says why, if the file can't
+    be read."""
+    if _files.has_content(path):
+        return loads(path, limit=limit, memory_limit=memory_limit)
+    if not isinstance(path, (str, os.PathLike)):
+        raise TypeError(f"load takes a path, bytes or an open file, not {type(path).__name__}")
+    if "\n" in str(path):
+        raise ValueError("load takes a path, but this is a text: call pxrom.loads")
     text = _files.read(path)
     try:
         return Model(text, limit=limit, memory_limit=memory_limit)
@@ -436,6 +589,6 @@ def load(
         raise ValueError(f"{_files.shown(path)}: {error}") from None
 
 
-def format(text: str) -> str:
+def format(text: Union[str, _files.Content]) -> str:
     """The text of a database in its canonical form: what ``pxrom format`` writes."""
-    return Model(text).to_text()
+    return loads(text).to_text()

@@ -1,7 +1,7 @@
 """Turns the points of a caller into a table with one column per input."""
 
 from collections import Counter
-from typing import Any, Dict, List, Mapping, Sequence
+from typing import Any, Dict, List, Mapping, Sequence, Tuple
 
 import numpy as np
 
@@ -30,21 +30,23 @@ def names_of(given: Any) -> List[str]:
     return [str(name) for name in given]
 
 
-def require_key(points: Any, key: Mapping[str, int]) -> None:
-    """Refuses a frame that has a column of a discrete input with other values than ``key``."""
-    if not is_frame(points):
-        return
+def require_key(columns: Any, key: Mapping[str, int], advice: str) -> None:
+    """Refuses a column of a discrete input that has other values than ``key``."""
     for name, value in key.items():
-        if name not in points.columns:
+        if name not in columns:
             continue
-        held = list(dict.fromkeys(np.ravel(points[name].to_numpy()).tolist()))
+        held = list(dict.fromkeys(np.ravel(np.asarray(columns[name])).tolist()))
         if any(one != value for one in held):
             shown = listed(held) if len(held) <= 4 else f"{len(held)} different values"
             raise ValueError(
-                f"the frame's column {name!r} holds {shown}, but the combination says "
-                f"{name}={value}; pass the rows of that combination alone: "
-                f"frame[frame[{name!r}] == {value}]"
+                f"the points hold {shown} for {name!r}, but the combination says {name}={value}; "
+                + advice.format(name=name, value=value)
             )
+
+
+def row_named(points: Any, row: int) -> str:
+    """How a message names a row: by the index of a frame, otherwise counted from 0."""
+    return f"row {points.index[row] if is_frame(points) else row!r}"
 
 
 def rows_with_nan(points: np.ndarray) -> Any:
@@ -57,10 +59,22 @@ def rows_with_nan(points: np.ndarray) -> Any:
 
 def table(points: Any, inputs: Sequence[str]) -> np.ndarray:
     """``points`` as a C-contiguous float array of the shape (rows, len(inputs))."""
+    return tables(points, inputs, ())[0]
+
+
+def tables(
+    points: Any, inputs: Sequence[str], discrete: Sequence[str]
+) -> Tuple[np.ndarray, Dict[str, np.ndarray]]:
+    """``points`` as for :func:`table`, and the values (rows,) of each of the discrete inputs that a
+    frame or a mapping holds, of any type."""
     if is_frame(points):
-        return _of_frame(points, inputs)
+        return _of_frame(points, inputs), _discrete_of_frame(points, discrete)
     if isinstance(points, Mapping):
-        return _of_mapping(points, inputs)
+        return _of_mapping(points, inputs, discrete)
+    return _of_array(points, inputs), {}
+
+
+def _of_array(points: Any, inputs: Sequence[str]) -> np.ndarray:
     made = floats(points, "points")
     if made.ndim != 2:
         raise ValueError(
@@ -113,8 +127,20 @@ def _of_frame(frame: Any, inputs: Sequence[str]) -> np.ndarray:
     return made
 
 
-def _of_mapping(points: Mapping[str, Any], inputs: Sequence[str]) -> np.ndarray:
-    known = set(inputs)
+def _discrete_of_frame(frame: Any, discrete: Sequence[str]) -> Dict[str, np.ndarray]:
+    columns: Dict[str, np.ndarray] = {}
+    for name in discrete:
+        if name in frame.columns:
+            columns[name] = frame[name].to_numpy()
+            if columns[name].ndim > 1:
+                raise ValueError(f"the frame has several columns for the input {name!r}")
+    return columns
+
+
+def _of_mapping(
+    points: Mapping[str, Any], inputs: Sequence[str], discrete: Sequence[str]
+) -> Tuple[np.ndarray, Dict[str, np.ndarray]]:
+    known = {*inputs, *discrete}
     for name in points:
         if name not in known:
             raise ValueError(f"there is no input {name!r}{did_you_mean(name, inputs)}")
@@ -123,9 +149,11 @@ def _of_mapping(points: Mapping[str, Any], inputs: Sequence[str]) -> np.ndarray:
         if name not in points:
             raise ValueError(f"the input {name!r} is missing; the inputs are {listed(inputs)}")
         columns[name] = floats(points[name], f"input {name!r}")
-        if columns[name].ndim > 1:
+    columns.update((name, np.asarray(points[name])) for name in discrete if name in points)
+    for name, values in columns.items():
+        if values.ndim > 1:
             raise ValueError(
-                f"input {name!r} has {columns[name].ndim} dimensions; give one value per point"
+                f"input {name!r} has {values.ndim} dimensions; give one value per point"
             )
     lengths = {name: len(values) for name, values in columns.items() if values.ndim == 1}
     rows = max(lengths.values(), default=1)
@@ -138,4 +166,6 @@ def _of_mapping(points: Mapping[str, Any], inputs: Sequence[str]) -> np.ndarray:
     made = np.empty((rows, len(inputs)))
     for place, name in enumerate(inputs):
         made[:, place] = columns[name]
-    return made
+    return made, {
+        name: np.broadcast_to(columns[name], rows) for name in discrete if name in columns
+    }

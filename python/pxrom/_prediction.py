@@ -1,6 +1,6 @@
 """The results of a prediction."""
 
-from typing import Any, FrozenSet, Iterator, List, Mapping, Optional, Tuple
+from typing import Any, Dict, FrozenSet, Iterator, List, Mapping, Optional, Tuple
 
 import numpy as np
 
@@ -91,11 +91,10 @@ class Prediction:
         """The values (n, m), for ``numpy.asarray(prediction)``."""
         return self.values.__array__(dtype, copy)
 
-    def __iter__(self) -> Iterator[Any]:
-        raise TypeError(
-            "a prediction has points and outputs and can't be iterated: use "
-            "prediction.values.array, prediction[output], or prediction.frame()"
-        )
+    def __iter__(self) -> Iterator[Dict[str, float]]:
+        """The values by output name, point after point."""
+        for row in self.values.array.tolist():
+            yield dict(zip(self.outputs, row))
 
     def frame(self) -> Any:
         """A pandas frame: the outputs by name, then ``"<output> error"`` and

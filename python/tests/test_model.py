@@ -1,6 +1,9 @@
 """Reading and predicting: equal to the tools that fitted, to the command, and to itself."""
 
 import concurrent.futures
+import copy
+import gzip
+import io
 import json
 import pickle
 import re
@@ -217,8 +220,23 @@ def test_lists_what_the_model_holds(beam):
         ([1, 2], POINT, "is a mapping by name: {'Holes': ..., 'Material': ...}, not list"),
         (np.ones((2, 4)), None, "points and is a mapping by name: {'Holes': ..., 'Material'"),
         ({**STEEL, "L": 1}, POINT, "'L' is a continuous input: it goes into the points X"),
-        ({**STEEL, "Holes": np.array([2, 4])}, POINT, "predict one combination after the other"),
-        (STEEL, pandas.DataFrame({"Material": [1, 2]}), "'Material' holds 1 and 2, but the"),
+        ({**STEEL, "Holes": np.array([2, 4])}, POINT, "put it among the points of predict"),
+        (
+            {"Material": 1},
+            pandas.DataFrame({**POINT, "Material": [1, 2], "Holes": 2}),
+            "the points hold 1 and 2 for 'Material', but the combination says Material=1; leave "
+            "'Material' out of the combination",
+        ),
+        (
+            None,
+            pandas.DataFrame({**POINT, "Material": [1, 3], "Holes": 2}, index=["a", "b"]),
+            "Material=3 in row 'b' was not fitted; it takes 1 or 2",
+        ),
+        (None, {**POINT, "Material": [1, "steel"], "Holes": 2}, "='steel' in row 1 was not"),
+        (None, {**POINT, "Material": [1, 1.5], "Holes": 2}, "Material=1.5 in row 1 was not"),
+        (None, {**POINT, "Material": [1, 2]}, "'Holes' is missing; it takes 0, 2 or 4"),
+        (STEEL, {**POINT, "Material": [[1]]}, "'Material' has 2 dimensions"),
+        (None, {**POINT, "Material": [1, 2], "L": [1] * 3, "Holes": 2}, "2 values for 'Material'"),
         (STEEL, scipy.sparse.eye(4), "a sparse matrix was given for points; pass its toarray()"),
         (STEEL, None, "X is missing"),
         (STEEL, [[1, 2, 3]], "3 columns, but the model has 4 inputs, in this order: 'h', 'F'"),
@@ -243,6 +261,32 @@ def test_refuses_combinations_that_were_not_fitted(beam, monkeypatch):
     lines = [line for line in beam.text.splitlines(True) if "{Material;2},{Holes;4}" not in line]
     with pytest.raises(ValueError, match="there are: Holes=0, .*; Holes=4, Material=1$"):
         pxrom.loads("".join(lines)).predict({"Material": 2, "Holes": 4}, POINT)
+    with pytest.raises(ValueError, match="'Material': 2} in row 1 was not fitted; there are: "):
+        pxrom.loads("".join(lines)).predict({**POINT, "Material": [1, 2], "Holes": 4})
+
+
+def test_predicts_each_row_at_its_own_combination(beam):
+    frame = pandas.DataFrame(points(beam, 40), columns=[p.name for p in beam.inputs])
+    draw = np.random.default_rng(4)
+    frame["Material"] = draw.choice([1.0, 2.0], 40)
+    frame["Holes"] = pandas.Categorical(draw.choice([0, 2, 4], 40))
+    frame.index = frame.index[::-1]
+    frame.iloc[7, 0] = np.nan
+    result = beam.predict(frame, return_error=True, gradient=True)
+    assert list(result.frame().index) == list(frame.index)
+    for row in range(40):
+        key = {"Material": int(frame.Material.iloc[row]), "Holes": int(frame.Holes.iloc[row])}
+        alone = beam.predict(key, frame.iloc[[row]], return_error=True, gradient=True)
+        assert np.array_equal(result.values.array[row], alone.values.array[0], True)
+        assert np.array_equal(result.errors.array[row], alone.errors.array[0], True)
+        assert np.array_equal(result.gradients.array[row], alone.gradients.array[0], True)
+        assert np.array_equal(result.statuses.array[row], alone.statuses.array[0])
+    # One of them may be the same for all points.
+    partly = beam.predict({"Holes": 2}, frame.assign(Holes=2), return_error=True)
+    assert np.array_equal(partly["mass"], beam.predict(frame.assign(Holes=2))["mass"], True)
+    of_mapping = beam.predict({**POINT, "Material": [2, 1], "Holes": 2})["mass"]
+    assert of_mapping[1] == beam.predict(STEEL, POINT)["mass"][0]
+    assert beam.predict(frame.iloc[:0], gradient=True).gradients.array.shape == (0, 3, 4)
 
 
 def test_refuses_other_arguments(beam):
@@ -256,16 +300,17 @@ def test_refuses_other_arguments(beam):
     with pytest.raises(ValueError, match="no output 'Mass'; did you mean 'mass'"):
         beam.samples(STEEL, output="Mass")
     for act, said in (
-        (lambda: pxrom.loads(b"bytes"), "not bytes; call decode('utf-8', 'surrogateescape')"),
+        (lambda: pxrom.load(7), "load takes a path, bytes or an open file, not int"),
         (lambda: pxrom.loads(BEAM), f"call pxrom.load('{BEAM}')"),
-        (lambda: pxrom.check(7), "the text of a database is a str, not int"),
-        (lambda: list(beam.predict(STEEL, POINT)), "use prediction.values.array, prediction[outpu"),
+        (lambda: pxrom.check(7), "the text of a database is a str, bytes or an open file, not int"),
     ):
         with pytest.raises(TypeError) as refusal:
             act()
         assert said in str(refusal.value)
     with pytest.raises(ValueError, match=r"to read a file, call pxrom.load\('beam.pxdb'\)"):
         pxrom.loads("beam.pxdb")
+    with pytest.raises(ValueError, match="but this is a text: call pxrom.loads$"):
+        pxrom.load(beam.text)
 
 
 def test_takes_what_is_clear(beam):
@@ -273,6 +318,8 @@ def test_takes_what_is_clear(beam):
     assert pxrom.check(BEAM) == pxrom.check(beam.text)
     result = beam.predict(STEEL, POINT)
     assert np.array_equal(np.asarray(result), result.values.array)
+    assert list(result) == [{name: result[name][0] for name in result.outputs}]
+    assert copy.deepcopy(beam) is beam
     agrees = beam.predict(STEEL, pandas.DataFrame({**POINT, "Material": [1]}))
     assert np.array_equal(agrees.values.array, result.values.array)
     alone = pxrom.load(cases_of("svr_sk_eps_rbf")[0])
@@ -315,6 +362,30 @@ def test_says_why_a_text_is_refused(tmp_path, beam):
         pxrom.load(tmp_path / "absent.pxdb")
     with pytest.raises(IsADirectoryError, match="it is a folder$"):
         pxrom.load(tmp_path)
+
+
+def test_reads_bytes_open_files_and_gzip(tmp_path, beam, monkeypatch):
+    raw = BEAM.read_bytes()
+    packed = gzip.compress(raw)
+    for read in (pxrom.load, pxrom.loads):
+        for given in (raw, bytearray(raw), packed, io.BytesIO(packed), io.StringIO(beam.text)):
+            assert read(given) == beam
+    assert pxrom.check(packed) == pxrom.check(beam.text)
+    beam.save(tmp_path / "beam.pxdb")
+    beam.save(tmp_path / "beam.pxdb.gz")
+    assert (tmp_path / "beam.pxdb").read_bytes() == raw
+    assert (tmp_path / "beam.pxdb.gz").stat().st_size < len(raw) / 2
+    assert pxrom.load(tmp_path / "beam.pxdb.gz") == beam
+    for damaged in (packed[:-9], packed[:-6] + b"abcdef", packed[:40] + b"----" + packed[44:]):
+        with pytest.raises(ValueError, match="the compressed text is damaged"):
+            pxrom.loads(damaged)
+    (tmp_path / "latin").write_bytes(b"\xe4")
+    with open(tmp_path / "latin", encoding="utf-8") as file:
+        with pytest.raises(ValueError, match="open it with 'rb'"):
+            pxrom.load(file)
+    monkeypatch.setattr("pxrom._files._MOST_UNPACKED", 1000)
+    with pytest.raises(ValueError, match="holds more than 1000 bytes: decompress it first"):
+        pxrom.loads(packed)
 
 
 def test_shows_no_character_that_changes_the_direction(beam):

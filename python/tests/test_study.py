@@ -89,6 +89,7 @@ def test_holds_what_was_declared(tmp_path):
             )
             wanted[material, name] = fitted.predict(NEW)
     study.save(tmp_path / "study.pxdb")
+    assert repr(study) == "<Study mass, cost of Material, L, b in 2 combinations>"
     model = pxrom.load(tmp_path / "study.pxdb")
     assert [str(f) for f in pxrom.check(model.text) if f.severity != "note"] == []
     assert [(p.name, p.unit, p.caption, p.bounds) for p in model.inputs] == [
@@ -224,7 +225,8 @@ def test_an_ensemble_has_no_error_of_its_own():
         ),
         (
             lambda s, f, y: s.add("mass", f, at_of(1, 2), y, at={"Material": 1}),
-            "column 'Material' holds 1 and 2, but the combination says Material=1",
+            "the points hold 1 and 2 for 'Material', but the combination says Material=1; pass the "
+            "rows of that combination alone: X[X['Material'] == 1]",
         ),
         (
             lambda s, f, y: s.add("mass", f, X, pandas.Series(y, name="cost"), at={"Material": 1}),

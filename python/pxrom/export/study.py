@@ -10,7 +10,7 @@ import numpy as np
 from .. import _core, _files
 from .._model import Model
 from .._points import floats, has_names, is_frame, names_of, require_key, table
-from .._wording import counted, did_you_mean, listed
+from .._wording import counted, did_you_mean, listed, visible
 from . import _folds
 from ._convert import convert, parts_of, unchecked
 from ._options import Options
@@ -22,6 +22,7 @@ Bounds = Optional[Tuple[float, float]]
 Member = Union[Any, Tuple[Any, float]]
 
 _CONTINUOUS, _DISCRETE = 0, 2
+_ONE_COMBINATION = "pass the rows of that combination alone: X[X[{name!r}] == {value}]"
 
 
 @dataclass
@@ -137,7 +138,8 @@ class Study:
         for name in names:
             if name not in self._outputs:
                 raise ValueError(f"there is no output {name!r}{did_you_mean(name, self._outputs)}")
-        require_key(X, dict(zip(self._discrete, key)))
+        if is_frame(X):
+            require_key(X, dict(zip(self._discrete, key)), _ONE_COMBINATION)
         points = None if X is None else self._points(X)
         targets = None if y is None else self._targets(y, points, names)
         options = Options(
@@ -199,9 +201,21 @@ class Study:
         return Model(self.to_text())
 
     def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
-        """Writes the database to a file. A file that is there is replaced as a whole or, when that
-        fails, left as it was."""
+        """Writes the database to a file, compressed if its name ends with ".gz". A file that is
+        there is replaced as a whole or, when that fails, left as it was."""
         _files.write(path, self.to_text())
+
+    def __repr__(self) -> str:
+        inputs = ", ".join([*self._discrete, *self._inputs]) or "no inputs"
+        outputs = ", ".join(self._outputs) or "no outputs"
+        count = len(self._ensembles)
+        extra = f" in {counted(count, 'combination')}" if self._discrete and count else ""
+        missing = sum(len(self._outputs) - len(held) for held in self._ensembles.values())
+        if count == 0:
+            extra = ", without a model"
+        elif missing:
+            extra += f", {counted(missing, 'model')} missing"
+        return visible(f"<Study {outputs} of {inputs}{extra}>")
 
     def _declare(
         self,
