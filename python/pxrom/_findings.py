@@ -31,10 +31,10 @@ class Finding:
         return f"{self.line}:{self.column}: {self.severity}: {self.sentence} [{self.code}]"
 
 
-def require_text(text: object) -> None:
+def require_text(text: object) -> str:
     """Refuses an object that is not a text, and says how to get the text."""
     if isinstance(text, str):
-        return
+        return text
     hint = ""
     if isinstance(text, os.PathLike):
         hint = f"; to read a file, call pxrom.load({os.fspath(text)!r})"
@@ -54,5 +54,4 @@ def check(text: Union[str, "os.PathLike[str]", _files.Content]) -> List[Finding]
         text = _files.read(text)
     elif _files.has_content(text):
         text = _files.text_of(text)
-    require_text(text)
-    return [Finding(**found) for found in _core.inspect(text)]
+    return [Finding(**found) for found in _core.inspect(require_text(text))]

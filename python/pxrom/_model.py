@@ -577,7 +577,7 @@ def load(
     what else than a path may be passed. OSError, with a sentence that says why, if the file can't
     be read."""
     if _files.has_content(path):
-        return loads(path, limit=limit, memory_limit=memory_limit)
+        return loads(cast(Any, path), limit=limit, memory_limit=memory_limit)
     if not isinstance(path, (str, os.PathLike)):
         raise TypeError(f"load takes a path, bytes or an open file, not {type(path).__name__}")
     if "\n" in str(path):
