@@ -78,6 +78,8 @@ def text_of(content: Any) -> str:
             ) from None
         if isinstance(content, str):
             return content
+    if not isinstance(content, (bytes, bytearray, memoryview)):
+        raise TypeError(f"the open file gave {type(content).__name__}, not str or bytes")
     return _decoded(bytes(content))
 
 

@@ -47,8 +47,9 @@ def check(text: Union[str, "os.PathLike[str]", _files.Content]) -> List[Finding]
     """Says what is wrong with the text of a database, which reading does not report.
 
     Accepts any text: a ``str`` is the text itself, a ``pathlib.Path`` names a file; bytes and open
-    files hold the text, compressed or not. The findings are in the order of the text. Without a finding of severity "error", the text can be read, and
-    each of its combinations evaluates in the middle of its bounds.
+    files hold the text, compressed by gzip or not. The findings are in the order of the text.
+    Without a finding of severity "error", the text can be read, and each of its combinations
+    evaluates in the middle of its bounds.
     """
     if isinstance(text, os.PathLike):
         text = _files.read(text)

@@ -15,7 +15,9 @@ import re
 import shutil
 import subprocess
 
+import numpy as np
 import pytest
+import scipy.stats
 from conftest import BEAM, ROOT
 
 BLOCK = re.compile(r"^```(\w*) ?([\w.]*)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
@@ -64,20 +66,19 @@ def commands(block):
         yield command, output
 
 
-@pytest.mark.parametrize("page", PAGES)
-def test_blocks_of(page, installed, tmp_path, monkeypatch):
-    (tmp_path / "examples").mkdir()
-    for folder in (tmp_path, tmp_path / "examples"):
+def run_blocks(page, installed, folder):
+    """Runs the page in an empty folder, and gives the names that its Python blocks leave."""
+    (folder / "examples").mkdir()
+    for place in (folder, folder / "examples"):
         for data in BEAM.parent.iterdir():
             if data.suffix in (".pxdb", ".csv", ".xml"):
-                shutil.copy(data, folder)
-    monkeypatch.chdir(tmp_path)
+                shutil.copy(data, place)
     blocks = BLOCK.findall((ROOT / page).read_text())
     assert blocks
     names, printed, ran = {}, None, 0
     environment = installed
     if any(language == "sh" for language, _, _ in blocks):
-        environment = account(blocks, tmp_path / "home")
+        environment = account(blocks, folder / "home")
     for language, file, body in blocks:
         if file:
             pathlib.Path(file).write_text(body)
@@ -98,3 +99,36 @@ def test_blocks_of(page, installed, tmp_path, monkeypatch):
                 assert run.stdout == output, command
                 ran += 1
     assert ran > 0
+    return names
+
+
+@pytest.mark.parametrize("page", PAGES)
+def test_blocks_of(page, installed, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    run_blocks(page, installed, tmp_path)
+
+
+def test_recipes_give_what_closed_forms_give(tmp_path, monkeypatch):
+    """The page prints fewer digits than agree."""
+    monkeypatch.chdir(tmp_path)
+    names = run_blocks("docs/recipes.md", {}, tmp_path)
+    feasible = {key: best for key, best in names["designs"].items() if best}
+    assert sorted(feasible) == [(1, 1), (1, 2), (2, 1)]
+    for (material, section), best in feasible.items():
+        # At the upper bound of the height, as wide as the strength of the material needs.
+        modulus = {1: 1.0, 2: 1 - 0.8**4}[section]
+        width = 6 * 6000 * 1500 / ({1: 160, 2: 100}[material] * modulus * 120**2)
+        assert best.x == pytest.approx([width, 120, 6000], rel=2e-3)
+    # Saltelli et al. (2008), Global Sensitivity Analysis, section 4.
+    sobol = names["sobol"]
+    assert list(sobol.getFirstOrderIndices()) == pytest.approx([0.3139, 0.4424, 0], abs=2e-3)
+    assert list(sobol.getTotalOrderIndices()) == pytest.approx([0.5576, 0.4424, 0.2437], abs=2e-3)
+    # The logarithm of the stress is normal, with this mean and standard deviation.
+    mean, deviation = np.log(6 * 6000 * 1500 / (40 * 100**2)), np.sqrt(0.03**2 + 0.06**2 + 0.1**2)
+    beta = (np.log(160) - mean) / deviation
+    assert names["form"].getResult().getHasoferReliabilityIndex() == pytest.approx(beta, rel=5e-3)
+    assert names["by_sampling"] == pytest.approx(scipy.stats.norm.sf(beta), rel=2e-2)
+    assert names["found"].x[0] == pytest.approx(names["exact_force"], rel=1e-3)
+    assert names["deviation"] == pytest.approx(names["exact_deviation"], rel=1e-2)
+    for picture in re.findall(r"pictures/([\w-]+\.png)", (ROOT / "docs/recipes.md").read_text()):
+        assert (tmp_path / picture).stat().st_size > 5000
