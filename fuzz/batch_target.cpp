@@ -53,6 +53,9 @@ void ComparePoint(const CDiscreteCombinations& model, const NamedInts& discrete,
     }
   }
   prepared.Evaluate(point.data(), 1, PrecisionFast, values.data(), errors.data(), statuses.data());
+  // A gradient takes a number for each input of each output.
+  constexpr std::size_t kMostNumbers = std::size_t{1} << 16U;
+  if (count * point.size() > kMostNumbers) return;
   std::vector<double> gradients(count * point.size());
   Require(prepared.EvaluateGradients(point.data(), 1, gradients.data(), statuses.data()) == 0,
           "a prepared model answers with derivatives");

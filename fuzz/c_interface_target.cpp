@@ -73,7 +73,7 @@ void Ask(const ModelHandle& model, const std::vector<pxrom_parameter>& discrete,
   const std::size_t columns = pxrom_prepared_input_count(prepared.get());
   const std::size_t outputs = pxrom_prepared_output_count(prepared.get());
   const std::vector<double> point = inputs.Values(static_cast<int>(columns));
-  std::vector<double> results(outputs), errors(outputs), gradients(outputs * columns);
+  std::vector<double> results(outputs), errors(outputs);
   std::vector<std::int32_t> statuses(outputs);
   Require(
       Call(pxrom_prepared_evaluate, prepared.get(), point.data(), std::size_t{1},
@@ -88,7 +88,8 @@ void Ask(const ModelHandle& model, const std::vector<pxrom_parameter>& discrete,
   }
   // A gradient takes a number for each input of each output.
   constexpr std::size_t kMostNumbers = std::size_t{1} << 16U;
-  if (gradients.size() > kMostNumbers) return;
+  if (outputs * columns > kMostNumbers) return;
+  std::vector<double> gradients(outputs * columns);
   Require(Call(pxrom_prepared_gradients, prepared.get(), point.data(), std::size_t{1},
                gradients.data(), statuses.data()) == PXROM_OK,
           "a prepared combination has derivatives");

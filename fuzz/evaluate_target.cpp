@@ -1,4 +1,10 @@
+#include <memory>
+#include <set>
+#include <string_view>
+#include <vector>
+
 #include "families/family.h"
+#include "model/candidate_access.h"
 #include "model_inputs.h"
 #include "pxrom/discrete_combinations.h"
 #include "targets.h"
@@ -27,13 +33,9 @@ void EvaluateSurface(const CRSData& surface, const std::vector<double>& x) {
   Require(valueStatus == 0 || valueStatus == 1, "a value's status is 0 or 1");
 }
 
-void EvaluateSurfaces(const CFittingCandidate& candidate, const ModelInputs& inputs) {
-  for (std::size_t i = 0; i < candidate.GetRSCount() + candidate.GetSubRSCounts(); ++i) {
-    const int index = static_cast<int>(i);
-    const CRSData* const surface =
-        i < candidate.GetRSCount()
-            ? candidate.GetRSPtr(index)
-            : candidate.GetSubRSPtr(static_cast<int>(i - candidate.GetRSCount()));
+void EvaluateSurfaces(const std::vector<std::shared_ptr<CRSData>>& surfaces,
+                      const ModelInputs& inputs) {
+  for (const auto& surface : surfaces) {
     int count = 0;
     surface->GetNumberOfInputVariables(count);
     // A text of the lengths that are tried can't mean more inputs.
@@ -75,9 +77,15 @@ void RunEvaluate(std::string_view data) {
     }
     const auto& lists =
         (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(combination.second)];
+    // Outputs can share a candidate until its surfaces are handed out, which copies them.
+    std::set<const void*> known;
     for (const auto& list : lists) {
       const CFittingCandidate* const candidate = list.second->GetEvaluationCandidatePtr();
-      if (candidate != nullptr) EvaluateSurfaces(*candidate, inputs);
+      if (candidate == nullptr || !known.insert(CandidateAccess::Identity(*candidate)).second) {
+        continue;
+      }
+      EvaluateSurfaces(CandidateAccess::Surfaces(*candidate), inputs);
+      EvaluateSurfaces(CandidateAccess::SubSurfaces(*candidate), inputs);
     }
   }
 }

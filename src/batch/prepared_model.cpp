@@ -1,11 +1,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "batch/prepared_model_access.h"
 #include "batch/prepared_output.h"
+#include "model/candidate_access.h"
 #include "model/ensemble_cost.h"
 #include "numerics/nan_last.h"
 #include "pxrom/batch.h"
@@ -30,6 +33,8 @@ struct CPreparedModel::Parts {
   std::vector<EnsembleCost> costs;
   CEvaluationLimit limit;
   std::vector<std::shared_ptr<const PreparedOutput>> outputs;
+  /// For each output the first one that has the same prepared output, and so the same results.
+  std::vector<std::size_t> firstSame;
   std::vector<std::size_t> centreCounts;  ///< by the slots of batch::Sharing
   std::size_t errorSlotCount = 0;
   /// How many surfaces take the values of each slot, without and with errors; empty if none are
@@ -38,6 +43,8 @@ struct CPreparedModel::Parts {
   const LoopTable* exact = nullptr;
   const LoopTable* fast = nullptr;
 
+  bool IsRepeated(std::size_t output) const { return firstSame[output] != output; }
+  void FindRepeated();
   void CountUses();
   EnsembleCost Cost() const;
   std::vector<std::size_t> Order(const double* row) const;
@@ -172,12 +179,22 @@ class CPreparedModel::SharedArea {
   std::unique_ptr<double[]> area_;
 };
 
+void CPreparedModel::Parts::FindRepeated() {
+  firstSame.clear();
+  std::map<const PreparedOutput*, std::size_t> places;
+  for (std::size_t o = 0; o < outputs.size(); ++o) {
+    firstSame.push_back(places.emplace(outputs[o].get(), o).first->second);
+  }
+}
+
 void CPreparedModel::Parts::CountUses() {
+  FindRepeated();
   for (const bool withErrors : {false, true}) {
     std::vector<std::size_t>& counts = uses[withErrors ? 1 : 0];
     counts.assign(centreCounts.size(), 0);
-    for (const auto& output : outputs) {
-      for (const std::size_t slot : output->Slots(withErrors)) ++counts[slot];
+    for (std::size_t o = 0; o < outputs.size(); ++o) {
+      if (IsRepeated(o)) continue;
+      for (const std::size_t slot : outputs[o]->Slots(withErrors)) ++counts[slot];
     }
     const auto isShared = [](std::size_t count) { return count > 1; };
     if (std::none_of(counts.begin(), counts.end(), isShared)) counts.clear();
@@ -241,10 +258,10 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
                             std::string* reason, const CEvaluationLimit& limit) {
   const auto* const candidatesByID = FindCombination(model, discreteValues, reason);
   if (candidatesByID == nullptr) return 1;
-  const CEvaluationCost cost = CostOf(*candidatesByID).OfEvaluation();
-  if (CheckEvaluationCost(cost, limit, reason) != 0) return 1;
-
   auto parts = std::make_shared<Parts>();
+  parts->costs = CostsOf(*candidatesByID);
+  if (CheckEvaluationCost(parts->Cost().OfEvaluation(), limit, reason) != 0) return 1;
+
   parts->limit = limit;
   const auto inputs = RankedInputs(model);
   for (const auto& input : inputs) parts->inputIDs.push_back(input.second);
@@ -253,10 +270,15 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     if (last - first > 1) parts->ties.push_back({first, last});
   }
   batch::Sharing sharing;
+  // Many outputs of a short text may have the same large group.
+  std::map<const void*, std::shared_ptr<const PreparedOutput>> prepared;
   for (const auto& [id, candidates] : *candidatesByID) {
+    auto& output = prepared[CandidateAccess::IdentityForEvaluation(*candidates)];
+    if (output == nullptr) {
+      output = std::make_shared<PreparedOutput>(*candidates, inputs.size(), sharing);
+    }
     parts->outputIDs.push_back(id);
-    parts->costs.push_back(CostOf(*candidates));
-    parts->outputs.push_back(std::make_shared<PreparedOutput>(*candidates, inputs.size(), sharing));
+    parts->outputs.push_back(output);
   }
   parts->centreCounts = sharing.Counts();
   parts->errorSlotCount = sharing.ErrorSlotCount();
@@ -274,14 +296,16 @@ int CPreparedModel::Select(const std::vector<std::string>& outputIDs, CPreparedM
   parts->outputIDs = outputIDs;
   parts->costs.clear();
   parts->outputs.clear();
+  std::map<std::string_view, std::size_t> places;
+  for (std::size_t o = 0; o < parts_->outputIDs.size(); ++o)
+    places.emplace(parts_->outputIDs[o], o);
   for (const std::string& id : outputIDs) {
-    const auto found = std::find(parts_->outputIDs.begin(), parts_->outputIDs.end(), id);
-    if (found == parts_->outputIDs.end()) {
+    const auto found = places.find(id);
+    if (found == places.end()) {
       return Refuse(reason, "The combination has no output '" + id + "'.");
     }
-    const auto at = static_cast<std::size_t>(found - parts_->outputIDs.begin());
-    parts->costs.push_back(parts_->costs[at]);
-    parts->outputs.push_back(parts_->outputs[at]);
+    parts->costs.push_back(parts_->costs[found->second]);
+    parts->outputs.push_back(parts_->outputs[found->second]);
   }
   parts->CountUses();
   out.parts_ = std::move(parts);
@@ -352,6 +376,7 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   const std::size_t together = shared.Values() != nullptr ? outputs : 1;
   std::vector<batch::FastProgress> progress(outputs);
   for (std::size_t o = 0; o < outputs; o += together) {
+    if (parts_->IsRepeated(o)) continue;
     for (std::size_t first = 0; first < rows; first += size) {
       const std::size_t count = std::min(size, rows - first);
       for (std::size_t block = 0; block < count && inputs > 0; block += kBlock) {
@@ -359,7 +384,19 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
                           x + block * inputs);
       }
       shared.Clear();
-      for (std::size_t k = o; k < o + together; ++k) evaluate(k, first, count, progress[k]);
+      for (std::size_t k = o; k < o + together; ++k) {
+        if (!parts_->IsRepeated(k)) evaluate(k, first, count, progress[k]);
+      }
+    }
+  }
+  for (std::size_t o = 0; o < outputs; ++o) {
+    if (!parts_->IsRepeated(o)) continue;
+    for (std::size_t row = 0; row < rows; ++row) {
+      const std::size_t to = row * outputs + o;
+      const std::size_t from = row * outputs + parts_->firstSame[o];
+      values[to] = values[from];
+      if (withErrors) errors[to] = errors[from];
+      if (statuses != nullptr) statuses[to] = statuses[from];
     }
   }
   return 0;

@@ -47,6 +47,11 @@ struct CandidateAccess {
   }
   /// The same address for candidates that hold one content together.
   static const void* Identity(const CFittingCandidate& candidate) { return &candidate.Read(); }
+  /// That of the candidate that is evaluated, null if there is none.
+  static const void* IdentityForEvaluation(const CFittingCandidates& list) {
+    const CFittingCandidate* const candidate = list.GetEvaluationCandidatePtr();
+    return candidate != nullptr ? Identity(*candidate) : nullptr;
+  }
   /// The surfaces of a candidate that holds them alone.
   static const auto& OwnSurfaces(const CFittingCandidate& candidate) {
     return candidate.OwnContent().RSList;

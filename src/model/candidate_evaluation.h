@@ -26,6 +26,7 @@ class EvaluationPoint {
   const double* x_;
   std::size_t size_;
   const CFittingCandidate* candidate_ = nullptr;
+  const void* identity_ = nullptr;  ///< outputs that share a candidate share its scaled point
   bool isScaled_ = false;
   std::vector<double> scaled_;
 };

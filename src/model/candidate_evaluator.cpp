@@ -73,7 +73,9 @@ const Surfaces& SurfacesForErrors(const CFittingCandidate& candidate) {
 
 bool EvaluationPoint::TurnTo(const CFittingCandidate& candidate) {
   candidate_ = &candidate;
-  isScaled_ = false;
+  const void* const identity = Access::Identity(candidate);
+  isScaled_ = isScaled_ && identity == identity_;
+  identity_ = identity;
   const auto& content = Access::ContentOf(candidate);
   return size_ == content.InputScaleSlopes.size() && size_ == content.InputScaleIntercepts.size();
 }

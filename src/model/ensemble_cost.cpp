@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "families/family.h"
 #include "kernels/loops/loop_table.h"
@@ -110,10 +111,23 @@ EnsembleCost CostOf(const CFittingCandidates& candidates) {
   return candidate != nullptr ? CostOf(*candidate) : EnsembleCost();
 }
 
+std::vector<EnsembleCost> CostsOf(const CDiscreteCombinations::OutputsByID& outputs) {
+  std::vector<EnsembleCost> costs;
+  costs.reserve(outputs.size());
+  // Many outputs of a short text may have the same large group.
+  std::map<const void*, EnsembleCost> known;
+  for (const auto& [id, candidates] : outputs) {
+    const auto [entry, isNew] = known.try_emplace(Access::IdentityForEvaluation(*candidates));
+    if (isNew) entry->second = CostOf(*candidates);
+    costs.push_back(entry->second);
+  }
+  return costs;
+}
+
 EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs) {
-  EnsembleCost cost;
-  for (const auto& [id, candidates] : outputs) cost += CostOf(*candidates);
-  return cost;
+  EnsembleCost all;
+  for (const EnsembleCost& cost : CostsOf(outputs)) all += cost;
+  return all;
 }
 
 }  // namespace Tarvane::Plexura::PXROM

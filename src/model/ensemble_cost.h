@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/evaluation_cost.h"
 
@@ -20,6 +22,8 @@ struct EnsembleCost {
 EnsembleCost CostOf(const CFittingCandidate& candidate);
 /// The cost of the candidate that the list has chosen; zeros without one.
 EnsembleCost CostOf(const CFittingCandidates& candidates);
+/// Output by output, by their IDs.
+std::vector<EnsembleCost> CostsOf(const CDiscreteCombinations::OutputsByID& outputs);
 EnsembleCost CostOf(const CDiscreteCombinations::OutputsByID& outputs);
 
 }  // namespace Tarvane::Plexura::PXROM

@@ -150,9 +150,9 @@ TEST(EvaluationCost, GrowsWithWhatEachFamilyEvaluates) {
 }
 
 // Operations and bytes of an evaluation and of a gradient: each formula of a cost shows here.
-TEST(EvaluationCost, OfFittedModelsIsThatOfTheTable) {
+TEST(EvaluationCost, IsThatOfTheTable) {
   std::multiset<std::string> lines;
-  ForEachFittedModel([&lines](const CDiscreteCombinations& model) {
+  const auto add = [&lines](const CDiscreteCombinations& model) {
     const auto ids = model.ListEnabledDiscreteParameterWrtRegistrationRank();
     for (const auto& [key, place] : *model.GetDiscreteCombinationsIndexingPtr()) {
       DiscreteValues values;
@@ -164,7 +164,18 @@ TEST(EvaluationCost, OfFittedModelsIsThatOfTheTable) {
       }
       lines.insert(line + std::to_string(prepared.InputIDs().size()) + '\n');
     }
-  });
+  };
+  ForEachFittedModel(add);
+  add(ModelOf(RecordOf<CConstantData>(30, 3)));
+  add(ModelOf(SupportVector(30, 3)));
+  add(ModelOf(LinearBasis(30, 3)));
+  add(ModelOf(MovingLeastSquares(30, 3)));
+  for (const bool withErrors : {false, true}) {
+    add(ModelOf(Kriging(30, 3, withErrors)));
+    add(ModelOf(GaussianProcess(30, 3, 2, withErrors)));
+    add(ModelOf(Regression(4, 3, 1.0, withErrors)));
+    add(ModelOf(Polynomial(4, 5, withErrors)));
+  }
   std::string table;
   for (const std::string& line : lines) table += line;
   EXPECT_EQ(table, ContentOf(SourcePath("tests/data/batch/costs.txt")));

@@ -98,6 +98,38 @@ TEST(PreparedModel, SelectsOutputsInTheGivenOrder) {
   EXPECT_EQ(CPreparedModel().Select({}, mass), 1);
 }
 
+// Its results are copied, with errors and statuses, row by row.
+TEST(PreparedModel, AnOutputThatIsSelectedTwiceHasItsResultsTwice) {
+  CDiscreteCombinations beam;
+  ReadModel(SourcePath("examples/beam.pxdb"), beam);
+  CPreparedModel all;
+  ASSERT_EQ(CPreparedModel::Prepare(beam, {{"Material", 1}, {"Holes", 2}}, all), 0);
+  const double points[] = {90.0, 3000.0, 1.5,  45.0,   kNaN, 3000.0,
+                           1.5,  45.0,   80.0, 2500.0, 1.2,  40.0};
+  CPreparedModel once;
+  ASSERT_EQ(all.Select({"stress", "mass"}, once), 0);
+  CPreparedModel twice;
+  ASSERT_EQ(once.Select({"stress", "stress", "mass", "stress"}, twice), 0);
+  Table wanted(6);
+  Table got(12);
+  for (const E_PrecisionMode mode : {PrecisionExact, PrecisionFast}) {
+    once.Evaluate(points, 3, mode, wanted.values.data(), wanted.errors.data(),
+                  wanted.statuses.data());
+    twice.Evaluate(points, 3, mode, got.values.data(), got.errors.data(), got.statuses.data());
+    for (std::size_t i = 0; i < 12; ++i) {
+      SCOPED_TRACE(i);
+      const std::size_t from = i / 4 * 2 + (i % 4 == 2 ? 1 : 0);
+      EXPECT_TRUE(SameBits(got.values[i], wanted.values[from]));
+      EXPECT_TRUE(SameBits(got.errors[i], wanted.errors[from]));
+      EXPECT_EQ(got.statuses[i], wanted.statuses[from]);
+    }
+  }
+  // The place of an output is not its number among different ones.
+  ASSERT_EQ(twice.Select({"mass"}, twice), 0);
+  twice.Evaluate(points, 1, PrecisionExact, got.values.data(), nullptr, nullptr);
+  EXPECT_TRUE(SameBits(got.values[0], wanted.values[1]));
+}
+
 // A record in memory may have products of three and more variables, between other terms.
 TEST(PreparedModel, LongProductsKeepTheirPlaceInTheSum) {
   for (std::uint32_t seed = 1; seed <= 30; ++seed) {

@@ -35,6 +35,24 @@ TEST(Families, PrepareTheirRecordsIfTheyChangeThem) {
   }
 }
 
+// What is said decides whether outputs that share a record need copies of it.
+TEST(Families, SayWhichRecordsTheyChangeForAnError) {
+  for (const Family* const family : kAllFamilies) {
+    if (!family->changesRecordForError) continue;
+    for (std::uint32_t seed = 1; seed <= 40; ++seed) {
+      SCOPED_TRACE(seed);
+      tests::Draw draw(seed);
+      const auto record = tests::RandomSurface(draw, family->type, 2, 6, seed % 2 == 0);
+      const bool said = family->changesRecordForError(*record);
+      const std::vector<std::vector<double>> before = record->InputSamples;
+      double y = 0.0;
+      double error = 0.0;
+      family->evaluator().EvaluateResponseSurface(record.get(), {0.25, 0.5}, y, error);
+      EXPECT_EQ(record->InputSamples != before, said);
+    }
+  }
+}
+
 // Without it an evaluation would seem to cost almost nothing.
 TEST(Families, SayWhatAnEvaluationCosts) {
   for (const Family* const family : kAllFamilies) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "pxrom/batch.h"
 #include "support/model_files.h"
 #include "support/shared_group.h"
 #include "support/source_path.h"
@@ -15,8 +16,10 @@ namespace {
 
 // Counts down to the allocation that fails; if negative, no allocation fails.
 thread_local long long countdown = -1;
+thread_local std::size_t bytes = 0;  // of all allocations so far
 
 void* AllocateOrFail(std::size_t size) {
+  bytes += size;
   if (countdown == 0) {
     countdown = -1;
     throw std::bad_alloc();
@@ -126,6 +129,37 @@ TEST(Allocation, LinesOfOneGroupTakeFewEach) {
   const int one = failuresOf(1);
   EXPECT_GT(one, 100);
   EXPECT_LT(failuresOf(21) - one, 20 * 25);
+}
+
+// A text of a few characters for each output can give all of them one large group.
+TEST(Allocation, OutputsOfOneGroupShareWhatIsPrepared) {
+  const auto bytesOf = [](int outputs) {
+    std::string text = TextOfSharedGroup(1);
+    const auto insert = [&text](const std::string& key, const std::string& more) {
+      text.insert(text.find('\n', text.find(key) + 1), more);
+    };
+    for (int i = 0; i < outputs; ++i) {
+      const std::string id = "more" + std::to_string(i);
+      insert("\nIDs=", ',' + id);
+      insert("\nCausalities=", ",1");
+      insert("\nTypes=", ",0");
+      insert("\nAvailability=", ",1");
+      insert("\nRegistrationRank=", ",{" + id + ';' + std::to_string(100 + i) + '}');
+      insert("\nDiscreteSet=", ",{" + id + ";0}");
+    }
+    CReaderPXROMDatabase reader;
+    reader.ReadDataStream(text);
+    CDiscreteCombinations model;
+    EXPECT_EQ(reader.ResumeDiscreteCombinations(model), 0);
+    bytes = 0;
+    CPreparedModel prepared;
+    EXPECT_EQ(CPreparedModel::Prepare(model, {{"k", 0}}, prepared), 0);
+    EXPECT_EQ(prepared.OutputIDs().size(), static_cast<std::size_t>(outputs) + 1);
+    return bytes;
+  };
+  const std::size_t one = bytesOf(0);
+  EXPECT_GT(one, std::size_t{4000});
+  EXPECT_LT(bytesOf(100) - one, 100 * std::size_t{600});
 }
 
 TEST(Allocation, AnyMayFailWhileASharedContentIsCopied) {
