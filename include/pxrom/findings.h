@@ -86,7 +86,7 @@ PXROM_API const char* FindingCodeExplanation(E_FindingCode code);
 /// All codes, ascending.
 PXROM_API std::vector<E_FindingCode> ListFindingCodes();
 
-/// `text` with an escape such as \u202E in place of each character that changes the direction of
+/// `text` with an escape such as `\u202E` in place of each character that changes the direction of
 /// the text around it (U+061C, U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069). Names and
 /// captions of a database come from others, and such characters can make a line show something else
 /// than it holds. Messages and findings of the library are already escaped; a host should escape

@@ -16,14 +16,14 @@ class Predictor(_core.Predictor):
     units: an array of the shape (d,), or anything that numpy turns into one. It has less overhead
     than :meth:`Model.predict`, and the same bits. :meth:`Model.predict` is faster for many points.
 
-    ==========================  ====================  ==================
-    with d inputs, m outputs    output="mass"         several outputs
-    ==========================  ====================  ==================
-    ``f(x)``                    float                 (m,)
-    ``f.gradient(x)``           (d,)                  (m, d)
+    ===========================  ====================  ==================
+    with d inputs, m outputs     output="mass"         several outputs
+    ===========================  ====================  ==================
+    ``f(x)``                     float                 (m,)
+    ``f.gradient(x)``            (d,)                  (m, d)
     ``f.value_and_gradient(x)``  a tuple of these      a tuple of these
-    ``f.value_and_error(x)``    (float, float)        ((m,), (m,))
-    ==========================  ====================  ==================
+    ``f.value_and_error(x)``     (float, float)        ((m,), (m,))
+    ===========================  ====================  ==================
 
     What cannot be evaluated is NaN: all results if an input is NaN, the value of a damaged surface,
     the error of a family that has none, a gradient where the formula has none.

@@ -7,17 +7,17 @@ One fitted object, in one line::
 A whole study, with units, captions, bounds, combinations of discrete inputs, weighted ensembles and
 errors from cross-validation: :class:`Study`.
 
-| Tool         | Exported                                                        |
-|--------------|-----------------------------------------------------------------|
-| scikit-learn | see :mod:`pxrom.export.scikit_learn`                            |
-| OpenTURNS    | results of Kriging, functional chaos and linear models          |
-|              | (:mod:`pxrom.export.openturns`)                                 |
-| scipy        | ``RBFInterpolator`` (:mod:`pxrom.export.scipy_rbf`)             |
-| statsmodels  | results of ``OLS`` and other linear models                      |
-|              | (:mod:`pxrom.export.statsmodels`)                               |
-| SMT          | ``KRG``, ``KPLS``, ``KPLSK`` (:mod:`pxrom.export.smt`)          |
-| GPy          | ``GPRegression`` (:mod:`pxrom.export.gpy`)                      |
-| pyKriging    | ``kriging`` (:mod:`pxrom.export.pykriging`)                     |
+===============  ===========================================================
+Tool             Exported
+===============  ===========================================================
+scikit-learn     see :mod:`pxrom.export.scikit_learn`
+OpenTURNS        results of Kriging, functional chaos and linear models
+scipy            ``RBFInterpolator``
+statsmodels      results of ``OLS`` and other linear models
+SMT              ``KRG``, ``KPLS``, ``KPLSK``
+GPy              ``GPRegression``
+pyKriging        ``kriging``
+===============  ===========================================================
 
 **Every export checks itself**: it compares the predictions of the exported text and of the tool, at
 the samples and at points between and a little beyond them. If they differ by more than the

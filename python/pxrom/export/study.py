@@ -126,7 +126,7 @@ class Study:
                 of the output.
             tolerance: how far the export may be from the tool, relative to the output's range. A
                 larger difference is accepted, with a warning, only if rounding explains it: u times
-                the sum of |weight times kernel value| and similar terms, which matter for a process
+                the sum of ``|weight times kernel value|`` and similar terms, which matter for a process
                 that was fitted without noise and has large coefficients that cancel.
             error_tolerance: the same for errors: their squares relative to the variance.
 
