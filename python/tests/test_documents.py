@@ -22,7 +22,8 @@ from conftest import BEAM, ROOT
 
 BLOCK = re.compile(r"^```(\w*) ?([\w.]*)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
 PAGES = ["README.md"] + [
-    f"docs/{name}.md" for name in ("command", "cpp", "python", "report", "scikit-learn-to-cpp")
+    f"docs/{name}.md"
+    for name in ("command", "cpp", "python", "report", "scikit-learn-to-cpp", "how-to/find-faults")
 ]
 
 
