@@ -229,19 +229,25 @@ class KrigingSurface(Surface):
     def record(self, ensemble: EnsembleScale) -> _core.CRSData:
         record = _core.CKrigingData()
         self._fill(record, ensemble, own_samples=False)
-        record.PolynomialType = self.trend
-        record.PolynomialCoefficients = [float(c) for c in self.trend_coefficients]
-        record.CorrelationFunctionType = self.correlation
-        record.CorrelationCoefficients = self.coefficients.tolist()
-        record.CorrelationKernels = self.kernels.tolist()
+        coefficients, trend = self.coefficients, np.array(self.trend_coefficients, dtype=float)
         if self.predict_error is not None and self.error_data is not None:
+            # A reader may scale the error back or not, so the record has no output scale: the
+            # coefficients are in the unit of the output, and so are both kinds of error.
+            scale = self.scale * ensemble.slope
+            coefficients, trend = scale * coefficients, scale * trend
+            trend[0] += self.shift * ensemble.slope + ensemble.intercept
+            record.OutputScaleSlope, record.OutputScaleIntercept = 1.0, 0.0
             record.SavePredictorError = True
-            record.NumberOfPolyCoeff = len(self.trend_coefficients)
-            # The error of a record is not scaled back, so it is stored in physical units.
-            record.Sigma2 = self.error_data.variance * (self.scale * ensemble.slope) ** 2
+            record.NumberOfPolyCoeff = len(trend)
+            record.Sigma2 = self.error_data.variance * scale**2
             record.InvC = self.error_data.inv_c
             record.InvG = self.error_data.inv_g
             record.Ft = self.error_data.ft
+        record.PolynomialType = self.trend
+        record.PolynomialCoefficients = trend.tolist()
+        record.CorrelationFunctionType = self.correlation
+        record.CorrelationCoefficients = coefficients.tolist()
+        record.CorrelationKernels = self.kernels.tolist()
         return record
 
 
