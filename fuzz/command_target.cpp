@@ -21,6 +21,8 @@
 #include "report_page.h"
 #include "table.h"
 #include "targets.h"
+#include "validation.h"
+#include "validation_section.h"
 #include "wording.h"
 
 namespace fuzz {
@@ -88,6 +90,27 @@ void EvaluateTable(const Model& model, const std::vector<std::string>& assignmen
   }
 }
 
+/// The table of `text`, cut as above, beside a model.
+void ValidateTable(const Model& model, const std::vector<std::string>& assignments,
+                   const std::string& text) {
+  constexpr std::size_t kMostBytes = 4096;
+  std::istringstream stream(text.substr(0, kMostBytes));
+  ValidationOptions options;
+  options.assignments = assignments;
+  options.limit = LimitOf("");
+  options.worst = 2;
+  options.pairs = 3;
+  const Validation done = Validate(model, stream, "table", options);
+  for (const ValidatedOutput& output : done.outputs) {
+    const pxrom::CPredictionScores& scores = output.scores;
+    Require(scores.count + scores.missing + scores.failed == done.rows, "every row is counted");
+    Require(output.worst.size() == std::min(scores.count, options.worst), "the worst are kept");
+  }
+  const std::vector<std::string> units(done.outputs.size(), "unit");
+  const std::string section = ValidationSection({"table", done, units});
+  Require(section == pxrom::VisibleText(section), "a section changes no direction");
+}
+
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);
@@ -113,7 +136,7 @@ void ShowDatabase(const std::string& text) {
   for (const pxrom::CFinding& finding : report.findings) {
     Require(finding.sentence == Printed(finding.sentence), "a finding is fit to be shown");
   }
-  const std::string page = ReportPage({"file", text, report});
+  const std::string page = ReportPage({"file", text, report, {}});
   Require(page == pxrom::VisibleText(page), "a page changes no direction");
   // A document of any other encoding could not be dumped.
   Require(!nlohmann::json(page).dump().empty(), "a page is UTF-8");
@@ -177,6 +200,7 @@ void RunCommand(std::string_view data) {
     Try([&] { OutsideBounds(model, PointOf(model, assignments)); });
     Try([&] { EvaluateTable(model, {}, table); });
     Try([&] { EvaluateTable(model, assignments, table); });
+    Try([&] { ValidateTable(model, assignments, table); });
   }
 }
 

@@ -14,5 +14,6 @@ void AddFmu(CLI::App& app);
 void AddInfo(CLI::App& app);
 void AddFormat(CLI::App& app);
 void AddReport(CLI::App& app);
+void AddValidate(CLI::App& app);
 
 }  // namespace pxrom_command

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <deque>
-#include <fstream>
 #include <future>
 #include <iostream>
 #include <memory>
@@ -14,8 +13,8 @@
 #include "output_file.h"
 #include "point_columns.h"
 #include "point_evaluator.h"
+#include "points_source.h"
 #include "progress.h"
-#include "refusal.h"
 #include "row_workers.h"
 #include "wording.h"
 
@@ -24,37 +23,6 @@ namespace pxrom_command {
 namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
-
-// A block of rows ends early when its rows are long.
-constexpr std::size_t kCharacters = std::size_t{1} << 22U;
-
-/// Where the table comes from and what messages call it.
-class Source {
- public:
-  explicit Source(const std::string& path) : name_(path == "-" ? "<stdin>" : path) {
-    if (path != "-") file_ = OpenFile(path);
-    // Otherwise the standard input is read character by character.
-    std::ios::sync_with_stdio(false);
-  }
-
-  const std::string& Name() const { return name_; }
-  std::istream& Stream() { return name_ == "<stdin>" ? std::cin : file_; }
-
- private:
-  std::string name_;
-  std::ifstream file_;
-};
-
-std::vector<CsvRow> NextRows(CsvReader& reader, std::size_t most) {
-  std::vector<CsvRow> rows;
-  std::size_t characters = 0;
-  CsvRow row;
-  while (rows.size() < most && characters < kCharacters && reader.NextUnsplit(row)) {
-    characters += row.text.size();
-    rows.push_back(std::move(row));
-  }
-  return rows;
-}
 
 /// Writes results in the order of the table, and counts.
 class Delivery {
@@ -119,13 +87,11 @@ std::string HeaderText(const Model& model, const CsvRow& header) {
 
 void EvalPoints(const PointsOptions& options) {
   const std::unique_ptr<Model> model = ReadModel(options.model);
-  Source table(options.table);
+  PointsSource table(options.table);
   CsvReader reader(table.Stream(), table.Name());
-  CsvRow header;
-  if (!reader.Next(header)) {
-    throw Refusal(Quoted(table.Name()) + " is empty: its first line has to name the columns");
-  }
+  const CsvRow header = HeaderOf(reader, table.Name());
   const PointColumns columns(*model, header, options.assignments, Quoted(table.Name()));
+  RequireNewHeadings(*model, header, Quoted(table.Name()));
   OutputFile out(options.out, {options.table, options.model});
   out.Write(HeaderText(*model, header));
 

@@ -126,12 +126,6 @@ PointColumns::PointColumns(const Model& model, const CsvRow& header,
   // A row reports its leftmost fault.
   std::sort(columns_.begin(), columns_.end(),
             [](const Column& a, const Column& b) { return a.index < b.index; });
-
-  for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
-    if (names.Times(heading) == 0) continue;
-    throw Refusal("the header of " + name + " already has a column " + Quoted(heading) +
-                  ", which the result adds; give it another name");
-  }
 }
 
 std::string PointColumns::Read(const Model& model, const CsvRow& row, Point& point) const {
@@ -194,6 +188,15 @@ std::vector<std::string> HeadingsOf(const std::vector<OutputColumns>& outputs) {
     if (output.has_scaled_error) headings.push_back(output.id + " scaled error");
   }
   return headings;
+}
+
+void RequireNewHeadings(const Model& model, const CsvRow& header, const std::string& name) {
+  const HeaderNames names(header.fields);
+  for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
+    if (names.Times(heading) == 0) continue;
+    throw Refusal("the header of " + name + " already has a column " + Quoted(heading) +
+                  ", which the result adds; give it another name");
+  }
 }
 
 }  // namespace pxrom_command

@@ -17,7 +17,7 @@ namespace pxrom_command {
 class PointColumns {
  public:
   /// Refusal that names the table, `name`, when an input has no column and no assignment, or more
-  /// than one of them, and when a column has the name of a column that the result adds.
+  /// than one of them.
   PointColumns(const Model& model, const CsvRow& header,
                const std::vector<std::string>& assignments, const std::string& name);
 
@@ -55,5 +55,8 @@ struct OutputColumns {
 std::vector<OutputColumns> OutputColumnsOf(const Model& model);
 /// "deflection", "deflection error", "deflection scaled error" and so on.
 std::vector<std::string> HeadingsOf(const std::vector<OutputColumns>& outputs);
+/// Refusal that names the table, `name`, when one of its columns has the name of a column that an
+/// evaluation adds.
+void RequireNewHeadings(const Model& model, const CsvRow& header, const std::string& name);
 
 }  // namespace pxrom_command

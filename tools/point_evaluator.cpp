@@ -39,6 +39,7 @@ const PointEvaluator::Combination& PointEvaluator::Prepared(const Point& point) 
   if (known != prepared_.end()) return known->second;
 
   Combination combination;
+  combination.discrete = point.discrete;
   std::string reason;
   RequireWithin(limit_, model_, point);
   if (pxrom::CPreparedModel::Prepare(model_, point.discrete, combination.model, &reason) != 0) {
@@ -112,11 +113,10 @@ void PointEvaluator::Append(const CsvRow& row, const std::optional<double>* cell
   text += row.line_end.empty() ? "\n" : row.line_end;
 }
 
-EvaluatedRows PointEvaluator::Evaluate(const std::vector<CsvRow>& rows) {
-  EvaluatedRows done;
-  done.rows = rows.size();
+PointEvaluator::Results PointEvaluator::Predict(const std::vector<CsvRow>& rows) {
   Results results;
   results.cells.resize(rows.size() * headings_);
+  results.combinations.resize(rows.size());
   results.faults.resize(rows.size());
 
   std::map<std::vector<int>, Group> groups;
@@ -124,14 +124,22 @@ EvaluatedRows PointEvaluator::Evaluate(const std::vector<CsvRow>& rows) {
   for (std::size_t r = 0; r < rows.size(); ++r) {
     results.faults[r] = columns_.Read(model_, rows[r], point);
     if (!results.faults[r].empty()) continue;
-    if (columns_.IsOutsideBounds(point)) ++done.outside_bounds;
+    if (columns_.IsOutsideBounds(point)) ++results.outside_bounds;
     Group& group = groups[point.Combination()];
     if (group.combination == nullptr) group.combination = &Prepared(point);
+    results.combinations[r] = group.combination;
     group.rows.push_back(r);
     for (const auto& [id, value] : point.continuous) group.points.push_back(value);
   }
   for (const auto& [key, group] : groups) EvaluateGroup(group, results);
+  return results;
+}
 
+EvaluatedRows PointEvaluator::Evaluate(const std::vector<CsvRow>& rows) {
+  EvaluatedRows done;
+  done.rows = rows.size();
+  Results results = Predict(rows);
+  done.outside_bounds = results.outside_bounds;
   for (std::size_t r = 0; r < rows.size(); ++r) {
     Append(rows[r], results.cells.data() + r * headings_, done.text);
     if (results.faults[r].empty()) continue;

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "csv_reader.h"
@@ -51,23 +52,31 @@ class PointEvaluator {
 
   EvaluatedRows Evaluate(const std::vector<CsvRow>& rows);
 
- private:
   /// What is prepared for one combination, and the heading for each number.
   struct Combination {
+    std::vector<std::pair<std::string, int>> discrete;
     Tarvane::Plexura::PXROM::CPreparedModel model;
     std::vector<std::size_t> value_headings;
     std::vector<std::size_t> error_headings;
   };
+  /// For each row a cell per heading, its combination, and what is wrong with it. A row that can't
+  /// be read has no combination.
+  struct Results {
+    std::vector<std::optional<double>> cells;
+    std::vector<const Combination*> combinations;
+    std::vector<std::string> faults;
+    std::size_t outside_bounds = 0;
+  };
+
+  /// The numbers of Evaluate.
+  Results Predict(const std::vector<CsvRow>& rows);
+
+ private:
   /// The rows of one combination and their points, row by row.
   struct Group {
     const Combination* combination = nullptr;
     std::vector<std::size_t> rows;
     std::vector<double> points;
-  };
-  /// For each row a cell per heading, and what is wrong with it.
-  struct Results {
-    std::vector<std::optional<double>> cells;
-    std::vector<std::string> faults;
   };
 
   const Combination& Prepared(const Point& point);

@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "html.h"
+#include "html_table.h"
 #include "overview.h"
 #include "pxrom/version.h"
 #include "report/assets.h"
+#include "validation_section.h"
 #include "wording.h"
 
 namespace pxrom_command {
@@ -20,47 +22,7 @@ namespace pxrom = Tarvane::Plexura::PXROM;
 
 namespace {
 
-constexpr std::size_t kLongTable = 40;
-
-/// A cell's text is escaped where it is written.
-struct Cell {
-  std::string text;
-  std::string classes;
-};
-using Row = std::vector<Cell>;
-
-struct HtmlTable {
-  std::string title;
-  Row heads;
-  std::vector<Row> rows;
-};
-
-std::string ClassOf(const Cell& cell) {
-  return cell.classes.empty() ? "" : " class=\"" + cell.classes + '"';
-}
-
-std::string Html(const HtmlTable& table) {
-  std::string html = "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"" +
-                     Escaped(table.title) + "\"><table>\n<thead><tr>";
-  for (const Cell& head : table.heads) {
-    html += "<th scope=\"col\"" + ClassOf(head) + '>' + Escaped(head.text) + "</th>";
-  }
-  html += "</tr></thead>\n<tbody>\n";
-  for (const Row& row : table.rows) {
-    html += "<tr>";
-    for (const Cell& cell : row) html += "<td" + ClassOf(cell) + '>' + Escaped(cell.text) + "</td>";
-    html += "</tr>\n";
-  }
-  html += "</tbody></table></div>\n";
-  if (table.rows.size() <= kLongTable) return html;
-  return "<details><summary>" + Counted(table.rows.size(), "row") + "</summary>\n" + html +
-         "</details>\n";
-}
-
-std::string Section(const std::string& id, const std::string& title, const std::string& content) {
-  return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id +
-         "-title\">" + title + "</h2>\n" + content + "</section>\n";
-}
+using Row = HtmlTable::Row;
 
 std::string KindOf(const pxrom::CParameterOverview& parameter) {
   return TypeOf(parameter.type) + (parameter.enabled ? "" : ", disabled");
@@ -252,7 +214,8 @@ std::string ReportPage(const ReportedStudy& study) {
        {"SUMMARY", SummaryOf(overview)},
        {"VERDICT_KIND", VerdictKind(inspection)},
        {"VERDICT", "Checked: " + CountsOf(inspection)},
-       {"LIVE", LiveSection(study)},
+       {"LIVE", LiveSection(study) +
+                    (study.validation.has_value() ? ValidationSection(*study.validation) : "")},
        {"FINDINGS", FindingsSection(inspection)},
        {"STUDY", ParametersSection(parameters, pxrom::CausalityInput) +
                      ParametersSection(parameters, pxrom::CausalityOutput) +

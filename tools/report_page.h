@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "pxrom/inspection.h"
+#include "validation_section.h"
 
 namespace pxrom_command {
 
@@ -11,6 +13,7 @@ struct ReportedStudy {
   std::string file;
   std::string text;
   Tarvane::Plexura::PXROM::CInspectionReport inspection;
+  std::optional<ReportedValidation> validation;
 };
 
 /// Whether this build can write pages that evaluate.

@@ -45,6 +45,7 @@ int Parsed(int argc, const char* const* argv) {
   app.require_subcommand(1);
   app.footer("pxrom COMMAND --help shows its options and an example.");
   pxrom_command::AddEval(app);
+  pxrom_command::AddValidate(app);
   pxrom_command::AddInfo(app);
   pxrom_command::AddCheck(app);
   pxrom_command::AddFmu(app);

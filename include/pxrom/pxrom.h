@@ -29,5 +29,6 @@
 #include "pxrom/rs_evaluator.h"
 #include "pxrom/support_vector.h"
 #include "pxrom/types.h"
+#include "pxrom/validation.h"
 #include "pxrom/version.h"
 #include "pxrom/writer.h"

@@ -16,6 +16,7 @@ from ._findings import Finding, check
 from ._model import Combination, Cost, Model, Parameter, format, load, loads
 from ._prediction import Columns, Prediction
 from ._predictor import Predictor
+from ._validation import Scores, Validation
 
 __all__ = [
     "Columns",
@@ -26,6 +27,8 @@ __all__ = [
     "Parameter",
     "Prediction",
     "Predictor",
+    "Scores",
+    "Validation",
     "__version__",
     "check",
     "format",

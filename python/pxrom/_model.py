@@ -7,7 +7,7 @@ from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tup
 
 import numpy as np
 
-from . import _core, _files, _findings, _html, _points
+from . import _core, _files, _findings, _html, _points, _validation
 from ._prediction import Prediction
 from ._predictor import Predictor
 from ._wording import did_you_mean, listed, visible
@@ -140,7 +140,7 @@ class Model:
         self._keys: Dict[Tuple[int, ...], Tuple[str, ...]] = dict(self._model.combinations())
         self._input_names = tuple(parameter.name for parameter in self.inputs)
         self._discrete_names = tuple(parameter.name for parameter in self.discrete)
-        self.combinations = tuple(Combination(self._named(key)) for key in self._keys)
+        self.combinations = tuple(self._combination(key) for key in self._keys)
         self._prepared: Dict[Tuple[int, ...], _core.Prepared] = {}
         self._lock = threading.Lock()
 
@@ -194,12 +194,10 @@ class Model:
             if names:
                 raise ValueError(f"X is missing: points with the inputs {listed(names)}")
             X = np.empty((1, 0))
-        points, columns = _points.tables(X, names, self._discrete_names)
-        if columns:
-            _points.require_key(columns, fixed, _EACH_ROW)
+        points, groups = self._points_by_combination(X, fixed)
         parts = [
             (key, rows, self._evaluate(key, points[rows], return_error, gradient, mode, jobs))
-            for key, rows in self._groups(fixed, columns, X, len(points))
+            for key, rows in groups
         ]
         if len(parts) == 1:
             made = parts[0][2]
@@ -253,6 +251,27 @@ class Model:
             scaled_errors=frozenset(self._keys[key]).intersection(chosen),
             gradient_hint=f" {_HOW_TO_RAISE}",
         )
+
+    def validate(
+        self, table: Any, discrete: Optional[Mapping[str, int]] = None
+    ) -> _validation.Validation:
+        """Compares predictions with measurements, as ``pxrom validate`` does.
+
+        Args:
+            table: a pandas frame, or a mapping from name to values, with a column per input,
+                discrete inputs among them, and one for each output that was measured. NaN is a
+                missing value. Other columns are ignored.
+            discrete: the values of discrete inputs that have no column.
+
+        Returns:
+            A :class:`Validation`: ``validation["mass"].r2``, ``validation.frame()``;
+            :mod:`pxrom.plot` has pictures of it.
+
+        Raises:
+            ValueError: when columns are missing or don't fit, and when a row has a combination that
+                was not fitted.
+        """
+        return _validation.validate(self, table, discrete)
 
     def cost(self, discrete: Optional[Mapping[str, int]] = None) -> Cost:
         """The cost of :meth:`predict` for a combination: all outputs together, without gradients.
@@ -344,6 +363,15 @@ class Model:
                 if whole is not None:
                     whole[cells] = piece
         return joined
+
+    def _points_by_combination(
+        self, X: Any, fixed: Mapping[str, int]
+    ) -> Tuple[np.ndarray, List[Tuple[Tuple[int, ...], Any]]]:
+        """The points as a table, and their combinations, each with the places of its rows."""
+        points, columns = _points.tables(X, self._input_names, self._discrete_names)
+        if columns:
+            _points.require_key(columns, fixed, _EACH_ROW)
+        return points, self._groups(fixed, columns, X, len(points))
 
     def _groups(
         self, fixed: Mapping[str, int], columns: Mapping[str, np.ndarray], points: Any, rows: int
@@ -439,6 +467,9 @@ class Model:
             with self._lock:
                 prepared = self._prepared.setdefault(key, made)
         return prepared
+
+    def _combination(self, key: Tuple[int, ...]) -> Combination:
+        return Combination(self._named(key))
 
     def _named(self, key: Tuple[int, ...]) -> List[Tuple[str, int]]:
         return list(zip(self._discrete_names, key))

@@ -4,19 +4,21 @@
     >>> figure.savefig("slices.png")
 
 :func:`slices` varies one input at a time through a point, for one output or all of them;
-:func:`contour` varies two. Both return a matplotlib figure and show nothing. Inputs that the point
-leaves out are in the middle of their bounds.
+:func:`contour` varies two. Inputs that the point leaves out are in the middle of their bounds.
+:func:`predicted_actual` and :func:`residuals` show what :meth:`Model.validate` found. All return a
+matplotlib figure and show nothing.
 """
 
-from typing import Any, Dict, List, Mapping, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, List, Mapping, Optional, Sequence, Tuple
 
 import numpy as np
 
 from ._model import Model, Parameter
 from ._points import names_of
+from ._validation import Validation
 from ._wording import did_you_mean, visible
 
-__all__ = ["contour", "slices"]
+__all__ = ["contour", "predicted_actual", "residuals", "slices"]
 
 _STEPS = 101
 _ACROSS = 5
@@ -109,6 +111,57 @@ def contour(
     ax.set_xlabel(_label(model.inputs[i]))
     ax.set_ylabel(_label(model.inputs[j]))
     figure.suptitle(_title(discrete))
+    return figure
+
+
+def predicted_actual(validation: Validation, *, outputs: Any = None) -> Any:
+    """Predicted values over measured ones, a picture per output. Points on the line agree; bars are
+    the predicted errors, where they are in the unit of the output."""
+
+    def draw(ax: Any, output: str, measured: np.ndarray, predicted: np.ndarray) -> None:
+        errors = np.abs(validation.errors[output])
+        ax.errorbar(
+            measured,
+            predicted,
+            errors,
+            fmt="o",
+            ms=4,
+            lw=0.8,
+            color=_COLOURS["line"],
+            ecolor=_COLOURS["band"],
+        )
+        ends = [np.nanmin([measured, predicted]), np.nanmax([measured, predicted])]
+        ax.plot(ends, ends, color=_COLOURS["point"], lw=0.8)
+        ax.set_ylabel(_label(_named(validation.model.outputs, output)) + " predicted")
+
+    return _validated(validation, outputs, draw)
+
+
+def residuals(validation: Validation, *, outputs: Any = None) -> Any:
+    """Predicted minus measured values over the measured ones, a picture per output."""
+
+    def draw(ax: Any, output: str, measured: np.ndarray, predicted: np.ndarray) -> None:
+        ax.axhline(0.0, color=_COLOURS["point"], lw=0.8)
+        ax.plot(measured, predicted - measured, "o", ms=4, color=_COLOURS["line"])
+        ax.set_ylabel(_label(_named(validation.model.outputs, output)) + " difference")
+
+    return _validated(validation, outputs, draw)
+
+
+def _validated(
+    validation: Validation,
+    outputs: Any,
+    draw: Callable[[Any, str, np.ndarray, np.ndarray], None],
+) -> Any:
+    shown = _chosen(outputs, validation.outputs, "measured output")
+    across = min(len(shown), 3)
+    down = -(-len(shown) // across)
+    figure = _figure(3.4 * across, 3.2 * down)
+    for place, output in enumerate(shown):
+        ax = figure.add_subplot(down, across, place + 1)
+        draw(ax, output, validation.measured[output], validation.predicted[output])
+        ax.set_xlabel("measured")
+        ax.set_title(f"R2 = {validation[output].r2:.4g}", fontsize="medium")
     return figure
 
 

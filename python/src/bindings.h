@@ -12,6 +12,7 @@ namespace pxrom_python {
 void BindModel(pybind11::module_& module);
 void BindPredictor(pybind11::module_& module);  // after BindModel
 void BindInspection(pybind11::module_& module);
+void BindValidation(pybind11::module_& module);
 void BindRecords(pybind11::module_& module);
 void BindWriter(pybind11::module_& module);
 /// Only in builds that have the command.

@@ -12,6 +12,7 @@ PYBIND11_MODULE(_core, module) {
   pxrom_python::BindModel(module);
   pxrom_python::BindPredictor(module);
   pxrom_python::BindInspection(module);
+  pxrom_python::BindValidation(module);
   pxrom_python::BindRecords(module);
   pxrom_python::BindWriter(module);
 #ifdef PXROM_PYTHON_COMMAND

@@ -32,7 +32,7 @@ std::string Again(const std::string& session) {
 
 TEST(Sessions, ShowTheSameAgain) {
   for (const char* const name :
-       {"eval", "points", "format", "inspection", "pages", "fmu", "files"}) {
+       {"eval", "points", "format", "inspection", "pages", "validate", "fmu", "files"}) {
     SCOPED_TRACE(name);
     const std::string session =
         command::Contents(PXROM_SOURCE "/tests/data/tools/" + std::string(name) + ".txt");
@@ -43,7 +43,7 @@ TEST(Sessions, ShowTheSameAgain) {
 
 TEST(Command, ShowsItsVersionAndItsExamplesWork) {
   EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");
-  for (const char* const name : {"eval", "info", "check", "fmu", "format", "report"}) {
+  for (const char* const name : {"eval", "info", "check", "fmu", "format", "report", "validate"}) {
     const Result result =
         Shell("pxrom " + std::string(name) +
               " --help | sed -n '/^Example:/{n;p}' >example && grep -q '^  pxrom " + name +
