@@ -151,7 +151,7 @@ struct PXROM_API CKrigingData : public CRSData {
   /// error of the universal Kriging predictor (Sacks et al. 1989),
   ///   v = InvC r, w = Ft v - f, g = InvG w, error = sqrt(|Sigma2 (1 + |g|^2 - |v|^2)|).
   /// A negative radicand gives a positive error, not a failure and not 0. The result is in the
-  /// units of the scaled output.
+  /// unit of Sigma2's root.
   /// 1 with `out` untouched when KrigingDataVersion is below 192, when InvC, InvG or Ft is empty
   /// (so a surface without a trend has no error), or when a count is negative or any of the five
   /// matrices is smaller than the counts require. All arguments except `out` are only read.
@@ -171,7 +171,8 @@ struct PXROM_API CKrigingData : public CRSData {
   /// Whether the fields below hold the data of the predictor error.
   bool SavePredictorError = false;
   int NumberOfPolyCoeff = 0;
-  /// Process variance, in the square of the scaled output's units.
+  /// Process variance. No operation scales an error back, so those who write a record store it in
+  /// the square of the unit of the surface's values, and not of the scaled output.
   double Sigma2 = 0.0;
   /// n by n: inverse of the factor of the correlation matrix.
   std::vector<std::vector<double>> InvC;
@@ -197,8 +198,8 @@ class PXROM_API CKrigingEvaluator : public CRSEvaluator {
   CKrigingEvaluator* Clone() const override;
   ~CKrigingEvaluator() override;
 
-  /// Value and predictor error at `x`. The error is the estimated standard deviation **in units of
-  /// the scaled output**: it is not scaled back.
+  /// Value and predictor error at `x`. The error is the estimated standard deviation, **in the unit
+  /// of Sigma2's root**: it is not scaled back.
   ///
   /// **This form can change the record, although it takes it as const.** Only status 0 leaves the
   /// record unchanged. If the value is valid but there is no error (-2: SavePredictorError is

@@ -20,7 +20,20 @@ class EvaluatedSurface : public PreparedSurface {
 
   void Evaluate(const Points& points, const Tools&, const Results& results) const override {
     EvaluateOneByOne(family_.evaluator(), *record_, inputs_, points, results);
+    if (results.inUnit.errors == nullptr) return;
+    results.FillInUnit(points.count);
+    // A value remains where only the form with an error refuses.
+    double values[kBlock];
+    int statuses[kBlock];
+    EvaluateOneByOne(family_.evaluator(), *record_, inputs_, points, {values, nullptr, statuses});
+    for (std::size_t point = 0; point < points.count; ++point) {
+      if (results.statuses[point] != 1 || statuses[point] == 1) continue;
+      results.values[point] = values[point];
+      results.statuses[point] = -2;
+    }
   }
+
+  bool HasErrors() const override { return family_.hasErrorForm; }
 
   int Gradient(const double* x, double*, double* gradient) const override {
     const bool isOff = family_.derivative != Derivative::OfValue ||

@@ -1,6 +1,7 @@
 #include "records/prepared_surface.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Tarvane::Plexura::PXROM::batch {
 
@@ -15,6 +16,15 @@ class RefusedSurface : public PreparedSurface {
 };
 
 }  // namespace
+
+void Results::FillInUnit(std::size_t count) const {
+  if (inUnit.errors == nullptr) return;
+  for (std::size_t point = 0; point < count; ++point) {
+    inUnit.errors[point] = std::fabs(errors[point]);
+    inUnit.below[point] = inUnit.errors[point];
+    inUnit.above[point] = inUnit.errors[point];
+  }
+}
 
 std::unique_ptr<PreparedSurface> PrepareRefused() { return std::make_unique<RefusedSurface>(); }
 

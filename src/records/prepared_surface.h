@@ -63,12 +63,26 @@ struct Points {
   std::size_t firstBlock = 0;  ///< which of the blocks for which values are shared
 };
 
+/// Errors in the unit of the values that they belong to. None is negative.
+struct ErrorsInUnit {
+  double* errors = nullptr;
+  // From the value to both ends of the interval; different where a transformation bends it.
+  double* below = nullptr;
+  double* above = nullptr;
+};
+
 /// The results of the blocks: kBlock values for each of them, of which the first Points::count
 /// count.
 struct Results {
   double* values = nullptr;
   double* errors = nullptr;  ///< null for the form without errors
   int* statuses = nullptr;   ///< as the evaluator's: 0, 1 or, with errors, -2
+  /// Asked for only with errors, from a surface that HasErrors.
+  ErrorsInUnit inUnit = {};
+
+  /// For a surface whose errors are in the unit of its values. Does nothing unless they are asked
+  /// for.
+  void FillInUnit(std::size_t count) const;
 };
 
 /// One surface, prepared for many points. It never changes after Share.
@@ -92,6 +106,11 @@ class PreparedSurface {
   /// Gives what the surface's evaluator gives at each of the points. Where a status is 1, value and
   /// error have no meaning.
   virtual void Evaluate(const Points& points, const Tools& tools, const Results& results) const = 0;
+
+  /// Whether Evaluate with errors gives them.
+  virtual bool HasErrors() const { return false; }
+  /// Whether they go through an output transformation, by its derivative.
+  virtual bool AreErrorsFirstOrder() const { return false; }
 
   /// Whether FastValues differs from Evaluate without errors.
   virtual bool HasFastForm() const { return false; }

@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "pxrom/batch.h"
 #include "support/model_files.h"
 #include "support/source_path.h"
 
@@ -69,6 +70,36 @@ TEST_P(FittedModel, GivesTheResultsOfItsTool) {
     // A case without any error has no tolerance for one.
     if (!errors.empty()) ExpectNear(errors, c["errors"], c["error_tolerance"]);
     EXPECT_EQ(errors.size(), c["errors"].size());
+  }
+}
+
+// The ensembles of one surface don't scale their output, so the tool's error is in its unit.
+TEST_P(FittedModel, GivesTheErrorsOfItsToolInTheUnit) {
+  const fs::path folder = fs::path(SourcePath("tests/data/models")) / GetParam();
+  CDiscreteCombinations model;
+  ASSERT_NO_FATAL_FAILURE(ReadModel((folder / "model.pxdb").string(), model));
+  for (const Json& c : Json::parse(ContentOf((folder / "cases.json").string()))) {
+    CPreparedModel prepared;
+    ASSERT_EQ(CPreparedModel::Prepare(model, Named<int>(c["discrete"]), prepared), 0);
+    std::vector<double> point;
+    for (const std::string& id : prepared.InputIDs()) point.push_back(c["continuous"].at(id));
+    const std::size_t count = prepared.OutputIDs().size();
+    std::vector<double> values(count), errors(count);
+    ASSERT_EQ(
+        prepared.EvaluateWithUnits(point.data(), 1, PrecisionExact, {values.data(), errors.data()}),
+        0);
+    for (std::size_t o = 0; o < count; ++o) {
+      const std::string& id = prepared.OutputIDs()[o];
+      const double value = c["outputs"].at(id);
+      EXPECT_NEAR(values[o], value, double{c["tolerance"]} * std::max(1.0, std::fabs(value)));
+      const CErrorOrigin origin = prepared.ErrorOrigin(o);
+      EXPECT_EQ(origin.origin == ErrorNone, std::isnan(errors[o])) << id;
+      if (origin.origin != ErrorFromAllSurfaces || origin.surfaces > 1 || origin.firstOrder) {
+        continue;
+      }
+      const double error = c["errors"].at(id);
+      EXPECT_NEAR(errors[o], error, double{c["error_tolerance"]} * std::max(1.0, error)) << id;
+    }
   }
 }
 

@@ -15,9 +15,14 @@ class ConstantSurface : public batch::PreparedSurface {
     std::fill_n(results.values, points.count, value_);
     // As CConstantEvaluator does.
     const bool hasError = results.errors != nullptr && inputs_ == 0;
-    if (hasError) std::fill_n(results.errors, points.count, 0.0);
+    if (hasError) {
+      std::fill_n(results.errors, points.count, 0.0);
+      results.FillInUnit(points.count);
+    }
     std::fill_n(results.statuses, points.count, results.errors != nullptr && !hasError ? -2 : 0);
   }
+
+  bool HasErrors() const override { return inputs_ == 0; }
 
   int Gradient(const double*, double*, double* gradient) const override {
     std::fill_n(gradient, inputs_, 0.0);

@@ -100,6 +100,8 @@ class ProcessSurface : public PreparedSurface {
     EvaluateBlock(points, tools, work, nullptr, results.values);
   }
 
+  bool HasErrors() const override { return norms_ != nullptr; }
+
   bool HasFastForm() const override { return fast_.IsThere(); }
 
   double FastDeviation(double magnitude) const override {
@@ -324,6 +326,7 @@ class ProcessSurface : public PreparedSurface {
       results.errors[point] = process_.ErrorPart().Of(variance < 0.0 ? 0.0 : variance) /
                               std::fabs(record_.OutputScaleSlope);
     }
+    results.FillInUnit(points.count);
   }
 
   CGaussianProcessData record_;

@@ -106,6 +106,8 @@ class KernelSurface : public PreparedSurface {
     FinishValues(points.count, *tools.exact, work, results.values);
   }
 
+  bool HasErrors() const override { return model_.error != nullptr; }
+
   bool HasFastForm() const override { return !fast_.inputFactors.empty(); }
 
   double FastDeviation(double magnitude) const override {
@@ -329,6 +331,8 @@ class KernelSurface : public PreparedSurface {
       const double ng = std::sqrt(squaresOfG[point]);
       results.errors[point] = std::sqrt(std::fabs((ng * ng + 1.0 - nc * nc) * data.sigma2));
     }
+    // A record holds its variance in the unit of its values.
+    results.FillInUnit(points.count);
   }
 
   KernelModel model_;  ///< without the centres

@@ -56,7 +56,7 @@ class Prediction {
     return true;
   }
 
-  /// The predictor error, in units of the scaled output, after a successful Value. It is the result
+  /// The predictor error, in the unit of the root of Sigma2, after a successful Value. It is the result
   /// of EvalErrorPredictions for this point and scaled samples; the correlations and trend
   /// functions are not computed again. False without error data.
   bool Error(double& error) {

@@ -8,6 +8,7 @@
 
 #include "families/polynomial/expansion.h"
 #include "families/regression/transformation_slopes.h"
+#include "families/regression/transformed_errors.h"
 #include "records/evaluation_frame.h"
 
 namespace Tarvane::Plexura::PXROM::batch {
@@ -92,8 +93,14 @@ class PolynomialSurface : public PreparedSurface {
           results.errors == nullptr
               ? evaluator.EvaluateResponseSurface(&record_, x, value)
               : evaluator.EvaluateResponseSurface(&record_, x, value, results.errors[point]);
+      if (results.inUnit.errors != nullptr && results.statuses[point] == 0) {
+        FillErrorInUnit(x.data(), point, results);
+      }
     }
   }
+
+  bool HasErrors() const override { return expansion_.HasCovariance(); }
+  bool AreErrorsFirstOrder() const override { return record_.OutputTransformType != TransformNone; }
 
   std::size_t GradientWorkSize() const override {
     return 2 * expansion_.TableSize() + expansion_.LongestProduct();
@@ -122,8 +129,26 @@ class PolynomialSurface : public PreparedSurface {
     return BacktransformationSlope(expansion_.Back(), s, record_.OutputTransformValue,
                                    record_.OutputLambda);
   }
+  /// From the sum of the terms and its standard error.
+  void FillErrorInUnit(double sum, double deviation, std::size_t point,
+                       const Results& results) const {
+    const OutputWay way = {&expansion_.Back(), record_.OutputTransformValue, record_.OutputLambda,
+                           record_.OutputScaleSlope, record_.OutputScaleIntercept};
+    FillTransformedError(way, sum, deviation, point, results);
+  }
 
  private:
+  void FillErrorInUnit(const double* x, std::size_t point, const Results& results) const {
+    std::vector<double> table(expansion_.TableSize());
+    if (expansion_.FillTable(x, table.data(), nullptr) != 0) return;
+    std::vector<double> products(expansion_.Terms());
+    for (std::size_t k = 0; k < products.size(); ++k) {
+      products[k] = expansion_.Product(k, table.data());
+    }
+    FillErrorInUnit(expansion_.Sum(table.data()), std::sqrt(expansion_.QuadraticForm(products)),
+                    point, results);
+  }
+
   CPolynomialData record_;
   std::size_t inputs_;
   Expansion expansion_;
@@ -241,6 +266,9 @@ class BlockedPolynomial : public PolynomialSurface {
       const double deviation = std::sqrt(std::max(work.part[point], 0.0));
       results.errors[point] =
           std::fabs(BackSlope(work.sums[point])) * deviation / std::fabs(Record().OutputScaleSlope);
+      if (results.inUnit.errors != nullptr) {
+        FillErrorInUnit(work.sums[point], deviation, point, results);
+      }
     }
   }
 

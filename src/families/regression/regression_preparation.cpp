@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "families/regression/record_parts.h"
 #include "families/regression/transformation_slopes.h"
+#include "families/regression/transformed_errors.h"
 #include "families/regression/transformers.h"
 #include "pxrom/regression.h"
 #include "records/evaluation_frame.h"
@@ -145,8 +147,13 @@ class RegressionSurface : public PreparedSurface {
     for (std::size_t point = 0; point < points.count; ++point) {
       results.statuses[point] = Finish(points, point, work.sums[point], results.values[point]);
     }
-    if (results.errors != nullptr) FillErrors(points.count, *tools.exact, work, results.errors);
+    if (results.errors == nullptr) return;
+    FillErrors(points.count, *tools.exact, work, results.errors);
+    if (results.inUnit.errors != nullptr) FillErrorsInUnit(points.count, work, results);
   }
+
+  bool HasErrors() const override { return interval_ != nullptr; }
+  bool AreErrorsFirstOrder() const override { return record_.OutputTransformType != TransformNone; }
 
   std::size_t GradientWorkSize() const override { return 2 * inputs_ + 1; }
 
@@ -261,6 +268,28 @@ class RegressionSurface : public PreparedSurface {
     loops.quadraticForm(interval_->invXtX.data(), work.f, terms_.count, count, work.part);
     for (std::size_t point = 0; point < count; ++point) {
       errors[point] = HalfWidth(record_, work.part[point], interval_->quantile);
+    }
+  }
+
+  void FillErrorsInUnit(std::size_t count, const RegressionWork& work,
+                        const Results& results) const {
+    const OutputWay way = {back_, record_.OutputTransformValue, record_.OutputLambda,
+                           record_.OutputScaleSlope, record_.OutputScaleIntercept};
+    results.FillInUnit(count);
+    for (std::size_t point = 0; point < count; ++point) {
+      double b = work.sums[point];
+      if (results.statuses[point] != 0 ||
+          back_->BacktransformAndOverwrite(b, way.value, way.lambda) != 0) {
+        continue;
+      }
+      if (IsHole(b)) {
+        // The value is an interpolation, which has no error.
+        results.inUnit.errors[point] = std::numeric_limits<double>::quiet_NaN();
+      } else if (AreErrorsFirstOrder()) {
+        // The error is that of the transformed output, divided by the slope.
+        const double deviation = std::fabs(results.errors[point] * way.slope);
+        FillTransformedError(way, work.sums[point], deviation, point, results);
+      }
     }
   }
 
