@@ -25,6 +25,59 @@ enum E_PrecisionMode : std::int32_t {
   PrecisionFast = 1,
 };
 
+/// Whose error the error of an output is.
+enum E_ErrorOrigin : std::int32_t {
+  /// There is none.
+  ErrorNone = 0,
+  /// The spread of the predictions that leave out one fold each (fitting_candidates.h).
+  ErrorFromCrossValidation = 1,
+  /// Those of all surfaces of the ensemble together; also of a single surface.
+  ErrorFromAllSurfaces = 2,
+  /// That of one surface, since others of the ensemble report none: **not that of the ensemble.**
+  ErrorFromOneSurface = 3,
+};
+
+/// Where the error of an output comes from, which is the same at every point.
+struct CErrorOrigin {
+  E_ErrorOrigin origin = ErrorNone;
+  /// With ErrorFromOneSurface: the surface, from 0.
+  std::size_t surface = 0;
+  /// The number of surfaces of the ensemble.
+  std::size_t surfaces = 0;
+  /// Whether it went through an output transformation to first order: multiplied by the magnitude
+  /// of the derivative there (the delta method).
+  bool firstOrder = false;
+};
+
+/// Where results go: tables of one row for each point and one column for each output. Any may be
+/// null.
+struct CResultsInUnits {
+  double* values = nullptr;
+  /// In the unit of the output, never negative.
+  double* errors = nullptr;
+  /// The ends of the interval that the error stands for: value - error and value + error, and
+  /// through an output transformation the images of the ends before it, which need not be as far
+  /// from the value as the error is. An end that the transformation refuses is infinite. Where the
+  /// transformation is not monotonic between the ends, value - error and value + error again.
+  double* lower = nullptr;
+  double* upper = nullptr;
+  /// The raw error: as Evaluate gives it, in the space of the surface that reports it.
+  double* rawErrors = nullptr;
+  int* statuses = nullptr;
+};
+
+/// Where the locations of points go. Any may be null.
+struct CLocations {
+  /// For each row and output 1 if the point is inside the ranges of the samples, 0 if it is outside
+  /// one of them, -1 if the model does not hold the samples.
+  int* inside = nullptr;
+  /// For each row and output the distance to the nearest sample, see LocatePoints.
+  double* distances = nullptr;
+  /// For each row, output and input -1 if the input lies below its range, 1 if it lies above or is
+  /// not a number, else 0.
+  signed char* sides = nullptr;
+};
+
 /// One combination of discrete values, prepared for evaluation at many points. It holds its own
 /// copy of all that it needs, laid out for speed: scaled samples, contiguous matrices, and
 /// everything that does not depend on the point, computed in advance. Preparing only reads the
@@ -81,10 +134,11 @@ class PXROM_API CPreparedModel {
   int Select(const std::vector<std::string>& outputIDs, CPreparedModel& out,
              std::string* reason = nullptr) const;
 
-  /// What Evaluate, with errors, and EvaluateGradients cost at each point. Zeros when nothing is
-  /// prepared.
+  /// What Evaluate, with errors, EvaluateGradients and LocatePoints cost at each point. Zeros when
+  /// nothing is prepared.
   CEvaluationCost Cost() const;
   CEvaluationCost GradientCost() const;
+  CEvaluationCost LocationCost() const;
 
   /// The enabled continuous inputs by rank: what a row of points consists of.
   const std::vector<std::string>& InputIDs() const;
@@ -108,6 +162,60 @@ class PXROM_API CPreparedModel {
   /// is unknown, or a required pointer is null.
   int Evaluate(const double* points, std::size_t rows, E_PrecisionMode mode, double* values,
                double* errors, int* statuses) const;
+
+  /// Where the errors of output number `output` come from, in the order of OutputIDs. ErrorNone for
+  /// a number without an output.
+  CErrorOrigin ErrorOrigin(std::size_t output) const;
+
+  /// Values at `rows` points with errors in the unit of their outputs. No family loses its values
+  /// here: a status is 1 only where the form of Evaluate without errors gives 1.
+  ///   0   value and error are valid; the value alone if no error is asked for.
+  ///   -2  the value is valid; there is no error, and its numbers are NaN.
+  ///   1   failed: all are NaN.
+  ///
+  /// What an error means is for its family to say: a standard deviation (Kriging, Gaussian
+  /// processes), a standard error (polynomials), half the width of a one-sided prediction interval
+  /// (regression), three times the spread of the folds (cross-validation). Linear scalings divide
+  /// it by the magnitude of their slope. An ensemble whose surfaces all report an error has the sum
+  /// of these errors, each times the magnitude of its weight. No standard deviation of the weighted
+  /// sum is larger, however the surfaces depend on each other (Minkowski's inequality). They were
+  /// fitted to the same samples, so that a smaller number would have to assume something. A weight
+  /// of 0 leaves a surface out. An ensemble where only some report an error has that of the last
+  /// one that does, without its weight: see ErrorFromOneSurface.
+  ///
+  /// The modes are those of Evaluate, and so is what it returns; here `results.values` may be null.
+  int EvaluateWithUnits(const double* points, std::size_t rows, E_PrecisionMode mode,
+                        const CResultsInUnits& results) const;
+
+  /// For each input, in the order of InputIDs, the lowest and the highest value among the samples
+  /// that output number `output` was fitted to, in physical units. These are the samples of its
+  /// ensemble or, if that holds none, of its surfaces. A range of samples is not a bound of the
+  /// registry: a designer may allow more than was sampled. 0; 1 with both untouched for a number
+  /// without an output and where the model holds no samples, as often without inputs.
+  int SampleRanges(std::size_t output, std::vector<double>& lower,
+                   std::vector<double>& upper) const;
+
+  /// Where points are relative to the samples of each output.
+  ///
+  /// A point is outside if one of its inputs is: if it lies beyond the range of the samples by more
+  /// than 1e-9 of its width and 1e-14 of its larger end, which is what rounding in the scaling of
+  /// an ensemble may cause.
+  ///
+  /// The distance is that to the nearest sample, in units of the typical spacing of the samples:
+  /// below 1 a point is nearer to a sample than samples usually are to each other, and far above 1
+  /// the surfaces have little to go by, also inside the ranges. It is Euclidean, with each input
+  /// divided by the width of its range; inputs whose samples are all equal do not count. The
+  /// typical spacing is the median of the distances from each sample to the nearest other one.
+  /// Equal samples count once. Of more than 1,024 samples, 1,024 count, evenly spread in the order
+  /// of their values by input; the distance is always that to the nearest of all. It is NaN with
+  /// fewer than two different samples and for a point with a NaN, and infinite for one with an
+  /// infinity.
+  ///
+  /// Exact to the last bit, with any instruction set. The first call with `distances` finds the
+  /// typical spacing, in at most 3,000 operations for each number of the samples. Returns what
+  /// EvaluateGradients does.
+  int LocatePoints(const double* points, std::size_t rows, const CLocations& locations,
+                   std::string* reason = nullptr) const;
 
   /// The derivatives of the values with respect to the inputs, in physical units: for each row and
   /// output one number per input. They are the derivatives of the formulas, through all scalings
@@ -137,6 +245,10 @@ class PXROM_API CPreparedModel {
 
   struct Parts;
   class SharedArea;
+  enum class Form { Values, Errors, Units };
+
+  void Run(const double* points, std::size_t rows, E_PrecisionMode mode, Form form,
+           const CResultsInUnits& results) const;
 
   std::shared_ptr<const Parts> parts_;
 };

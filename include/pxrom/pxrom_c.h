@@ -173,6 +173,55 @@ PXROM_API pxrom_status pxrom_prepared_evaluate(const pxrom_prepared* prepared, c
                                                double* errors, int32_t* statuses, char* message,
                                                size_t message_size);
 
+/* Whose error the error of an output is. */
+typedef enum pxrom_error_origin {
+  PXROM_ERROR_NONE = 0,
+  /* the spread of the predictions that leave out one fold each */
+  PXROM_ERROR_FROM_CROSS_VALIDATION = 1,
+  /* those of all surfaces of the ensemble together; also of a single surface */
+  PXROM_ERROR_FROM_ALL_SURFACES = 2,
+  /* that of one surface, since others report none: not that of the ensemble */
+  PXROM_ERROR_FROM_ONE_SURFACE = 3
+} pxrom_error_origin;
+
+/* Where the error of output number `output` comes from; PXROM_ERROR_NONE for a null handle or an
+ * unknown output. Unless they are null, `surface` gets the number of that one surface, from 0, and
+ * `first_order` whether the error went through an output transformation by its derivative. */
+PXROM_API int32_t pxrom_prepared_error_origin(const pxrom_prepared* prepared, size_t output,
+                                              size_t* surface, int32_t* first_order);
+
+/* Values at `rows` points with errors in the unit of their outputs, for every family: a family
+ * without a predicted error gives PXROM_POINT_WITHOUT_ERROR and its value. `errors` are not
+ * negative; `lower` and `upper` are the ends of the interval that they stand for, which need not be
+ * as far from the value through an output transformation; `raw_errors` are those of
+ * pxrom_prepared_evaluate, as the surface reports them. Each table may be null. The rest is as for
+ * pxrom_prepared_evaluate. */
+PXROM_API pxrom_status pxrom_prepared_evaluate_with_units(
+    const pxrom_prepared* prepared, const double* points, size_t rows, int32_t mode, double* values,
+    double* errors, double* lower, double* upper, double* raw_errors, int32_t* statuses,
+    char* message, size_t message_size);
+
+/* The ranges of the samples that output number `output` was fitted to: a lowest and a highest value
+ * for each input, in physical units. They are not the bounds of the inputs. PXROM_REFUSED for an
+ * unknown output and where the model holds no samples. */
+PXROM_API pxrom_status pxrom_prepared_sample_ranges(const pxrom_prepared* prepared, size_t output,
+                                                    double* lower, double* upper, char* message,
+                                                    size_t message_size);
+
+enum { PXROM_OUTSIDE = 0, PXROM_INSIDE = 1, PXROM_NO_SAMPLES = -1 };
+
+/* Where points are relative to the samples of each output. For each row and output, `inside` gets
+ * PXROM_INSIDE, PXROM_OUTSIDE or PXROM_NO_SAMPLES, and `distances` the distance to the nearest
+ * sample in units of the typical spacing of the samples: the median of the distances from each
+ * sample to the nearest other one, all scaled by the ranges. It is NaN without two different
+ * samples. For each row, output and input, `sides` gets -1 below the range of the samples, 1 above
+ * it or for a NaN, else 0. Each table may be null. PXROM_REFUSED if this costs more than the limit
+ * that pxrom_model_prepare_within was given. */
+PXROM_API pxrom_status pxrom_prepared_locate(const pxrom_prepared* prepared, const double* points,
+                                             size_t rows, int32_t* inside, double* distances,
+                                             signed char* sides, char* message,
+                                             size_t message_size);
+
 /* The derivatives of the values with respect to the inputs, in physical units: for each row and
  * output one number per input. A status, one per row and output, is PXROM_POINT_OK, or
  * PXROM_POINT_FAILED with NaN where there is no derivative; `statuses` may be null. */

@@ -8,8 +8,10 @@
 
 #include "batch/prepared_model_access.h"
 #include "batch/prepared_output.h"
+#include "batch/sampled_region.h"
 #include "model/candidate_access.h"
 #include "model/ensemble_cost.h"
+#include "model/fitted_samples.h"
 #include "numerics/nan_last.h"
 #include "pxrom/batch.h"
 
@@ -17,6 +19,7 @@ namespace Tarvane::Plexura::PXROM {
 
 using batch::kBlock;
 using batch::PreparedOutput;
+using batch::SampledRegion;
 using kernels::LoopTable;
 
 /// Copies with other loops or fewer outputs share the outputs.
@@ -33,8 +36,11 @@ struct CPreparedModel::Parts {
   std::vector<EnsembleCost> costs;
   CEvaluationLimit limit;
   std::vector<std::shared_ptr<const PreparedOutput>> outputs;
-  /// For each output the first one that has the same prepared output, and so the same results.
+  std::vector<std::shared_ptr<const SampledRegion>> regions;  ///< of the outputs
+  /// For each output the first one that has the same prepared output, and so the same results, and
+  /// the first one that has the same samples.
   std::vector<std::size_t> firstSame;
+  std::vector<std::size_t> firstOfRegion;
   std::vector<std::size_t> centreCounts;  ///< by the slots of batch::Sharing
   std::size_t errorSlotCount = 0;
   /// How many surfaces take the values of each slot, without and with errors; empty if none are
@@ -49,6 +55,7 @@ struct CPreparedModel::Parts {
   EnsembleCost Cost() const;
   std::vector<std::size_t> Order(const double* row) const;
   void FillBlock(const double* points, std::size_t count, double* x) const;
+  int FindSides(const SampledRegion& region, const double* row, signed char* sides) const;
 };
 
 namespace {
@@ -115,6 +122,12 @@ std::vector<std::pair<std::int32_t, std::string>> RankedInputs(const CDiscreteCo
   return inputs;
 }
 
+batch::Sharing::Array SamplesOf(const CFittingCandidates& candidates, std::size_t inputs) {
+  const CFittingCandidate* const candidate = candidates.GetEvaluationCandidatePtr();
+  return std::make_shared<const std::vector<double>>(
+      candidate != nullptr ? FittedSamples(*candidate, inputs) : std::vector<double>());
+}
+
 /// A working area whose parts start at cache lines.
 class AlignedArea {
  public:
@@ -131,6 +144,39 @@ class AlignedArea {
   std::vector<double> values_;
   std::size_t offset_ = 0;
 };
+
+/// Values that stay where an output has no error.
+void LeaveOutErrors(std::size_t count, const CResultsInUnits& results) {
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  for (double* const numbers : {results.errors, results.lower, results.upper, results.rawErrors}) {
+    std::fill_n(numbers, count, kNaN);
+  }
+  std::replace(results.statuses, results.statuses + count, 0, -2);
+}
+
+/// Copies the results of one output at `count` points to the places from `first` on, which are
+/// `stride` apart, wherever they are asked for.
+void Copy(const CResultsInUnits& from, std::size_t count, const CResultsInUnits& to,
+          std::size_t first, std::size_t stride) {
+  const auto copy = [&](auto* numbers, auto* places) {
+    if (places == nullptr) return;
+    for (std::size_t k = 0; k < count; ++k) places[first + k * stride] = numbers[k];
+  };
+  copy(from.values, to.values);
+  copy(from.errors, to.errors);
+  copy(from.lower, to.lower);
+  copy(from.upper, to.upper);
+  copy(from.rawErrors, to.rawErrors);
+  copy(from.statuses, to.statuses);
+}
+
+/// Copies a column of a table, unless that is null, to another one.
+template <class Number>
+void RepeatColumn(Number* table, std::size_t rows, std::size_t columns, std::size_t from,
+                  std::size_t to) {
+  if (table == nullptr) return;
+  for (std::size_t r = 0; r < rows; ++r) table[r * columns + to] = table[r * columns + from];
+}
 
 }  // namespace
 
@@ -180,11 +226,15 @@ class CPreparedModel::SharedArea {
 };
 
 void CPreparedModel::Parts::FindRepeated() {
-  firstSame.clear();
-  std::map<const PreparedOutput*, std::size_t> places;
-  for (std::size_t o = 0; o < outputs.size(); ++o) {
-    firstSame.push_back(places.emplace(outputs[o].get(), o).first->second);
-  }
+  const auto findFirst = [](const auto& list, std::vector<std::size_t>& first) {
+    first.clear();
+    std::map<const void*, std::size_t> places;
+    for (std::size_t o = 0; o < list.size(); ++o) {
+      first.push_back(places.emplace(list[o].get(), o).first->second);
+    }
+  };
+  findFirst(outputs, firstSame);
+  findFirst(regions, firstOfRegion);
 }
 
 void CPreparedModel::Parts::CountUses() {
@@ -237,6 +287,25 @@ void CPreparedModel::Parts::FillBlock(const double* points, std::size_t count, d
   }
 }
 
+/// 1 if the row is inside, 0 if not, -1 if that is unknown; with the side of each input in `sides`
+/// unless it is null.
+int CPreparedModel::Parts::FindSides(const SampledRegion& region, const double* row,
+                                     signed char* sides) const {
+  const std::size_t inputs = inputIDs.size();
+  if (sides != nullptr) std::fill_n(sides, inputs, static_cast<signed char>(0));
+  if (!region.IsKnown()) return -1;
+  std::vector<std::size_t> order;
+  if (!ties.empty()) order = Order(row);
+  int inside = 1;
+  for (std::size_t i = 0; i < inputs; ++i) {
+    const std::size_t place = order.empty() ? i : order[i];
+    const signed char side = region.SideOf(i, row[place]);
+    if (side != 0) inside = 0;
+    if (sides != nullptr) sides[place] = side;
+  }
+  return inside;
+}
+
 CPreparedModel::CPreparedModel() = default;
 CPreparedModel::CPreparedModel(const CPreparedModel&) = default;
 CPreparedModel::CPreparedModel(CPreparedModel&&) noexcept = default;
@@ -270,15 +339,26 @@ int CPreparedModel::Prepare(const CDiscreteCombinations& model,
     if (last - first > 1) parts->ties.push_back({first, last});
   }
   batch::Sharing sharing;
-  // Many outputs of a short text may have the same large group.
-  std::map<const void*, std::shared_ptr<const PreparedOutput>> prepared;
+  // Many outputs of a short text may have the same large group, and outputs of different groups
+  // usually have their samples in common.
+  struct Made {
+    std::shared_ptr<const PreparedOutput> output;
+    std::shared_ptr<const SampledRegion> region;
+  };
+  std::map<const void*, Made> prepared;
+  std::map<batch::Sharing::Array, std::shared_ptr<const SampledRegion>> regions;
   for (const auto& [id, candidates] : *candidatesByID) {
-    auto& output = prepared[CandidateAccess::IdentityForEvaluation(*candidates)];
-    if (output == nullptr) {
-      output = std::make_shared<PreparedOutput>(*candidates, inputs.size(), sharing);
+    Made& made = prepared[CandidateAccess::IdentityForEvaluation(*candidates)];
+    if (made.output == nullptr) {
+      made.output = std::make_shared<PreparedOutput>(*candidates, inputs.size(), sharing);
+      const auto samples = sharing.Pooled(SamplesOf(*candidates, inputs.size()));
+      auto& region = regions[samples];
+      if (region == nullptr) region = std::make_shared<SampledRegion>(samples, inputs.size());
+      made.region = region;
     }
     parts->outputIDs.push_back(id);
-    parts->outputs.push_back(output);
+    parts->outputs.push_back(made.output);
+    parts->regions.push_back(made.region);
   }
   parts->centreCounts = sharing.Counts();
   parts->errorSlotCount = sharing.ErrorSlotCount();
@@ -296,6 +376,7 @@ int CPreparedModel::Select(const std::vector<std::string>& outputIDs, CPreparedM
   parts->outputIDs = outputIDs;
   parts->costs.clear();
   parts->outputs.clear();
+  parts->regions.clear();
   std::map<std::string_view, std::size_t> places;
   for (std::size_t o = 0; o < parts_->outputIDs.size(); ++o)
     places.emplace(parts_->outputIDs[o], o);
@@ -306,6 +387,7 @@ int CPreparedModel::Select(const std::vector<std::string>& outputIDs, CPreparedM
     }
     parts->costs.push_back(parts_->costs[found->second]);
     parts->outputs.push_back(parts_->outputs[found->second]);
+    parts->regions.push_back(parts_->regions[found->second]);
   }
   parts->CountUses();
   out.parts_ = std::move(parts);
@@ -322,17 +404,45 @@ const std::vector<std::string>& CPreparedModel::OutputIDs() const {
   return parts_ != nullptr ? parts_->outputIDs : none;
 }
 
+CErrorOrigin CPreparedModel::ErrorOrigin(std::size_t output) const {
+  const bool isThere = parts_ != nullptr && output < parts_->outputs.size();
+  return isThere ? parts_->outputs[output]->ErrorOrigin() : CErrorOrigin();
+}
+
 int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_PrecisionMode mode,
                              double* values, double* errors, int* statuses) const {
   if (parts_ == nullptr || (mode != PrecisionExact && mode != PrecisionFast)) return 1;
+  if (rows == 0 || parts_->outputIDs.empty()) return 0;
+  if ((points == nullptr && !parts_->inputIDs.empty()) || values == nullptr) return 1;
+  CResultsInUnits results;
+  results.values = values;
+  results.rawErrors = errors;
+  results.statuses = statuses;
+  Run(points, rows, mode, errors != nullptr ? Form::Errors : Form::Values, results);
+  return 0;
+}
+
+int CPreparedModel::EvaluateWithUnits(const double* points, std::size_t rows, E_PrecisionMode mode,
+                                      const CResultsInUnits& results) const {
+  if (parts_ == nullptr || (mode != PrecisionExact && mode != PrecisionFast)) return 1;
+  if (rows == 0 || parts_->outputIDs.empty()) return 0;
+  if (points == nullptr && !parts_->inputIDs.empty()) return 1;
+  const bool withErrors = results.errors != nullptr || results.lower != nullptr ||
+                          results.upper != nullptr || results.rawErrors != nullptr;
+  Run(points, rows, mode, withErrors ? Form::Units : Form::Values, results);
+  return 0;
+}
+
+void CPreparedModel::Run(const double* points, std::size_t rows, E_PrecisionMode mode, Form form,
+                         const CResultsInUnits& to) const {
   const std::size_t inputs = parts_->inputIDs.size();
   const std::size_t outputs = parts_->outputIDs.size();
-  if (rows == 0 || outputs == 0) return 0;
-  if ((points == nullptr && inputs > 0) || values == nullptr) return 1;
-
-  const bool withErrors = errors != nullptr;
+  const bool withErrors = form != Form::Values;
+  const auto areErrorsFor = [&](const PreparedOutput& output) {
+    return form == Form::Errors || (form == Form::Units && output.HasErrors());
+  };
   const auto blocksAtOnce = [&](const PreparedOutput& output) {
-    return std::min(output.BlocksAtOnce(withErrors), (rows + kBlock - 1) / kBlock);
+    return std::min(output.BlocksAtOnce(areErrorsFor(output)), (rows + kBlock - 1) / kBlock);
   };
   std::size_t blocks = 1;
   std::size_t workSize = 0;
@@ -340,35 +450,39 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   for (const auto& output : parts_->outputs) {
     const std::size_t own = blocksAtOnce(*output);
     blocks = std::max(blocks, own);
-    workSize = std::max(workSize, output->WorkSize(withErrors, own));
+    workSize = std::max(workSize, output->WorkSize(areErrorsFor(*output), own));
     questionCount = std::max(questionCount, output->QuestionCount());
   }
   const std::size_t size = blocks * kBlock;
-  AlignedArea area((inputs + 2) * size + workSize);
+  // Values, errors, the ends of the interval, raw errors.
+  constexpr std::size_t kColumns = 5;
+  AlignedArea area((inputs + kColumns) * size + workSize);
   const std::unique_ptr<batch::Question[]> questions(new batch::Question[questionCount]);
   std::vector<int> ownStatuses(size);
   double* const x = area.Start();
-  double* const ownValues = x + inputs * size;
-  double* const ownErrors = ownValues + size;
+  double* const columns = x + inputs * size;
   SharedArea shared(*parts_, withErrors, blocks);
-  const batch::Tools tools = {parts_->exact,   parts_->fast,    ownErrors + size,
+  const batch::Tools tools = {parts_->exact,   parts_->fast,    columns + kColumns * size,
                               questions.get(), shared.Values(), shared.Errors()};
-  const batch::Results results = {ownValues, withErrors ? ownErrors : nullptr, ownStatuses.data()};
+  const CResultsInUnits own = {
+      columns,           columns + size, columns + 2 * size, columns + 3 * size, columns + 4 * size,
+      ownStatuses.data()};
 
   const auto evaluate = [&](std::size_t o, std::size_t first, std::size_t count,
                             batch::FastProgress& progress) {
     const PreparedOutput& output = *parts_->outputs[o];
     const std::size_t atOnce = blocksAtOnce(output) * kBlock;
     for (std::size_t done = 0; done < count; done += atOnce) {
-      const std::size_t some = std::min(atOnce, count - done);
-      output.Evaluate({x + done * inputs, some, done / kBlock}, tools, results,
-                      mode == PrecisionFast ? &progress : nullptr);
-      for (std::size_t point = 0; point < some; ++point) {
-        const std::size_t at = (first + done + point) * outputs + o;
-        values[at] = ownValues[point];
-        if (withErrors) errors[at] = ownErrors[point];
-        if (statuses != nullptr) statuses[at] = ownStatuses[point];
+      const batch::Points some = {x + done * inputs, std::min(atOnce, count - done), done / kBlock};
+      batch::FastProgress* const fast = mode == PrecisionFast ? &progress : nullptr;
+      if (form == Form::Units && output.HasErrors()) {
+        output.EvaluateWithUnits(some, tools, own, fast);
+      } else {
+        double* const errors = form == Form::Errors ? own.rawErrors : nullptr;
+        output.Evaluate(some, tools, {own.values, errors, own.statuses}, fast);
+        if (form == Form::Units) LeaveOutErrors(some.count, own);
       }
+      Copy(own, some.count, to, (first + done) * outputs + o, outputs);
     }
   };
   // Outputs that share values take turns. Others have all points one after the other, since a
@@ -391,15 +505,14 @@ int CPreparedModel::Evaluate(const double* points, std::size_t rows, E_Precision
   }
   for (std::size_t o = 0; o < outputs; ++o) {
     if (!parts_->IsRepeated(o)) continue;
-    for (std::size_t row = 0; row < rows; ++row) {
-      const std::size_t to = row * outputs + o;
-      const std::size_t from = row * outputs + parts_->firstSame[o];
-      values[to] = values[from];
-      if (withErrors) errors[to] = errors[from];
-      if (statuses != nullptr) statuses[to] = statuses[from];
-    }
+    const std::size_t from = parts_->firstSame[o];
+    RepeatColumn(to.values, rows, outputs, from, o);
+    RepeatColumn(to.errors, rows, outputs, from, o);
+    RepeatColumn(to.lower, rows, outputs, from, o);
+    RepeatColumn(to.upper, rows, outputs, from, o);
+    RepeatColumn(to.rawErrors, rows, outputs, from, o);
+    RepeatColumn(to.statuses, rows, outputs, from, o);
   }
-  return 0;
 }
 
 CEvaluationCost CPreparedModel::Cost() const {
@@ -408,6 +521,70 @@ CEvaluationCost CPreparedModel::Cost() const {
 
 CEvaluationCost CPreparedModel::GradientCost() const {
   return parts_ != nullptr ? parts_->Cost().OfGradients() : CEvaluationCost();
+}
+
+CEvaluationCost CPreparedModel::LocationCost() const {
+  return parts_ != nullptr ? parts_->Cost().OfLocations() : CEvaluationCost();
+}
+
+int CPreparedModel::SampleRanges(std::size_t output, std::vector<double>& lower,
+                                 std::vector<double>& upper) const {
+  if (parts_ == nullptr || output >= parts_->regions.size()) return 1;
+  const SampledRegion& region = *parts_->regions[output];
+  if (!region.IsKnown()) return 1;
+  lower = region.Lower();
+  upper = region.Upper();
+  return 0;
+}
+
+int CPreparedModel::LocatePoints(const double* points, std::size_t rows,
+                                 const CLocations& locations, std::string* reason) const {
+  if (parts_ == nullptr) return 1;
+  if (CheckEvaluationCost(LocationCost(), parts_->limit, reason) != 0) return 1;
+  const std::size_t inputs = parts_->inputIDs.size();
+  const std::size_t outputs = parts_->outputIDs.size();
+  if (rows == 0 || outputs == 0) return 0;
+  if (inputs > 0 && points == nullptr) return 1;
+
+  std::size_t workSize = 0;
+  for (const auto& region : parts_->regions) workSize = std::max(workSize, region->WorkSize());
+  AlignedArea area((inputs + 1) * kBlock + workSize);
+  double* const x = area.Start();
+  double* const own = x + inputs * kBlock;
+  for (std::size_t o = 0; o < outputs; ++o) {
+    if (parts_->firstOfRegion[o] != o) continue;
+    const SampledRegion& region = *parts_->regions[o];
+    for (std::size_t first = 0; first < rows; first += kBlock) {
+      const std::size_t count = std::min(kBlock, rows - first);
+      const double* const block = points + first * inputs;
+      if (locations.distances != nullptr) {
+        std::fill_n(own, count, std::numeric_limits<double>::quiet_NaN());
+        if (region.IsKnown()) {
+          parts_->FillBlock(block, count, x);
+          region.FindDistances({x, count, 0}, *parts_->exact, own + kBlock, own);
+        }
+      }
+      for (std::size_t point = 0; point < count; ++point) {
+        const std::size_t at = (first + point) * outputs + o;
+        if (locations.distances != nullptr) locations.distances[at] = own[point];
+        signed char* const sides =
+            locations.sides != nullptr ? locations.sides + at * inputs : nullptr;
+        const int inside = parts_->FindSides(region, block + point * inputs, sides);
+        if (locations.inside != nullptr) locations.inside[at] = inside;
+      }
+    }
+  }
+  for (std::size_t o = 0; o < outputs; ++o) {
+    const std::size_t from = parts_->firstOfRegion[o];
+    if (from == o) continue;
+    RepeatColumn(locations.inside, rows, outputs, from, o);
+    RepeatColumn(locations.distances, rows, outputs, from, o);
+    for (std::size_t r = 0; r < rows && locations.sides != nullptr; ++r) {
+      signed char* const sides = locations.sides + r * outputs * inputs;
+      std::copy_n(sides + from * inputs, inputs, sides + o * inputs);
+    }
+  }
+  return 0;
 }
 
 int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, double* gradients,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "batch/prepare_surface.h"
 #include "model/candidate_access.h"
@@ -53,6 +54,7 @@ struct PreparedOutput::Work {
     x = area.Take(blocks * output.inputs_ * kBlock);
     values = area.Take(blocks * kBlock);
     errors = area.Take(blocks * kBlock);
+    inUnit = area.Take(withErrors && !validates ? 3 * blocks * kBlock : 0);
     folds = area.Take(validates ? output.validation_->Folds() * kBlock : 0);
     validation = area.Take(validates ? output.validation_->WorkSize() : 0);
     std::size_t largest = 0;
@@ -69,6 +71,7 @@ struct PreparedOutput::Work {
   double* x;
   double* values;
   double* errors;
+  double* inUnit;
   double* folds;
   double* validation;
   double* surface;
@@ -92,13 +95,43 @@ PreparedOutput::PreparedOutput(const CFittingCandidates& candidates, std::size_t
   sharing.Enter(inputSlopes_, inputIntercepts_);
   surfaces_ = Prepare(Access::Surfaces(*candidate), inputs, sharing, slots_);
   weights_ = Access::Weights(*candidate);
-  if (!candidate->GetIsErrPredRequired()) return;
+  origin_.surfaces = surfaces_.size();
+  if (!candidate->GetIsErrPredRequired()) {
+    FindErrorOrigin();
+    return;
+  }
 
   const std::optional<CrossValidation> validation = ValidationOf(*candidate, inputs);
   areErrorsRefused_ = !validation.has_value();
   if (areErrorsRefused_) return;
   subSurfaces_ = Prepare(Access::SubSurfaces(*candidate), inputs, sharing, subSlots_);
   validation_ = std::make_unique<PreparedCrossValidation>(*validation, inputs);
+  origin_.origin = ErrorFromCrossValidation;
+}
+
+void PreparedOutput::FindErrorOrigin() {
+  bool doAll = true;
+  bool isTransformed = false;
+  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    if (weights_[i] == 0.0) continue;
+    if (!surfaces_[i]->HasErrors()) {
+      doAll = false;
+      continue;
+    }
+    origin_.origin = ErrorFromOneSurface;
+    origin_.surface = i;
+    origin_.firstOrder = surfaces_[i]->AreErrorsFirstOrder();
+    isTransformed = isTransformed || origin_.firstOrder;
+  }
+  if (!doAll || origin_.origin == ErrorNone) return;
+  origin_.origin = ErrorFromAllSurfaces;
+  origin_.surface = 0;
+  origin_.firstOrder = isTransformed;
+}
+
+double PreparedOutput::ShareOfError(std::size_t surface) const {
+  if (origin_.origin == ErrorFromAllSurfaces) return std::fabs(weights_[surface]);
+  return origin_.origin == ErrorFromOneSurface && surface == origin_.surface ? 1.0 : 0.0;
 }
 
 std::vector<std::size_t> PreparedOutput::Slots(bool withErrors) const {
@@ -198,6 +231,17 @@ void PreparedOutput::Evaluate(const Points& points, const Tools& tools, const Re
   }
 }
 
+void PreparedOutput::Scale(const Points& points, std::size_t blocks, double* scaled) const {
+  for (std::size_t row = 0; row < blocks * inputs_; ++row) {
+    const std::size_t i = row % inputs_;
+    const double* const from = points.x + row * kBlock;
+    double* const to = scaled + row * kBlock;
+    for (std::size_t point = 0; point < kBlock; ++point) {
+      to[point] = inputSlopes_[i] * from[point] + inputIntercepts_[i];
+    }
+  }
+}
+
 void PreparedOutput::AddValue(const PreparedSurface& surface, double weight, const Work& work,
                               const Points& scaled, const Tools& tools, int* statuses, double* sums,
                               FastProgress* progress) const {
@@ -240,14 +284,7 @@ void PreparedOutput::Run(const Points& points, const Tools& tools, const Results
   const bool withErrors = results.errors != nullptr;
   const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
   const Work work(*this, withErrors, blocks, tools.work);
-  for (std::size_t row = 0; row < blocks * inputs_; ++row) {
-    const std::size_t i = row % inputs_;
-    const double* const from = points.x + row * kBlock;
-    double* const to = work.x + row * kBlock;
-    for (std::size_t point = 0; point < kBlock; ++point) {
-      to[point] = inputSlopes_[i] * from[point] + inputIntercepts_[i];
-    }
-  }
+  Scale(points, blocks, work.x);
   const Points scaled = {work.x, points.count, points.firstBlock};
   Tools surfaceTools = tools;
   surfaceTools.work = work.surface;
@@ -295,6 +332,105 @@ void PreparedOutput::Backscale(std::size_t count, const Results& results) const 
       // The status -2 of a missing error has precedence, and the value remains in the scaled space.
       results.statuses[point] = 1;
     }
+  }
+}
+
+void PreparedOutput::EvaluateWithUnits(const Points& points, const Tools& tools,
+                                       const CResultsInUnits& results,
+                                       FastProgress* progress) const {
+  if (validation_ != nullptr) {
+    ValidateInUnits(points, tools, results, progress);
+  } else {
+    RunInUnits(points, tools, results);
+  }
+  for (std::size_t point = 0; point < points.count; ++point) {
+    int& status = results.statuses[point];
+    if (status == 0 && std::isnan(results.errors[point])) status = -2;
+    if (status == 1) results.values[point] = kNaN;
+    if (status == 0) continue;
+    results.errors[point] = kNaN;
+    results.lower[point] = kNaN;
+    results.upper[point] = kNaN;
+    results.rawErrors[point] = kNaN;
+  }
+}
+
+void PreparedOutput::ValidateInUnits(const Points& points, const Tools& tools,
+                                     const CResultsInUnits& results, FastProgress* progress) const {
+  Evaluate(points, tools, {results.values, results.rawErrors, results.statuses}, progress);
+  for (std::size_t point = 0; point < points.count; ++point) {
+    results.errors[point] = std::fabs(results.rawErrors[point]);
+    results.lower[point] = results.values[point] - results.errors[point];
+    results.upper[point] = results.values[point] + results.errors[point];
+  }
+  if (std::count(results.statuses, results.statuses + points.count, 1) == 0) return;
+  // A fold that fails takes only the error with it.
+  double values[kBlock];
+  int statuses[kBlock];
+  Evaluate(points, tools, {values, nullptr, statuses}, nullptr);
+  for (std::size_t point = 0; point < points.count; ++point) {
+    if (results.statuses[point] != 1 || statuses[point] != 0) continue;
+    results.values[point] = values[point];
+    results.statuses[point] = -2;
+  }
+}
+
+void PreparedOutput::AddInUnits(std::size_t surface, const Work& work, const Points& scaled,
+                                const Tools& tools, const CResultsInUnits& results) const {
+  const double share = ShareOfError(surface);
+  const bool hasError = share > 0.0;
+  const PreparedSurface& prepared = *surfaces_[surface];
+  const std::size_t size = (scaled.count + kBlock - 1) / kBlock * kBlock;
+  const ErrorsInUnit inUnit = {work.inUnit, work.inUnit + size, work.inUnit + 2 * size};
+  std::vector<int> own(size);
+  const std::size_t atOnce = prepared.BlocksAtOnce(hasError) * kBlock;
+  for (std::size_t first = 0; first < scaled.count; first += atOnce) {
+    Results some = {work.values + first, nullptr, own.data() + first};
+    if (hasError) {
+      some.errors = work.errors + first;
+      some.inUnit = {inUnit.errors + first, inUnit.below + first, inUnit.above + first};
+    }
+    prepared.Evaluate({scaled.x + first * inputs_, std::min(atOnce, scaled.count - first),
+                       scaled.firstBlock + first / kBlock},
+                      tools, some);
+  }
+  const bool isTurned = origin_.origin == ErrorFromAllSurfaces && weights_[surface] < 0.0;
+  const double* const below = isTurned ? inUnit.above : inUnit.below;
+  const double* const above = isTurned ? inUnit.below : inUnit.above;
+  for (std::size_t point = 0; point < scaled.count; ++point) {
+    if (own[point] == 1) results.statuses[point] = 1;
+    results.values[point] += weights_[surface] * work.values[point];
+    if (!hasError) continue;
+    results.rawErrors[point] = work.errors[point];
+    results.errors[point] += share * (own[point] == 0 ? inUnit.errors[point] : kNaN);
+    results.lower[point] += share * below[point];
+    results.upper[point] += share * above[point];
+  }
+}
+
+void PreparedOutput::RunInUnits(const Points& points, const Tools& tools,
+                                const CResultsInUnits& results) const {
+  const std::size_t blocks = (points.count + kBlock - 1) / kBlock;
+  const Work work(*this, true, blocks, tools.work);
+  Scale(points, blocks, work.x);
+  Tools surfaceTools = tools;
+  surfaceTools.work = work.surface;
+  for (double* const sums : {results.values, results.errors, results.lower, results.upper}) {
+    std::fill_n(sums, points.count, 0.0);
+  }
+  std::fill_n(results.statuses, points.count, 0);
+  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    AddInUnits(i, work, {work.x, points.count, points.firstBlock}, surfaceTools, results);
+  }
+  Backscale(points.count, {results.values, results.errors, results.statuses});
+  const double slope = std::fabs(outputSlope_);
+  for (std::size_t point = 0; point < points.count; ++point) {
+    double below = results.lower[point] / slope;
+    double above = results.upper[point] / slope;
+    if (outputSlope_ < 0.0) std::swap(below, above);
+    results.errors[point] /= slope;
+    results.lower[point] = results.values[point] - below;
+    results.upper[point] = results.values[point] + above;
   }
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "batch/prepared_cross_validation.h"
+#include "pxrom/batch.h"
 #include "pxrom/fitting_candidates.h"
 #include "records/prepared_surface.h"
 
@@ -36,6 +37,13 @@ class PreparedOutput {
   void Evaluate(const Points& points, const Tools& tools, const Results& results,
                 FastProgress* progress) const;
 
+  const CErrorOrigin& ErrorOrigin() const { return origin_; }
+  bool HasErrors() const { return origin_.origin != ErrorNone; }
+  /// The same with errors in the unit of the output, for an output that HasErrors; its working area
+  /// is that of Evaluate with errors. A value is there wherever it is without errors.
+  void EvaluateWithUnits(const Points& points, const Tools& tools, const CResultsInUnits& results,
+                         FastProgress* progress) const;
+
   std::size_t GradientWorkSize() const;
   /// The derivative of the value at `x` with respect to `x`, both in physical units. 1, with NaN in
   /// `gradient`, where there is no derivative.
@@ -55,6 +63,15 @@ class PreparedOutput {
                 const Points& scaled, const Tools& tools, int* statuses, double* sums,
                 FastProgress* progress) const;
   void Backscale(std::size_t count, const Results& results) const;
+  void Scale(const Points& points, std::size_t blocks, double* scaled) const;
+  void FindErrorOrigin();
+  /// Which part of the error comes from that of a surface.
+  double ShareOfError(std::size_t surface) const;
+  void AddInUnits(std::size_t surface, const Work& work, const Points& scaled, const Tools& tools,
+                  const CResultsInUnits& results) const;
+  void RunInUnits(const Points& points, const Tools& tools, const CResultsInUnits& results) const;
+  void ValidateInUnits(const Points& points, const Tools& tools, const CResultsInUnits& results,
+                       FastProgress* progress) const;
 
   std::size_t inputs_;
   bool isRefused_ = false;         ///< every point has the status 1
@@ -69,6 +86,7 @@ class PreparedOutput {
   std::vector<std::size_t> slots_;
   std::vector<std::size_t> subSlots_;
   std::unique_ptr<const PreparedCrossValidation> validation_;
+  CErrorOrigin origin_;
 };
 
 }  // namespace Tarvane::Plexura::PXROM::batch

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -79,6 +80,14 @@ DiscreteValues CheckedValues(const pxrom_model& model, const char* const* names,
   return named;
 }
 
+pxrom::E_PrecisionMode PrecisionOf(std::int32_t mode) {
+  if (mode != PXROM_EXACT && mode != PXROM_FAST) {
+    throw Refusal{PXROM_REFUSED,
+                  "there is no mode " + std::to_string(mode) + ": it is 0 for exact or 1 for fast"};
+  }
+  return static_cast<pxrom::E_PrecisionMode>(mode);
+}
+
 void RequirePoints(const pxrom_prepared& prepared, const double* points, std::size_t rows) {
   if (rows > 0 && !prepared.model.InputIDs().empty()) RequireArgument(points, "points");
 }
@@ -144,20 +153,75 @@ int32_t pxrom_prepared_error_in_unit(const pxrom_prepared* prepared, size_t outp
   return prepared->error_in_unit[output] ? 1 : 0;
 }
 
+int32_t pxrom_prepared_error_origin(const pxrom_prepared* prepared, size_t output, size_t* surface,
+                                    int32_t* first_order) {
+  pxrom::CErrorOrigin found;
+  if (prepared != nullptr) found = prepared->model.ErrorOrigin(output);
+  if (surface != nullptr) *surface = found.surface;
+  if (first_order != nullptr) *first_order = found.firstOrder ? 1 : 0;
+  return found.origin;
+}
+
 pxrom_status pxrom_prepared_evaluate(const pxrom_prepared* prepared, const double* points,
                                      size_t rows, int32_t mode, double* values, double* errors,
                                      int32_t* statuses, char* message, size_t message_size) {
   return AtTheBorder(message, message_size, [&] {
     RequireArgument(prepared, "prepared");
-    if (mode != PXROM_EXACT && mode != PXROM_FAST) {
-      throw Refusal{PXROM_REFUSED, "there is no mode " + std::to_string(mode) +
-                                       ": it is 0 for exact or 1 for fast"};
-    }
+    const pxrom::E_PrecisionMode precision = PrecisionOf(mode);
     RequirePoints(*prepared, points, rows);
     if (rows > 0 && !prepared->model.OutputIDs().empty()) RequireArgument(values, "values");
-    const auto precision = static_cast<pxrom::E_PrecisionMode>(mode);
     if (prepared->model.Evaluate(points, rows, precision, values, errors, statuses) != 0) {
       throw Refusal{PXROM_REFUSED, "the evaluation is refused"};
+    }
+  });
+}
+
+pxrom_status pxrom_prepared_evaluate_with_units(const pxrom_prepared* prepared,
+                                                const double* points, size_t rows, int32_t mode,
+                                                double* values, double* errors, double* lower,
+                                                double* upper, double* raw_errors,
+                                                int32_t* statuses, char* message,
+                                                size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(prepared, "prepared");
+    const pxrom::E_PrecisionMode precision = PrecisionOf(mode);
+    RequirePoints(*prepared, points, rows);
+    if (prepared->model.EvaluateWithUnits(
+            points, rows, precision, {values, errors, lower, upper, raw_errors, statuses}) != 0) {
+      throw Refusal{PXROM_REFUSED, "the evaluation is refused"};
+    }
+  });
+}
+
+pxrom_status pxrom_prepared_sample_ranges(const pxrom_prepared* prepared, size_t output,
+                                          double* lower, double* upper, char* message,
+                                          size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(prepared, "prepared");
+    RequireArgument(lower, "lower");
+    RequireArgument(upper, "upper");
+    std::vector<double> lowest;
+    std::vector<double> highest;
+    if (prepared->model.SampleRanges(output, lowest, highest) != 0) {
+      throw Refusal{PXROM_REFUSED,
+                    output < prepared->model.OutputIDs().size()
+                        ? "the model holds no samples of the output"
+                        : "there is no output " + std::to_string(output) + ", counted from 0"};
+    }
+    std::copy(lowest.begin(), lowest.end(), lower);
+    std::copy(highest.begin(), highest.end(), upper);
+  });
+}
+
+pxrom_status pxrom_prepared_locate(const pxrom_prepared* prepared, const double* points,
+                                   size_t rows, int32_t* inside, double* distances,
+                                   signed char* sides, char* message, size_t message_size) {
+  return AtTheBorder(message, message_size, [&] {
+    RequireArgument(prepared, "prepared");
+    RequirePoints(*prepared, points, rows);
+    std::string reason;
+    if (prepared->model.LocatePoints(points, rows, {inside, distances, sides}, &reason) != 0) {
+      throw Refusal{PXROM_REFUSED, reason.empty() ? "the evaluation is refused" : reason};
     }
   });
 }

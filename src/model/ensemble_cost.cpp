@@ -9,6 +9,7 @@
 #include "kernels/loops/loop_table.h"
 #include "model/candidate_access.h"
 #include "model/cross_validation.h"
+#include "model/fitted_samples.h"
 #include "records/error_norms.h"
 
 namespace Tarvane::Plexura::PXROM {
@@ -71,6 +72,7 @@ void AddCrossValidation(const CFittingCandidate& candidate, double inputs, Ensem
 EnsembleCost& EnsembleCost::operator+=(const EnsembleCost& other) {
   operations += other.operations;
   gradientOperations += other.gradientOperations;
+  locationOperations += other.locationOperations;
   held += other.held;
   work = std::max(work, other.work);
   return *this;
@@ -82,6 +84,10 @@ CEvaluationCost EnsembleCost::OfEvaluation() const {
 
 CEvaluationCost EnsembleCost::OfGradients() const {
   return {AsCount(gradientOperations), AsCount(held + work)};
+}
+
+CEvaluationCost EnsembleCost::OfLocations() const {
+  return {AsCount(locationOperations), AsCount(held + work)};
 }
 
 EnsembleCost CostOf(const CFittingCandidate& candidate) {
@@ -103,6 +109,10 @@ EnsembleCost CostOf(const CFittingCandidate& candidate) {
     AddCrossValidation(candidate, inputs, cost);
   }
   cost.work += kBlock * (kWorkPerInput * inputs + kWorkOfBlock);
+  const auto samples = static_cast<double>(MostFittedSamples(candidate));
+  cost.locationOperations = kFrame + 6.0 * inputs + samples * (3.0 * inputs + 1.0);
+  // The samples as they are and as they are scaled.
+  cost.held += costing::kBytesPerNumber * 2.0 * samples * inputs;
   return cost;
 }
 

@@ -11,12 +11,14 @@ namespace Tarvane::Plexura::PXROM {
 struct EnsembleCost {
   double operations = 0.0;  ///< of values and errors
   double gradientOperations = 0.0;
-  double held = 0.0;  ///< bytes of what is prepared
+  double locationOperations = 0.0;  ///< of distances to samples
+  double held = 0.0;                ///< bytes of what is prepared
   double work = 0.0;  ///< bytes of the working area, which outputs use one after the other
 
   EnsembleCost& operator+=(const EnsembleCost& other);
   CEvaluationCost OfEvaluation() const;
   CEvaluationCost OfGradients() const;
+  CEvaluationCost OfLocations() const;
 };
 
 EnsembleCost CostOf(const CFittingCandidate& candidate);

@@ -23,7 +23,7 @@ Record Random(Draw& draw, E_DataType family) {
 }
 
 /// A model with an output for each candidate.
-CDiscreteCombinations ModelOf(const std::vector<CFittingCandidate>& candidates) {
+CDiscreteCombinations ModelOfAll(const std::vector<CFittingCandidate>& candidates) {
   CDiscreteCombinations model;
   for (int i = 0; i < kInputs; ++i) {
     model.RegisterParameter("x" + std::to_string(i), CausalityInput, ContinuousNotManufacturable,
@@ -80,7 +80,7 @@ TEST(Sharing, OfKrigingKeepsEachOutput) {
     candidates.back().AddRSAndWeight(&other, 0.5);
     candidates.back().AddRSAndWeight(&record, 0.25);
     const std::vector<double> points = draw.Reals(static_cast<int>(kRows) * kInputs, 0, 1);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidates), points, kRows));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOfAll(candidates), points, kRows));
   }
 }
 
@@ -117,7 +117,7 @@ TEST(Sharing, OfGaussianProcessesKeepsEachOutput) {
         with(&ScaleSamples<R>),
     };
     const std::vector<double> points = draw.Reals(static_cast<int>(kRows) * kInputs, 0, 1);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidates), points, kRows));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOfAll(candidates), points, kRows));
   }
 }
 
@@ -143,7 +143,7 @@ TEST(Sharing, OfOtherKernelSumsKeepsEachOutput) {
         Changed(basis, [](L& r) { r.InputSamples[0][0] = -r.InputSamples[0][0]; }),
     };
     const std::vector<double> points = draw.Reals(static_cast<int>(kRows) * kInputs, 0, 1);
-    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOf(candidates), points, kRows));
+    ASSERT_NO_FATAL_FAILURE(ExpectAsEvaluated(ModelOfAll(candidates), points, kRows));
   }
 }
 
