@@ -93,12 +93,16 @@ std::string Joined(const std::vector<std::string>& parts, const char* between) {
   return text;
 }
 
-/// The caption and the unit.
-std::string Words(const Model& model, const std::string& id) {
-  const std::string caption = FirstOf(model.ListParameterCaption({id}));
-  const std::string unit = FirstOf(model.ListParameterUnit({id}));
-  return InComment(
-      Joined({id, caption == id ? "" : caption, unit.empty() ? "" : "[" + unit + "]"}, ", "));
+Variable VariableOf(const Model& model, const std::string& id, const std::string& name) {
+  Variable variable;
+  variable.id = id;
+  variable.name = name;
+  variable.caption = FirstOf(model.ListParameterCaption({id}));
+  variable.unit = FirstOf(model.ListParameterUnit({id}));
+  variable.words = InComment(Joined({id, variable.caption == id ? "" : variable.caption,
+                                     variable.unit.empty() ? "" : "[" + variable.unit + "]"},
+                                    ", "));
+  return variable;
 }
 
 /// A number for a comment.
@@ -133,6 +137,16 @@ std::pair<Vector, Vector> RangesOfSamples(const std::vector<Combination>& combin
   return {lower, upper};
 }
 
+/// To six digits.
+double Rounded(double value) {
+  if (value == 0.0) return 0.0;
+  const double digits = 5.0 - std::floor(std::log10(std::fabs(value)));
+  const double unit = std::pow(10.0, std::fabs(digits));
+  const double rounded =
+      digits < 0.0 ? std::round(value / unit) * unit : std::round(value * unit) / unit;
+  return std::isfinite(rounded) ? rounded : value;
+}
+
 std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::string>& ids,
                                      const std::vector<Combination>& combinations) {
   std::vector<InputWords> inputs;
@@ -140,12 +154,12 @@ std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::
   const auto samples = RangesOfSamples(combinations, ids.size());
   for (std::size_t i = 0; i < ids.size(); ++i) {
     InputWords input;
-    input.id = ids[i];
-    input.name = names[i];
+    static_cast<Variable&>(input) = VariableOf(model, ids[i], names[i]);
     input.lower = FirstOf(model.ListLowerBound({ids[i]}));
     input.upper = FirstOf(model.ListUpperBound({ids[i]}));
     const char* from = "";
-    if (!(input.lower < input.upper)) {
+    input.isBounded = input.lower < input.upper;
+    if (!input.isBounded) {
       input.lower = samples.first[i];
       input.upper = samples.second[i];
       from = " in the samples";
@@ -157,17 +171,19 @@ std::vector<InputWords> InputWordsOf(const Model& model, const std::vector<std::
       input.lower = -kInfinity;
       input.upper = kInfinity;
     }
-    input.words = Joined({Words(model, ids[i]), range}, ", ");
+    const double middle = samples.first[i] + (samples.second[i] - samples.first[i]) / 2.0;
+    input.middle = std::isfinite(middle) ? Rounded(middle) : 0.0;
+    input.middle = std::min(std::max(input.middle, input.lower), input.upper);
+    input.words = Joined({input.words, range}, ", ");
     inputs.push_back(input);
   }
   return inputs;
 }
 
-/// How an error of an output is to be read.
-std::string ErrorWords(const Model::OutputsByID& outputs, const std::string& id) {
+/// Whether an error of an output is in its unit. Else it is as the surface reports it.
+bool HasUnitOfError(const Model::OutputsByID& outputs, const std::string& id) {
   const pxrom::CFittingCandidate* const candidate = outputs.at(id)->GetEvaluationCandidatePtr();
-  const bool isScaled = candidate != nullptr && !candidate->GetIsErrPredRequired();
-  return isScaled ? "error as the surface reports it, in its scaled space" : "";
+  return candidate == nullptr || candidate->GetIsErrPredRequired();
 }
 
 std::vector<Combination> CombinationsOf(const Model& model, const Options& options,
@@ -520,7 +536,9 @@ void WriteTexts(const Lowered<Real>& lowered, Interface& interface, Code& code) 
   code.header = HeaderText(interface, sizeof(Real) == sizeof(float));
 }
 
-Code GenerateOrThrow(const Model& model, const Options& options) {
+}  // namespace
+
+Code GenerateOrThrow(const Model& model, const Options& options, Interface& interface) {
   if (!IsName(options.name)) {
     throw Refused(
         Quoted(options.name) +
@@ -533,7 +551,7 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   const std::vector<Combination> combinations = CombinationsOf(model, options, discreteIDs);
   const std::vector<std::string> outputIDs = OutputsOf(combinations, options);
 
-  Interface interface;
+  interface = Interface();
   interface.name = options.name;
   interface.upper = UpperName(options.name);
   interface.errors = options.errors;
@@ -542,11 +560,13 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   const std::vector<std::string> outputNames = UpperNames(outputIDs);
   std::vector<std::size_t> places;
   for (std::size_t o = 0; o < outputIDs.size(); ++o) {
-    std::string words = Words(model, outputIDs[o]);
-    if (options.errors) {
-      words = Joined({words, ErrorWords(*combinations.front().outputs, outputIDs[o])}, "; ");
+    OutputWords output;
+    static_cast<Variable&>(output) = VariableOf(model, outputIDs[o], outputNames[o]);
+    output.hasUnitOfError = HasUnitOfError(*combinations.front().outputs, outputIDs[o]);
+    if (options.errors && !output.hasUnitOfError) {
+      output.words += "; error as the surface reports it, in its scaled space";
     }
-    interface.outputs.push_back({outputIDs[o], outputNames[o], words});
+    interface.outputs.push_back(output);
     // The library orders outputs by ID.
     const auto& all = *combinations.front().outputs;
     places.push_back(static_cast<std::size_t>(std::distance(all.begin(), all.find(outputIDs[o]))));
@@ -557,8 +577,7 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   } else {
     const std::vector<std::string> names = UpperNames(discreteIDs);
     for (std::size_t i = 0; i < discreteIDs.size(); ++i) {
-      interface.discrete.push_back(
-          {discreteIDs[i], names[i], Words(model, discreteIDs[i]), 0.0, 0.0});
+      interface.discrete.push_back(VariableOf(model, discreteIDs[i], names[i]));
     }
     for (const Combination& combination : combinations) interface.keys.push_back(combination.key);
   }
@@ -604,11 +623,10 @@ Code GenerateOrThrow(const Model& model, const Options& options) {
   return code;
 }
 
-}  // namespace
-
 int Generate(const Model& model, const Options& options, Code& code, std::string& reason) {
   try {
-    code = GenerateOrThrow(model, options);
+    Interface interface;
+    code = GenerateOrThrow(model, options, interface);
     return 0;
   } catch (const Refused& refused) {
     reason = refused.what();

@@ -74,7 +74,7 @@ std::string HeaderText(const Interface& interface, bool isFloat) {
   out << "  " << upper << "_INPUT_COUNT\n};\n\n";
   if (interface.TakesDiscrete()) {
     out << "/* The places of the discrete inputs */\nenum {\n";
-    for (const InputWords& input : interface.discrete) {
+    for (const Variable& input : interface.discrete) {
       Enumerator(out, upper + "_DISCRETE_" + input.name, input.words);
     }
     out << "  " << upper

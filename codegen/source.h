@@ -4,22 +4,32 @@
 #include <string>
 #include <vector>
 
+#include "codegen/generate.h"
 #include "codegen/lowering.h"
 
 namespace pxrom_codegen {
 
-struct InputWords {
+/// What is known of an input or output, as the model has it.
+struct Variable {
   std::string id;
   std::string name;   ///< in upper case, an identifier
   std::string words;  ///< caption, unit and range, for a comment
-  double lower = 0.0;
-  double upper = 0.0;
+  std::string caption;
+  std::string unit;
 };
 
-struct OutputWords {
-  std::string id;
-  std::string name;
-  std::string words;
+struct InputWords : Variable {
+  double lower = 0.0;
+  double upper = 0.0;
+  /// Whether the range is the model's, not that of the samples.
+  bool isBounded = false;
+  /// The middle of the samples, in the range.
+  double middle = 0.0;
+};
+
+struct OutputWords : Variable {
+  /// Whether an error is in the unit of the output.
+  bool hasUnitOfError = true;
 };
 
 /// A point with the library's answers.
@@ -41,7 +51,7 @@ struct Interface {
   std::vector<InputWords> inputs;
   std::vector<OutputWords> outputs;
   /// All combinations; of one the code takes no discrete values.
-  std::vector<InputWords> discrete;
+  std::vector<Variable> discrete;
   std::vector<std::vector<int>> keys;
   /// The chosen combination in words; empty for a model without discrete inputs.
   std::string chosen;
@@ -57,6 +67,10 @@ struct Interface {
 
   bool TakesDiscrete() const { return !discrete.empty(); }
 };
+
+/// What Generate does, with what the texts were made of. Throws Refused.
+Code GenerateOrThrow(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model,
+                     const Options& options, Interface& interface);
 
 /// The pieces that others need.
 void AddNeededPieces(Pieces& pieces);

@@ -27,12 +27,14 @@ std::string InComment(const std::string& text);
 /// `text` in upper case as a part of an identifier: A-Z, 0-9 and _.
 std::string UpperName(const std::string& text);
 
-/// Names for `ids` that are identifiers and differ from each other.
+/// Names for `ids` that are identifiers in upper case and differ from each other.
 std::vector<std::string> UpperNames(const std::vector<std::string>& ids);
 
 bool IsName(const std::string& text);
 
 /// The pieces of C, in their order.
 const std::vector<std::string>& RuntimeTexts();
+/// The functions of FMI: what both versions share, 2.0, 3.0.
+const std::vector<std::string>& FmiTexts();
 
 }  // namespace pxrom_codegen

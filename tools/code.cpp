@@ -1,4 +1,3 @@
-#include <cctype>
 #include <cstdint>
 #include <filesystem>
 #include <iostream>
@@ -6,9 +5,9 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
+#include "code_options.h"
 #include "codegen/generate.h"
 #include "command.h"
 #include "model_file.h"
@@ -30,19 +29,6 @@ struct CodeOptions {
   pxrom_codegen::Options code;
 };
 
-/// The name of the model's file as a name for code.
-std::string NameOf(const std::string& path) {
-  constexpr std::size_t kLongest = 40;
-  std::string name;
-  for (const char c : std::filesystem::path(path).stem().string()) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool isPart = byte < 0x80 && (std::isalnum(byte) != 0 || c == '_');
-    if (name.empty() && !(isPart && std::isalpha(byte) != 0)) continue;
-    name += isPart ? c : '_';
-  }
-  return name.empty() ? "model" : name.substr(0, kLongest);
-}
-
 /// "64KB" as bytes; a kilobyte has 1024.
 std::uint64_t BytesOf(const std::string& text) {
   const std::size_t end = text.find_first_not_of("0123456789.");
@@ -57,20 +43,6 @@ std::uint64_t BytesOf(const std::string& text) {
     throw Refusal(Quoted(text) + " is no budget of bytes such as 64KB");
   }
   return static_cast<std::uint64_t>(*number * static_cast<double>(factor));
-}
-
-std::vector<std::pair<std::string, int>> CombinationOf(const std::vector<std::string>& texts) {
-  std::vector<std::pair<std::string, int>> combination;
-  for (const std::string& text : texts) {
-    const std::size_t at = text.rfind('=');
-    const std::optional<int> value =
-        at == std::string::npos ? std::nullopt : ParseInteger(text.substr(at + 1));
-    if (!value.has_value()) {
-      throw Refusal(Quoted(text) + " is not a discrete value such as Holes=2");
-    }
-    combination.emplace_back(text.substr(0, at), *value);
-  }
-  return combination;
 }
 
 std::string BytesInWords(std::uint64_t bytes) {
@@ -92,7 +64,7 @@ void PrintNeeds(const pxrom_codegen::Code& code, bool isFloat) {
 }
 
 void WriteCode(CodeOptions& options) {
-  options.code.name = options.name.empty() ? NameOf(options.model) : options.name;
+  options.code.name = options.name.empty() ? CodeNameOf(options.model) : options.name;
   options.code.combination = CombinationOf(options.combination);
   if (!options.budget.empty()) options.code.budget = BytesOf(options.budget);
   const std::unique_ptr<Model> model = ReadModel(options.model);

@@ -1,3 +1,5 @@
+#include "codegen/fmu.h"
+
 #include <cstddef>
 #include <iostream>
 #include <map>
@@ -5,8 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "code_options.h"
 #include "command.h"
+#include "fmu_archive.h"
 #include "model_file.h"
+#include "output_file.h"
 #include "parameters.h"
 #include "pxrom/fmu_description_reader.h"
 #include "refusal.h"
@@ -25,6 +30,13 @@ using WordByName = std::map<std::string, std::string>;
 struct FmuOptions {
   std::string description;
   std::string model;
+  /// The archive to write. MODELDESCRIPTION is then the model.
+  std::string archive;
+  int version = 2;
+  std::string name;
+  std::vector<std::string> combination;
+  std::vector<std::string> outputs;
+  bool withoutErrors = false;
 };
 
 /// The attributes of the root element, which the library's reader takes from the whole text.
@@ -126,7 +138,38 @@ void PrintLinks(const Description& description, const Model& model, const std::s
   }
 }
 
+void ExportFmu(const FmuOptions& options) {
+  const std::string& path = options.description;
+  if (!options.model.empty()) {
+    throw Refusal("--export takes one model, and " + Quoted(options.model) + " is another file");
+  }
+  pxrom_codegen::Options code;
+  code.name = options.name.empty() ? CodeNameOf(path) : options.name;
+  code.combination = CombinationOf(options.combination);
+  code.outputs = options.outputs;
+  code.errors = !options.withoutErrors;
+  pxrom_codegen::Fmu fmu;
+  std::string reason;
+  if (pxrom_codegen::GenerateFmu(*ReadModel(path), code, options.version, fmu, reason) != 0) {
+    throw Refusal("no FMU for " + Quoted(path) + ": " + reason);
+  }
+  OutputFile archive(options.archive, {path});
+  const std::vector<std::string> binaries = AddBinaries(fmu);
+  archive.Write(pxrom_codegen::ZipOf(fmu.files));
+  archive.Finish();
+  std::cout << "Wrote       " << Printed(options.archive) << " for FMI " << options.version
+            << ".0, co-simulation and model exchange\n"
+            << "Binaries    "
+            << (binaries.empty() ? "none, as no C compiler was found; the sources can be compiled"
+                                 : Listed(binaries, binaries.size()))
+            << '\n';
+}
+
 void Fmu(const FmuOptions& options) {
+  if (!options.archive.empty()) {
+    ExportFmu(options);
+    return;
+  }
   Description description = ReadDescription(options.description);
   std::unique_ptr<Model> model;
   if (!options.model.empty()) model = ReadModel(options.model);
@@ -138,13 +181,32 @@ void Fmu(const FmuOptions& options) {
 
 void AddFmu(CLI::App& app) {
   const auto options = std::make_shared<FmuOptions>();
-  CLI::App* fmu =
-      app.add_subcommand("fmu", "Show the variables of an FMI model description and link a model");
-  fmu->add_option("MODELDESCRIPTION", options->description, "XML model description, FMI 1 or 2")
+  CLI::App* fmu = app.add_subcommand(
+      "fmu", "Write a model as an FMU, or show an FMI model description and link a model");
+  fmu->add_option("MODELDESCRIPTION", options->description,
+                  "XML model description, FMI 1 or 2; with --export the model")
       ->required();
   fmu->add_option("MODEL", options->model, "Database whose parameters are looked up by name");
+  CLI::Option* archive = fmu->add_option("--export", options->archive,
+                                         "Write the model as this FMU, with its sources");
+  fmu->add_option("--fmi", options->version, "Version of FMI: 2 (default) or 3")
+      ->needs(archive)
+      ->check(CLI::IsMember({2, 3}));
+  fmu->add_option("--name", options->name,
+                  "Model identifier; default: the name of the model's file")
+      ->needs(archive);
+  fmu->add_option("--combination", options->combination,
+                  "Values of all discrete inputs; default: they are parameters of the FMU")
+      ->needs(archive)
+      ->delimiter(',');
+  fmu->add_option("--outputs", options->outputs, "Outputs; default: all")
+      ->needs(archive)
+      ->delimiter(',');
+  fmu->add_flag("--without-errors", options->withoutErrors, "Leave out the predicted errors")
+      ->needs(archive);
   fmu->footer(
-      "Example:\n"
+      "Examples:\n"
+      "  pxrom fmu --export beam.fmu examples/beam.pxdb\n"
       "  pxrom fmu examples/beam.xml examples/beam.pxdb");
   fmu->callback([options] { Fmu(*options); });
 }
