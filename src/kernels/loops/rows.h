@@ -52,10 +52,19 @@ PXROM_INLINE void FinishRows(const RowKernels& call, const double* states) {
   }
 }
 
+/// Calls use(i, column) as ForColumns does, for rows that are scaled or not.
+template <class Use>
+PXROM_INLINE void ForGivenColumns(const RowKernels& call, const double* const* rows,
+                                  std::size_t first, std::size_t last, const Use& use) {
+  if (call.slopes != nullptr) {
+    ForColumns<true>(call, rows, first, last, use);
+  } else {
+    ForColumns<false>(call, rows, first, last, use);
+  }
+}
+
 template <class K, bool kScaled>
-PXROM_INLINE void ForRows(const RowKernels& call) {
-  static_assert(kRows <= 32);
-  double states[kRows];
+PXROM_INLINE void StatesOf(const RowKernels& call, double* states) {
   for (std::size_t row = 0; row < call.count; row += kLanes) {
     Vector state = K::kStart;
     ForColumns<kScaled>(call, call.rows + row, 0, call.inputs, [&](std::size_t i, Vector column) {
@@ -63,17 +72,15 @@ PXROM_INLINE void ForRows(const RowKernels& call) {
     });
     Store(states + row, state);
   }
-  FinishRows<K>(call, states);
 }
 
-/// The same where each step needs a function that the host may have to compute: some inputs of all
-/// rows together, and then the host.
-template <class K, bool kScaled>
-PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
+/// The states where each step needs a function that the host may have to compute: some inputs of
+/// all rows together, and then the host.
+template <class K>
+PXROM_INLINE void StatesByStep(const RowKernels& call, double* states) {
   constexpr std::size_t kTogether = 8;
   double distances[kTogether * kRows];
   double answers[kTogether * kRows];
-  double states[kRows];
   Question questions[kTogether * kRows];
   const std::size_t count = call.count;
   for (std::size_t row = 0; row < count; row += kLanes) Store(states + row, K::kStart);
@@ -81,7 +88,7 @@ PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
     const std::size_t left = call.inputs - first;
     const std::size_t inputs = left < kTogether ? left : kTogether;
     for (std::size_t row = 0; row < count; row += kLanes) {
-      ForColumns<kScaled>(
+      ForGivenColumns(
           call, call.rows + row, first, first + inputs, [&](std::size_t i, Vector column) {
             const std::size_t place = (i - first) * kRows + row;
             const Vector distance = K::Distance(Abs(call.x[i] - column), ScaleOf(call, i));
@@ -101,25 +108,20 @@ PXROM_INLINE void ForRowsByStep(const RowKernels& call) {
       Store(states + row, state);
     }
   }
-  FinishRows<K>(call, states);
-}
-
-template <class K, bool kScaled>
-PXROM_INLINE void RowsOf(const RowKernels& call) {
-  if constexpr (K::kAsksPerInput) {
-    ForRowsByStep<K, kScaled>(call);
-  } else {
-    ForRows<K, kScaled>(call);
-  }
 }
 
 template <class K>
 void Rows(const RowKernels& call) {
-  if (call.slopes != nullptr) {
-    RowsOf<K, true>(call);
+  static_assert(kRows <= 32);
+  double states[kRows];
+  if constexpr (K::kAsksPerInput) {
+    StatesByStep<K>(call, states);
+  } else if (call.slopes != nullptr) {
+    StatesOf<K, true>(call, states);
   } else {
-    RowsOf<K, false>(call);
+    StatesOf<K, false>(call, states);
   }
+  FinishRows<K>(call, states);
 }
 
 template <class K>

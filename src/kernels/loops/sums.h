@@ -130,6 +130,23 @@ PXROM_INLINE void ValuesByStep(const KernelSum& call, Pending& pending, std::siz
   });
 }
 
+/// Adds the weighted values of `count` centres from `first` on. Not a part of Sum, so that the
+/// kernels share it.
+void AddWeighed(const KernelSum& call, std::size_t first, std::size_t count, const double* values) {
+  ForAllPoints(call.points, [&](auto size, std::size_t point) {
+    Vector sum[size.count];
+    for (std::size_t u = 0; u < size.count; ++u) sum[u] = Load(call.sums + point + u * kLanes);
+    for (std::size_t row = 0; row < count; ++row) {
+      const Vector weight = call.weights[first + row];
+      for (std::size_t u = 0; u < size.count; ++u) {
+        const Vector value = Load(values + row * kBlock + point + u * kLanes);
+        sum[u] = sum[u] + value * weight;
+      }
+    }
+    for (std::size_t u = 0; u < size.count; ++u) Store(call.sums + point + u * kLanes, sum[u]);
+  });
+}
+
 template <class K>
 void Sum(const KernelSum& call) {
   for (std::size_t point = 0; point < call.points; point += kLanes) {
@@ -154,18 +171,7 @@ void Sum(const KernelSum& call) {
     if (pending.count > 0) {
       call.kernel->answerValues(call, first, call.questions, pending.count, values);
     }
-    ForAllPoints(call.points, [&](auto size, std::size_t point) {
-      Vector sum[size.count];
-      for (std::size_t u = 0; u < size.count; ++u) sum[u] = Load(call.sums + point + u * kLanes);
-      for (std::size_t row = 0; row < count; ++row) {
-        const Vector weight = call.weights[first + row];
-        for (std::size_t u = 0; u < size.count; ++u) {
-          const Vector value = Load(values + row * kBlock + point + u * kLanes);
-          sum[u] = sum[u] + value * weight;
-        }
-      }
-      for (std::size_t u = 0; u < size.count; ++u) Store(call.sums + point + u * kLanes, sum[u]);
-    });
+    AddWeighed(call, first, count, values);
   }
 }
 
