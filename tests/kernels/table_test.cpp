@@ -21,6 +21,7 @@
 
 #include "kernels/kernels.h"
 #include "kernels/loops/all_loops.h"
+#include "kernels/loops/plain.h"
 #include "kernels/loops/rows_of_table.h"
 #include "support/model_files.h"
 #include "support/source_path.h"

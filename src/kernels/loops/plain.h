@@ -1,7 +1,7 @@
 #pragma once
 
-// Kernels between one point and rows with plain numbers, for kernels without a vector form and for
-// machines without vectors.
+// Kernels between one point and rows with plain numbers, for single rows and for machines without
+// vectors. plain_rows.cpp compiles them for the kernels of the table.
 
 #include "kernels/loops/loop_table.h"
 

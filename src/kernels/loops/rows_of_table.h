@@ -4,9 +4,12 @@
 
 #include "kernels/kernels.h"
 #include "kernels/loops/gradients.h"
-#include "kernels/loops/plain.h"
 
 namespace Tarvane::Plexura::PXROM::kernels {
+
+/// See plain.h.
+template <class K>
+void PlainRows(const RowKernels& call);
 
 template <class K>
 void AnswerValues(const KernelSum& call, std::size_t firstCentre, const Question* questions,
