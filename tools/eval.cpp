@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +21,8 @@
 
 namespace pxrom_command {
 
+namespace pxrom = Tarvane::Plexura::PXROM;
+
 namespace {
 
 struct EvalOptions {
@@ -29,42 +33,69 @@ struct EvalOptions {
   PointsOptions points;
 };
 
-/// The error of one row; `*` marks an error that is not in the unit of the output.
-std::string ErrorCell(const PredictedOutput& output) {
-  constexpr int kDigits = 3;
-  if (!output.error.has_value()) return "-";
-  return Shown(*output.error, kDigits) + (output.error_space == ErrorSpace::Scaled ? "*" : "");
-}
-
 void PrintTable(const Model& model, const Point& point,
                 const std::vector<PredictedOutput>& outputs) {
-  bool scaled = false;
+  constexpr int kDigits = 3;
   bool absent = false;
-  for (const PredictedOutput& output : outputs) {
-    absent = absent || !output.error.has_value();
-    scaled = scaled || (output.error.has_value() && output.error_space == ErrorSpace::Scaled);
-  }
-
   Table table({{"Output", Align::Left},
                {"Caption", Align::Left},
                {"Value", Align::Right},
                {"Error", Align::Right},
-               {"Unit", Align::Left}});
+               {"Unit", Align::Left},
+               {"Error from", Align::Left}});
   for (const PredictedOutput& output : outputs) {
-    std::string error = ErrorCell(output);
-    if (scaled && error.back() != '*') error += ' ';
-    table.Add({output.id, CaptionOf(model, output.id), Shown(output.value), error,
-               UnitOf(model, output.id)});
+    const bool has_error = output.error.has_value();
+    absent = absent || !has_error;
+    table.Add({output.id, CaptionOf(model, output.id), Shown(output.value),
+               has_error ? Shown(output.error->in_unit, kDigits) : "-", UnitOf(model, output.id),
+               has_error ? WhoseError(output.origin) : ""});
   }
 
   const std::string combination = point.CombinationText();
   if (!combination.empty()) std::cout << "At " << Printed(combination) << ":\n\n";
   table.Print(std::cout);
-  if (scaled || absent) std::cout << '\n';
-  if (scaled) {
-    std::cout << "* as the surface reports it: in a scaled space, not in this unit\n";
+  if (absent) std::cout << "\n- no predicted error\n";
+}
+
+nlohmann::ordered_json OrNull(const std::optional<double>& number) {
+  return number.has_value() ? nlohmann::ordered_json(*number) : nullptr;
+}
+
+const char* OriginName(pxrom::E_ErrorOrigin origin) {
+  switch (origin) {
+    case pxrom::ErrorFromCrossValidation:
+      return "cross-validation";
+    case pxrom::ErrorFromAllSurfaces:
+      return "all surfaces";
+    case pxrom::ErrorFromOneSurface:
+      return "one surface";
+    case pxrom::ErrorNone:
+      break;
   }
-  if (absent) std::cout << "- no predicted error\n";
+  return "none";
+}
+
+void AddError(const PredictedOutput& output, nlohmann::ordered_json& entry) {
+  const std::optional<PredictedOutput::Error>& error = output.error;
+  entry["error"] = error ? nlohmann::ordered_json(error->in_unit) : nullptr;
+  entry["error_space"] = error ? nlohmann::ordered_json("physical") : nullptr;
+  entry["lower"] = error ? nlohmann::ordered_json(error->lower) : nullptr;
+  entry["upper"] = error ? nlohmann::ordered_json(error->upper) : nullptr;
+  entry["raw_error"] = error ? nlohmann::ordered_json(error->raw) : nullptr;
+  entry["error_origin"] = OriginName(output.origin.origin);
+  const bool is_one = output.origin.origin == pxrom::ErrorFromOneSurface;
+  entry["error_surface"] = is_one ? nlohmann::ordered_json(output.origin.surface) : nullptr;
+  entry["first_order"] = output.origin.firstOrder;
+}
+
+void AddLocation(const PredictedOutput& output, nlohmann::ordered_json& entry) {
+  entry["inside"] = output.inside ? nlohmann::ordered_json(*output.inside) : nullptr;
+  entry["distance"] = OrNull(output.distance);
+  entry["outside_samples"] = nlohmann::ordered_json::array();
+  for (const PredictedOutput::Outside& outside : output.outside) {
+    entry["outside_samples"].push_back(
+        {{"id", outside.input}, {"lowest", outside.lowest}, {"highest", outside.highest}});
+  }
 }
 
 void PrintJson(const EvalOptions& options, const Model& model, const Point& point,
@@ -82,12 +113,8 @@ void PrintJson(const EvalOptions& options, const Model& model, const Point& poin
     entry["caption"] = CaptionOf(model, output.id);
     entry["unit"] = UnitOf(model, output.id);
     entry["value"] = output.value;
-    entry["error"] = nullptr;
-    entry["error_space"] = nullptr;
-    if (output.error.has_value()) {
-      entry["error"] = *output.error;
-      entry["error_space"] = output.error_space == ErrorSpace::Physical ? "physical" : "scaled";
-    }
+    AddError(output, entry);
+    AddLocation(output, entry);
     list.push_back(entry);
   }
   nlohmann::ordered_json document;
@@ -98,6 +125,39 @@ void PrintJson(const EvalOptions& options, const Model& model, const Point& poin
   PrintDocument(document);
 }
 
+/// What is outside the samples of which outputs, most of which have the same samples.
+void NoteOutside(const Model& model, const std::vector<PredictedOutput>& outputs) {
+  std::vector<std::pair<std::string, std::vector<std::string>>> notes;
+  for (const PredictedOutput& output : outputs) {
+    std::vector<std::string> inputs;
+    for (const PredictedOutput::Outside& outside : output.outside) {
+      const std::string unit = UnitOf(model, outside.input);
+      inputs.push_back(outside.input + "=" + Shown(outside.value) + " (" + Shown(outside.lowest) +
+                       " to " + Shown(outside.highest) + (unit.empty() ? ")" : " " + unit + ")"));
+    }
+    if (inputs.empty()) continue;
+    std::string note = Listed(inputs) + (inputs.size() == 1 ? " lies" : " lie") + " outside";
+    note += "\n";
+    if (output.distance.has_value()) {
+      note += "; the nearest sample is " + Shown(*output.distance, 3) + " typical spacings away";
+    }
+    const auto same = std::find_if(notes.begin(), notes.end(),
+                                   [&](const auto& known) { return known.first == note; });
+    if (same != notes.end()) {
+      same->second.push_back(output.id);
+    } else {
+      notes.push_back({note, {output.id}});
+    }
+  }
+  for (const auto& [note, ids] : notes) {
+    const std::size_t place = note.find('\n');
+    const bool is_all = ids.size() == outputs.size();
+    std::cerr << "pxrom eval: note: " << Printed(note.substr(0, place)) << " the samples of "
+              << (is_all ? std::string("all outputs") : Printed(Listed(ids)))
+              << Printed(note.substr(place + 1)) << '\n';
+  }
+}
+
 void Eval(const EvalOptions& options) {
   const std::unique_ptr<Model> model = ReadModel(options.model);
   const Point point = PointOf(*model, options.assignments);
@@ -106,6 +166,7 @@ void Eval(const EvalOptions& options) {
     std::cerr << "pxrom eval: note: " << Printed(input.id) << " lies outside its bounds, "
               << Printed(input.Bounds()) << ": the surfaces extrapolate\n";
   }
+  NoteOutside(*model, outputs);
   if (options.json) {
     PrintJson(options, *model, point, outputs);
   } else {
@@ -141,9 +202,15 @@ void AddEval(CLI::App& app) {
   eval->footer(
       "A table begins with a line of IDs, one column for each input; give inputs without a column\n"
       "as NAME=VALUE for all rows. The result has each row unchanged, followed by new columns in\n"
-      "all digits: the output with its ID as heading, and its predicted error as \"ID error\" in\n"
-      "the unit of the output, or as \"ID scaled error\" if a surface reports it in a scaled\n"
-      "space. Missing errors are empty. A bad row is reported by its line, and the other rows are\n"
+      "all digits: the output with its ID as heading, its predicted error in its unit as \"ID "
+      "error\"\n"
+      "and, if it does not come from cross-validation, as the surface reports it, \"ID raw "
+      "error\".\n"
+      "Missing errors are empty. The last two columns are \"outside samples\", the inputs that "
+      "lie\n"
+      "outside the samples of an output, and \"sample distance\", the largest distance to the "
+      "nearest\n"
+      "sample in typical spacings. A bad row is reported by its line, and the other rows are\n"
       "evaluated; the status is then 1.\n"
       "\n"
       "Example:\n"

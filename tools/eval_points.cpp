@@ -80,6 +80,7 @@ std::string HeaderText(const Model& model, const CsvRow& header) {
   for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
     text += ',' + CsvField(heading);
   }
+  for (const char* const heading : kLocationHeadings) text += std::string(",") + heading;
   return text + (header.line_end.empty() ? "\n" : header.line_end);
 }
 

@@ -170,8 +170,8 @@ std::vector<OutputColumns> OutputColumnsOf(const Model& model) {
     for (const auto& [id, candidates] : outputs) {
       OutputColumns& columns = by_id[id];
       columns.id = id;
-      const bool physical = ErrorSpaceOf(*candidates) == ErrorSpace::Physical;
-      (physical ? columns.has_error : columns.has_scaled_error) = true;
+      const auto* const candidate = candidates->GetEvaluationCandidatePtr();
+      if (candidate == nullptr || !candidate->GetIsErrPredRequired()) columns.has_raw_error = true;
     }
   }
   std::vector<OutputColumns> outputs;
@@ -184,15 +184,17 @@ std::vector<std::string> HeadingsOf(const std::vector<OutputColumns>& outputs) {
   std::vector<std::string> headings;
   for (const OutputColumns& output : outputs) {
     headings.push_back(output.id);
-    if (output.has_error) headings.push_back(output.id + " error");
-    if (output.has_scaled_error) headings.push_back(output.id + " scaled error");
+    headings.push_back(output.id + " error");
+    if (output.has_raw_error) headings.push_back(output.id + " raw error");
   }
   return headings;
 }
 
 void RequireNewHeadings(const Model& model, const CsvRow& header, const std::string& name) {
   const HeaderNames names(header.fields);
-  for (const std::string& heading : HeadingsOf(OutputColumnsOf(model))) {
+  std::vector<std::string> headings = HeadingsOf(OutputColumnsOf(model));
+  headings.insert(headings.end(), std::begin(kLocationHeadings), std::end(kLocationHeadings));
+  for (const std::string& heading : headings) {
     if (names.Times(heading) == 0) continue;
     throw Refusal("the header of " + name + " already has a column " + Quoted(heading) +
                   ", which the result adds; give it another name");

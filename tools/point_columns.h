@@ -43,17 +43,21 @@ class PointColumns {
   std::unordered_map<std::string, std::pair<double, double>> bounds_;
 };
 
-/// The columns that an output adds to a table. An error in the output's unit and an error in a
-/// scaled space are different, and the combination decides which of them there is.
+/// The columns that an output adds to a table: its value, its error and, if that does not always
+/// come from cross-validation, its raw error.
 struct OutputColumns {
   std::string id;
-  bool has_error = false;
-  bool has_scaled_error = false;
+  bool has_raw_error = false;
+
+  std::size_t Count() const { return has_raw_error ? 3 : 2; }
 };
+
+/// The last columns of the result, of the place of the point among the samples.
+inline constexpr const char* kLocationHeadings[] = {"outside samples", "sample distance"};
 
 /// By ID.
 std::vector<OutputColumns> OutputColumnsOf(const Model& model);
-/// "deflection", "deflection error", "deflection scaled error" and so on.
+/// "deflection", "deflection error", "deflection raw error" and so on.
 std::vector<std::string> HeadingsOf(const std::vector<OutputColumns>& outputs);
 /// Refusal that names the table, `name`, when one of its columns has the name of a column that an
 /// evaluation adds.

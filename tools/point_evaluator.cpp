@@ -1,10 +1,11 @@
 #include "point_evaluator.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
+#include "csv_fields.h"
 #include "numbers.h"
-#include "prediction.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -45,18 +46,16 @@ const PointEvaluator::Combination& PointEvaluator::Prepared(const Point& point) 
   if (pxrom::CPreparedModel::Prepare(model_, point.discrete, combination.model, &reason) != 0) {
     throw Refusal("the library can't prepare " + point.CombinationText() + ": " + reason);
   }
+  combination.locator = SampleLocator(combination.model);
   const auto& candidates = OutputsAt(model_, point);
   std::size_t heading = 0;
   for (const OutputColumns& output : outputs_) {
-    const std::size_t value = heading++;
-    const std::size_t error = heading;
-    heading += (output.has_error ? 1U : 0U) + (output.has_scaled_error ? 1U : 0U);
     // Both lists are by ID.
-    const auto at = candidates.find(output.id);
-    if (at == candidates.end()) continue;
-    const bool behind = output.has_error && ErrorSpaceOf(*at->second) == ErrorSpace::Scaled;
-    combination.value_headings.push_back(value);
-    combination.error_headings.push_back(error + (behind ? 1U : 0U));
+    if (candidates.find(output.id) != candidates.end()) {
+      combination.value_headings.push_back(heading);
+      combination.has_raw_error.push_back(output.has_raw_error);
+    }
+    heading += output.Count();
   }
   return prepared_.emplace(key, std::move(combination)).first->second;
 }
@@ -67,19 +66,11 @@ void PointEvaluator::EvaluateGroup(const Group& group, Results& results) const {
   const std::size_t rows = group.rows.size();
   std::vector<double> values(rows * ids.size());
   std::vector<double> errors(rows * ids.size());
+  std::vector<double> raw_errors(rows * ids.size());
   std::vector<int> statuses(rows * ids.size());
-  model.Evaluate(group.points.data(), rows, mode_, values.data(), errors.data(), statuses.data());
-  if (std::find(statuses.begin(), statuses.end(), 1) != statuses.end()) {
-    // Families without an error have values if they are not asked for one.
-    std::vector<double> alone(values.size());
-    std::vector<int> again(statuses.size());
-    model.Evaluate(group.points.data(), rows, mode_, alone.data(), nullptr, again.data());
-    for (std::size_t k = 0; k < statuses.size(); ++k) {
-      if (statuses[k] != 1 || again[k] != 0) continue;
-      statuses[k] = -2;
-      values[k] = alone[k];
-    }
-  }
+  model.EvaluateWithUnits(
+      group.points.data(), rows, mode_,
+      {values.data(), errors.data(), nullptr, nullptr, raw_errors.data(), statuses.data()});
 
   for (std::size_t r = 0; r < rows; ++r) {
     const std::size_t row = group.rows[r];
@@ -93,23 +84,59 @@ void PointEvaluator::EvaluateGroup(const Group& group, Results& results) const {
         }
         continue;
       }
-      cells[group.combination->value_headings[o]] = values[k];
-      if (statuses[k] == 0) cells[group.combination->error_headings[o]] = errors[k];
+      const std::size_t heading = group.combination->value_headings[o];
+      cells[heading] = values[k];
+      if (statuses[k] != 0) continue;
+      cells[heading + 1] = errors[k];
+      if (group.combination->has_raw_error[o]) cells[heading + 2] = raw_errors[k];
     }
   }
 }
 
-void PointEvaluator::Append(const CsvRow& row, const std::optional<double>* cells,
+void PointEvaluator::LocateGroup(const Group& group, Results& results) {
+  const SampleLocator& locator = group.combination->locator;
+  const std::vector<std::string>& inputs = group.combination->model.InputIDs();
+  // So many rows that the sides of all inputs don't fill the memory.
+  const std::size_t per_row = std::max<std::size_t>(locator.Count() * inputs.size(), 1);
+  const std::size_t most = std::max<std::size_t>(kMostCells / per_row, 1);
+  for (std::size_t first = 0; first < group.rows.size(); first += most) {
+    const std::size_t count = std::min(most, group.rows.size() - first);
+    const SampleLocator::Places places =
+        locator.Locate(group.points.data() + first * inputs.size(), count);
+    for (std::size_t r = 0; r < count; ++r) {
+      const std::size_t row = group.rows[first + r];
+      std::vector<bool> is_outside(inputs.size());
+      for (std::size_t k = r * locator.Count(); k < (r + 1) * locator.Count(); ++k) {
+        const double distance = places.distances[k];
+        if (!std::isnan(distance)) {
+          results.distances[row] = std::max(results.distances[row].value_or(distance), distance);
+        }
+        for (std::size_t i = 0; i < inputs.size(); ++i) {
+          if (places.sides[k * inputs.size() + i] != 0) is_outside[i] = true;
+        }
+      }
+      std::string& names = results.outside_samples[row];
+      for (std::size_t i = 0; i < inputs.size(); ++i) {
+        if (is_outside[i]) names += (names.empty() ? "" : "; ") + inputs[i];
+      }
+    }
+  }
+}
+
+void PointEvaluator::Append(const CsvRow& row, std::size_t place, const Results& results,
                             std::string& text) const {
   text += row.text;
   // The results of a row that is too short must not go to the columns that it lacks.
   if (row.fault.empty() && row.fields.size() < columns_.Count()) {
     text.append(columns_.Count() - row.fields.size(), ',');
   }
+  const std::optional<double>* const cells = results.cells.data() + place * headings_;
   for (std::size_t h = 0; h < headings_; ++h) {
     text += ',';
     if (cells[h].has_value()) AppendShortest(*cells[h], text);
   }
+  text += ',' + CsvField(results.outside_samples[place]) + ',';
+  if (results.distances[place].has_value()) AppendShortest(*results.distances[place], text);
   text += row.line_end.empty() ? "\n" : row.line_end;
 }
 
@@ -118,6 +145,8 @@ PointEvaluator::Results PointEvaluator::Predict(const std::vector<CsvRow>& rows)
   results.cells.resize(rows.size() * headings_);
   results.combinations.resize(rows.size());
   results.faults.resize(rows.size());
+  results.outside_samples.resize(rows.size());
+  results.distances.resize(rows.size());
 
   std::map<std::vector<int>, Group> groups;
   Point point;
@@ -131,7 +160,10 @@ PointEvaluator::Results PointEvaluator::Predict(const std::vector<CsvRow>& rows)
     group.rows.push_back(r);
     for (const auto& [id, value] : point.continuous) group.points.push_back(value);
   }
-  for (const auto& [key, group] : groups) EvaluateGroup(group, results);
+  for (const auto& [key, group] : groups) {
+    EvaluateGroup(group, results);
+    LocateGroup(group, results);
+  }
   return results;
 }
 
@@ -141,7 +173,7 @@ EvaluatedRows PointEvaluator::Evaluate(const std::vector<CsvRow>& rows) {
   Results results = Predict(rows);
   done.outside_bounds = results.outside_bounds;
   for (std::size_t r = 0; r < rows.size(); ++r) {
-    Append(rows[r], results.cells.data() + r * headings_, done.text);
+    Append(rows[r], r, results, done.text);
     if (results.faults[r].empty()) continue;
     ++done.bad;
     if (done.faults.size() < kMostFaults) {

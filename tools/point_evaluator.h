@@ -11,6 +11,7 @@
 #include "csv_reader.h"
 #include "model_file.h"
 #include "point_columns.h"
+#include "prediction.h"
 #include "pxrom/batch.h"
 
 namespace pxrom_command {
@@ -56,8 +57,10 @@ class PointEvaluator {
   struct Combination {
     std::vector<std::pair<std::string, int>> discrete;
     Tarvane::Plexura::PXROM::CPreparedModel model;
+    SampleLocator locator;
+    /// Of each output; the heading of its error follows, and that of its raw error if it has one.
     std::vector<std::size_t> value_headings;
-    std::vector<std::size_t> error_headings;
+    std::vector<bool> has_raw_error;
   };
   /// For each row a cell per heading, its combination, and what is wrong with it. A row that can't
   /// be read has no combination.
@@ -65,6 +68,10 @@ class PointEvaluator {
     std::vector<std::optional<double>> cells;
     std::vector<const Combination*> combinations;
     std::vector<std::string> faults;
+    /// For each row the inputs that lie outside the samples of an output, and the largest distance
+    /// to the nearest sample.
+    std::vector<std::string> outside_samples;
+    std::vector<std::optional<double>> distances;
     std::size_t outside_bounds = 0;
   };
 
@@ -81,7 +88,9 @@ class PointEvaluator {
 
   const Combination& Prepared(const Point& point);
   void EvaluateGroup(const Group& group, Results& results) const;
-  void Append(const CsvRow& row, const std::optional<double>* cells, std::string& text) const;
+  static void LocateGroup(const Group& group, Results& results);
+  void Append(const CsvRow& row, std::size_t place, const Results& results,
+              std::string& text) const;
 
   const Model& model_;
   const PointColumns& columns_;

@@ -1,10 +1,9 @@
 #include "prediction.h"
 
+#include <cmath>
 #include <cstddef>
-#include <memory>
 #include <utility>
 
-#include "pxrom/batch.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -31,19 +30,6 @@ using Values = std::vector<std::pair<std::string, double>>;
                 ": one of its surfaces is damaged, stopped or not ready");
 }
 
-std::optional<double> ErrorAt(const pxrom::CFittingCandidates& candidates, const Point& point) {
-  std::vector<double> x;
-  for (const auto& [name, value] : point.continuous) x.push_back(value);
-  // A Kriging surface can write its record when it computes an error, so this works on a copy.
-  const std::unique_ptr<pxrom::CFittingCandidates> copy(candidates.Clone());
-  double value = 0.0;
-  double error = 0.0;
-  const int status =
-      pxrom::CFittingCandidatesEvaluator().EvaluateResponseSurfaceCandidate(*copy, x, value, error);
-  if (status != 0) return std::nullopt;
-  return error;
-}
-
 }  // namespace
 
 const Model::OutputsByID& OutputsAt(const Model& model, const Point& point) {
@@ -51,10 +37,42 @@ const Model::OutputsByID& OutputsAt(const Model& model, const Point& point) {
   return model.GetOutputsWrtDiscCombPtr()->at(static_cast<std::size_t>(position));
 }
 
-ErrorSpace ErrorSpaceOf(const pxrom::CFittingCandidates& candidates) {
-  const pxrom::CFittingCandidate* candidate = candidates.GetEvaluationCandidatePtr();
-  const bool physical = candidate != nullptr && candidate->GetIsErrPredRequired();
-  return physical ? ErrorSpace::Physical : ErrorSpace::Scaled;
+std::string WhoseError(const pxrom::CErrorOrigin& origin) {
+  std::string whose;
+  if (origin.origin == pxrom::ErrorFromCrossValidation) {
+    whose = "cross-validation";
+  } else if (origin.origin == pxrom::ErrorFromAllSurfaces) {
+    whose = origin.surfaces == 1 ? "its surface"
+                                 : "its " + std::to_string(origin.surfaces) + " surfaces";
+  } else if (origin.origin == pxrom::ErrorFromOneSurface) {
+    whose = "surface " + std::to_string(origin.surface + 1) + " of " +
+            std::to_string(origin.surfaces) + " only";
+  }
+  return whose + (origin.firstOrder ? ", first order" : "");
+}
+
+SampleLocator::SampleLocator(const pxrom::CPreparedModel& model) {
+  std::vector<std::string> ids;
+  std::vector<std::size_t> place_of(model.OutputIDs().size());
+  for (std::size_t o = 0; o < place_of.size(); ++o) {
+    const std::size_t first = model.FirstWithSamplesOf(o);
+    if (first == o) {
+      place_of[o] = ids.size();
+      ids.push_back(model.OutputIDs()[o]);
+    }
+    places_.push_back(place_of[first]);
+  }
+  model.Select(ids, model_);
+}
+
+SampleLocator::Places SampleLocator::Locate(const double* points, std::size_t rows) const {
+  Places places;
+  places.inside.resize(rows * Count());
+  places.distances.resize(places.inside.size());
+  places.sides.resize(places.inside.size() * model_.InputIDs().size());
+  model_.LocatePoints(points, rows,
+                      {places.inside.data(), places.distances.data(), places.sides.data()});
+  return places;
 }
 
 void RequireWithin(const pxrom::CEvaluationLimit& limit, const Model& model, const Point& point) {
@@ -75,10 +93,46 @@ std::vector<PredictedOutput> Predict(const Model& model, const Point& point,
     RefuseOutput(outputs, values, point);
   }
 
+  pxrom::CPreparedModel prepared;
+  std::string reason;
+  if (pxrom::CPreparedModel::Prepare(model, point.discrete, prepared, &reason) != 0) {
+    throw Refusal("the library can't prepare the model: " + reason);
+  }
+  // Both lists of outputs are by ID.
+  const std::size_t count = values.size();
+  const std::size_t inputs = prepared.InputIDs().size();
+  std::vector<double> x;
+  for (const auto& [name, value] : point.continuous) x.push_back(value);
+  std::vector<double> errors(count), lower(count), upper(count), raw(count);
+  std::vector<int> statuses(count);
+  prepared.EvaluateWithUnits(
+      x.data(), 1, pxrom::PrecisionExact,
+      {nullptr, errors.data(), lower.data(), upper.data(), raw.data(), statuses.data()});
+  const SampleLocator locator(prepared);
+  const SampleLocator::Places places = locator.Locate(x.data(), 1);
+  std::vector<std::vector<PredictedOutput::Outside>> outside(locator.Count());
+  for (std::size_t k = 0; k < locator.Count(); ++k) {
+    std::vector<double> lowest;
+    std::vector<double> highest;
+    locator.OutputsThatDiffer().SampleRanges(k, lowest, highest);
+    for (std::size_t i = 0; i < inputs; ++i) {
+      if (places.sides[k * inputs + i] == 0) continue;
+      outside[k].push_back({prepared.InputIDs()[i], x[i], lowest[i], highest[i]});
+    }
+  }
+
   std::vector<PredictedOutput> predicted;
-  for (const auto& [id, value] : values) {
-    const pxrom::CFittingCandidates& candidates = *outputs.at(id);
-    predicted.push_back({id, value, ErrorAt(candidates, point), ErrorSpaceOf(candidates)});
+  for (std::size_t o = 0; o < count; ++o) {
+    PredictedOutput output;
+    output.id = values[o].first;
+    output.value = values[o].second;
+    output.origin = prepared.ErrorOrigin(o);
+    if (statuses[o] == 0) output.error = {errors[o], lower[o], upper[o], raw[o]};
+    const std::size_t place = locator.PlaceOf(o);
+    if (places.inside[place] >= 0) output.inside = places.inside[place] == 1;
+    if (!std::isnan(places.distances[place])) output.distance = places.distances[place];
+    output.outside = outside[place];
+    predicted.push_back(std::move(output));
   }
   return predicted;
 }

@@ -24,9 +24,7 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 struct MeasuredColumn {
   std::string id;
   std::size_t field = 0;
-  std::size_t value_heading = 0;
-  /// Of the error in the unit of the output.
-  std::optional<std::size_t> error_heading;
+  std::size_t value_heading = 0;  ///< that of the error follows
 };
 
 std::vector<MeasuredColumn> MeasuredColumnsOf(const Model& model, const CsvRow& header,
@@ -45,7 +43,6 @@ std::vector<MeasuredColumn> MeasuredColumnsOf(const Model& model, const CsvRow& 
       column.id = output.id;
       column.field = static_cast<std::size_t>(first - header.fields.begin());
       column.value_heading = heading;
-      if (output.has_error) column.error_heading = heading + 1;
       columns.push_back(column);
     }
     heading += HeadingsOf({output}).size();
@@ -108,9 +105,7 @@ class Comparison {
     pair.discrete = combination->discrete;
     pair.measured = measured;
     pair.predicted = cells[column_.value_heading].value_or(kNone);
-    if (column_.error_heading.has_value()) {
-      pair.error = cells[*column_.error_heading].value_or(kNone);
-    }
+    pair.error = cells[column_.value_heading + 1].value_or(kNone);
     total_.Add(pair.measured, pair.predicted, pair.error);
     auto& [discrete, part] = parts_[KeyOf(pair.discrete)];
     discrete = pair.discrete;

@@ -195,6 +195,10 @@ class PXROM_API CPreparedModel {
   int SampleRanges(std::size_t output, std::vector<double>& lower,
                    std::vector<double>& upper) const;
 
+  /// The first output that was fitted to the same samples as output number `output`, and so has
+  /// the same ranges and locations: often 0 for all of them. `output` itself if there is none.
+  std::size_t FirstWithSamplesOf(std::size_t output) const;
+
   /// Where points are relative to the samples of each output.
   ///
   /// A point is outside if one of its inputs is: if it lies beyond the range of the samples by more

@@ -537,6 +537,11 @@ int CPreparedModel::SampleRanges(std::size_t output, std::vector<double>& lower,
   return 0;
 }
 
+std::size_t CPreparedModel::FirstWithSamplesOf(std::size_t output) const {
+  const bool isThere = parts_ != nullptr && output < parts_->firstOfRegion.size();
+  return isThere ? parts_->firstOfRegion[output] : output;
+}
+
 int CPreparedModel::LocatePoints(const double* points, std::size_t rows,
                                  const CLocations& locations, std::string* reason) const {
   if (parts_ == nullptr) return 1;

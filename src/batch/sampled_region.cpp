@@ -72,7 +72,7 @@ struct SampledRegion::Work {
 
 SampledRegion::SampledRegion(Sharing::Array rows, std::size_t inputs)
     : rows_(std::move(rows)), inputs_(inputs), count_(inputs > 0 ? rows_->size() / inputs : 0) {
-  if (count_ == 0) return;
+  if (inputs == 0 || count_ == 0) return;
   const std::vector<double>& values = *rows_;
   lower_.assign(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(inputs));
   upper_ = lower_;

@@ -7,6 +7,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -24,8 +25,9 @@ using Named = std::vector<std::pair<std::string, double>>;
 
 const std::string kBeam = "pxrom eval examples/beam.pxdb ";
 const char* const kBeamOutputs =
-    ",deflection,deflection error,deflection scaled error,mass,mass scaled error,stress,stress "
-    "error";
+    ",deflection,deflection error,deflection raw error,mass,mass error,mass raw "
+    "error,stress,stress "
+    "error,outside samples,sample distance";
 TEST(Eval, JsonHoldsTheLibrarysNumbersToTheLastBit) {
   std::string text = command::Contents(PXROM_SOURCE "/examples/beam.pxdb");
   pxrom::CReaderPXROMDatabase reader;
@@ -58,9 +60,10 @@ TEST(Eval, JsonHoldsTheLibrarysNumbersToTheLastBit) {
       const auto error = error_of.find(values[i].first);
       EXPECT_EQ(output["id"], values[i].first);
       EXPECT_EQ(output["value"].get<double>(), values[i].second);
-      EXPECT_EQ(output["error_space"].is_null(), error == error_of.end());
-      EXPECT_EQ(output["error"],
-                error == error_of.end() ? nlohmann::json() : nlohmann::json(error->second));
+      // The ensemble has none, but one of its surfaces has.
+      EXPECT_EQ(output["error_origin"] == "one surface", error == error_of.end());
+      if (error == error_of.end()) continue;
+      EXPECT_EQ(output["raw_error"], nlohmann::json(error->second));
     }
   }
 }
@@ -118,7 +121,7 @@ TEST(Points, HaveTheNumbersOfSingleEvaluations) {
   ASSERT_EQ(lines.size(), 31u);
   EXPECT_EQ(lines[0], input[0] + kBeamOutputs);
   const std::vector<std::string> header = Cells(lines[0]);
-  std::map<std::string, int> errors_met;
+  std::set<std::string> origins_met;
   for (std::size_t row = 1; row < lines.size(); ++row) {
     const std::vector<std::string> cells = Cells(lines[row]);
     ASSERT_EQ(cells.size(), header.size());
@@ -131,14 +134,17 @@ TEST(Points, HaveTheNumbersOfSingleEvaluations) {
     const auto single = nlohmann::json::parse(Shell(kBeam + "--json" + point).out);
     for (const auto& output : single["outputs"]) {
       const std::string id = output["id"];
-      const bool scaled = output["error_space"] == "scaled";
       EXPECT_EQ(at[id], Shortest(output["value"])) << point;
-      EXPECT_EQ(at[id + " error"], scaled ? "" : Shortest(output["error"])) << point;
-      EXPECT_EQ(at[id + " scaled error"], scaled ? Shortest(output["error"]) : "") << point;
-      ++errors_met[output["error"].is_null() ? "none" : scaled ? "scaled" : "physical"];
+      EXPECT_EQ(at[id + " error"], Shortest(output["error"])) << point;
+      EXPECT_EQ(at["sample distance"], Shortest(output["distance"])) << point;
+      if (at.count(id + " raw error") > 0) {
+        EXPECT_EQ(at[id + " raw error"], Shortest(output["raw_error"])) << point;
+      }
+      origins_met.insert(output["error_origin"].get<std::string>());
     }
   }
-  EXPECT_EQ(errors_met.size(), 3u);
+  EXPECT_EQ(origins_met,
+            (std::set<std::string>{"all surfaces", "cross-validation", "one surface"}));
 }
 
 TEST(Points, AreTheSameByAnyNumberOfThreadsAndInOrder) {
