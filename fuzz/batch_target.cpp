@@ -53,6 +53,22 @@ void ComparePoint(const CDiscreteCombinations& model, const NamedInts& discrete,
     }
   }
   prepared.Evaluate(point.data(), 1, PrecisionFast, values.data(), errors.data(), statuses.data());
+
+  std::vector<double> lower(count);
+  std::vector<double> upper(count);
+  std::vector<int> inUnits(count);
+  Require(prepared.EvaluateWithUnits(point.data(), 1, PrecisionExact,
+                                     {values.data(), errors.data(), lower.data(), upper.data(),
+                                      nullptr, inUnits.data()}) == 0,
+          "a prepared model answers in units");
+  for (std::size_t i = 0; i < count; ++i) {
+    Require((inUnits[i] == 0) == !std::isnan(errors[i]), "an error is a number");
+    Require(inUnits[i] != 0 || errors[i] >= 0.0, "an error is not negative");
+    Require(inUnits[i] != 0 || prepared.ErrorOrigin(i).origin != ErrorNone,
+            "an error is somebody's");
+  }
+  Require(prepared.LocatePoints(point.data(), 1, {inUnits.data(), values.data(), nullptr}) == 0,
+          "a prepared model answers where a point is");
   // A gradient takes a number for each input of each output.
   constexpr std::size_t kMostNumbers = std::size_t{1} << 16U;
   if (count * point.size() > kMostNumbers) return;

@@ -81,6 +81,7 @@ std::vector<double> MeasuredIn(const CsvRow& row, const std::vector<MeasuredColu
 
 std::vector<int> KeyOf(const std::vector<std::pair<std::string, int>>& discrete) {
   std::vector<int> key;
+  key.reserve(discrete.size());
   for (const auto& [name, value] : discrete) key.push_back(value);
   return key;
 }
@@ -157,6 +158,7 @@ Validation Validate(const Model& model, std::istream& table, const std::string& 
   PointEvaluator evaluator(model, columns, pxrom::PrecisionExact, options.limit);
 
   std::vector<Comparison> comparisons;
+  comparisons.reserve(measured.size());
   for (const MeasuredColumn& column : measured) comparisons.emplace_back(options, column);
   Validation done;
   const std::size_t rows_at_once = evaluator.RowsPerBlock();

@@ -160,6 +160,64 @@ TEST_F(CInterface, EvaluatesAsThePreparedModel) {
   EXPECT_EQ(pxrom_prepared_error_in_unit(named.get(), 3), 0);
 }
 
+TEST_F(CInterface, GivesErrorsInUnitsAndPlacesAsThePreparedModel) {
+  CDiscreteCombinations combinations;
+  ASSERT_NO_FATAL_FAILURE(ReadModel(kBeam, combinations));
+  CPreparedModel direct;
+  ASSERT_EQ(CPreparedModel::Prepare(combinations, {{"Material", 1}, {"Holes", 2}}, direct), 0);
+  const ModelHandle model = Read(ContentOf(kBeam));
+  const PreparedHandle prepared = Prepare(model, {}, {2, 1});
+  const pxrom_prepared* const p = prepared.get();
+
+  std::size_t surface = 7;
+  int32_t firstOrder = 7;
+  EXPECT_EQ(pxrom_prepared_error_origin(p, 0, &surface, &firstOrder),
+            PXROM_ERROR_FROM_CROSS_VALIDATION);
+  EXPECT_EQ(surface, 0U);
+  EXPECT_EQ(firstOrder, 0);
+  EXPECT_EQ(pxrom_prepared_error_origin(p, 1, nullptr, nullptr), PXROM_ERROR_FROM_ALL_SURFACES);
+  EXPECT_EQ(pxrom_prepared_error_origin(p, 3, nullptr, nullptr), PXROM_ERROR_NONE);
+  EXPECT_EQ(pxrom_prepared_error_origin(nullptr, 0, nullptr, nullptr), PXROM_ERROR_NONE);
+
+  const std::vector<double> points = {90, 3000, 1.5, 45, 70, 1200, 2.9, 58};
+  const std::size_t rows = 2;
+  std::vector<double> numbers(30, -7.0), wanted(30, -7.0);
+  std::vector<int> statuses(6, 7), wantedStatuses(6, 9);
+  const auto column = [](std::vector<double>& all, std::size_t k) { return all.data() + 6 * k; };
+  ASSERT_EQ(direct.EvaluateWithUnits(points.data(), rows, PrecisionExact,
+                                     {column(wanted, 0), column(wanted, 1), column(wanted, 2),
+                                      column(wanted, 3), column(wanted, 4), wantedStatuses.data()}),
+            0);
+  ASSERT_EQ(Call(pxrom_prepared_evaluate_with_units, p, points.data(), rows, int32_t{PXROM_EXACT},
+                 column(numbers, 0), column(numbers, 1), column(numbers, 2), column(numbers, 3),
+                 column(numbers, 4), statuses.data()),
+            PXROM_OK);
+  EXPECT_TRUE(AreSame(numbers, wanted));
+  EXPECT_EQ(statuses, wantedStatuses);
+
+  std::vector<int> inside(6, 7);
+  std::vector<double> distances(6), wantedDistances(6);
+  std::vector<signed char> sides(24, 7);
+  ASSERT_EQ(direct.LocatePoints(points.data(), rows, {nullptr, wantedDistances.data(), nullptr}),
+            0);
+  ASSERT_EQ(Call(pxrom_prepared_locate, p, points.data(), rows, inside.data(), distances.data(),
+                 sides.data()),
+            PXROM_OK);
+  EXPECT_EQ(inside, (std::vector<int>{1, 1, 1, 0, 0, 0}));
+  EXPECT_TRUE(AreSame(distances, wantedDistances));
+  EXPECT_EQ(sides[14], 1);  // L at the second point
+  EXPECT_EQ(sides[15], 0);
+
+  std::vector<double> lower(4), upper(4);
+  ASSERT_EQ(Call(pxrom_prepared_sample_ranges, p, std::size_t{2}, lower.data(), upper.data()),
+            PXROM_OK);
+  EXPECT_EQ(lower[2], 1.01104);
+  EXPECT_EQ(upper[2], 1.9911);
+  EXPECT_EQ(Call(pxrom_prepared_sample_ranges, p, std::size_t{3}, lower.data(), upper.data()),
+            PXROM_REFUSED);
+  EXPECT_STREQ(message, "there is no output 3, counted from 0");
+}
+
 TEST_F(CInterface, RefusesWithASentenceAndWritesNothing) {
   EXPECT_EQ(Read("nothing"), nullptr);
   EXPECT_EQ(status, PXROM_REFUSED);
@@ -295,6 +353,14 @@ TEST_F(CInterface, RefusesNullByName) {
   refuses("prepared", pxrom_prepared_evaluate, nullptr, &x, one, exact, &x, nullptr, nullptr);
   refuses("points", pxrom_prepared_evaluate, p, nullptr, one, exact, &x, nullptr, nullptr);
   refuses("values", pxrom_prepared_evaluate, p, &x, one, exact, nullptr, nullptr, nullptr);
+  refuses("prepared", pxrom_prepared_evaluate_with_units, nullptr, &x, one, exact, &x, nullptr,
+          nullptr, nullptr, nullptr, nullptr);
+  refuses("points", pxrom_prepared_evaluate_with_units, p, nullptr, one, exact, &x, nullptr,
+          nullptr, nullptr, nullptr, nullptr);
+  refuses("lower", pxrom_prepared_sample_ranges, p, one, nullptr, &x);
+  refuses("upper", pxrom_prepared_sample_ranges, p, one, &x, nullptr);
+  refuses("prepared", pxrom_prepared_locate, nullptr, &x, one, nullptr, &x, nullptr);
+  refuses("points", pxrom_prepared_locate, p, nullptr, one, nullptr, &x, nullptr);
   refuses("prepared", pxrom_prepared_gradients, nullptr, &x, one, &x, nullptr);
   refuses("points", pxrom_prepared_gradients, p, nullptr, one, &x, nullptr);
   refuses("gradients", pxrom_prepared_gradients, p, &x, one, nullptr, nullptr);
