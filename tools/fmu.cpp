@@ -205,7 +205,7 @@ void AddFmu(CLI::App& app) {
   fmu->add_flag("--without-errors", options->withoutErrors, "Leave out the predicted errors")
       ->needs(archive);
   fmu->footer(
-      "Examples:\n"
+      "Example:\n"
       "  pxrom fmu --export beam.fmu examples/beam.pxdb\n"
       "  pxrom fmu examples/beam.xml examples/beam.pxdb");
   fmu->callback([options] { Fmu(*options); });
