@@ -8,8 +8,8 @@ from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tup
 import numpy as np
 
 from . import _core, _files, _findings, _html, _points, _validation
-from ._prediction import Prediction
-from ._predictor import Predictor
+from ._prediction import Located, Prediction
+from ._predictor import Predictor, error_origin
 from ._wording import did_you_mean, listed, visible
 
 _HOW_TO_RAISE = "(limit= and memory_limit= of pxrom.load set them.)"
@@ -70,13 +70,17 @@ class _Results(NamedTuple):
     """What :class:`Prediction` holds."""
 
     outputs: Tuple[str, ...]
-    values: np.ndarray
-    errors: Optional[np.ndarray]
     statuses: np.ndarray
-    gradients: Optional[np.ndarray]
+    values: np.ndarray
+    errors: Optional[np.ndarray] = None
+    lower: Optional[np.ndarray] = None
+    upper: Optional[np.ndarray] = None
+    raw_errors: Optional[np.ndarray] = None
+    gradients: Optional[np.ndarray] = None
 
 
-# The results of one combination, with its key and the places of its points.
+# The key of a combination, and the places of its points.
+_Group = Tuple[Tuple[int, ...], Any]
 _Part = Tuple[Tuple[int, ...], Any, _Results]
 
 
@@ -166,7 +170,8 @@ class Model:
                 any order, which may have other columns. A mapping or frame may hold discrete inputs
                 too: each point is then predicted at its own combination. A point with a NaN in any
                 continuous input has the status 1 and NaN results, in every family.
-            return_error: also the predicted errors. The values are the same either way.
+            return_error: also the predicted errors, in the unit of their output. The values are the
+                same either way.
             gradient: also the derivatives with respect to the inputs.
             mode: "exact" gives the same bits on every machine; "fast" gives values, and errors from
                 cross-validation, within 1e-11 of the largest one that an output has in the batch,
@@ -204,14 +209,21 @@ class Model:
         else:
             made = self._joined(parts, len(points), return_error, gradient)
         scaled = {name for key, _, _ in parts for name in self._keys[key]} if return_error else ()
+        # The caller may change X before the locations are asked for.
+        kept = points.copy() if isinstance(X, np.ndarray) else points
         return Prediction(
             outputs=made.outputs,
             inputs=names,
             values=made.values,
-            errors=made.errors,
             statuses=made.statuses,
+            errors=made.errors,
+            lower=made.lower,
+            upper=made.upper,
+            raw_errors=made.raw_errors,
             gradients=made.gradients,
             scaled_errors=frozenset(scaled),
+            error_origin=self._error_origin(groups, made.outputs) if return_error else None,
+            locate=lambda: self._located(groups, kept, made.outputs, jobs),
             index=X.index if _points.is_frame(X) else None,
         )
 
@@ -293,6 +305,19 @@ class Model:
         X = np.array(rows, dtype=float).reshape(len(rows), len(self.inputs))
         return X, np.array(values, dtype=float)
 
+    def sample_ranges(
+        self, discrete: Optional[Mapping[str, int]] = None, *, output: str
+    ) -> Dict[str, Tuple[float, float]]:
+        """(lowest, highest) value of each input among the samples that one output was fitted to.
+        They are not the bounds of the inputs. Empty if the database keeps no samples."""
+        prepared = self._prepare(self._key({} if discrete is None else discrete))
+        if output not in prepared.outputs:
+            raise ValueError(
+                f"there is no output {output!r}{did_you_mean(output, prepared.outputs)}"
+            )
+        ranges = prepared.sample_ranges(prepared.outputs.index(output))
+        return dict(zip(self._input_names, zip(*ranges)))
+
     def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
         """Writes :attr:`text` to a file, compressed if its name ends with ".gz". A file that is
         there is replaced as a whole or, when that fails, left as it was."""
@@ -323,23 +348,23 @@ class Model:
         jobs: int,
     ) -> _Results:
         prepared = self._prepare(key)
-        values, errors, statuses = prepared.evaluate(points, mode == "fast", return_error, jobs)
-        if return_error and (statuses == 1).any():
-            # A family without errors refuses the form with errors, but its value is valid.
-            plain, _, plain_statuses = prepared.evaluate(points, mode == "fast", False, jobs)
-            mended = (statuses == 1) & (plain_statuses == 0)
-            values[mended] = plain[mended]
-            statuses[mended] = -2
-        gradients = self._gradients(prepared, points, jobs) if gradient else None
+        if return_error:
+            *tables, statuses = prepared.evaluate_with_errors(points, mode == "fast", jobs)
+        else:
+            values, statuses = prepared.evaluate(points, mode == "fast", jobs)
+            tables = [values]
+        made = _Results(prepared.outputs, statuses, *tables)
+        if gradient:
+            made = made._replace(gradients=self._gradients(prepared, points, jobs))
         unknown = _points.rows_with_nan(points)
         if unknown is not None:
             # Some families would refuse the point, others would give NaN as a value, or would not
             # read the input.
             statuses[unknown] = 1
-            for results in (values, errors, gradients):
+            for results in made[2:]:
                 if results is not None:
                     results[unknown] = np.nan
-        return _Results(prepared.outputs, values, errors, statuses, gradients)
+        return made
 
     def _joined(
         self, parts: List[_Part], rows: int, return_error: bool, gradient: bool
@@ -352,11 +377,11 @@ class Model:
         shape = (rows, len(outputs))
         joined = _Results(
             outputs,
-            np.full(shape, np.nan),
-            np.full(shape, np.nan) if return_error else None,
             np.ones(shape, dtype=np.intc),
-            np.full((*shape, len(self.inputs)), np.nan) if gradient else None,
+            *(np.full(shape, np.nan) for _ in range(5 if return_error else 1)),
         )
+        if gradient:
+            joined = joined._replace(gradients=np.full((*shape, len(self.inputs)), np.nan))
         for _, places, part in parts:
             cells = np.ix_(places, [outputs.index(name) for name in part.outputs])
             for whole, piece in zip(joined[1:], part[1:]):
@@ -364,9 +389,39 @@ class Model:
                     whole[cells] = piece
         return joined
 
+    def _located(
+        self, groups: List[_Group], points: np.ndarray, outputs: Tuple[str, ...], jobs: int
+    ) -> Located:
+        """Where points are relative to the samples, each at its own combination."""
+        shape = (len(points), len(outputs))
+        made = Located(
+            np.zeros(shape, dtype=bool),
+            np.full(shape, np.nan),
+            np.zeros((*shape, len(self.inputs)), dtype=np.int8),
+        )
+        for key, rows in groups:
+            prepared = self._prepare(key)
+            try:
+                inside, distance, sides = prepared.locate(points[rows], jobs)
+            except ValueError as error:
+                raise ValueError(f"Locations: {error} {_HOW_TO_RAISE}") from None
+            places = np.arange(len(points))[rows]
+            columns = np.array([outputs.index(name) for name in prepared.outputs], dtype=int)
+            cells = np.ix_(places, columns)
+            for whole, piece in zip(made, (inside == 1, distance, sides)):
+                whole[cells] = piece
+        return made
+
+    def _error_origin(self, groups: List[_Group], outputs: Tuple[str, ...]) -> Dict[str, str]:
+        found: Dict[str, List[str]] = {name: [] for name in outputs}
+        for key, _ in groups:
+            for name, origin in error_origin(self._prepare(key)).items():
+                found[name].append(origin)
+        return {name: " or ".join(dict.fromkeys(each)) for name, each in found.items()}
+
     def _points_by_combination(
         self, X: Any, fixed: Mapping[str, int]
-    ) -> Tuple[np.ndarray, List[Tuple[Tuple[int, ...], Any]]]:
+    ) -> Tuple[np.ndarray, List[_Group]]:
         """The points as a table, and their combinations, each with the places of its rows."""
         points, columns = _points.tables(X, self._input_names, self._discrete_names)
         if columns:
@@ -375,7 +430,7 @@ class Model:
 
     def _groups(
         self, fixed: Mapping[str, int], columns: Mapping[str, np.ndarray], points: Any, rows: int
-    ) -> List[Tuple[Tuple[int, ...], Any]]:
+    ) -> List[_Group]:
         """The combinations of the points, ascending, each with the places of its rows."""
         free = [name for name in columns if name not in fixed]
         if not free:

@@ -1,6 +1,17 @@
 """The results of a prediction."""
 
-from typing import Any, Dict, FrozenSet, Iterator, List, Mapping, Optional, Tuple
+from typing import (
+    Any,
+    Callable,
+    Dict,
+    FrozenSet,
+    Iterator,
+    List,
+    Mapping,
+    NamedTuple,
+    Optional,
+    Tuple,
+)
 
 import numpy as np
 
@@ -43,6 +54,18 @@ class Columns(Mapping[str, np.ndarray]):
         return visible(f"Columns({', '.join(self._names)}; shape {self.array.shape})")
 
 
+def _columns_or_none(outputs: Tuple[str, ...], array: Optional[np.ndarray]) -> Optional[Columns]:
+    return None if array is None else Columns(outputs, array)
+
+
+class Located(NamedTuple):
+    """Where points are relative to samples; see :class:`Prediction`."""
+
+    inside: np.ndarray
+    distance: np.ndarray
+    sides: np.ndarray
+
+
 class Prediction:
     """Results of one call of :meth:`Model.predict`, at n points for m outputs and d inputs.
 
@@ -50,13 +73,32 @@ class Prediction:
         outputs: the m names, in the order of the columns.
         inputs: the d names, in the order of the last axis of gradients.
         values: :class:`Columns` of the shape (n, m). NaN where the status is 1.
-        errors: the same for predicted errors, NaN where there is none; ``None`` unless asked for.
+        errors: the same for predicted errors, in the unit of the output and never negative, NaN
+            where there is none; ``None`` unless asked for, and so are the next four.
+        lower: the lower end of the interval that the error means: value minus error, unless the
+            surface transforms the output, which makes the interval skewed.
+        upper: the upper end.
+        raw_errors: the errors as the surfaces report them.
+        error_origin: by output whose error it is: "cross-validation"; "all surfaces" of the
+            ensemble; "surface 2 of 3", which is **not that of the ensemble**, since the others
+            report none; or "none". ", first order" follows if the error went through an output
+            transformation by its derivative.
         statuses: integers (n, m): 0 success; -2 the value is valid, and there is no predicted
             error; 1 there is no value. Without errors there is no -2.
         gradients: (n, m, d), the derivative of output j with respect to input k at point i in
             physical units, NaN where there is none; ``None`` unless asked for.
-        scaled_errors: the outputs whose error is **not in their unit**: the surface reports it in
-            its own scaled space. Errors from cross-validation are in the unit.
+        scaled_errors: the outputs whose raw error is in a scaled space, that of its ensemble or
+            surface. Those from cross-validation are in the unit.
+        inside: booleans (n, m), whether all inputs are within the range of the samples that the
+            output was fitted to. Bounds of the inputs play no role. Where the database keeps no
+            samples it is False, and the distance is NaN.
+        distance: the distance to the nearest sample (n, m), in units of the typical spacing: the
+            median distance of a sample to its nearest neighbour, with inputs scaled by the ranges
+            of the samples. Far above 1 the model has little to go by, also inside.
+        sides: integers (n, m, d): -1 where an input is below the range of the samples, 1 where it
+            is above, else 0.
+
+    ``inside``, ``distance`` and ``sides`` are computed when they are first asked for.
     """
 
     def __init__(
@@ -64,20 +106,54 @@ class Prediction:
         outputs: Tuple[str, ...],
         inputs: Tuple[str, ...],
         values: np.ndarray,
-        errors: Optional[np.ndarray],
         statuses: np.ndarray,
+        errors: Optional[np.ndarray],
+        lower: Optional[np.ndarray],
+        upper: Optional[np.ndarray],
+        raw_errors: Optional[np.ndarray],
         gradients: Optional[np.ndarray],
         scaled_errors: FrozenSet[str],
+        error_origin: Optional[Dict[str, str]],
+        locate: Callable[[], Located],
         index: Any = None,
     ) -> None:
         self.outputs = outputs
         self.inputs = inputs
         self.values = Columns(outputs, values)
-        self.errors = None if errors is None else Columns(outputs, errors)
+        self.errors = _columns_or_none(outputs, errors)
+        self.lower = _columns_or_none(outputs, lower)
+        self.upper = _columns_or_none(outputs, upper)
+        self.raw_errors = _columns_or_none(outputs, raw_errors)
         self.statuses = Columns(outputs, statuses)
-        self.gradients = None if gradients is None else Columns(outputs, gradients)
+        self.gradients = _columns_or_none(outputs, gradients)
         self.scaled_errors = scaled_errors
+        self.error_origin = error_origin
+        self._locate: Optional[Callable[[], Located]] = locate
+        self._located: Optional[Located] = None
         self._index = index
+
+    @property
+    def inside(self) -> Columns:
+        return Columns(self.outputs, self._locations().inside)
+
+    @property
+    def distance(self) -> Columns:
+        return Columns(self.outputs, self._locations().distance)
+
+    @property
+    def sides(self) -> Columns:
+        return Columns(self.outputs, self._locations().sides)
+
+    def _locations(self) -> Located:
+        if self._located is None:
+            assert self._locate is not None
+            self._located = self._locate()
+            self._locate = None  # with the points
+        return self._located
+
+    def __getstate__(self) -> Dict[str, Any]:
+        self._locations()
+        return dict(self.__dict__)
 
     def __len__(self) -> int:
         """The number of points."""

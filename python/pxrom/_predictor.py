@@ -1,12 +1,26 @@
 """One combination of a model, ready for one point after the other."""
 
-from typing import TYPE_CHECKING, Any, FrozenSet, List, Optional, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, FrozenSet, List, Optional, Tuple, Union
 
 from . import _core, _points
 from ._wording import visible
 
 if TYPE_CHECKING:
     from ._model import Combination, Model
+
+
+_ORIGINS = ("none", "cross-validation", "all surfaces", "one surface")
+
+
+def error_origin(prepared: _core.Prepared) -> Dict[str, str]:
+    """As :class:`Prediction` has it."""
+    made = {}
+    for name, (kind, surface, count, first_order) in zip(
+        prepared.outputs, prepared.error_origins()
+    ):
+        origin = f"surface {surface + 1} of {count}" if kind == 3 else _ORIGINS[kind]
+        made[name] = f"{origin}, first order" if first_order else origin
+    return made
 
 
 class Predictor(_core.Predictor):
@@ -35,7 +49,8 @@ class Predictor(_core.Predictor):
         outputs: the m names, in the order of the results.
         bounds: (lower, upper) of each input, as scipy.optimize takes them; ``None`` where the
             database has no bound.
-        scaled_errors: the outputs whose error is **not in their unit**; see :class:`Prediction`.
+        error_origin: whose error that of each output is; see :class:`Prediction`.
+        scaled_errors: the outputs whose raw error is in a scaled space; see :class:`Prediction`.
 
     It never changes, and any number of threads may use it. Evaluations that take long release the
     interpreter's lock. It pickles with the text of its model.
@@ -45,6 +60,7 @@ class Predictor(_core.Predictor):
     discrete: "Combination"
     inputs: Tuple[str, ...]
     outputs: Tuple[str, ...]
+    error_origin: Dict[str, str]
     scaled_errors: FrozenSet[str]
 
     def __init__(
@@ -64,6 +80,7 @@ class Predictor(_core.Predictor):
         self.discrete = discrete
         self.inputs = inputs
         self.outputs = prepared.outputs
+        self.error_origin = error_origin(prepared)
         self.scaled_errors = scaled_errors
         self._output = output
 
@@ -72,9 +89,7 @@ class Predictor(_core.Predictor):
         return [(parameter.lower, parameter.upper) for parameter in self.model.inputs]
 
     def __reduce__(self) -> Tuple[Any, ...]:
-        output: Union[str, Tuple[str, ...]] = (
-            self.outputs if self._output is None else self._output
-        )
+        output: Union[str, Tuple[str, ...]] = self.outputs if self._output is None else self._output
         return type(self.model).at, (self.model, dict(self.discrete), output)
 
     def __repr__(self) -> str:

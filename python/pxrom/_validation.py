@@ -155,8 +155,7 @@ def validate(model: "Model", table: Any, discrete: Optional[Mapping[str, int]]) 
         assert result.errors is not None
         for place, output in enumerate(outputs):
             predicted[places, place] = result.values[output]
-            if output not in result.scaled_errors:
-                errors[places, place] = result.errors[output]
+            errors[places, place] = result.errors[output]
     return Validation(model, outputs, tuple(combinations), rows, measured, predicted, errors)
 
 

@@ -22,7 +22,13 @@ __all__ = ["contour", "predicted_actual", "residuals", "slices"]
 
 _STEPS = 101
 _ACROSS = 5
-_COLOURS = {"line": "#1f4e79", "band": "#9dc3e6", "sample": "#c55a11", "point": "#404040"}
+_COLOURS = {
+    "line": "#1f4e79",
+    "band": "#9dc3e6",
+    "sample": "#c55a11",
+    "point": "#404040",
+    "unsampled": "#eeeeee",
+}
 
 
 def slices(
@@ -37,29 +43,29 @@ def slices(
     """Slices through a point, which is marked: a row per output and a column per input; with more
     than five inputs there are further rows.
 
-    The band is the predicted error to both sides, if the database has one in the unit of the
-    output. Each slice shows the ``samples`` that lie nearest to it (0 for none), by their distance
+    The band is the predicted error to both sides, if the database has one. Parts outside the range
+    of the samples are grey. Each slice shows the ``samples`` that lie nearest to it (0 for none), by their distance
     in the other inputs, each as a part of its bounds' width: the nearer, the darker.
     """
     shown = _chosen(outputs, [p.name for p in model.outputs], "output")
     varied = _chosen(inputs, [p.name for p in model.inputs], "input")
     centre, ranges = _centre(model, point)
     at_point = model.predict(discrete, centre[None])
+    sampled = {output: model.sample_ranges(discrete, output=output) for output in shown}
     figure, axes = _grid(len(shown), len(varied))
     for column, name in enumerate(varied):
         place = [p.name for p in model.inputs].index(name)
         X = np.tile(centre, (_STEPS, 1))
         X[:, place] = np.linspace(ranges[place, 0], ranges[place, 1], _STEPS)
         result = model.predict(discrete, X, return_error=True)
-        assert result.errors is not None
+        assert result.errors is not None and result.lower is not None and result.upper is not None
         for row, output in enumerate(shown):
             ax = axes[row][column]
             values = result.values[output]
-            if output not in result.scaled_errors:
-                error = np.abs(result.errors[output])
-                ax.fill_between(
-                    X[:, place], values - error, values + error, color=_COLOURS["band"], lw=0
-                )
+            if not np.isnan(result.errors[output]).all():
+                band = (result.lower[output], result.upper[output])
+                ax.fill_between(X[:, place], *band, color=_COLOURS["band"], lw=0)
+            _shade_unsampled(ax, sampled[output].get(name), ranges[place])
             ax.plot(X[:, place], values, color=_COLOURS["line"])
             ax.axvline(centre[place], color=_COLOURS["point"], lw=0.6, ls=":")
             inputs_of, outputs_of = model.samples(discrete, output=output)
@@ -204,6 +210,13 @@ def _nearest(
         away = np.sqrt((((points[:, others] - centre[others]) / widths) ** 2).mean(axis=1))
     near = np.argsort(away, kind="stable")[: int(count)][::-1]
     return near, 1.0 / (1.0 + (away[near] / 0.2) ** 2)
+
+
+def _shade_unsampled(ax: Any, sampled: Optional[Tuple[float, float]], shown: np.ndarray) -> None:
+    if sampled is not None:
+        for start, end in ((shown[0], sampled[0]), (sampled[1], shown[1])):
+            if start < end:
+                ax.axvspan(start, end, color=_COLOURS["unsampled"], lw=0, zorder=0)
 
 
 def _dots(ax: Any, x: np.ndarray, y: np.ndarray, shade: np.ndarray) -> None:

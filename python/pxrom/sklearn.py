@@ -76,8 +76,6 @@ class Surrogate(RegressorMixin, BaseEstimator):
         for name in self._outputs():
             if (result.statuses[name] != 0).any():
                 raise ValueError(f"there is a point without a predicted error of {name!r}")
-            if name in result.scaled_errors:
-                raise ValueError(f"the error of {name!r} is in a scaled space, not in its unit")
         return self._shaped(result.values), self._shaped(result.errors)
 
     def _required_model(self) -> Model:

@@ -174,26 +174,92 @@ py::ssize_t RowsOf(const pxrom::CPreparedModel& model, const Table& points) {
   return points.shape(0);
 }
 
-/// (values, errors or None, statuses), each of the shape (rows, outputs).
+/// (values, statuses), each of the shape (rows, outputs).
 py::tuple Evaluate(const pxrom::CPreparedModel& model, const Table& points, bool fast,
-                   bool withErrors, std::size_t jobs) {
+                   std::size_t jobs) {
   const py::ssize_t rows = RowsOf(model, points);
   const std::vector<py::ssize_t> shape = {rows, Columns(model.OutputIDs())};
   Table values(shape);
-  Table errors(withErrors ? shape : std::vector<py::ssize_t>{0, 0});
   Statuses statuses(shape);
   const double* const x = points.data();
   double* const v = values.mutable_data();
-  double* const e = withErrors ? errors.mutable_data() : nullptr;
   int* const s = statuses.mutable_data();
   const std::size_t inputs = model.InputIDs().size();
   const std::size_t outputs = model.OutputIDs().size();
   ForSegments(static_cast<std::size_t>(rows), jobs, [&](std::size_t first, std::size_t count) {
     const std::size_t at = first * outputs;
     model.Evaluate(x + first * inputs, count, fast ? pxrom::PrecisionFast : pxrom::PrecisionExact,
-                   v + at, e != nullptr ? e + at : nullptr, s + at);
+                   v + at, nullptr, s + at);
   });
-  return py::make_tuple(values, withErrors ? py::object(errors) : py::none(), statuses);
+  return py::make_tuple(values, statuses);
+}
+
+/// (values, errors, lower, upper, raw errors, statuses), each of the shape (rows, outputs).
+py::tuple EvaluateWithErrors(const pxrom::CPreparedModel& model, const Table& points, bool fast,
+                             std::size_t jobs) {
+  const py::ssize_t rows = RowsOf(model, points);
+  const std::vector<py::ssize_t> shape = {rows, Columns(model.OutputIDs())};
+  Table values(shape);
+  Table errors(shape);
+  Table lower(shape);
+  Table upper(shape);
+  Table rawErrors(shape);
+  Statuses statuses(shape);
+  const double* const x = points.data();
+  const pxrom::CResultsInUnits to = {values.mutable_data(),    errors.mutable_data(),
+                                     lower.mutable_data(),     upper.mutable_data(),
+                                     rawErrors.mutable_data(), statuses.mutable_data()};
+  const std::size_t inputs = model.InputIDs().size();
+  const std::size_t outputs = model.OutputIDs().size();
+  ForSegments(static_cast<std::size_t>(rows), jobs, [&](std::size_t first, std::size_t count) {
+    const std::size_t at = first * outputs;
+    model.EvaluateWithUnits(x + first * inputs, count,
+                            fast ? pxrom::PrecisionFast : pxrom::PrecisionExact,
+                            {to.values + at, to.errors + at, to.lower + at, to.upper + at,
+                             to.rawErrors + at, to.statuses + at});
+  });
+  return py::make_tuple(values, errors, lower, upper, rawErrors, statuses);
+}
+
+/// (origin, surface, number of surfaces, first order) for each output.
+py::list ErrorOrigins(const pxrom::CPreparedModel& model) {
+  py::list all;
+  for (std::size_t output = 0; output < model.OutputIDs().size(); ++output) {
+    const pxrom::CErrorOrigin found = model.ErrorOrigin(output);
+    all.append(py::make_tuple(static_cast<int>(found.origin), found.surface, found.surfaces,
+                              found.firstOrder));
+  }
+  return all;
+}
+
+/// (lower, upper) of the samples of one output, empty where the model holds none.
+py::tuple SampleRanges(const pxrom::CPreparedModel& model, std::size_t output) {
+  std::vector<double> lower;
+  std::vector<double> upper;
+  model.SampleRanges(output, lower, upper);
+  return py::make_tuple(lower, upper);
+}
+
+/// (inside, distances, sides): (rows, outputs) twice and (rows, outputs, inputs).
+py::tuple Locate(const pxrom::CPreparedModel& model, const Table& points, std::size_t jobs) {
+  const py::ssize_t rows = RowsOf(model, points);
+  const py::ssize_t columns = Columns(model.OutputIDs());
+  Statuses inside(std::vector<py::ssize_t>{rows, columns});
+  Table distances(std::vector<py::ssize_t>{rows, columns});
+  py::array_t<signed char> sides({rows, columns, Columns(model.InputIDs())});
+  const double* const x = points.data();
+  const pxrom::CLocations to = {inside.mutable_data(), distances.mutable_data(),
+                                sides.mutable_data()};
+  const std::size_t inputs = model.InputIDs().size();
+  const std::size_t outputs = model.OutputIDs().size();
+  ForSegments(static_cast<std::size_t>(rows), jobs, [&](std::size_t first, std::size_t count) {
+    const std::size_t at = first * outputs;
+    std::string reason;
+    model.LocatePoints(x + first * inputs, count,
+                       {to.inside + at, to.distances + at, to.sides + at * inputs}, &reason);
+    if (!reason.empty()) throw py::value_error(reason);
+  });
+  return py::make_tuple(inside, distances, sides);
 }
 
 /// (gradients, statuses): (rows, outputs, inputs) and (rows, outputs).
@@ -248,8 +314,12 @@ void BindModel(py::module_& module) {
       .def_property_readonly("outputs",
                              [](const pxrom::CPreparedModel& m) { return Names(m.OutputIDs()); })
       .def("select", &Select, py::arg("outputs"))
-      .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("errors"),
+      .def("evaluate", &Evaluate, py::arg("points"), py::arg("fast"), py::arg("jobs"))
+      .def("evaluate_with_errors", &EvaluateWithErrors, py::arg("points"), py::arg("fast"),
            py::arg("jobs"))
+      .def("error_origins", &ErrorOrigins)
+      .def("sample_ranges", &SampleRanges, py::arg("output"))
+      .def("locate", &Locate, py::arg("points"), py::arg("jobs"))
       .def("gradients", &EvaluateGradients, py::arg("points"), py::arg("jobs"));
 }
 

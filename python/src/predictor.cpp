@@ -122,7 +122,7 @@ class Predictor {
   }
 
   /// The same rules as Model.predict has: NaN in an input gives NaN, and a family without errors
-  /// has a value.
+  /// has a value. Errors are in the unit of their output.
   void Evaluate(const double* x, double* values, double* errors) const {
     if (HasNaN(x)) {
       std::fill_n(values, outputs_, kNaN);
@@ -130,14 +130,13 @@ class Predictor {
       return;
     }
     Run(operations_, [&] {
-      std::vector<int> statuses(errors != nullptr ? outputs_ : 0);
-      model_.Evaluate(x, 1, pxrom::PrecisionExact, values, errors,
-                      errors != nullptr ? statuses.data() : nullptr);
-      if (std::find(statuses.begin(), statuses.end(), 1) == statuses.end()) return;
-      std::vector<double> alone(outputs_);
-      model_.Evaluate(x, 1, pxrom::PrecisionExact, alone.data(), nullptr, nullptr);
-      for (std::size_t o = 0; o < outputs_; ++o) {
-        if (statuses[o] == 1) values[o] = alone[o];
+      if (errors == nullptr) {
+        model_.Evaluate(x, 1, pxrom::PrecisionExact, values, nullptr, nullptr);
+      } else {
+        pxrom::CResultsInUnits to;
+        to.values = values;
+        to.errors = errors;
+        model_.EvaluateWithUnits(x, 1, pxrom::PrecisionExact, to);
       }
     });
   }

@@ -7,6 +7,8 @@ import pytest
 import sklearn.base
 from conftest import BEAM
 from sklearn.ensemble import VotingRegressor
+from sklearn.gaussian_process import GaussianProcessRegressor
+from sklearn.gaussian_process.kernels import Matern
 from sklearn.inspection import PartialDependenceDisplay, partial_dependence, permutation_importance
 from sklearn.linear_model import LinearRegression
 from sklearn.utils.estimator_checks import check_estimator
@@ -31,6 +33,17 @@ def frame_of(beam, rows):
     return pandas.DataFrame(columns).assign(
         Material=draw.choice([1, 2], rows), Holes=draw.choice([0, 2, 4], rows)
     )
+
+
+def test_has_the_standard_deviation_of_the_exported_process():
+    X = np.random.default_rng(1).random((30, 2)) * [1, 50]
+    process = GaussianProcessRegressor(Matern([0.5, 30.0], nu=2.5), alpha=1e-3, normalize_y=True)
+    fitted = process.fit(X, 200 + 40 * np.sin(5 * X[:, 0]) + X[:, 1])
+    new = np.random.default_rng(2).random((20, 2)) * [1, 50]
+    wanted = fitted.predict(new, return_std=True)
+    model = pxrom.loads(pxrom.export.to_text(fitted))
+    assert np.allclose(Surrogate(model).predict(new, return_std=True), wanted, rtol=1e-6)
+    assert model.predict(new, return_error=True).error_origin == {"y": "all surfaces"}
 
 
 def linear(inputs):

@@ -64,10 +64,10 @@ def predicted(
     refused, so large texts need not be written and read to compare them."""
     prepared = study.model().prepare(at, None, None)
     table = np.ascontiguousarray(points, dtype=float)
-    values, errors, statuses = prepared.evaluate(table, False, with_error, 1)
-    if with_error and np.any(statuses == 1):  # then it may still have values
-        values = prepared.evaluate(table, False, False, 1)[0]
-    return values[:, 0], None if errors is None else errors[:, 0]
+    if not with_error:
+        return prepared.evaluate(table, False, 1)[0][:, 0], None
+    values, errors = prepared.evaluate_with_errors(table, False, 1)[:2]
+    return values[:, 0], errors[:, 0]
 
 
 def compare(
