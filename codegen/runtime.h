@@ -4,25 +4,24 @@
 
 #include <cmath>
 
+#if defined(__MINGW32__) && defined(__STRICT_ANSI__)
+// The header hides them from a compiler that follows the standard strictly.
+extern "C" double _j0(double x);
+extern "C" double _j1(double x);
+#endif
+
 // The pieces of the generated code, compiled here for one type of numbers. The generator fills
 // their structures, writes them as tables, and evaluates them itself to check what it has written.
 
 namespace pxrom_codegen {
 
-inline double BesselJ0(double x) {
 #if defined(_WIN32)
-  return ::_j0(x);
+inline double BesselJ0(double x) { return ::_j0(x); }
+inline double BesselJ1(double x) { return ::_j1(x); }
 #else
-  return ::j0(x);
+inline double BesselJ0(double x) { return ::j0(x); }
+inline double BesselJ1(double x) { return ::j1(x); }
 #endif
-}
-inline double BesselJ1(double x) {
-#if defined(_WIN32)
-  return ::_j1(x);
-#else
-  return ::j1(x);
-#endif
-}
 
 /// The functions of math.h under their names in C, for float and double.
 template <class Real>

@@ -5,6 +5,8 @@
 
 namespace pxrom_command {
 
+// By the means of the operating system: c_compiler_posix.cpp and c_compiler_windows.cpp.
+
 /// A new folder for temporary files, which is removed with its files at the end.
 class TemporaryFolder {
  public:
@@ -20,9 +22,6 @@ class TemporaryFolder {
  private:
   std::string path_;
 };
-
-/// The C compiler of this machine: the words of the variable CC, or cc.
-std::vector<std::string> HostCompiler();
 
 /// Runs a program, found as a shell finds it, without input and without its messages. Whether it
 /// could be started and ended with the status 0.

@@ -10,6 +10,7 @@
 #include "code_options.h"
 #include "codegen/generate.h"
 #include "command.h"
+#include "file_names.h"
 #include "model_file.h"
 #include "numbers.h"
 #include "output_file.h"
@@ -74,12 +75,12 @@ void WriteCode(CodeOptions& options) {
     throw Refusal("no code for " + Quoted(options.model) + ": " + reason);
   }
   std::error_code failed;
-  const std::filesystem::path folder = options.folder;
+  const std::filesystem::path folder = PathOf(options.folder);
   std::filesystem::create_directories(folder, failed);
   if (failed)
     throw Refusal("can't make the folder " + Quoted(options.folder) + ": " + failed.message());
-  const std::string header = (folder / (options.code.name + ".h")).string();
-  const std::string source = (folder / (options.code.name + ".c")).string();
+  const std::string header = TextOfPath(folder / PathOf(options.code.name + ".h"));
+  const std::string source = TextOfPath(folder / PathOf(options.code.name + ".c"));
   // Both are complete before the first one replaces an older file.
   OutputFile headerFile(header, {options.model});
   OutputFile sourceFile(source, {options.model});

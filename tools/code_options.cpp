@@ -1,9 +1,9 @@
 #include "code_options.h"
 
 #include <cctype>
-#include <filesystem>
 #include <optional>
 
+#include "file_names.h"
 #include "numbers.h"
 #include "refusal.h"
 #include "wording.h"
@@ -13,7 +13,7 @@ namespace pxrom_command {
 std::string CodeNameOf(const std::string& path) {
   constexpr std::size_t kLongest = 40;
   std::string name;
-  for (const char c : std::filesystem::path(path).stem().string()) {
+  for (const char c : TextOfPath(PathOf(path).stem())) {
     const auto byte = static_cast<unsigned char>(c);
     const bool isPart = byte < 0x80 && (std::isalnum(byte) != 0 || c == '_');
     if (name.empty() && !(isPart && std::isalpha(byte) != 0)) continue;

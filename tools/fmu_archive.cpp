@@ -1,6 +1,8 @@
 #include "fmu_archive.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <sstream>
 
 #include "c_compiler.h"
 #include "model_file.h"
@@ -33,6 +35,15 @@ Platform HostPlatform() {
 #else
   return {};
 #endif
+}
+
+/// The C compiler of this machine: the words of the variable CC, or cc.
+std::vector<std::string> HostCompiler() {
+  const char* const named = std::getenv("CC");
+  std::istringstream text(named == nullptr ? "" : named);
+  std::vector<std::string> words;
+  for (std::string word; text >> word;) words.push_back(word);
+  return words.empty() ? std::vector<std::string>{"cc"} : words;
 }
 
 struct Target {

@@ -1,9 +1,9 @@
 #include "model_file.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 
+#include "file_names.h"
 #include "pxrom/database_labels.h"
 #include "refusal.h"
 #include "system_reason.h"
@@ -28,39 +28,34 @@ void RequireGroup(const std::string& path, const std::string& text, const std::s
   throw Refusal("can't read " + Quoted(path) + ": " + ReasonOf(error, "read it"));
 }
 
-struct Close {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
 std::ifstream OpenFile(const std::string& path) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) RefuseToRead(path, EISDIR);
+  if (std::filesystem::is_directory(PathOf(path), ignored)) RefuseToRead(path, EISDIR);
   errno = 0;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(PathOf(path), std::ios::binary);
   if (!file.is_open()) RefuseToRead(path, errno);
   return file;
 }
 
 std::string ReadTextFile(const std::string& path) {
-  errno = 0;
-  const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "rb"));
-  if (file == nullptr) RefuseToRead(path, errno);
+  std::ifstream file = OpenFile(path);
   std::string text;
   std::error_code unknown;
-  const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+  const std::uintmax_t size = std::filesystem::file_size(PathOf(path), unknown);
   // One more, so that the end is met without another allocation. A device has no size.
   constexpr std::uintmax_t kLargest = std::uintmax_t{1} << 40U;
   if (!unknown && size < kLargest) text.reserve(static_cast<std::size_t>(size) + 1);
   constexpr std::size_t kPiece = std::size_t{1} << 16U;
-  for (std::size_t read = 1; read > 0;) {
+  errno = 0;
+  while (file) {
     const std::size_t before = text.size();
     text.resize(before + kPiece);
-    read = std::fread(&text[before], 1, kPiece, file.get());
-    text.resize(before + read);
+    file.read(&text[before], kPiece);
+    text.resize(before + static_cast<std::size_t>(file.gcount()));
   }
-  if (std::ferror(file.get()) != 0) RefuseToRead(path, errno);
+  if (file.bad()) RefuseToRead(path, errno);
   return text;
 }
 

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pxrom_command {
+
+class ReplacedFile;
 
 /// Where a command's result goes: a file that is replaced as a whole, or the standard output.
 ///
@@ -33,19 +36,11 @@ class OutputFile {
   void Finish();
 
  private:
-  void OpenBeside();
   void Flush();
-  void Name();
-  [[noreturn]] void Refuse(int error) const;
 
-  /// As it was given, for messages.
-  std::string path_;
-  /// The file to be replaced; empty when it is written directly.
-  std::string target_;
-  /// The new file; empty while it has no name.
-  std::string temporary_;
+  /// Null for the standard output.
+  std::unique_ptr<ReplacedFile> file_;
   std::string buffer_;
-  int file_ = -1;
 };
 
 /// Writes a whole file, or to the standard output if `path` is empty.

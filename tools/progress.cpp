@@ -1,13 +1,14 @@
 #include "progress.h"
 
-#include <unistd.h>
-
+#include <cstdio>
 #include <iostream>
+
+#include "terminal.h"
 
 namespace pxrom_command {
 
 Progress::Progress(bool prints_rows)
-    : terminal_(isatty(STDERR_FILENO) != 0 && !(prints_rows && isatty(STDOUT_FILENO) != 0)),
+    : terminal_(IsTerminal(stderr) && !(prints_rows && IsTerminal(stdout))),
       start_(Clock::now()),
       last_(start_) {}
 

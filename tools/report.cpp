@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -6,6 +5,7 @@
 
 #include "command.h"
 #include "cost.h"
+#include "file_names.h"
 #include "model_file.h"
 #include "output_file.h"
 #include "parameters.h"
@@ -32,7 +32,7 @@ ReportedValidation ValidationOf(const ReportOptions& options) {
   validation.pairs = kMostDrawn;
   const std::unique_ptr<Model> model = ReadModel(options.model);
   ReportedValidation reported;
-  reported.table = std::filesystem::path(options.table).filename().string();
+  reported.table = TextOfPath(PathOf(options.table).filename());
   PointsSource table(options.table);
   reported.validation = Validate(*model, table.Stream(), table.Name(), validation);
   for (const ValidatedOutput& output : reported.validation.outputs) {
@@ -47,7 +47,7 @@ void Report(const ReportOptions& options) {
                                   ? std::vector<std::string>{options.model}
                                   : std::vector<std::string>{options.model, options.table});
   ReportedStudy study;
-  study.file = std::filesystem::path(options.model).filename().string();
+  study.file = TextOfPath(PathOf(options.model).filename());
   study.text = ReadTextFile(options.model);
   study.inspection = InspectModel(options.model, study.text);
   if (!options.table.empty() && study.inspection.errors == 0) {

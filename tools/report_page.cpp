@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <filesystem>
 #include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "file_names.h"
 #include "html.h"
 #include "html_table.h"
 #include "overview.h"
@@ -209,7 +209,7 @@ std::string ReportPage(const ReportedStudy& study) {
       report_assets::kPage,
       {{"SCRIPT_HASH", "sha256-" + Base64(report_assets::kScriptHash)},
        {"VERSION", PXROM_VERSION_STRING},
-       {"TITLE", Escaped(std::filesystem::path(study.file).stem().string())},
+       {"TITLE", Escaped(TextOfPath(PathOf(study.file).stem()))},
        {"STYLE", std::string(report_assets::kStyle)},
        {"SUMMARY", SummaryOf(overview)},
        {"VERDICT_KIND", VerdictKind(inspection)},

@@ -43,6 +43,8 @@ int Parsed(int argc, const char* const* argv) {
   CLI::App app("Evaluates fitted response surfaces.", "pxrom");
   app.set_version_flag("--version", PXROM_VERSION_STRING);
   app.require_subcommand(1);
+  // "/" begins a path on every system.
+  app.allow_windows_style_options(false);
   app.footer("pxrom COMMAND --help shows its options and an example.");
   pxrom_command::AddEval(app);
   pxrom_command::AddValidate(app);

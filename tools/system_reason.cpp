@@ -23,7 +23,9 @@ std::string ReasonOf(int error, const std::string& what) {
     case EIO:
       return "the device failed";
     case ENOSPC:
+#ifdef EDQUOT
     case EDQUOT:
+#endif
       return "the disk is full";
     case EFBIG:
       return "the file would be larger than the system allows";
@@ -33,6 +35,8 @@ std::string ReasonOf(int error, const std::string& what) {
       return "its reader has closed it";
     case EBADF:
       return "it is not open";
+    case EBUSY:
+      return "another program uses it";
     case EMFILE:
     case ENFILE:
       return "too many files are open";

@@ -30,16 +30,19 @@ std::string Again(const std::string& session) {
   return again;
 }
 
-TEST(Sessions, ShowTheSameAgain) {
-  for (const char* const name :
-       {"eval", "points", "format", "inspection", "pages", "validate", "fmu", "files"}) {
-    SCOPED_TRACE(name);
-    const std::string session =
-        command::Contents(PXROM_SOURCE "/tests/data/tools/" + std::string(name) + ".txt");
-    EXPECT_GT(session.size(), 1000u);
-    EXPECT_EQ(Again(session), session);
-  }
+class Sessions : public testing::TestWithParam<const char*> {};
+
+TEST_P(Sessions, ShowTheSameAgain) {
+  const std::string session =
+      command::Contents(PXROM_SOURCE "/tests/data/tools/" + std::string(GetParam()) + ".txt");
+  EXPECT_GT(session.size(), 1000u);
+  EXPECT_EQ(Again(session), session);
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, Sessions,
+                         testing::Values("eval", "points", "format", "inspection", "pages",
+                                         "validate", "fmu", "files"),
+                         [](const auto& named) { return std::string(named.param); });
 
 TEST(Command, ShowsItsVersionAndItsExamplesWork) {
   EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");

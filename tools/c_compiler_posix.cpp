@@ -1,5 +1,3 @@
-#include "c_compiler.h"
-
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -8,9 +6,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 #include <system_error>
 
+#include "c_compiler.h"
 #include "refusal.h"
 #include "system_reason.h"
 
@@ -39,14 +37,6 @@ TemporaryFolder::~TemporaryFolder() {
 
 std::string TemporaryFolder::File(const std::string& name) const {
   return (fs::path(path_) / name).string();
-}
-
-std::vector<std::string> HostCompiler() {
-  const char* const named = std::getenv("CC");
-  std::istringstream text(named == nullptr ? "" : named);
-  std::vector<std::string> words;
-  for (std::string word; text >> word;) words.push_back(word);
-  return words.empty() ? std::vector<std::string>{"cc"} : words;
 }
 
 bool RunQuietly(const std::vector<std::string>& words) {
