@@ -8,7 +8,7 @@ headers=$1 library=$2
 classes=$(grep -ohE '^(class|struct) PXROM_API \w+' "$headers"/*.h | awk '{print $3}' | paste -sd '|')
 functions=$(sed -nE 's/^PXROM_API .* \*?(\w+)\(.*/\1/p' "$headers"/*.h | sort -u | paste -sd '|')
 about='(vtable for |typeinfo for |typeinfo name for |(non-)?virtual thunk to )?'
-public="^$about(Tarvane::Plexura::(PXROM|Core)::)?(($classes)(::.*|\$)|($functions)(\(|\$))"
+public="^$about(Tarvane::Plexura::(PXROM|Core)::|pxrom::)?(($classes)(::.*|\$)|($functions)(\(|\$))"
 
 exported=$(nm -DC --defined-only "$library" | cut -d ' ' -f 3-)
 [[ $exported == *Tarvane::Plexura::PXROM::CDiscreteCombinations::Evaluate* ]] || {
