@@ -8,6 +8,7 @@
 #include "batch/batch_cases.h"
 #include "pxrom/gaussian_process.h"
 #include "pxrom/kriging.h"
+#include "support/rounds.h"
 
 namespace Tarvane::Plexura::PXROM::tests {
 namespace {
@@ -56,7 +57,7 @@ TEST(PreparedModel, EvaluatesRandomModelsAsTheModelDoes) {
 // parts.
 TEST(PreparedModel, EvaluatesAsTheEvaluatorOfEachFamily) {
   const std::vector<E_DataType> families = RandomFamilies();
-  for (int round = 0; round < 360; ++round) {
+  for (int round = 0; round < Rounds(360); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     Draw draw(static_cast<std::uint32_t>(round));
     const int inputs = draw.Int(1, 6);
@@ -109,7 +110,7 @@ TEST(PreparedModel, EvaluatesErrorsOfAnyNumberOfSamplesAsTheEvaluator) {
 TEST(PreparedModel, EvaluatesErrorsOfSurfacesExactlyInTheFastMode) {
   const int inputs = 3;
   const std::size_t rows = 60;
-  for (int round = 0; round < 90; ++round) {
+  for (int round = 0; round < Rounds(90); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     Draw draw(static_cast<std::uint32_t>(round));
     const std::vector<E_DataType> families = RandomFamilies();

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The shared library exports what its public headers mark with PXROM_API, and nothing else.
+# The shared library, or the import library of a DLL, exports what the public headers mark with
+# PXROM_API, and nothing else.
 #
 #   symbols.sh HEADERS LIBRARY
 set -euo pipefail
@@ -10,7 +11,12 @@ functions=$(sed -nE 's/^PXROM_API .* \*?(\w+)\(.*/\1/p' "$headers"/*.h | sort -u
 about='(vtable for |typeinfo for |typeinfo name for |(non-)?virtual thunk to )?'
 public="^$about(Tarvane::Plexura::(PXROM|Core)::|pxrom::)?(($classes)(::.*|\$)|($functions)(\(|\$))"
 
-exported=$(nm -DC --defined-only "$library" | cut -d ' ' -f 3-)
+if [[ $library == *.dll.a ]]; then
+  # Its other symbols and its parts without symbols are not of the DLL.
+  exported=$(nm -g --defined-only "$library" 2>/dev/null | sed -nE 's/^[0-9a-f]+ I __imp_//p' | c++filt)
+else
+  exported=$(nm -DC --defined-only "$library" | cut -d ' ' -f 3-)
+fi
 [[ $exported == *Tarvane::Plexura::PXROM::CDiscreteCombinations::Evaluate* ]] || {
   echo "symbols.sh: the library does not export what it should" >&2
   exit 1
@@ -22,6 +28,7 @@ if others=$(grep -vE "$public" <<<"$exported" | grep -vE "^${about}([^(<]* )?(st
   exit 1
 fi
 
+[[ $library == *.dll.a ]] && exit
 # A symbol that is unique in the process keeps a library in memory after dlclose. Compilers that can
 # avoid such symbols must do so.
 if unique=$(nm -DC --defined-only "$library" | grep -E '^\S* u '); then

@@ -5,6 +5,7 @@
 #include "model/test_candidates.h"
 #include "pxrom/linear_basis.h"
 #include "pxrom/regression.h"
+#include "support/rounds.h"
 
 namespace Tarvane::Plexura::PXROM {
 namespace {
@@ -281,7 +282,7 @@ double FirstOfBubbleSort(Vector values, double threshold) {
 
 TEST(TolerantSort, FindsWhatTheWholeSortPutsInFront) {
   std::mt19937 random(17);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < Rounds(20000); ++round) {
     // Steps of a quarter of the threshold, so that most neighbours are close to it.
     const double spread = round % 2 == 0 ? 40 : 4000;
     Vector values(1 + random() % 12);

@@ -15,6 +15,7 @@
 #include "reference/polynomial_literal.h"
 #include "reference/reading_literal.h"
 #include "reference/regression_literal.h"
+#include "support/rounds.h"
 #include "support/surfaces.h"
 #include "testing/random_models.h"
 #include "text/database_text.h"
@@ -90,7 +91,8 @@ void ExpectLiteralValues(const CDiscreteCombinations& model, double oddFraction)
 }
 
 TEST(Literal, RandomDatabasesReadAndEvaluateTheSame) {
-  for (std::uint32_t seed = 1000; seed < 1200; ++seed) {
+  for (int round = 0; round < Rounds(200); ++round) {
+    const auto seed = static_cast<std::uint32_t>(1000 + round);
     SCOPED_TRACE("seed " + std::to_string(seed));
     CDiscreteCombinations made;
     FillRandomModel(seed, {}, made);

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "reference/reading_literal.h"
+#include "support/rounds.h"
 #include "targets.h"
 #include "text/database_text.h"
 
@@ -70,7 +71,7 @@ TEST(RandomTexts, ReadAsTheSlowEngineReadsThem) {
   std::mt19937 random(3);
   for (const char* const list : lists) {
     const std::vector<std::string> pieces = Split(list);
-    for (int round = 0; round < 10000; ++round) {
+    for (int round = 0; round < Rounds(10000); ++round) {
       const std::string text = RandomText(pieces, 40, random);
       const int lower = static_cast<int>(random() % 16);
       const int upper = static_cast<int>(random() % 100);
@@ -85,7 +86,7 @@ TEST(RandomTexts, OfDecimalsReadToTheNearestDouble) {
   const std::vector<std::string> digits = Split("0|1|2|3|4|5|6|7|8|9");
   std::mt19937 random(13);
   std::uniform_int_distribution<long long> middle(1LL << 53, (1LL << 54) - 1);
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < Rounds(200); ++round) {
     std::string list;
     for (int i = 0; i < 100; ++i) {
       std::string decimal = RandomText(digits, 21, random);
@@ -114,7 +115,7 @@ TEST(DatabaseText, RefusesWorkBeyondItsLimit) {
 
 TEST(TagIndex, CountsPlacesFromAnywhere) {
   std::mt19937 random(7);
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < Rounds(2000); ++round) {
     std::vector<std::size_t> places(random() % 50);
     for (std::size_t& place : places) place = random() % 100;
     std::sort(places.begin(), places.end());
@@ -134,7 +135,7 @@ TEST(RandomTexts, OfTagsReadTheSameWithAnIndex) {
       "<FMU>|</FMU>|<FMU ID=1>|<FMU ID=12>|<FMU ID=1|a=|ba=|=|\n|\n|1|2.5|,|{x;1}|<|>|</| |\r|"
       "word|;|0,1,-2,3.25,4e1,5");
   std::mt19937 random(5);
-  for (int round = 0; round < 10000; ++round) {
+  for (int round = 0; round < Rounds(10000); ++round) {
     const std::string text = RandomText(pieces, 40, random);
     reading::DatabaseText indexed(text);
     indexed.Index();
@@ -173,7 +174,7 @@ TEST(RandomTexts, OfFmiWordsBreakNothing) {
       "<fmiModelDescription|<ModelVariables|<ScalarVariable|</ScalarVariable|guid=|"
       "numberOfContinuousStates=|name=|valueReference=|causality=|input|<Real|<Integer|\"|12");
   std::mt19937 random(5);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < Rounds(20000); ++round) {
     const std::string text = "<fmiModelDescription<ModelVariables" + RandomText(words, 24, random);
     EXPECT_NO_THROW(fuzz::RunFmu(text.substr(0, text.size() - random() % 4))) << text;
   }

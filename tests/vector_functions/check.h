@@ -161,6 +161,8 @@ std::vector<Case> Cases() {
   // Without a known form all lanes are open.
   const double mostOfTanh = FormOfTanh() == HostForm::Other ? 1.0 : 0.0;
   const double mostOfLog1p = FormOfLog1p() == HostForm::Other ? 1.0 : 0.02;
+  // The host computes it there, with fused operations.
+  constexpr bool kComputesJ0 = PXROM_SIMD != PXROM_SIMD_NEON;
   std::vector<Case> cases = {
       {By::RoundingTest,
        "exp(-x)",
@@ -219,14 +221,14 @@ std::vector<Case> Cases() {
        "J0(x), x up to 2",
        j0,
        BesselJ0,
-       0.0,
+       kComputesJ0 ? 0.0 : 1.0,
        [](Random& r) { return Between(r, 0.0, 2.0); },
        {0.0, kTiniest, 0x1p-27, 0x1p-13, 1.0, 2.0}},
       {By::Repetition,
        "J0(x), x beyond 2",
        j0,
        BesselJ0,
-       0.08,
+       kComputesJ0 ? 0.08 : 1.0,
        [](Random& r) { return Between(r, 2.0, 4.5); },
        {2.404825557695773, 0.75 * 3.141592653589793, 1.25 * 3.141592653589793, 2.857142857142857,
         3.141592653589793, 3.8317059702075123, 3.8317, 4.5454}},

@@ -15,6 +15,10 @@ using namespace Tarvane::Plexura::PXROM;
 int main(int argc, char** argv) {
   const long count = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 200000;
   bool areExact = true;
+  if (simd::CanRun(simd::InstructionSet::Neon)) {
+    std::puts("NEON");
+    areExact = simd::IsNeonExact(count);
+  }
   if (simd::CanRun(simd::InstructionSet::Avx2)) {
     std::puts("AVX2");
     areExact = simd::IsAvx2Exact(count);

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "database/inspection/test_texts.h"
+#include "support/rounds.h"
 #include "support/source_path.h"
 #include "support/test_models.h"
 #include "targets.h"
@@ -31,7 +32,7 @@ std::vector<std::string> SoundTexts(const std::string& without, std::uint32_t se
 }
 
 TEST(Laws, HoldForSoundModels) {
-  for (const std::string& text : SoundTexts("none", 150)) {
+  for (const std::string& text : SoundTexts("none", static_cast<std::uint32_t>(Rounds(150)))) {
     EXPECT_NO_THROW(fuzz::RunInspection(text)) << text;
     const CInspectionReport report = InspectPXROMDatabase(text);
     EXPECT_EQ(report.errors, 0u) << text << '\n' << Shown(report);
@@ -48,7 +49,7 @@ TEST(Laws, HoldForTheTableOfDamages) {
 TEST(Laws, HoldForRandomDamages) {
   std::mt19937 random(2024);
   const std::vector<std::string> texts = SoundTexts("beam", 30);
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < Rounds(2000); ++round) {
     std::string text = texts[random() % texts.size()];
     const int damages = 1 + static_cast<int>(random() % 3);
     for (int i = 0; i < damages; ++i) DamageAtRandom(text, random);
@@ -65,7 +66,7 @@ TEST(Laws, HoldForLinesInRandomOrder) {
   std::vector<std::string> lines = {"<FMU>", "</FMU>\n", "<Genome ", "=\n", "{;}", "<", "\r", "\n"};
   for (std::string line; std::getline(model, line);) lines.push_back(line + '\n');
   std::mt19937 random(7);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < Rounds(20000); ++round) {
     std::string text;
     for (std::size_t count = random() % 30; count > 0; --count) {
       text += lines[random() % lines.size()];

@@ -10,6 +10,7 @@
 #include "pxrom/constant.h"
 #include "pxrom/kriging.h"
 #include "pxrom/regression.h"
+#include "support/rounds.h"
 #include "support/surfaces.h"
 #include "support/test_models.h"
 #include "testing/random_models.h"
@@ -63,10 +64,10 @@ void ExpectRoundTrip(const CDiscreteCombinations& model, const std::vector<Quest
 }
 
 TEST(RoundTrip, RandomModelsOfAllFamilies) {
-  for (std::uint32_t seed = 0; seed < 150; ++seed) {
+  for (int seed = 0; seed < Rounds(150); ++seed) {
     SCOPED_TRACE(seed);
     CDiscreteCombinations model;
-    tests::FillRandomModel(seed, {}, model);
+    tests::FillRandomModel(static_cast<std::uint32_t>(seed), {}, model);
     ExpectRoundTrip(model, tests::QuestionsFor(model, 0.5));
   }
 }
