@@ -480,8 +480,14 @@ def test_statsmodels_interval(level):
 def test_statsmodels_logarithms_and_formulas():
     double = ols(np.log(X), np.log(Y))
     model = read(to_text(double, X, output_transform="log"))
-    wanted = np.exp(double.predict(np.c_[np.ones(len(NEW)), np.log(NEW)]))
-    assert_near(model.predict(None, NEW).values["y"], wanted)
+    exog = np.c_[np.ones(len(NEW)), np.log(NEW)]
+    wanted = np.exp(double.predict(exog))
+    result = model.predict(NEW, return_error=True)
+    assert_near(result.values["y"], wanted)
+    interval = double.get_prediction(exog).summary_frame(alpha=0.05)
+    half = (interval.obs_ci_upper - interval.obs_ci_lower) / 2
+    assert_near(result.errors["y"], wanted * half, 1e-6)
+    assert_near(result.upper["y"], np.exp(interval.obs_ci_upper), 1e-6)
 
     frame = pandas.DataFrame(np.c_[X, Y], columns=["a", "b", "c", "y"])
     new = pandas.DataFrame(NEW, columns=["a", "b", "c"])

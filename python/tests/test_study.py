@@ -187,14 +187,18 @@ def test_inputs_stand_in_the_order_of_the_fit():
         Study().input("b").input("L").output("mass").add("mass", fitted)
 
 
-def test_an_ensemble_has_no_error_of_its_own():
+def test_an_ensemble_has_the_errors_of_its_members_if_all_have_one():
     y = mass(X, 1)
-    pair = [(process().fit(X, y), 0.5), (process().fit(X, y), 0.5)]
-    study = two_inputs()
-    result = study.add("mass", pair).to_model().predict(None, NEW, return_error=True)
-    assert np.all(result.statuses.array == -2)
-    with pytest.raises(NotExportable, match="error only from cross-validation"):
-        study.add("mass", pair, error=True)
+    pair = [(process().fit(X, y), 0.25), (process().fit(X, 1.1 * y), 0.75)]
+    result = two_inputs().add("mass", pair).to_model().predict(NEW, return_error=True)
+    deviations = [weight * fitted.predict(NEW, return_std=True)[1] for fitted, weight in pair]
+    assert result.error_origin == {"mass": "all surfaces"}
+    assert np.allclose(result.errors["mass"], sum(deviations), rtol=1e-6)
+    mixed = [pair[0], (SVR().fit(X, y), 0.75)]
+    without = two_inputs().add("mass", mixed).to_model().predict(NEW, return_error=True)
+    assert np.all(without.statuses.array == -2)
+    with pytest.raises(NotExportable):
+        two_inputs().add("mass", mixed, error=True)
 
 
 @pytest.mark.parametrize(

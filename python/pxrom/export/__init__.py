@@ -27,8 +27,8 @@ approximated.
 
 **Errors.** A predicted error is exported if the tool has one that maps: the standard deviation of a
 Gaussian process or of a Bayesian linear model, the root of OpenTURNS' conditional variance, the
-half-width of statsmodels' prediction interval. It is exported in the unit of the output.
-``Prediction.scaled_errors`` still names the output, because the format can't express that.
+half-width of statsmodels' prediction interval, to first order if the fit predicts a function of the
+output. ``Prediction.errors`` has it in the unit of the output.
 """
 
 from ._surface import NotExportable

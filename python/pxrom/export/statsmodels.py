@@ -66,7 +66,7 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
         output_transform=function,
     )
     surface.predict = lambda points: back(model.predict(params, design(points)))
-    why = _why_no_error(fitted, kind, options.output_transform)
+    why = _why_no_error(fitted, kind)
     if why is not None:
         surface.drop_error(why)
         return [surface]
@@ -78,24 +78,26 @@ def surfaces(fitted: Any, options: Options) -> List[Surface]:
     surface.inv_xtx = by_term.T @ normal @ by_term
     surface.level = 0.5 + 0.5 * options.level
     surface.variance, surface.freedom = float(fitted.scale), float(fitted.df_resid)
-    surface.predict_error = lambda points: 0.5 * np.ptp(
-        fitted.get_prediction(design(points), transform=False).conf_int(
-            obs=True, alpha=1.0 - options.level
-        ),
-        axis=1,
-    )
+
+    def predict_error(points: np.ndarray) -> np.ndarray:
+        predicted = fitted.get_prediction(design(points), transform=False)
+        half = 0.5 * np.ptp(predicted.conf_int(obs=True, alpha=1.0 - options.level), axis=1)
+        if function is None:
+            return half
+        # To first order, as the library gives it in the unit of the output.
+        return half * np.abs(function.back_slope(predicted.predicted_mean))
+
+    surface.predict_error = predict_error
     return [surface]
 
 
-def _why_no_error(fitted: Any, kind: str, transform: Optional[str]) -> Optional[str]:
+def _why_no_error(fitted: Any, kind: str) -> Optional[str]:
     if not hasattr(fitted, "cov_type"):
         return "a regularized fit has no covariance of its coefficients"
     if kind != "OLS":
         return "an interval of a weighted fit depends on the weight of a new observation"
     if fitted.cov_type != "nonrobust":
         return f"the covariance type {fitted.cov_type!r} has no counterpart; 'nonrobust' has"
-    if transform is not None:
-        return "a predicted error can't go back through a transformation of the output"
     if fitted.df_resid != fitted.nobs - len(fitted.params):
         return "the design has not full rank"
     return None

@@ -114,8 +114,8 @@ class Study:
                 scikit-learn's linear models don't). Samples that a fit doesn't keep are checked by
                 a new fit with its settings.
             at: the value of each discrete input, a whole number.
-            error: "auto" exports the tool's predicted error if there is one that maps (an ensemble
-                has one only from cross-validation); True requires it; False leaves it out.
+            error: "auto" exports the tool's predicted error if there is one that maps, of an
+                ensemble if all members have one; True requires it; False leaves it out.
             folds: cross-validation data for a predicted error in the output's unit: a number of
                 folds (``KFold(folds, shuffle=True, random_state=0)``), or anything with ``split``.
                 Each member is fitted again without each fold.
@@ -157,11 +157,11 @@ class Study:
             self._require_order(member)
         if len(members) > 1 and len(names) > 1:
             raise ValueError("an ensemble predicts one output; add the outputs one by one")
-        if (len(members) > 1 or folds is not None) and error is True and folds is None:
+        if whole is not None and error is True and folds is None:
             raise NotExportable(
-                "an ensemble has a predicted error only from cross-validation: pass folds"
+                "an average has a predicted error only from cross-validation: pass folds"
             )
-        keep = error if len(members) == 1 and folds is None else False
+        keep = error if whole is None and folds is None else False
 
         def converted(one: Any, given: Options) -> List[Surface]:
             return convert(one, given, keep, tolerance, error_tolerance, self._bounds())
@@ -169,6 +169,10 @@ class Study:
         made = [converted(member, options) for member in members]
         for surfaces in made:
             self._require_fit(surfaces, names)
+        if len(made) > 1 and any(surfaces[0].predict_error is None for surfaces in made):
+            # The error of some members is not that of the ensemble.
+            for surfaces in made:
+                surfaces[0].drop_error("another member of the ensemble has none")
         ensembles: Dict[str, _Ensemble] = {}
         for place, name in enumerate(names):
             surfaces = [of_member[place] for of_member in made]
