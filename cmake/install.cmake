@@ -22,6 +22,9 @@ if(PXROM_BUILD_TOOLS)
   set_target_properties(pxrom_command PROPERTIES
     INSTALL_RPATH "$ORIGIN/${libraries_from_command}")
   install(TARGETS pxrom_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS pxrom_codegen EXPORT pxrom-targets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(DIRECTORY codegen/include/pxrom DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
 install(EXPORT pxrom-targets NAMESPACE pxrom:: DESTINATION ${pxrom_package_dir})

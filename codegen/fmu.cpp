@@ -1,5 +1,3 @@
-#include "codegen/fmu.h"
-
 #include <cmath>
 #include <cstdint>
 #include <sstream>
@@ -7,6 +5,7 @@
 #include "codegen/fmu_description.h"
 #include "codegen/source.h"
 #include "codegen/text.h"
+#include "pxrom/codegen.h"
 
 namespace pxrom_codegen {
 

@@ -1,5 +1,3 @@
-#include "codegen/generate.h"
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -11,6 +9,7 @@
 #include "codegen/source.h"
 #include "codegen/text.h"
 #include "pxrom/batch.h"
+#include "pxrom/codegen.h"
 
 namespace pxrom_codegen {
 
@@ -623,7 +622,7 @@ Code GenerateOrThrow(const Model& model, const Options& options, Interface& inte
   return code;
 }
 
-int Generate(const Model& model, const Options& options, Code& code, std::string& reason) {
+int GenerateCode(const Model& model, const Options& options, Code& code, std::string& reason) {
   try {
     Interface interface;
     code = GenerateOrThrow(model, options, interface);

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "codegen/generate.h"
 #include "codegen/lowering.h"
+#include "pxrom/codegen.h"
 
 namespace pxrom_codegen {
 
@@ -68,7 +68,7 @@ struct Interface {
   bool TakesDiscrete() const { return !discrete.empty(); }
 };
 
-/// What Generate does, with what the texts were made of. Throws Refused.
+/// What GenerateCode does, with what the texts were made of. Throws Refused.
 Code GenerateOrThrow(const Tarvane::Plexura::PXROM::CDiscreteCombinations& model,
                      const Options& options, Interface& interface);
 

@@ -1,7 +1,7 @@
-#include "codegen/zip.h"
-
 #include <array>
 #include <cstdint>
+
+#include "pxrom/codegen.h"
 
 namespace pxrom_codegen {
 

@@ -4,16 +4,14 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
-#include "code_options.h"
-#include "codegen/generate.h"
 #include "command.h"
 #include "file_names.h"
+#include "model_exports.h"
 #include "model_file.h"
 #include "numbers.h"
-#include "output_file.h"
+#include "pxrom/codegen.h"
 #include "refusal.h"
 #include "wording.h"
 
@@ -64,31 +62,14 @@ void PrintNeeds(const pxrom_codegen::Code& code, bool isFloat) {
   }
 }
 
-void WriteCode(CodeOptions& options) {
+void RunCode(CodeOptions& options) {
   options.code.name = options.name.empty() ? CodeNameOf(options.model) : options.name;
   options.code.combination = CombinationOf(options.combination);
   if (!options.budget.empty()) options.code.budget = BytesOf(options.budget);
-  const std::unique_ptr<Model> model = ReadModel(options.model);
-  pxrom_codegen::Code code;
-  std::string reason;
-  if (pxrom_codegen::Generate(*model, options.code, code, reason) != 0) {
-    throw Refusal("no code for " + Quoted(options.model) + ": " + reason);
-  }
-  std::error_code failed;
-  const std::filesystem::path folder = PathOf(options.folder);
-  std::filesystem::create_directories(folder, failed);
-  if (failed)
-    throw Refusal("can't make the folder " + Quoted(options.folder) + ": " + failed.message());
-  const std::string header = TextOfPath(folder / PathOf(options.code.name + ".h"));
-  const std::string source = TextOfPath(folder / PathOf(options.code.name + ".c"));
-  // Both are complete before the first one replaces an older file.
-  OutputFile headerFile(header, {options.model});
-  OutputFile sourceFile(source, {options.model});
-  headerFile.Write(code.header);
-  sourceFile.Write(code.source);
-  headerFile.Finish();
-  sourceFile.Finish();
-  std::cout << "Wrote       " << Printed(header) << " and " << Printed(source) << '\n';
+  const pxrom_codegen::Code code =
+      WriteCode({*ReadModel(options.model), options.model}, options.folder, options.code);
+  const std::string start = TextOfPath(PathOf(options.folder) / PathOf(options.code.name));
+  std::cout << "Wrote       " << Printed(start + ".h") << " and " << Printed(start + ".c") << '\n';
   PrintNeeds(code, options.code.isFloat);
 }
 
@@ -119,7 +100,7 @@ void AddCode(CLI::App& app) {
       "\n"
       "Example:\n"
       "  pxrom code examples/beam.pxdb -o generated --combination Material=1,Holes=2 --errors");
-  code->callback([options] { WriteCode(*options); });
+  code->callback([options] { RunCode(*options); });
 }
 
 }  // namespace pxrom_command

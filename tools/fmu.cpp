@@ -1,5 +1,3 @@
-#include "codegen/fmu.h"
-
 #include <cstddef>
 #include <iostream>
 #include <map>
@@ -7,12 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "code_options.h"
 #include "command.h"
-#include "fmu_archive.h"
+#include "model_exports.h"
 #include "model_file.h"
-#include "output_file.h"
 #include "parameters.h"
+#include "pxrom/codegen.h"
 #include "pxrom/fmu_description_reader.h"
 #include "refusal.h"
 #include "table.h"
@@ -148,15 +145,8 @@ void ExportFmu(const FmuOptions& options) {
   code.combination = CombinationOf(options.combination);
   code.outputs = options.outputs;
   code.errors = !options.withoutErrors;
-  pxrom_codegen::Fmu fmu;
-  std::string reason;
-  if (pxrom_codegen::GenerateFmu(*ReadModel(path), code, options.version, fmu, reason) != 0) {
-    throw Refusal("no FMU for " + Quoted(path) + ": " + reason);
-  }
-  OutputFile archive(options.archive, {path});
-  const std::vector<std::string> binaries = AddBinaries(fmu);
-  archive.Write(pxrom_codegen::ZipOf(fmu.files));
-  archive.Finish();
+  const std::vector<std::string> binaries =
+      WriteFmu({*ReadModel(path), path}, options.archive, options.version, code);
   std::cout << "Wrote       " << Printed(options.archive) << " for FMI " << options.version
             << ".0, co-simulation and model exchange\n"
             << "Binaries    "

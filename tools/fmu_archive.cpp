@@ -69,7 +69,7 @@ std::vector<std::string> AddBinaries(pxrom_codegen::Fmu& fmu) {
   for (const Target& target : targets) {
     const std::string& place = fmu.version == 2 ? target.platform.folder2 : target.platform.folder3;
     if (place.empty()) continue;
-    const std::string out = folder.File("binary" + target.platform.suffix);
+    const std::string out = folder.File(fmu.identifier + target.platform.suffix);
     std::vector<std::string> words = target.compiler;
     // -s leaves out names, and with them the paths of temporary files.
     for (const char* const flag :
@@ -78,11 +78,12 @@ std::vector<std::string> AddBinaries(pxrom_codegen::Fmu& fmu) {
     }
     words.push_back(out);
     for (const std::string& source : fmu.sources) words.push_back(folder.File(source));
-    const bool isWindows = target.platform.suffix == kWindows.suffix;
-    for (const char* const flag : {isWindows ? "-static-libgcc" : "-fPIC",
-                                   isWindows ? "-Wl,--no-insert-timestamp" : "-lm"}) {
-      words.emplace_back(flag);
-    }
+    // Without a time, and without an address made of the temporary folder's name.
+    const std::vector<std::string> windows = {"-static-libgcc", "-Wl,--no-insert-timestamp",
+                                              "-Wl,--disable-auto-image-base"};
+    const std::vector<std::string> others = {"-fPIC", "-lm"};
+    const auto& last = target.platform.suffix == kWindows.suffix ? windows : others;
+    words.insert(words.end(), last.begin(), last.end());
     if (!RunQuietly(words)) continue;
     fmu.files.push_back(
         {"binaries/" + place + "/" + fmu.identifier + target.platform.suffix, ReadTextFile(out)});

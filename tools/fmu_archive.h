@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "codegen/fmu.h"
+#include "pxrom/codegen.h"
 
 namespace pxrom_command {
 

@@ -13,12 +13,13 @@ scikit-learn, OpenTURNS, scipy and statsmodels into databases.
 
 from ._core import __version__
 from ._findings import Finding, check
-from ._model import Combination, Cost, Model, Parameter, format, load, loads
+from ._model import CodeNeeds, Combination, Cost, Model, Parameter, format, load, loads
 from ._prediction import Columns, Prediction
 from ._predictor import Predictor
 from ._validation import Scores, Validation
 
 __all__ = [
+    "CodeNeeds",
     "Columns",
     "Combination",
     "Cost",

@@ -112,5 +112,25 @@ class Study:
     def model(self) -> Combinations: ...
     def to_text(self) -> str: ...
 
+def write_code(
+    model: Combinations,
+    folder: str,
+    name: str,
+    combination: Sequence[Tuple[str, int]],
+    outputs: Sequence[str],
+    errors: bool,
+    gradients: bool,
+    is_float: bool,
+    budget: int,
+) -> List[int]: ...
+def write_fmu(
+    model: Combinations,
+    archive: str,
+    version: int,
+    name: str,
+    combination: Sequence[Tuple[str, int]],
+    outputs: Sequence[str],
+    errors: bool,
+) -> List[str]: ...
 def run_command(arguments: Sequence[bytes]) -> int:
     """Only in builds that have the command."""

@@ -61,6 +61,16 @@ class Cost(NamedTuple):
     bytes: int
 
 
+class CodeNeeds(NamedTuple):
+    """What generated code needs on a controller: bytes of tables, at most about so many bytes of
+    code for a Cortex-M4, bytes of stack, operations per call. ``math.h`` is not counted."""
+
+    table_bytes: int
+    code_bytes: int
+    stack_bytes: int
+    operations: int
+
+
 class Combination(Dict[str, int]):
     """The values of the discrete inputs of one fitted combination, by name. A dict that can be
     passed to :meth:`Model.predict`."""
@@ -317,6 +327,69 @@ class Model:
             )
         ranges = prepared.sample_ranges(prepared.outputs.index(output))
         return dict(zip(self._input_names, zip(*ranges)))
+
+    def code(
+        self,
+        folder: Union[str, "os.PathLike[str]"],
+        *,
+        name: str = "model",
+        combination: Optional[Mapping[str, int]] = None,
+        outputs: Sequence[str] = (),
+        errors: bool = False,
+        gradients: bool = False,
+        single: bool = False,
+        budget: int = 0,
+    ) -> CodeNeeds:
+        """Writes the model as C99, ``name.h`` and ``name.c``, as ``pxrom code`` does: code that needs
+        ``math.h`` alone and gives the same bits.
+
+        Args:
+            folder: made if it is not there.
+            name: the start of all names in the code.
+            combination: a value of each discrete input; without it the code takes them.
+            outputs: all without it.
+            errors: predicted errors too.
+            gradients: derivatives by the inputs too.
+            single: float instead of double.
+            budget: refuse more bytes of tables and code than this; 0 is no limit.
+
+        Raises:
+            ValueError: when the model or an argument does not allow it; no file is written then.
+        """
+        pairs = [] if combination is None else self._named(self._key(combination))
+        given = (list(outputs), errors, gradients, single, budget)
+        return CodeNeeds(*_core.write_code(self._model, os.fspath(folder), name, pairs, *given))
+
+    def fmu(
+        self,
+        path: Union[str, "os.PathLike[str]"],
+        *,
+        fmi: int = 2,
+        name: Optional[str] = None,
+        combination: Optional[Mapping[str, int]] = None,
+        outputs: Sequence[str] = (),
+        errors: bool = True,
+    ) -> Tuple[str, ...]:
+        """Writes the model as an FMU for system simulators, as ``pxrom fmu --export`` does.
+
+        Args:
+            path: the archive, for example "beam.fmu".
+            fmi: 2 or 3.
+            name: the model identifier; without it the name of the archive.
+            combination: a value of each discrete input; without it they are parameters.
+            outputs: all without it.
+            errors: predicted errors as further outputs.
+
+        Returns:
+            The platforms that the archive has binaries for, with the compiler that made each. None
+            where no compiler is found; the sources are always in it.
+
+        Raises:
+            ValueError: when the model or an argument does not allow it; no file is written then.
+        """
+        pairs = [] if combination is None else self._named(self._key(combination))
+        given = (fmi, name or "", pairs, list(outputs), errors)
+        return tuple(_core.write_fmu(self._model, os.fspath(path), *given))
 
     def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
         """Writes :attr:`text` to a file, compressed if its name ends with ".gz". A file that is

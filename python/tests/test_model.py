@@ -527,3 +527,24 @@ def test_prints_in_a_notebook(beam):
     assert ", the first 12" in result._repr_html_()
     assert "the first" not in beam.predict(STEEL, points(beam, 12))._repr_html_()
     assert repr(result) == "<Prediction of deflection, mass, stress at 20 point(s) with errors>"
+
+
+def test_writes_code_and_fmus_as_the_command_does(tmp_path, beam, command):
+    needs = beam.code(tmp_path, name="beam", combination={"Material": 1, "Holes": 2}, errors=True)
+    beam.fmu(tmp_path / "beam.fmu", fmi=3, outputs=["mass"])
+    other = tmp_path / "other"
+    chosen = ["--combination", "Material=1,Holes=2", "--errors"]
+    subprocess.run([command, "code", BEAM, "-o", other, *chosen], check=True, capture_output=True)
+    exported = ["--export", other / "beam.fmu", "--fmi", "3", "--outputs", "mass"]
+    subprocess.run([command, "fmu", BEAM, *exported], check=True, capture_output=True)
+    for name in ("beam.h", "beam.c", "beam.fmu"):
+        assert (tmp_path / name).read_bytes() == (other / name).read_bytes()
+    assert f"{needs.table_bytes} bytes of constants" in (other / "beam.h").read_text()
+
+
+def test_writes_no_code_that_it_refuses(tmp_path, beam):
+    with pytest.raises(ValueError, match='no code for the model: The model has no output "cost"'):
+        beam.code(tmp_path / "none", outputs=["cost"])
+    with pytest.raises(ValueError, match="There are FMUs of FMI 2 and 3, but not of 4"):
+        beam.fmu(tmp_path / "none.fmu", fmi=4)
+    assert not list(tmp_path.iterdir())

@@ -60,6 +60,8 @@ if [[ $kind == static ]]; then
   [[ " ${flags[*]} " == *" -DPXROM_STATIC "* ]] || fail "pkg-config does not pass PXROM_STATIC"
   if ldd "$work/by_cmake/host" | grep -q pxrom; then fail "the static host loads a shared library"; fi
 else
+  printed=$("$work/by_cmake/code_host" "$source/examples/constant.pxdb") || fail "code_host fails"
+  [[ $printed == "#ifndef MODEL_H" ]] || fail "code_host printed '$printed'"
   # The installed command finds the library without help.
   unset LD_LIBRARY_PATH
   "$prefix/bin/pxrom" eval "$source/examples/constant.pxdb" x=0.5 >/dev/null ||

@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "codegen/generate.h"
 #include "command.h"
 #include "pxrom/batch.h"
+#include "pxrom/codegen.h"
 #include "pxrom/constant.h"
 #include "pxrom/regression.h"
 #include "support/model_files.h"
@@ -78,7 +78,7 @@ using EvaluateOneWithErrors = int(const double*, double*, double*, int*);
 std::string Refusal(const CDiscreteCombinations& model, const Options& options) {
   Code code;
   std::string reason;
-  EXPECT_EQ(pxrom_codegen::Generate(model, options, code, reason), 1);
+  EXPECT_EQ(pxrom_codegen::GenerateCode(model, options, code, reason), 1);
   EXPECT_EQ(code.source, "");
   return reason;
 }
@@ -86,7 +86,7 @@ std::string Refusal(const CDiscreteCombinations& model, const Options& options) 
 Code CodeOf(const CDiscreteCombinations& model, const Options& options) {
   Code code;
   std::string reason;
-  EXPECT_EQ(pxrom_codegen::Generate(model, options, code, reason), 0) << reason;
+  EXPECT_EQ(pxrom_codegen::GenerateCode(model, options, code, reason), 0) << reason;
   return code;
 }
 

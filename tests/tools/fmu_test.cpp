@@ -1,8 +1,6 @@
 // Models as FMUs: an importer runs them with the compiler of this build, and gets the bits of the
 // library.
 
-#include "codegen/fmu.h"
-
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -17,6 +15,7 @@
 
 #include "command.h"
 #include "pxrom/batch.h"
+#include "pxrom/codegen.h"
 #include "pxrom/constant.h"
 #include "support/model_files.h"
 #include "support/source_path.h"
