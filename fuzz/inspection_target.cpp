@@ -4,6 +4,7 @@
 #include "pxrom/database_reader.h"
 #include "pxrom/inspection.h"
 #include "targets.h"
+#include "text/check_points.h"
 
 namespace fuzz {
 
@@ -74,10 +75,23 @@ bool Evaluates(const CDiscreteCombinations& model, bool errorsToo, std::size_t m
   return true;
 }
 
+/// The text with the checksum that its check points need, so that these are evaluated.
+std::string WithItsChecksum(std::string text) {
+  const reading::CheckPointsGroup group = reading::FindCheckPoints(text);
+  if (group.fault != nullptr || group.begin == text.size()) return text;
+  static const std::string kWord = "Checksum ";
+  std::string digits(16, '0');
+  std::uint64_t checksum = reading::ChecksumOf(std::string_view(text).substr(0, group.covered));
+  for (std::size_t i = digits.size(); i > 0; --i, checksum >>= 4U) {
+    digits[i - 1] = "0123456789abcdef"[checksum & 0xfU];
+  }
+  return text.replace(group.covered + kWord.size(), digits.size(), digits);
+}
+
 }  // namespace
 
 void RunInspection(std::string_view data) {
-  const std::string text(data);
+  const std::string text = WithItsChecksum(std::string(data));
   const CInspectionReport report = InspectPXROMDatabase(text);
   CheckFindings(report);
   CDiscreteCombinations model;

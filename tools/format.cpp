@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "command.h"
+#include "cost.h"
 #include "model_file.h"
 #include "output_file.h"
+#include "pxrom/check_points.h"
 #include "pxrom/database_labels.h"
 #include "pxrom/database_reader.h"
 #include "pxrom/writer.h"
@@ -21,6 +23,8 @@ namespace {
 struct FormatOptions {
   std::string model;
   std::string out;
+  std::size_t answers = 0;
+  std::string limit;
 };
 
 [[noreturn]] void RefuseToWrite(const std::string& path, const std::string& reason) {
@@ -59,6 +63,10 @@ void Format(const FormatOptions& options) {
     RefuseToWrite(options.model, reason);
   }
   text += FmuGroup(options.model, ReadTextFile(options.model));
+  if (options.answers > 0 &&
+      pxrom::AddCheckPoints(text, options.answers, LimitOf(options.limit), reason) != 0) {
+    RefuseToWrite(options.model, reason);
+  }
   WriteTextFile(options.out, text);
 }
 
@@ -70,10 +78,20 @@ void AddFormat(CLI::App& app) {
   format->add_option("MODEL", options->model, "Database of fitted models")->required();
   format->add_option("-o,--out", options->out,
                      "File to write, which may be MODEL itself; default: the standard output");
+  constexpr std::size_t kMostAnswers = 1000;
+  format
+      ->add_option("--with-answers", options->answers,
+                   "Add so many check points for each combination, with all answers and a checksum")
+      ->check(CLI::Range(std::size_t{1}, kMostAnswers))
+      ->type_name("NUMBER");
+  format->add_option("--limit", options->limit, kLimitHelp)->type_name("OPERATIONS");
   format->footer(
       "The result holds what the library reads from MODEL, so it evaluates the same to the last\n"
       "bit. It leaves out what the library does not read. Formatting a result again changes "
       "nothing.\n"
+      "With check points, pxrom check says later whether the text is still the same, and whether "
+      "it\n"
+      "evaluates to the same numbers on that machine.\n"
       "\n"
       "Example:\n"
       "  pxrom format examples/constant.pxdb");

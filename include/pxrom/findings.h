@@ -77,6 +77,13 @@ enum E_FindingCode : std::int32_t {
   FindingDerivativeNone = 605,
   FindingValueNotFinite = 606,
   FindingNotTried = 607,
+  // The check points at the end of a text.
+  FindingCheckPointsDamaged = 701,
+  FindingTextChanged = 702,
+  FindingLineEndsChanged = 703,
+  FindingAnswersSame = 704,
+  FindingAnswersClose = 705,
+  FindingAnswersDiffer = 706,
 };
 
 /// The name of a code as it is printed, such as "group-missing"; empty for an unknown number.

@@ -3,6 +3,7 @@
 // All of the library's public headers for C++; pxrom_c.h is for C.
 
 #include "pxrom/batch.h"
+#include "pxrom/check_points.h"
 #include "pxrom/constant.h"
 #include "pxrom/database_labels.h"
 #include "pxrom/database_reader.h"

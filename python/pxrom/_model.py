@@ -17,6 +17,7 @@ _EACH_ROW = "leave {name!r} out of the combination to predict each point at its 
 _KINDS = ("continuous", "continuous", "discrete", "derived")
 _MOST_SHOWN = 20
 _MOST_JOBS = 1024
+_MOST_ANSWERS = 1000
 
 
 @dataclass(frozen=True)
@@ -748,6 +749,15 @@ def load(
         raise ValueError(f"{_files.shown(path)}: {error}") from None
 
 
-def format(text: Union[str, _files.Content]) -> str:
-    """The text of a database in its canonical form: what ``pxrom format`` writes."""
-    return loads(text).to_text()
+def format(text: Union[str, _files.Content], *, answers: int = 0) -> str:
+    """The text of a database in its canonical form: what ``pxrom format`` writes, with so many check
+    points for each combination. :func:`check` compares the answers that they hold with those of
+    another machine."""
+    return with_answers(loads(text).to_text(), answers)
+
+
+def with_answers(text: str, answers: int) -> str:
+    """A text with so many check points for each combination; the same text for 0."""
+    if not isinstance(answers, (int, np.integer)) or not 0 <= answers <= _MOST_ANSWERS:
+        raise ValueError(f"answers has to be a number from 0 to {_MOST_ANSWERS}, not {answers!r}")
+    return _core.with_check_points(text, answers) if answers else text

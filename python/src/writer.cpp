@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bindings.h"
+#include "pxrom/check_points.h"
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/fitting_candidate.h"
 #include "pxrom/fitting_candidates.h"
@@ -77,9 +78,23 @@ class Study {
       std::make_shared<pxrom::CDiscreteCombinations>();
 };
 
+/// A text with check points; ValueError if they can't be added.
+py::str WithCheckPoints(const py::str& given, std::size_t perCombination) {
+  std::string text = ToBytes(given);
+  std::string reason;
+  int status = 1;
+  {
+    const py::gil_scoped_release unlocked;
+    status = pxrom::AddCheckPoints(text, perCombination, pxrom::CEvaluationLimit(), reason);
+  }
+  if (status != 0) throw py::value_error(reason);
+  return ToStr(text);
+}
+
 }  // namespace
 
 void BindWriter(py::module_& module) {
+  module.def("with_check_points", &WithCheckPoints, py::arg("text"), py::arg("per_combination"));
   py::class_<Candidate>(module, "Candidate", "One ensemble; surfaces are copied into it.")
       .def(py::init<>())
       .def("add_surface", [](Candidate& candidate, const pxrom::CRSData& surface,

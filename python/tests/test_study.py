@@ -53,6 +53,20 @@ def declared():
     return study
 
 
+def test_check_points_say_whether_a_saved_study_has_changed(tmp_path):
+    study = two_inputs().add("mass", LinearRegression().fit(X, X[:, 0]), X, X[:, 0])
+    path = tmp_path / "study.pxdb"
+    study.save(path, answers=2)
+    text = path.read_text()
+    assert text.startswith(study.to_text())
+    assert text == pxrom.format(study.to_text(), answers=2)
+    assert pxrom.check(text)[-1].code == "answers-same"
+    assert pxrom.check(text.replace("ID=0", "ID=7"))[-1].code == "text-changed"
+    assert np.array_equal(pxrom.loads(text).predict(X=NEW), study.to_model().predict(X=NEW))
+    with pytest.raises(ValueError, match="answers has to be a number from 0 to 1000, not -1"):
+        study.to_text(answers=-1)
+
+
 def test_saves_as_a_whole_or_not_at_all(tmp_path):
     study = two_inputs().add("mass", LinearRegression().fit(X, X[:, 0]), X, X[:, 0])
     path, link = tmp_path / "study.pxdb", tmp_path / "link.pxdb"

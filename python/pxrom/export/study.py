@@ -8,7 +8,7 @@ from typing import Any, Callable, Dict, List, Mapping, Optional, Sequence, Tuple
 import numpy as np
 
 from .. import _core, _files
-from .._model import Model
+from .._model import Model, with_answers
 from .._points import floats, has_names, is_frame, names_of, require_key, table
 from .._wording import counted, did_you_mean, listed, visible
 from . import _folds
@@ -188,8 +188,9 @@ class Study:
         self._ensembles.setdefault(key, {}).update(ensembles)
         return self
 
-    def to_text(self) -> str:
-        """The text of the database."""
+    def to_text(self, *, answers: int = 0) -> str:
+        """The text of the database, with ``answers`` check points for each combination, which
+        :func:`pxrom.check` compares on another machine."""
         if not self._ensembles:
             raise ValueError("the study has no fitted model; add one")
         for key, outputs in self._ensembles.items():
@@ -198,16 +199,17 @@ class Study:
                 where = f" at {self._shown(key)}" if key else ""
                 raise ValueError(f"no model was added for the output {listed(missing)}{where}")
         made = {key: dict(outputs) for key, outputs in self._ensembles.items()}
-        return str(self._study(made).to_text())
+        return with_answers(str(self._study(made).to_text()), answers)
 
     def to_model(self) -> Model:
         """The database in memory."""
         return Model(self.to_text())
 
-    def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
+    def save(self, path: Union[str, "os.PathLike[str]"], *, answers: int = 0) -> None:
         """Writes the database to a file, compressed if its name ends with ".gz". A file that is
-        there is replaced as a whole or, when that fails, left as it was."""
-        _files.write(path, self.to_text())
+        there is replaced as a whole or, when that fails, left as it was. ``answers`` as for
+        :meth:`to_text`."""
+        _files.write(path, self.to_text(answers=answers))
 
     def __repr__(self) -> str:
         inputs = ", ".join([*self._discrete, *self._inputs]) or "no inputs"

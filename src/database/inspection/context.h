@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "pxrom/inspection.h"
+#include "text/check_points.h"
 #include "text/inspection/findings.h"
 #include "text/inspection/outline.h"
 
@@ -39,6 +40,7 @@ struct RegistryFacts {
 
 /// The data that the checks of one text share.
 struct Context {
+  /// Without its check points.
   std::string_view text;
   const LineTable& lines;
   Findings& findings;
@@ -47,6 +49,8 @@ struct Context {
   RegistryFacts registry;
   /// The groups that lines use, by number.
   std::map<int, const Group*> used;
+  /// The floating-point operations that evaluations of this text may still take.
+  double workLeft = 0.0;
 };
 
 // The checks, in the order in which they have to run.
@@ -59,5 +63,9 @@ void CheckEnsembles(Context& context);
 void CheckFmu(Context& context);
 /// Reads and evaluates the text, and reports what the library silently refuses.
 void TryText(Context& context, const std::string& text);
+/// Compares `whole` with the checksum of its check points, and evaluates these. `text` is the part
+/// before them, which was tried.
+void CheckCheckPoints(Context& context, std::string_view whole, const std::string& text,
+                      const reading::CheckPointsGroup& group);
 
 }  // namespace Tarvane::Plexura::PXROM::inspection

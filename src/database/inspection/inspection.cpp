@@ -15,6 +15,10 @@ namespace {
 using namespace inspection;
 
 constexpr std::size_t kNowhere = std::string_view::npos;
+// The limit of floating-point operations for the evaluations of any text, and the addition for each
+// of its characters.
+constexpr double kWorkForAnyText = 1e9;
+constexpr double kWorkPerCharacter = 256.0;
 
 // A line end is "\n". A carriage return before it is harmless if all lines have one.
 void CheckLineEnds(Context& context) {
@@ -75,17 +79,33 @@ CInspectionReport InspectPXROMDatabase(const std::string& text) {
   CInspectionReport report;
   const LineTable lines(text);
   Findings findings(lines);
-  const Outline outline(text, findings);
+  // The reader finds nothing in the check points, so all that it reads is before them.
+  const reading::CheckPointsGroup points = reading::FindCheckPoints(text);
+  const std::string_view before = std::string_view(text).substr(0, points.begin);
+  const Outline outline(before, findings);
   report.overview.characters = text.size();
   report.overview.lines = text.empty() ? 0 : lines.Count();
-  Context context{text, lines, findings, outline, report.overview, {}, {}};
+  Context context{before,
+                  lines,
+                  findings,
+                  outline,
+                  report.overview,
+                  {},
+                  {},
+                  kWorkForAnyText + kWorkPerCharacter * static_cast<double>(text.size())};
   CheckLineEnds(context);
   CheckBetweenGroups(context);
   CheckRegistry(context);
   CheckDiscreteSets(context);
   CheckEnsembles(context);
   CheckFmu(context);
-  TryText(context, text);
+  if (points.begin == text.size()) {
+    TryText(context, text);
+  } else {
+    const std::string held(before);
+    TryText(context, held);
+    CheckCheckPoints(context, text, held, points);
+  }
   report.findings = findings.Deliver();
   report.errors = findings.NumberOf(SeverityError);
   report.warnings = findings.NumberOf(SeverityWarning);

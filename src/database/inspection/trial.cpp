@@ -21,11 +21,6 @@ namespace {
 
 using reading::DatabaseText;
 
-// The limit of floating-point operations for the evaluations of any text, and the addition for each
-// of its characters.
-constexpr double kWorkForAnyText = 1e9;
-constexpr double kWorkPerCharacter = 256.0;
-
 class OpenReader : public CReaderPXROMDatabase {
  public:
   using CReaderPXROMDatabase::ResumeParameterRegistry;
@@ -59,10 +54,7 @@ const Family& FamilyOfSurface(const CRSData& surface) { return *FindFamily(surfa
 
 class Trial {
  public:
-  Trial(Context& context, const std::string& text)
-      : context_(context),
-        text_(context.text),
-        workLeft_(kWorkForAnyText + kWorkPerCharacter * static_cast<double>(text.size())) {
+  Trial(Context& context, const std::string& text) : context_(context), text_(context.text) {
     reader_.Take(text);
   }
 
@@ -139,11 +131,11 @@ class Trial {
   // False if an evaluation costs more than what is left of the limit.
   bool TakesWork(const CEvaluationCost& cost) {
     const auto operations = static_cast<double>(cost.operations);
-    if (operations > workLeft_) {
+    if (operations > context_.workLeft) {
       isAllTried_ = false;
       return false;
     }
-    workLeft_ -= operations;
+    context_.workLeft -= operations;
     return true;
   }
 
@@ -376,7 +368,6 @@ class Trial {
   OpenModel model_;
   std::vector<std::pair<std::string, double>> middle_;
   std::vector<double> point_;
-  double workLeft_;
   bool isAllTried_ = true;
   std::map<E_DataType, WithoutDerivative> withoutDerivative_;
 };

@@ -115,6 +115,17 @@ constexpr CodeWords kCodes[] = {
      "The value in the middle of the bounds is infinite or not a number."},
     {FindingNotTried, "not-tried",
      "The evaluation would take disproportionately long and was not tried."},
+    {FindingCheckPointsDamaged, "check-points-damaged",
+     "The group of check points is not as it was written, or is not the last of the text."},
+    {FindingTextChanged, "text-changed",
+     "The text was changed or damaged after its check points were written."},
+    {FindingLineEndsChanged, "line-ends-changed",
+     "The line ends were changed after the check points were written, and nothing else."},
+    {FindingAnswersSame, "answers-same", "The check points gave the same bits here."},
+    {FindingAnswersClose, "answers-close",
+     "The check points gave the same here to 1e-12, but not to the last bit."},
+    {FindingAnswersDiffer, "answers-differ",
+     "The check points gave other answers here than where the text was written."},
 };
 
 const CodeWords* WordsOf(E_FindingCode code) {

@@ -16,47 +16,6 @@
 namespace Tarvane::Plexura::PXROM {
 namespace {
 
-std::vector<std::string> FindingsOf(const CInspectionReport& report) {
-  std::vector<std::string> lines;
-  for (const CFinding& f : report.findings) {
-    std::ostringstream line;
-    line.imbue(std::locale::classic());
-    line << f.line << ':' << f.column << " severity " << f.severity << ' '
-         << FindingCodeName(f.code) << " | " << f.group << " | " << f.key << " | " << f.found
-         << " | " << f.expected << " | " << f.sentence << '\n';
-    lines.push_back(line.str());
-  }
-  return lines;
-}
-
-std::string OverviewOf(const CDatabaseOverview& o) {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
-  text << o.characters << " characters, " << o.lines << " lines\n";
-  for (const CParameterOverview& p : o.parameters) {
-    text << p.id << " | " << p.caption << " | " << p.unit << " | " << p.causality << ' ' << p.type
-         << ' ' << p.enabled << ' ' << p.rank << ' ' << p.hasBounds << ' ' << p.lowerBound << ' '
-         << p.upperBound;
-    for (const int value : p.values) text << " {" << value << '}';
-    text << '\n';
-  }
-  for (const CCombinationOverview& c : o.combinations) {
-    text << "line " << c.line;
-    for (const auto& [id, value] : c.discreteValues) text << ' ' << id << '=' << value;
-    for (const auto& [id, ensemble] : c.outputs) text << ' ' << id << ':' << ensemble;
-    text << '\n';
-  }
-  for (const CEnsembleOverview& e : o.ensembles) {
-    text << "ensemble " << e.id << ": " << e.inputs << ' ' << e.samples << ' ' << e.subSurfaces
-         << ' ' << e.folds << ' ' << e.errorKind << ' ' << e.characters << ',';
-    for (const CSurfaceOverview& s : e.surfaces) {
-      text << ' ' << s.genome << ' ' << s.type << ' ' << s.weight << ' ' << s.samples << ';';
-    }
-    text << '\n';
-  }
-  return text.str();
-}
-
 class Reports {
  public:
   explicit Reports(std::string& all) : all_(all) {}

@@ -6,8 +6,10 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <locale>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -31,6 +33,48 @@ inline std::string Shown(const CInspectionReport& report) {
     text += std::to_string(f.line) + ' ' + f.sentence + " [" + FindingCodeName(f.code) + "]\n";
   }
   return text;
+}
+
+/// Each finding as a line.
+inline std::vector<std::string> FindingsOf(const CInspectionReport& report) {
+  std::vector<std::string> lines;
+  for (const CFinding& f : report.findings) {
+    std::ostringstream line;
+    line.imbue(std::locale::classic());
+    line << f.line << ':' << f.column << " severity " << f.severity << ' '
+         << FindingCodeName(f.code) << " | " << f.group << " | " << f.key << " | " << f.found
+         << " | " << f.expected << " | " << f.sentence << '\n';
+    lines.push_back(line.str());
+  }
+  return lines;
+}
+
+inline std::string OverviewOf(const CDatabaseOverview& o) {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << o.characters << " characters, " << o.lines << " lines\n";
+  for (const CParameterOverview& p : o.parameters) {
+    text << p.id << " | " << p.caption << " | " << p.unit << " | " << p.causality << ' ' << p.type
+         << ' ' << p.enabled << ' ' << p.rank << ' ' << p.hasBounds << ' ' << p.lowerBound << ' '
+         << p.upperBound;
+    for (const int value : p.values) text << " {" << value << '}';
+    text << '\n';
+  }
+  for (const CCombinationOverview& c : o.combinations) {
+    text << "line " << c.line;
+    for (const auto& [id, value] : c.discreteValues) text << ' ' << id << '=' << value;
+    for (const auto& [id, ensemble] : c.outputs) text << ' ' << id << ':' << ensemble;
+    text << '\n';
+  }
+  for (const CEnsembleOverview& e : o.ensembles) {
+    text << "ensemble " << e.id << ": " << e.inputs << ' ' << e.samples << ' ' << e.subSurfaces
+         << ' ' << e.folds << ' ' << e.errorKind << ' ' << e.characters << ',';
+    for (const CSurfaceOverview& s : e.surfaces) {
+      text << ' ' << s.genome << ' ' << s.type << ' ' << s.weight << ' ' << s.samples << ';';
+    }
+    text << '\n';
+  }
+  return text.str();
 }
 
 /// A damage of tests/data/damaged/damages.json.
