@@ -10,6 +10,7 @@ namespace pxrom_command {
 void AddCheck(CLI::App& app);
 void AddCode(CLI::App& app);
 void AddEval(CLI::App& app);
+void AddExplain(CLI::App& app);
 void AddFmu(CLI::App& app);
 void AddInfo(CLI::App& app);
 void AddFormat(CLI::App& app);

@@ -47,6 +47,7 @@ int Parsed(int argc, const char* const* argv) {
   app.allow_windows_style_options(false);
   app.footer("pxrom COMMAND --help shows its options and an example.");
   pxrom_command::AddEval(app);
+  pxrom_command::AddExplain(app);
   pxrom_command::AddValidate(app);
   pxrom_command::AddInfo(app);
   pxrom_command::AddCheck(app);

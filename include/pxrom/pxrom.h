@@ -10,6 +10,7 @@
 #include "pxrom/dense_matrix.h"
 #include "pxrom/discrete_combinations.h"
 #include "pxrom/evaluation_cost.h"
+#include "pxrom/explanation.h"
 #include "pxrom/export.h"
 #include "pxrom/findings.h"
 #include "pxrom/fitting_candidate.h"

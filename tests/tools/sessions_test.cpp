@@ -41,12 +41,13 @@ TEST_P(Sessions, ShowTheSameAgain) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Sessions,
                          testing::Values("eval", "points", "format", "inspection", "pages",
-                                         "validate", "fmu", "files"),
+                                         "validate", "explain", "fmu", "files"),
                          [](const auto& named) { return std::string(named.param); });
 
 TEST(Command, ShowsItsVersionAndItsExamplesWork) {
   EXPECT_EQ(Shell("pxrom --version").out, PXROM_VERSION_STRING "\n");
-  for (const char* const name : {"eval", "info", "check", "fmu", "format", "report", "validate"}) {
+  for (const char* const name :
+       {"eval", "info", "check", "fmu", "format", "report", "validate", "explain"}) {
     const Result result =
         Shell("pxrom " + std::string(name) +
               " --help | sed -n '/^Example:/{n;p}' >example && grep -q '^  pxrom " + name +
