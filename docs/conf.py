@@ -55,7 +55,7 @@ autodoc_typehints = "description"
 # What Breathe looks up by the name that stands in a declaration: it finds neither enumerators nor names
 # of the standard library. script/check-site finds links that lead nowhere.
 suppress_warnings = ["ref.ref"]
-nitpick_ignore_regex = [(r"(c|cpp):.*", r".*"), (r"py:.*", r"(?!pxrom\.).*|pxrom\._core\..*")]
+nitpick_ignore_regex = [(r"(c|cpp):.*", r".*"), (r"py:.*", r"(?!pxrom\.).*|pxrom\._.*")]
 
 # Pages of the repository that the site shows as its own.
 SHOWN = {
@@ -142,6 +142,14 @@ def parameter_type(parameter):
     return "".join(parameter.find("type").itertext()).strip()
 
 
+def require_all_headers(app, config):
+    """A new header needs its place in the reference."""
+    shown = (ROOT / "docs/reference/cpp.md").read_text()
+    for header in (ROOT / "include/pxrom").glob("*.h"):
+        if header.name not in ("pxrom.h", "pxrom_c.h") and f"\n%{header.name}\n" not in shown:
+            raise ValueError(f"docs/reference/cpp.md does not show {header.name}")
+
+
 def source_read(app, docname, source):
     origin = ROOT / SHOWN.get(docname, f"docs/{docname}.md")
     text = origin.read_text() if docname in SHOWN else source[0]
@@ -212,6 +220,7 @@ def finish(app, _):
 
 
 def setup(app):
+    app.connect("config-inited", require_all_headers)
     app.connect("source-read", source_read)
     app.connect("build-finished", finish)
     app.add_html_math_renderer(

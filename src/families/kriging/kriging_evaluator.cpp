@@ -56,8 +56,8 @@ class Prediction {
     return true;
   }
 
-  /// The predictor error, in the unit of the root of Sigma2, after a successful Value. It is the result
-  /// of EvalErrorPredictions for this point and scaled samples; the correlations and trend
+  /// The predictor error, in the unit of the root of Sigma2, after a successful Value. It is the
+  /// result of EvalErrorPredictions for this point and scaled samples; the correlations and trend
   /// functions are not computed again. False without error data.
   bool Error(double& error) {
     kriging::PredictorError predictor(record_, trend_.size());
