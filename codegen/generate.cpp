@@ -304,7 +304,7 @@ TestPoint Ask(const pxrom::CPreparedModel& library, const std::vector<std::size_
   test.inputs = point;
   Vector values(outputs);
   Vector errorValues(outputs);
-  Vector slopes(outputs * inputs);
+  Vector slopes(gradients ? outputs * inputs : 0);
   std::vector<int> statuses(outputs);
   std::vector<int> errorStatuses(outputs);
   std::vector<int> slopeStatuses(outputs);
@@ -441,7 +441,10 @@ Lowered<Real> Lower(const std::vector<Combination>& combinations,
       const pxrom::CFittingCandidates* const list = combinations[c].outputs->at(output.id);
       auto known = lists.find(list);
       if (known == lists.end()) {
-        known = lists.emplace(list, lowering.Ensemble(*list, name, words)).first;
+        // A list that hands out its surfaces no longer shares them with other outputs. So a copy
+        // does, and for a moment only.
+        const pxrom::CFittingCandidates copy(*list);
+        known = lists.emplace(list, lowering.Ensemble(copy, name, words)).first;
       }
       ensembles.push_back(known->second);
     }

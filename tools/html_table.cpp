@@ -1,7 +1,5 @@
 #include "html_table.h"
 
-#include <cstddef>
-
 #include "html.h"
 #include "wording.h"
 
@@ -17,28 +15,40 @@ std::string ClassOf(const HtmlTable::Cell& cell) {
 
 }  // namespace
 
-std::string Html(const HtmlTable& table) {
-  std::string html = "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"" +
-                     Escaped(table.title) + "\"><table>\n<thead><tr>";
-  for (const HtmlTable::Cell& head : table.heads) {
-    html += "<th scope=\"col\"" + ClassOf(head) + '>' + Escaped(head.text) + "</th>";
+HtmlTable::HtmlTable(const std::string& title, const Row& heads)
+    : head_("<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"" + Escaped(title) +
+            "\"><table>\n<thead><tr>") {
+  for (const Cell& head : heads) {
+    head_ += "<th scope=\"col\"" + ClassOf(head) + '>' + Escaped(head.text) + "</th>";
   }
-  html += "</tr></thead>\n<tbody>\n";
-  for (const HtmlTable::Row& row : table.rows) {
-    html += "<tr>";
-    for (const HtmlTable::Cell& cell : row)
-      html += "<td" + ClassOf(cell) + '>' + Escaped(cell.text) + "</td>";
-    html += "</tr>\n";
+  head_ += "</tr></thead>\n<tbody>\n";
+}
+
+void HtmlTable::Add(const Row& row) {
+  ++count_;
+  rows_ += "<tr>";
+  for (const Cell& cell : row) {
+    rows_ += "<td" + ClassOf(cell) + '>' + Escaped(cell.text) + "</td>";
   }
+  rows_ += "</tr>\n";
+}
+
+void HtmlTable::AppendTo(std::string& html) const {
+  const bool isLong = count_ > kLongTable;
+  if (isLong) html += "<details><summary>" + Counted(count_, "row") + "</summary>\n";
+  html += head_;
+  html += rows_;
   html += "</tbody></table></div>\n";
-  if (table.rows.size() <= kLongTable) return html;
-  return "<details><summary>" + Counted(table.rows.size(), "row") + "</summary>\n" + html +
-         "</details>\n";
+  if (isLong) html += "</details>\n";
+}
+
+std::string SectionStart(const std::string& id, const std::string& title) {
+  return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id +
+         "-title\">" + title + "</h2>\n";
 }
 
 std::string Section(const std::string& id, const std::string& title, const std::string& content) {
-  return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id +
-         "-title\">" + title + "</h2>\n" + content + "</section>\n";
+  return SectionStart(id, title) + content + kSectionEnd;
 }
 
 }  // namespace pxrom_command

@@ -28,35 +28,36 @@ std::string KindOf(const pxrom::CParameterOverview& parameter) {
   return TypeOf(parameter.type) + (parameter.enabled ? "" : ", disabled");
 }
 
-std::string ParametersSection(const ParametersByRank& parameters,
-                              pxrom::E_ParameterCausality causality) {
+void AppendParameters(const ParametersByRank& parameters, pxrom::E_ParameterCausality causality,
+                      std::string& html) {
   const bool inputs = causality == pxrom::CausalityInput;
   const std::string title = inputs ? "Inputs" : "Outputs";
-  HtmlTable table{title, {{"ID", ""}, {"Caption", ""}, {"Kind", ""}}, {}};
-  if (inputs) table.heads.push_back({"Range", ""});
-  table.heads.push_back({"Unit", ""});
+  Row heads = {{"ID", ""}, {"Caption", ""}, {"Kind", ""}};
+  if (inputs) heads.push_back({"Range", ""});
+  heads.push_back({"Unit", ""});
+  HtmlTable table(title, heads);
   for (const auto& parameter : parameters) {
     if (parameter.causality != causality) continue;
     Row row = {{parameter.id, "id"}, {parameter.caption, ""}, {KindOf(parameter), ""}};
     if (inputs) row.push_back({RangeOf(parameter), ""});
     row.push_back({parameter.unit, ""});
-    table.rows.push_back(std::move(row));
+    table.Add(row);
   }
-  return Section(inputs ? "input-list" : "output-list", title, Html(table));
+  html += SectionStart(inputs ? "input-list" : "output-list", title);
+  table.AppendTo(html);
+  html += kSectionEnd;
 }
 
-std::string EnsemblesSection(const pxrom::CDatabaseOverview& overview,
-                             const ParametersByRank& parameters) {
+void AppendEnsembles(const pxrom::CDatabaseOverview& overview, const ParametersByRank& parameters,
+                     std::string& html) {
   const RanksById ranks = RanksOf(parameters);
   const EnsemblesById ensembles = ById(overview);
-  HtmlTable table{"Surfaces",
-                  {{"Combination", ""},
-                   {"Output", ""},
-                   {"Weights and surfaces", ""},
-                   {"Samples", "number"},
-                   {"Folds", "number"},
-                   {"Error from", ""}},
-                  {}};
+  HtmlTable table("Surfaces", {{"Combination", ""},
+                               {"Output", ""},
+                               {"Weights and surfaces", ""},
+                               {"Samples", "number"},
+                               {"Folds", "number"},
+                               {"Error from", ""}});
   for (const auto& combination : overview.combinations) {
     std::string text = TextOf(combination, ranks);
     for (const auto& [output, id] : combination.outputs) {
@@ -72,15 +73,17 @@ std::string EnsemblesSection(const pxrom::CDatabaseOverview& overview,
                     {ensemble.folds == 0 ? "" : std::to_string(ensemble.folds), "number"},
                     {ErrorKindOf(ensemble), ""}});
       }
-      table.rows.push_back(std::move(row));
+      table.Add(row);
       text.clear();
     }
   }
-  return Section("surface-list", "Surfaces",
-                 "<p class=\"note\">Each output of a combination is a weighted sum of surfaces. "
-                 "Errors from cross-validation are in the unit of the output, those from a surface "
-                 "in a scaled space.</p>\n" +
-                     Html(table));
+  html += SectionStart("surface-list", "Surfaces");
+  html +=
+      "<p class=\"note\">Each output of a combination is a weighted sum of surfaces. Errors from "
+      "cross-validation are in the unit of the output, those from a surface in a scaled "
+      "space.</p>\n";
+  table.AppendTo(html);
+  html += kSectionEnd;
 }
 
 std::string SeverityCell(pxrom::E_FindingSeverity severity) {
@@ -180,7 +183,10 @@ std::string DataOf(const ReportedStudy& study) {
 
 /// Replaces each "@NAME@" with a known name, once: the inserted text is not searched again.
 std::string Filled(std::string_view text, const std::map<std::string_view, std::string>& parts) {
+  std::size_t size = text.size();
+  for (const auto& part : parts) size += part.second.size();
   std::string filled;
+  filled.reserve(size);
   while (true) {
     const std::size_t begin = text.find('@');
     if (begin == std::string_view::npos) break;
@@ -205,6 +211,10 @@ std::string ReportPage(const ReportedStudy& study) {
   const pxrom::CDatabaseOverview& overview = inspection.overview;
   const ParametersByRank parameters = ByRank(overview);
   const bool live = inspection.errors == 0 && CanReportLive();
+  std::string tables;
+  AppendParameters(parameters, pxrom::CausalityInput, tables);
+  AppendParameters(parameters, pxrom::CausalityOutput, tables);
+  AppendEnsembles(overview, parameters, tables);
   return Filled(
       report_assets::kPage,
       {{"SCRIPT_HASH", "sha256-" + Base64(report_assets::kScriptHash)},
@@ -217,9 +227,7 @@ std::string ReportPage(const ReportedStudy& study) {
        {"LIVE", LiveSection(study) +
                     (study.validation.has_value() ? ValidationSection(*study.validation) : "")},
        {"FINDINGS", FindingsSection(inspection)},
-       {"STUDY", ParametersSection(parameters, pxrom::CausalityInput) +
-                     ParametersSection(parameters, pxrom::CausalityOutput) +
-                     EnsemblesSection(overview, parameters)},
+       {"STUDY", std::move(tables)},
        {"FOOTER", "<p>" + Escaped(study.file) + ": " + Counted(overview.characters, "character") +
                       " in " + Counted(overview.lines, "line") +
                       ". Written by pxrom " PXROM_VERSION_STRING ".</p>"},

@@ -112,15 +112,18 @@ std::string ValidationSection(const ReportedValidation& reported) {
       pictures += Picture(validation.outputs[o], reported.units[o]);
     }
   }
-  HtmlTable table{"Scores", {{"Output", ""}, {"Combination", ""}}, {}};
-  for (const std::string& heading : ScoreHeadings()) table.heads.push_back({heading, "number"});
-  table.heads.push_back({"Unit", ""});
+  HtmlTable::Row heads = {{"Output", ""}, {"Combination", ""}};
+  for (const std::string& heading : ScoreHeadings()) heads.push_back({heading, "number"});
+  heads.push_back({"Unit", ""});
+  HtmlTable table("Scores", heads);
   for (const ScoreLine& line : ScoreLinesOf(validation, reported.units)) {
     HtmlTable::Row row = {{line.output, "id"}, {line.combination, ""}};
     for (const std::string& cell : line.cells) row.push_back({cell, "number"});
     row.push_back({line.unit, ""});
-    table.rows.push_back(std::move(row));
+    table.Add(row);
   }
+  std::string scores;
+  table.AppendTo(scores);
   const std::string bad =
       validation.bad == 0 ? "" : ", of which " + std::to_string(validation.bad) + " are bad";
   return Section(
@@ -129,7 +132,7 @@ std::string ValidationSection(const ReportedValidation& reported) {
           bad +
           ". On the line both agree; bars are predicted errors to both sides, where they "
           "are in the unit of the output.</p>\n<div class=\"validated\">\n" +
-          pictures + "</div>\n" + Html(table) + "<p class=\"note\">" + kScoresLegend + "</p>\n");
+          pictures + "</div>\n" + scores + "<p class=\"note\">" + kScoresLegend + "</p>\n");
 }
 
 }  // namespace pxrom_command
