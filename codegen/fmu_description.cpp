@@ -196,7 +196,8 @@ std::vector<FmuVariable> FmuVariables(const Interface& interface) {
   FmuVariable inside;
   inside.kind = FmuVariable::Output;
   inside.name = names.Of("inside");
-  inside.description = "1 if all inputs are in their ranges, 0 where the model extrapolates";
+  inside.description =
+      "1 if all inputs are in the ranges of the samples, 0 where the model extrapolates";
   variables.push_back(inside);
   variables[0].name = names.Of("time");
   variables[0].description = "Time";

@@ -465,8 +465,22 @@ std::size_t PointsOf(const Combination& combination, std::size_t combinations, s
                               std::min<std::uint64_t>(points, kMeasuredPoints + kMeasuredSamples)));
 }
 
+/// Narrows the ranges that all samples have in common by those of one combination.
+void NarrowBySamples(const pxrom::CPreparedModel& library, const std::vector<std::size_t>& places,
+                     std::vector<InputWords>& inputs) {
+  for (const std::size_t place : places) {
+    Vector lower;
+    Vector upper;
+    if (library.SampleRanges(place, lower, upper) != 0) continue;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      inputs[i].lowest = std::max(inputs[i].lowest, lower[i]);
+      inputs[i].highest = std::min(inputs[i].highest, upper[i]);
+    }
+  }
+}
+
 /// Compares the code with the library and returns the largest difference. The answers at the first
-/// points of each combination go into `interface`.
+/// points of each combination go into `interface`, and so do the ranges of the samples.
 template <class Real>
 double Compare(const Model& model, const Lowered<Real>& lowered,
                const std::vector<Combination>& combinations, const std::vector<std::size_t>& places,
@@ -476,6 +490,10 @@ double Compare(const Model& model, const Lowered<Real>& lowered,
   double most = 0.0;
   bool isStatusOther = false;
   interface.tests.clear();
+  for (InputWords& input : interface.inputs) {
+    input.lowest = -kInfinity;
+    input.highest = kInfinity;
+  }
   for (std::size_t c = 0; c < combinations.size(); ++c) {
     // One at a time: together they could take far more memory than the model.
     pxrom::CPreparedModel library;
@@ -484,6 +502,7 @@ double Compare(const Model& model, const Lowered<Real>& lowered,
         0) {
       throw Refused(reason);
     }
+    NarrowBySamples(library, places, interface.inputs);
     const std::size_t count = PointsOf(combinations[c], combinations.size(), stored);
     std::vector<Vector> points;
     for (std::size_t k = 0; k < std::min(count, kMeasuredPoints); ++k) {
@@ -518,6 +537,12 @@ double Compare(const Model& model, const Lowered<Real>& lowered,
       if (k < stored) interface.tests.push_back(want);
     }
     for (const Difference& difference : differences) most = std::max(most, difference.Most());
+  }
+  for (InputWords& input : interface.inputs) {
+    if (std::isinf(input.lowest) && std::isinf(input.highest)) {
+      input.lowest = input.lower;
+      input.highest = input.upper;
+    }
   }
   if (isStatusOther && sizeof(Real) == sizeof(double)) return kInfinity;
   return most;

@@ -1,5 +1,6 @@
 // The header of the generated code.
 
+#include <cmath>
 #include <sstream>
 
 #include "codegen/source.h"
@@ -124,9 +125,15 @@ std::string HeaderText(const Interface& interface, bool isFloat) {
         << "int " << name << "_evaluate_gradients(" << discrete << "const " << real << " *inputs, "
         << real << " *gradients, int *statuses);\n\n";
   }
-  out << "/* Whether all inputs are within their ranges above; outside them the model "
-         "extrapolates. */\n"
-      << "int " << name << "_inside(const " << real << " *inputs);\n\n"
+  out << "/* Whether all inputs are within the ranges that the samples of all outputs have in "
+         "common;\n"
+         " * outside them the model extrapolates.\n";
+  for (const InputWords& input : interface.inputs) {
+    if (!std::isfinite(input.lowest) || !std::isfinite(input.highest)) continue;
+    out << " *   " << interface.upper << "_INPUT_" << input.name << ": " << Literal(input.lowest)
+        << " to " << Literal(input.highest) << '\n';
+  }
+  out << " */\nint " << name << "_inside(const " << real << " *inputs);\n\n"
       << "/* Computes results that are stored with the library's answers. Returns how many of "
          "them\n"
          " * differ by more than the tolerance, relative to the largest of the output, and the "

@@ -1,5 +1,7 @@
 #include "codegen/source.h"
 
+#include <cmath>
+#include <limits>
 #include <sstream>
 #include <type_traits>
 
@@ -338,6 +340,14 @@ std::string IntRow(const std::string& declaration, const std::vector<int>& value
   return text + "\n};\n";
 }
 
+/// The largest number of the type that is not above `value`.
+template <class Real>
+double RoundedDown(double value) {
+  const Real rounded = static_cast<Real>(value);
+  if (static_cast<double>(rounded) <= value) return static_cast<double>(rounded);
+  return static_cast<double>(std::nextafter(rounded, -std::numeric_limits<Real>::infinity()));
+}
+
 template <class Element>
 void Append(std::vector<Element>& all, const std::vector<Element>& some) {
   all.insert(all.end(), some.begin(), some.end());
@@ -407,7 +417,7 @@ $FIND  for (int o = 0; o < $UPPER_OUTPUT_COUNT; ++o) {
 
 const char* const kInside = R"C(int $NAME_inside(const $REAL *inputs) {
   for (int i = 0; i < $UPPER_INPUT_COUNT; ++i) {
-    if (!(lower_bounds[i] <= inputs[i] && inputs[i] <= upper_bounds[i])) return 0;
+    if (!(lowest_samples[i] <= inputs[i] && inputs[i] <= highest_samples[i])) return 0;
   }
   return 1;
 }
@@ -661,18 +671,18 @@ std::string SourceText(const Lowered<Real>& model, Interface& interface) {
         << '\n'
         << Filled(kFind, interface, isFloat);
   }
-  std::vector<double> lower;
-  std::vector<double> upper;
+  std::vector<double> lowest;
+  std::vector<double> highest;
   for (const InputWords& input : interface.inputs) {
-    lower.push_back(input.lower);
-    upper.push_back(input.upper);
+    lowest.push_back(RoundedDown<Real>(input.lowest));
+    highest.push_back(-RoundedDown<Real>(-input.highest));
   }
-  interface.tableBytes += 2 * sizeof(Real) * lower.size();
+  interface.tableBytes += 2 * sizeof(Real) * lowest.size();
   const std::string real = isFloat ? "float" : "double";
-  own << Row<Real>("static const " + real + " lower_bounds[" + interface.upper + "_INPUT_COUNT]",
-                   lower)
-      << Row<Real>("static const " + real + " upper_bounds[" + interface.upper + "_INPUT_COUNT]",
-                   upper)
+  own << Row<Real>("static const " + real + " lowest_samples[" + interface.upper + "_INPUT_COUNT]",
+                   lowest)
+      << Row<Real>("static const " + real + " highest_samples[" + interface.upper + "_INPUT_COUNT]",
+                   highest)
       << '\n';
   const auto function = [&](const char* name, const char* body) {
     const std::string head = std::string("int $NAME_") + name + "(" + DiscreteParameter(interface) +

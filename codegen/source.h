@@ -25,6 +25,10 @@ struct InputWords : Variable {
   bool isBounded = false;
   /// The middle of the samples, in the range.
   double middle = 0.0;
+  /// The range that the samples of all outputs and combinations have in common; the range above
+  /// where the model holds no samples.
+  double lowest = 0.0;
+  double highest = 0.0;
 };
 
 struct OutputWords : Variable {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -232,17 +233,45 @@ TEST(Code, OfAnUnknownCombinationWritesNothing) {
   EXPECT_EQ(values[0], -7.0);
 }
 
-TEST(Code, KnowsTheRangesOfInputs) {
+// The ends are those that the prepared model finds; bounds of the registry are wider.
+TEST(Code, KnowsTheRangesThatAllSamplesHaveInCommon) {
+  const CDiscreteCombinations model = Beam();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::vector<double> lowest(4, -kInfinity);
+  std::vector<double> highest(4, kInfinity);
+  for (const int holes : {0, 2, 4}) {
+    for (const int material : {1, 2}) {
+      CPreparedModel prepared;
+      ASSERT_EQ(
+          CPreparedModel::Prepare(model, {{"Holes", holes}, {"Material", material}}, prepared), 0);
+      for (std::size_t output = 0; output < 3; ++output) {
+        std::vector<double> lower;
+        std::vector<double> upper;
+        ASSERT_EQ(prepared.SampleRanges(output, lower, upper), 0);
+        for (std::size_t i = 0; i < 4; ++i) {
+          lowest[i] = std::max(lowest[i], lower[i]);
+          highest[i] = std::min(highest[i], upper[i]);
+        }
+      }
+    }
+  }
   Options options;
   options.name = "ranges";
-  const Loaded ranges(CodeOf(Beam(), options), "ranges");
+  const Loaded ranges(CodeOf(model, options), "ranges");
   auto* const isInside = ranges.Find<int(const double*)>("inside");
-  const double inside[] = {120.0, 1000.0, 1.5, 40.0};
-  const double outside[] = {120.1, 1000.0, 1.5, 40.0};
-  const double missing[] = {std::nan(""), 1000.0, 1.5, 40.0};
-  EXPECT_EQ(isInside(inside), 1);
-  EXPECT_EQ(isInside(outside), 0);
-  EXPECT_EQ(isInside(missing), 0);
+  for (std::size_t i = 0; i < 4; ++i) {
+    SCOPED_TRACE(i);
+    std::vector<double> point = lowest;
+    EXPECT_EQ(isInside(point.data()), 1);
+    point[i] = std::nextafter(lowest[i], -kInfinity);
+    EXPECT_EQ(isInside(point.data()), 0);
+    point[i] = highest[i];
+    EXPECT_EQ(isInside(point.data()), 1);
+    point[i] = std::nextafter(highest[i], kInfinity);
+    EXPECT_EQ(isInside(point.data()), 0);
+    point[i] = std::nan("");
+    EXPECT_EQ(isInside(point.data()), 0);
+  }
 }
 
 TEST(Code, OfChosenOutputsAndOneCombinationTakesNoDiscreteValues) {
