@@ -79,9 +79,9 @@ void AppendEnsembles(const pxrom::CDatabaseOverview& overview, const ParametersB
   }
   html += SectionStart("surface-list", "Surfaces");
   html +=
-      "<p class=\"note\">Each output of a combination is a weighted sum of surfaces. Errors from "
-      "cross-validation are in the unit of the output, those from a surface in a scaled "
-      "space.</p>\n";
+      "<p class=\"note\">Each output of a combination is a weighted sum of surfaces. Its error "
+      "comes from cross-validation or from what the surfaces report, and is shown in the unit of "
+      "the output.</p>\n";
   table.AppendTo(html);
   html += kSectionEnd;
 }

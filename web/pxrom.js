@@ -10,6 +10,10 @@ const NO_LIMIT = {operations: Infinity, bytes: Infinity};
 const MOST_PREPARED = 4;
 const MOST_NAMED = 20;
 
+/// By the numbers of pxrom_error_origin.
+const ORIGINS = ["none", "cross-validation", "all surfaces", "one surface"];
+const NO_SAMPLES = -1;
+
 /// The status of an output at a point.
 const STATUS = {ok: 0, withoutError: -2, failed: 1};
 
@@ -103,6 +107,10 @@ class Library {
 
   integersAt(address, count) {
     return new Int32Array(this.#exports.memory.buffer, address, count);
+  }
+
+  signsAt(address, count) {
+    return new Int8Array(this.#exports.memory.buffer, address, count);
   }
 
   integerAt(address) {
@@ -205,6 +213,14 @@ class Model {
   }
 
   predict(combination, points, options) {
+    return this.#preparedOf(combination).predict(points, options);
+  }
+
+  sampleRanges(combination = {}) {
+    return this.#preparedOf(combination).sampleRanges;
+  }
+
+  #preparedOf(combination) {
     const key = this.#valuesOf(combination).join();
     const prepared = this.#prepared.get(key) ?? this.prepare(combination);
     this.#prepared.delete(key);
@@ -214,7 +230,7 @@ class Model {
       this.#prepared.delete(oldest);
       least.free();
     }
-    return prepared.predict(points, options);
+    return prepared;
   }
 
   /// The values of a combination in the order of the discrete inputs.
@@ -291,8 +307,9 @@ class Prepared {
     this.#handle = handle;
     this.#inputs = inputs;
     this.#outputs = outputs;
-    this.scaledErrors = outputs.filter(
-      (_, k) => library.ask("pxrom_prepared_error_in_unit", handle, k) !== 1).map(({id}) => id);
+    const byOutput = (read) => Object.fromEntries(outputs.map(({id}, k) => [id, read(k)]));
+    this.errorOrigin = byOutput((k) => this.#originOf(k));
+    this.sampleRanges = byOutput((k) => this.#rangesOf(k));
   }
 
   free() {
@@ -300,58 +317,106 @@ class Prepared {
     this.#handle = 0;
   }
 
-  predict(points, {error = false, gradient = false, fast = false} = {}) {
+  predict(points, {error = false, gradient = false, location = false, fast = false} = {}) {
     const {table, rows} = tableOf(points, this.#inputs);
     const library = this.#library;
-    const [columns, width] = [this.#outputs.length, this.#inputs.length];
-    const count = rows * columns;
-    return library.with([8 * table.length, 8 * count * (gradient ? Math.max(width, 1) : 1), 8 * count, 4 * count],
-      (at, values, errors, statuses) => {
-        library.doublesAt(at, table.length).set(table);
-        const evaluate = (withErrors) => {
-          library.call("pxrom_prepared_evaluate", this.#handle, at, rows, fast ? MODE.fast : MODE.exact,
-            values, withErrors ? errors : 0, statuses);
-          return {
-            values: library.doublesAt(values, count).slice(),
-            errors: withErrors ? library.doublesAt(errors, count).slice() : null,
-            statuses: library.integersAt(statuses, count).slice(),
-          };
-        };
-        const answers = evaluate(error);
-        if (error && answers.statuses.includes(STATUS.failed)) withoutErrors(answers, evaluate(false));
-        const byOutput = (column) => this.#byOutput(column, columns, rows);
-        const prediction = {
-          rows,
-          values: byOutput(answers.values),
-          statuses: byOutput(answers.statuses),
-          errors: error ? byOutput(answers.errors) : null,
-          scaledErrors: error ? this.scaledErrors : null,
-          gradients: null,
-        };
-        if (!gradient) return prediction;
-        library.call("pxrom_prepared_gradients", this.#handle, at, rows, values, 0);
-        const slopes = library.doublesAt(values, count * width);
-        prediction.gradients = Object.fromEntries(this.#outputs.map(({id}, output) => [
-          id,
-          Object.fromEntries(this.#inputs.map((input, k) => [
-            input.id, strided(slopes, output * width + k, columns * width, rows)])),
-        ]));
-        return prediction;
-      });
+    return library.with([8 * table.length], (at) => {
+      library.doublesAt(at, table.length).set(table);
+      return {
+        rows,
+        ...this.#evaluate(at, rows, error, fast ? MODE.fast : MODE.exact),
+        gradients: gradient ? this.#gradients(at, rows) : null,
+        ...(location ? this.#locate(at, rows) : {inside: null, distance: null, sides: null}),
+      };
+    });
   }
 
-  #byOutput(numbers, columns, rows) {
+  #evaluate(at, rows, error, mode) {
+    const library = this.#library;
+    const count = rows * this.#outputs.length;
+    const sizes = [4 * count, ...Array(error ? 5 : 1).fill(8 * count)];
+    return library.with(sizes, (statuses, values, errors, lower, upper, rawErrors) => {
+      if (error) {
+        library.call("pxrom_prepared_evaluate_with_units", this.#handle, at, rows, mode,
+          values, errors, lower, upper, rawErrors, statuses);
+      } else {
+        library.call("pxrom_prepared_evaluate", this.#handle, at, rows, mode, values, 0, statuses);
+      }
+      const numbersAt = (address) => this.#byOutput(library.doublesAt(address, count), rows);
+      return {
+        values: numbersAt(values),
+        statuses: this.#byOutput(library.integersAt(statuses, count), rows),
+        errors: error ? numbersAt(errors) : null,
+        lower: error ? numbersAt(lower) : null,
+        upper: error ? numbersAt(upper) : null,
+        rawErrors: error ? numbersAt(rawErrors) : null,
+        errorOrigin: error ? this.errorOrigin : null,
+      };
+    });
+  }
+
+  #gradients(at, rows) {
+    const library = this.#library;
+    const count = rows * this.#outputs.length * this.#inputs.length;
+    return library.with([8 * count], (slopes) => {
+      library.call("pxrom_prepared_gradients", this.#handle, at, rows, slopes, 0);
+      return this.#byOutputAndInput(library.doublesAt(slopes, count), rows);
+    });
+  }
+
+  #locate(at, rows) {
+    const library = this.#library;
+    const count = rows * this.#outputs.length;
+    const all = count * this.#inputs.length;
+    return library.with([4 * count, 8 * count, all], (inside, distances, sides) => {
+      library.call("pxrom_prepared_locate", this.#handle, at, rows, inside, distances, sides);
+      const places = Array.from(library.integersAt(inside, count),
+        (place) => (place === NO_SAMPLES ? null : place === 1));
+      return {
+        inside: this.#byOutput(places, rows),
+        distance: this.#byOutput(library.doublesAt(distances, count), rows),
+        sides: this.#byOutputAndInput(library.signsAt(sides, all), rows),
+      };
+    });
+  }
+
+  #originOf(output) {
+    const library = this.#library;
+    return library.with([4, 4], (surface, firstOrder) => {
+      const kind = ORIGINS[library.ask("pxrom_prepared_error_origin", this.#handle, output, surface, firstOrder)];
+      return {
+        kind,
+        surface: kind === "one surface" ? library.sizeAt(surface) : null,
+        firstOrder: library.integerAt(firstOrder) === 1,
+      };
+    });
+  }
+
+  /// Null where the model holds no samples: that is the one refusal for a known output.
+  #rangesOf(output) {
+    const library = this.#library;
+    const width = this.#inputs.length;
+    return library.with([8 * width, 8 * width], (lower, upper) => {
+      if (library.ask("pxrom_prepared_sample_ranges", this.#handle, output, lower, upper, 0, 0) !== 0) return null;
+      const [lowest, highest] = [lower, upper].map((at) => library.doublesAt(at, width));
+      return Object.fromEntries(this.#inputs.map(({id}, k) => [id, [lowest[k], highest[k]]]));
+    });
+  }
+
+  #byOutput(numbers, rows) {
+    const columns = this.#outputs.length;
     return Object.fromEntries(this.#outputs.map(({id}, k) => [id, strided(numbers, k, columns, rows)]));
   }
-}
 
-/// Families without an error have values if they are not asked for one.
-function withoutErrors(answers, alone) {
-  answers.statuses.forEach((status, k) => {
-    if (status !== STATUS.failed || alone.statuses[k] !== STATUS.ok) return;
-    answers.values[k] = alone.values[k];
-    answers.statuses[k] = STATUS.withoutError;
-  });
+  #byOutputAndInput(numbers, rows) {
+    const width = this.#inputs.length;
+    const step = this.#outputs.length * width;
+    return Object.fromEntries(this.#outputs.map(({id}, output) => [
+      id,
+      Object.fromEntries(this.#inputs.map((input, k) => [
+        input.id, strided(numbers, output * width + k, step, rows)])),
+    ]));
+  }
 }
 
 function strided(numbers, first, step, count) {

@@ -37,6 +37,15 @@ def pxrom(*arguments) -> subprocess.CompletedProcess:
     return subprocess.run([COMMAND, *map(str, arguments)], capture_output=True, text=True)
 
 
+def from_words(output: dict) -> str:
+    if output["error"] is None:
+        return ""
+    whose = output["error_origin"]
+    if whose == "one surface":
+        whose = f"surface {output['error_surface'] + 1} only"
+    return f"from {whose}" + (", first order" if output["first_order"] else "")
+
+
 class PageTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -83,9 +92,14 @@ class PageTest(unittest.TestCase):
         """ID, shown value, all digits of it, shown error, all digits of it, unit."""
         return self.browser.run(
             "return [...document.querySelectorAll('#answers tbody tr')].map((row) => {"
-            "const [value, error, unit] = row.querySelectorAll('td');"
+            "const [value, error] = ['.value', '.error'].map((part) => row.querySelector(part));"
             "return [row.querySelector('.id').textContent, value.textContent, value.title,"
-            " error.textContent, error.title, unit.textContent]})")
+            " error.textContent, error.title, row.lastChild.textContent]})")
+
+    def texts(self, selector: str) -> list:
+        return self.browser.run(
+            "return [...document.querySelectorAll(arguments[0])].map((part) => part.textContent)",
+            selector)
 
     def notes(self) -> list:
         return self.browser.run(
@@ -118,8 +132,8 @@ class PageTest(unittest.TestCase):
                 self.assertEqual((error, all_error), ("none", "no predicted error"))
                 continue
             self.assert_near(all_error, output["error"])
-            self.assertEqual(error.endswith("*"), output["error_space"] == "scaled")
-            self.assertEqual(float(error.rstrip("*")), float(f"{float(all_error):.3g}"))
+            self.assertEqual(float(error), float(f"{float(all_error):.3g}"))
+        self.assertEqual(self.texts("#answers .origin"), [from_words(output) for output in outputs])
 
     # ---- Tests ----
 
@@ -155,16 +169,15 @@ class PageTest(unittest.TestCase):
         self.open(BEAM)
         self.element("#all-digits").click()
         for _, value, all_value, error, all_error, _ in self.rows():
-            self.assertEqual((value, error.rstrip("*")), (all_value, all_error))
+            self.assertEqual((value, error), (all_value, all_error))
 
     def test_slices_move_the_point(self):
         self.open(BEAM)
         self.browser.wait("document.querySelectorAll('.curve[d]').length === 12")
-        # Of the outputs at this combination, mass alone has a scaled error: no band.
         bands = self.browser.run(
             "return [...document.querySelectorAll('.profile')].map((block) =>"
             "[...block.querySelectorAll('.band')].every((band) => band.getAttribute('d') !== ''))")
-        self.assertEqual(bands, [True, False, True])
+        self.assertEqual(bands, [True, True, True])
         picture = self.element(".profile:nth-of-type(1) svg:nth-of-type(2) .frame")
         half = picture.rect["width"] / 2
         ActionChains(self.browser.driver).move_to_element(picture).click_and_hold().move_by_offset(
@@ -187,10 +200,11 @@ class PageTest(unittest.TestCase):
         self.open(BEAM)
         self.type_input(2, "2.5")
         self.assertEqual(
-            self.notes(), ["L lies outside its bounds, 1 to 2 m: the surfaces extrapolate"])
+            self.notes()[0], "L lies outside its bounds, 1 to 2 m: the surfaces extrapolate")
         self.check_numbers()
         said = pxrom("eval", self.model, *self.command_line()).stderr
-        self.assertEqual(said, f"pxrom eval: note: {self.notes()[0]}\n")
+        self.assertEqual(said, "".join(f"pxrom eval: note: {note}\n" for note in self.notes()))
+        self.assertEqual(self.texts("#answers .outside"), ["outside the samples: L"] * 3)
 
         self.type_input(2, "1,5")
         field = self.element("#input-2")
@@ -198,6 +212,28 @@ class PageTest(unittest.TestCase):
         self.assertEqual(self.point()["L"], "2.5")
         self.element("#reset").click()
         self.assertEqual((field.get_attribute("value"), self.notes()), ("1.5", []))
+        self.assertEqual(self.texts("#answers .outside"), [""] * 3)
+
+    def test_the_unsampled_parts_are_shaded(self):
+        self.open(BEAM)
+        self.type_input(2, "3")
+        said = pxrom("eval", self.model, *self.command_line(), "--json")
+        [sampled] = json.loads(said.stdout)["outputs"][1]["outside_samples"]
+        shares = [float(self.browser.run(
+            "return document.querySelectorAll('.track')[2].style.getPropertyValue(arguments[0])",
+            name)) for name in ("--low", "--high")]
+        for share, end in zip(shares, (sampled["lowest"], sampled["highest"])):
+            self.assertAlmostEqual(1 + share, end, places=9)
+        # The picture of mass over L goes from 1 to 3.
+        self.browser.wait("document.querySelectorAll('.curve[d]').length === 12")
+        left, width, *shaded = self.browser.run(
+            "const cell = document.querySelectorAll('.profile')[1].querySelectorAll('svg')[2];"
+            "return [...cell.querySelectorAll('.frame, .unsampled')].flatMap((part) =>"
+            "[part.x.baseVal.value, part.width.baseVal.value])")
+        ends = [1 + 2 * (end - left) / width
+                for end in (shaded[0], shaded[0] + shaded[1], shaded[2], shaded[2] + shaded[3])]
+        for end, expected in zip(ends, (1, sampled["lowest"], sampled["highest"], 3)):
+            self.assertAlmostEqual(end, expected, places=5)
 
     def test_an_output_that_fails(self):
         self.open(ROOT / "tests/data/models/mls_np_franke_linear_gauss/model.pxdb")
@@ -219,8 +255,10 @@ class PageTest(unittest.TestCase):
         self.type_input(0, "3")  # and it stays at hand
         self.element("#evaluate-anyway").click()
         self.check_numbers()
-        self.assertEqual(
-            self.notes(), ["the pictures are left out: they would take too long"])
+        *notes, last = self.notes()
+        said = pxrom("eval", self.model, *self.command_line()).stderr
+        self.assertEqual("".join(f"pxrom eval: note: {note}\n" for note in notes), said)
+        self.assertEqual(last, "the pictures are left out: they would take too long")
         self.assertFalse(self.element("#evaluate-anyway").is_displayed())
 
         # The pictures of a model that takes some time are drawn piece by piece.

@@ -10,6 +10,7 @@ const MOST_FOR_SLICES = 3e10;
 const PIECE = 1e7;
 const SPEAK_AFTER = 600; // milliseconds without a change
 const MOST_SHOWN = 20;
+const MOST_BESIDE = 4; // inputs that are named beside a value
 const DECIMAL = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i;
 
 const byId = (id) => document.getElementById(id);
@@ -40,6 +41,25 @@ function make(name, properties = {}, ...children) {
 function boundsOf(input) {
   const [lower, upper] = [input.lower, input.upper].map((bound) => shown(bound, VALUE_DIGITS));
   return `${lower} to ${upper}${input.unit && ` ${input.unit}`}`;
+}
+
+/// Whose error it is, in words.
+function whoseError({kind, surface, firstOrder}) {
+  return (kind === "one surface" ? `surface ${surface + 1} only` : kind) + (firstOrder ? ", first order" : "");
+}
+
+/// "a, b and c"; beyond `most` items "a, b and 7 more", as the command.
+function listed(items, most = 12) {
+  const shownItems = items.slice(0, most);
+  if (shownItems.length < items.length) shownItems.push(`${items.length - shownItems.length} more`);
+  const last = shownItems.pop() ?? "";
+  return shownItems.length === 0 ? last : `${shownItems.join(", ")} and ${last}`;
+}
+
+/// The part that several ranges have in common; null without ranges.
+function commonRange(ranges) {
+  if (ranges.length === 0) return null;
+  return [Math.max(...ranges.map(([low]) => low)), Math.min(...ranges.map(([, high]) => high))];
 }
 
 /// A word that a shell takes unchanged.
@@ -137,7 +157,8 @@ class Control {
       make("span", {className: "caption", textContent: input.caption && ` ${input.caption}`}));
     this.element = make("div", {className: "control"}, label, make("span", {className: "field"}, this.field,
       make("span", {className: "unit note", textContent: input.unit})));
-    if (input.hasBounds) this.element.append(this.slider, this.#ends());
+    this.track = make("div", {className: "track"}, this.slider);
+    if (input.hasBounds) this.element.append(this.track, this.#ends());
     this.slider.addEventListener("input", () => onChange(index, this.#sliderValue(), false));
     this.slider.addEventListener("change", () => onChange(index, this.#sliderValue(), true));
     this.field.addEventListener("input", () => this.#read());
@@ -150,6 +171,14 @@ class Control {
   #ends() {
     const end = (value) => make("span", {textContent: shown(value, VALUE_DIGITS), title: allDigits(value)});
     return make("div", {className: "ends"}, end(this.input.lower), end(this.input.upper));
+  }
+
+  /// Shades the parts of the slider outside a range of samples, or none for null.
+  shade(range) {
+    const {lower, upper} = this.input;
+    const [low, high] = (range ?? [lower, upper]).map((at) => Math.min(1, Math.max(0, partOf(at, lower, upper))));
+    this.track.style.setProperty("--low", low);
+    this.track.style.setProperty("--high", Math.max(low, high));
   }
 
   #sliderValue() {
@@ -188,18 +217,19 @@ class Answers {
   }
 
   #row(output) {
-    const value = make("td", {className: "number value"});
-    const error = make("td", {className: "number error"});
+    const [value, outside, error, origin] = ["value", "outside", "error", "origin"].map(
+      (className) => make("span", {className}));
     const head = make("th", {scope: "row"}, make("span", {className: "id", textContent: output.id}),
       make("span", {className: "caption", textContent: output.caption}));
-    const element = make("tr", {}, head, value, error, make("td", {textContent: output.unit}));
-    return {element, value, error};
+    const element = make("tr", {}, head, make("td", {className: "number"}, value, outside),
+      make("td", {className: "number"}, error, origin), make("td", {textContent: output.unit}));
+    return {element, value, outside, error, origin};
   }
 
-  show(answers, errorInUnit) {
+  /// `origins` says whose error each output has, and `outside` which inputs lie outside its samples.
+  show(answers, origins, outside) {
     const all = byId("all-digits").checked;
     byId("answers").classList.toggle("all-digits", all);
-    let scaled = false;
     this.rows.forEach((row, k) => {
       const answer = answers?.[k];
       const failed = answer?.status === STATUS.failed;
@@ -207,16 +237,14 @@ class Answers {
       row.value.classList.toggle("failed", failed);
       if (failed) row.value.textContent = "could not be evaluated";
       this.#showNumber(row.error, answer?.status === STATUS.ok ? answer.error : null, all, ERROR_DIGITS);
-      if (answer?.status === STATUS.ok && !errorInUnit[k]) {
-        scaled = true;
-        row.error.textContent += "*";
-      }
+      row.origin.textContent = answer?.status === STATUS.ok ? `from ${whoseError(origins[k])}` : "";
+      row.outside.textContent = answer && outside[k].length > 0
+        ? `outside the samples: ${listed(outside[k], MOST_BESIDE)}` : "";
       if (answer?.status === STATUS.withoutError) {
         row.error.textContent = "none";
         row.error.title = "no predicted error";
       }
     });
-    byId("scaled-note").hidden = !scaled;
   }
 
   #showNumber(cell, value, all, digits) {
@@ -236,7 +264,9 @@ class Answers {
 /// Connects the parts: a change of the choice shows everywhere.
 class Page {
   #prepared = null;
-  #errorInUnit = [];
+  #origins = []; // of the errors of each output
+  #ranges = []; // of the samples of each output, for each input; null without samples
+  #distances = []; // from the chosen point to the nearest sample of each output; NaN if not known
   #cost = null;
   #refusal = ""; // why the chosen combination isn't evaluated, though it was fitted
   #limit = LIMIT;
@@ -316,19 +346,46 @@ class Page {
     try {
       this.#cost = this.model.cost(combination);
       this.#prepared = this.model.prepare(combination, {limit: this.#limit});
-      const scaled = new Set(this.#prepared.scaledErrors);
-      this.#errorInUnit = this.choice.outputs.map(({name}) => !scaled.has(name));
+      const {errorOrigin, sampleRanges} = this.#prepared;
+      const {inputs, outputs} = this.choice;
+      this.#origins = outputs.map(({name}) => errorOrigin[name]);
+      this.#ranges = outputs.map(({name}) => (
+        sampleRanges[name] && inputs.map((input) => sampleRanges[name][input.name])));
     } catch (error) {
       this.#refusal = `this page does not evaluate the model on its own. ${error.message}`;
     }
   }
 
-  /// For each point of a table, row by row, the answer of each output: {status, value, error}.
+  /// For each point of a table, row by row, the answer of each output: {status, value, error, lower, upper}.
   #predict(table) {
-    const {rows, statuses, values, errors} =
+    const {rows, statuses, values, errors, lower, upper} =
       this.#prepared.predict(Float64Array.from(table), {error: true});
-    return Array.from({length: rows}, (_, row) => this.choice.outputs.map(({name}) => (
-      {status: statuses[name][row], value: values[name][row], error: errors[name][row]})));
+    return Array.from({length: rows}, (_, row) => this.choice.outputs.map(({name}) => ({
+      status: statuses[name][row],
+      value: values[name][row],
+      error: errors[name][row],
+      lower: lower[name][row],
+      upper: upper[name][row],
+    })));
+  }
+
+  /// The distances from the chosen point to the samples; not known where they would cost too much.
+  #locate() {
+    const {outputs, point} = this.choice;
+    try {
+      const {distance} = this.#prepared.predict(Float64Array.from(point), {location: true});
+      return outputs.map(({name}) => distance[name][0]);
+    } catch {
+      return outputs.map(() => NaN);
+    }
+  }
+
+  /// The inputs of the chosen point that lie outside the samples of an output.
+  #outsideSamples(output) {
+    const {inputs, point} = this.choice;
+    const ranges = this.#ranges[output];
+    return inputs.map((input, k) => ({input, value: point[k], range: ranges?.[k]})).filter(
+      ({value, range}) => range && (value < range[0] || value > range[1]));
   }
 
   move(index, value, settled) {
@@ -361,7 +418,12 @@ class Page {
   #show() {
     const {choice} = this;
     this.#answers = this.#prepared === null ? null : this.#predict(choice.point)[0];
-    this.controls.forEach((control, k) => control.show(choice.point[k]));
+    this.#distances = this.#prepared === null ? [] : this.#locate();
+    const ranges = this.#prepared === null ? [] : this.#ranges.filter((range) => range !== null);
+    this.controls.forEach((control, k) => {
+      control.show(choice.point[k]);
+      control.shade(commonRange(ranges.map((range) => range[k])));
+    });
     this.#showAnswers();
     byId("command").textContent = choice.commandLine(this.file);
     cancelAnimationFrame(this.#frame);
@@ -373,7 +435,8 @@ class Page {
   }
 
   #showAnswers() {
-    this.answers.show(this.#answers, this.#errorInUnit);
+    const outside = this.choice.outputs.map((_, k) => this.#outsideSamples(k).map(({input}) => input.id));
+    this.answers.show(this.#answers, this.#origins, outside);
     byId("notes").replaceChildren(...this.#notes().map((text) => make("li", {textContent: text})));
   }
 
@@ -388,7 +451,27 @@ class Page {
     const outside = choice.outsideBounds().map((input) => (
       `${input.id} lies outside its bounds, ${boundsOf(input)}: the surfaces extrapolate`));
     const pictures = this.#hasSlices() ? [] : ["the pictures are left out: they would take too long"];
-    return [...failed, ...outside, ...pictures];
+    return [...failed, ...outside, ...this.#notesOnSamples(), ...pictures];
+  }
+
+  /// What lies outside the samples of which outputs, most of which have the same samples.
+  #notesOnSamples() {
+    const {outputs} = this.choice;
+    const idsOf = new Map();
+    outputs.forEach(({id}, k) => {
+      const inputs = this.#outsideSamples(k).map(({input, value, range: [lower, upper]}) => (
+        `${input.id}=${shown(value, VALUE_DIGITS)} (${boundsOf({...input, lower, upper})})`));
+      if (inputs.length === 0) return;
+      const place = `${listed(inputs)} ${inputs.length === 1 ? "lies" : "lie"} outside the samples of `;
+      const distance = Number.isNaN(this.#distances[k]) ? ""
+        : `; the nearest sample is ${shown(this.#distances[k], ERROR_DIGITS)} typical spacings away`;
+      const note = JSON.stringify([place, distance]);
+      idsOf.set(note, [...idsOf.get(note) ?? [], id]);
+    });
+    return [...idsOf].map(([note, ids]) => {
+      const [place, distance] = JSON.parse(note);
+      return place + (ids.length === outputs.length ? "all outputs" : listed(ids)) + distance;
+    });
   }
 
   #hasSlices() {
@@ -420,11 +503,7 @@ class Page {
     const done = this.#begunSlice.length;
     const piece = ats.slice(done, done + Math.max(1, Math.floor(PIECE / this.#cost.operations)));
     const points = piece.flatMap((at) => point.map((value, k) => (k === index ? at : value)));
-    this.#begunSlice.push(...this.#predict(points).map((row, k) => ({
-      at: piece[k],
-      answers: row.map(({value, error}, output) => (
-        {value, error: this.#errorInUnit[output] ? error : NaN})),
-    })));
+    this.#begunSlice.push(...this.#predict(points).map((answers, k) => ({at: piece[k], answers})));
     if (this.#begunSlice.length < POINTS_PER_SLICE) return;
     this.#slices[index] = this.#begunSlice;
     this.#begunSlice = [];
@@ -433,7 +512,8 @@ class Page {
   #draw() {
     if (!this.#hasSlices()) return;
     const complete = !this.#slices.includes(null);
-    this.profiles.draw(this.#slices, this.choice.point, this.#answers, this.#begun && complete);
+    const anew = this.#begun && complete;
+    this.profiles.draw(this.#slices, this.choice.point, this.#answers, this.#ranges, anew);
     if (complete) this.#begun = false;
   }
 }

@@ -34,12 +34,12 @@ function pathOf(points) {
   return path;
 }
 
-/// A closed band around the points that have an error.
+/// A closed band from the lower to the upper ends of the points that have an error.
 function bandOf(slice, x, y) {
   const pieces = [];
   let piece = [];
-  for (const point of [...slice, {error: NaN}]) {
-    if (Number.isFinite(point.error) && Number.isFinite(point.value)) {
+  for (const point of [...slice, {lower: NaN}]) {
+    if (Number.isFinite(point.lower) && Number.isFinite(point.upper)) {
       piece.push(point);
     } else if (piece.length > 0) {
       pieces.push(piece);
@@ -47,8 +47,8 @@ function bandOf(slice, x, y) {
     }
   }
   return pieces.map((part) => {
-    const upper = part.map((p) => [x(p.at), y(p.value + Math.abs(p.error))]);
-    const lower = part.map((p) => [x(p.at), y(p.value - Math.abs(p.error))]).reverse();
+    const upper = part.map((p) => [x(p.at), y(p.upper)]);
+    const lower = part.map((p) => [x(p.at), y(p.lower)]).reverse();
     return `${pathOf([...upper, ...lower])}Z`;
   }).join("");
 }
@@ -78,16 +78,17 @@ class Cell {
     return between(...this.range, part, 1);
   }
 
-  /// `slice` is a list of {at, answers}; `here` is the chosen point. Draws only what changed.
-  draw({slice, output, values, here, title}) {
+  /// `slice` is a list of {at, answers}; `here` is the chosen point; `sampled` the range of the
+  /// samples, or undefined. Draws only what changed.
+  draw({slice, output, values, here, sampled, title}) {
     const range = [slice[0].at, slice[slice.length - 1].at];
     const x = (at) => this.left + partOf(at, ...range) * this.width;
     const y = (value) => CELL.top + (1 - partOf(value, ...values)) * CELL.height;
-    const frame = [...range, ...values].join();
+    const frame = [...range, ...values, ...(sampled ?? [])].join();
     if (frame !== this.drawnFrame) {
       this.range = range;
       this.element.setAttribute("aria-label", title);
-      this.#drawBack(x, y, range, values);
+      this.#drawBack(x, y, range, values, sampled);
     }
     if (frame !== this.drawnFrame || slice !== this.drawnSlice) {
       const points = slice.map((step) => ({at: step.at, ...step.answers[output]}));
@@ -107,10 +108,14 @@ class Cell {
     if (known) this.dot.setAttribute("cy", y);
   }
 
-  #drawBack(x, y, range, values) {
+  #drawBack(x, y, range, values, sampled) {
     const bottom = CELL.top + CELL.height;
     const right = this.left + this.width;
-    const drawn = [...this.#beyond(x, range)];
+    const {hasBounds, lower, upper} = this.input;
+    const drawn = [
+      ...(sampled ? this.#beyond("unsampled", x, range, sampled) : []),
+      ...(hasBounds ? this.#beyond("beyond", x, range, [lower, upper]) : []),
+    ];
     for (const tick of ticksOf(values[0], values[1], 4)) {
       drawn.push(svg("path", {class: "grid", d: `M${this.left} ${y(tick)}H${right}`}));
       if (this.labelled) {
@@ -144,12 +149,11 @@ class Cell {
     return labels;
   }
 
-  /// The parts of the range outside the bounds.
-  #beyond(x, range) {
-    const {hasBounds, lower, upper} = this.input;
-    if (!hasBounds) return [];
-    return [[range[0], lower], [upper, range[1]]].filter(([from, to]) => to > from).map(([from, to]) => svg(
-      "rect", {class: "beyond", x: x(from), y: CELL.top, width: x(to) - x(from), height: CELL.height}));
+  /// The parts of the range outside the limits.
+  #beyond(name, x, range, [lower, upper]) {
+    const parts = [[range[0], Math.min(lower, range[1])], [Math.max(upper, range[0]), range[1]]];
+    return parts.filter(([from, to]) => to > from).map(([from, to]) => svg(
+      "rect", {class: name, x: x(from), y: CELL.top, width: x(to) - x(from), height: CELL.height}));
   }
 
   #name(x, y) {
@@ -243,11 +247,8 @@ class Profiles {
       };
       for (const slice of slices) {
         for (const {answers} of slice ?? []) {
-          const {value, error} = answers[output];
-          take(value);
-          if (!Number.isFinite(error)) continue;
-          take(value - Math.abs(error));
-          take(value + Math.abs(error));
+          const {value, lower, upper} = answers[output];
+          [value, lower, upper].forEach(take);
         }
       }
       take(here[output]?.value);
@@ -255,8 +256,9 @@ class Profiles {
     });
   }
 
-  /// slices[input] is a list of {at, answers}, or null where it isn't computed yet.
-  draw(slices, point, here, anew) {
+  /// slices[input] is a list of {at, answers}, or null where it isn't computed yet; ranges[output] those
+  /// of the samples for each input, or null.
+  draw(slices, point, here, ranges, anew) {
     this.#spread(slices, here, anew);
     this.#blocks.forEach((block, output) => {
       const values = padded(this.values[output] ?? [0, 1]);
@@ -267,6 +269,7 @@ class Profiles {
           output,
           values,
           here: {at: point[column], value: here[output]?.value},
+          sampled: ranges[output]?.[column],
           title: `${labelOf(this.outputs[output])} over ${labelOf(this.inputs[column])}`,
         });
       });

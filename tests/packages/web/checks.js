@@ -20,10 +20,15 @@ export async function likeTheTool(load, read, name) {
     for (const [id, value] of Object.entries(outputs)) {
       expectNear(got.values[id][0], value, wanted.tolerance, `${name}, ${id}`);
       if (errors === null) continue;
+      // The tools have none for an ensemble of which one surface alone has an error.
+      if (got.errorOrigin[id].kind === "one surface") {
+        expectEqual(Object.hasOwn(errors, id), false, `${name}, error of ${id}`);
+        continue;
+      }
       const without = !Object.hasOwn(errors, id);
       expectEqual(got.statuses[id][0], without ? -2 : 0, `${name}, status of ${id}`);
       if (without) expectEqual(got.errors[id][0], NaN, `${name}, error of ${id}`);
-      else expectNear(got.errors[id][0], errors[id], wanted.error_tolerance, `${name}, error of ${id}`);
+      else expectNear(got.rawErrors[id][0], errors[id], wanted.error_tolerance, `${name}, error of ${id}`);
     }
   }
 }

@@ -34,7 +34,30 @@ test("three forms of points, one result", async () => {
   assert.deepEqual(columns, rows);
   assert.deepEqual(model.predict(COMBINATION, table, {error: true}), rows);
   assert.equal(rows.rows, 2);
-  assert.deepEqual(rows.scaledErrors, ["mass"]);
+});
+
+test("errors in units, and whose they are", async () => {
+  const model = await load(BEAM);
+  const {values, errors, lower, upper, rawErrors, errorOrigin} = model.predict(COMBINATION, POINT, {error: true});
+  assert.deepEqual(errorOrigin.mass, {kind: "all surfaces", surface: null, firstOrder: false});
+  assert.equal(errorOrigin.stress.kind, "cross-validation");
+  assert.deepEqual(errors.stress, rawErrors.stress);
+  assert.ok(errors.mass[0] > rawErrors.mass[0]);
+  assert.equal(lower.mass[0], values.mass[0] - errors.mass[0]);
+  assert.equal(upper.mass[0], values.mass[0] + errors.mass[0]);
+});
+
+test("points among the samples", async () => {
+  const model = await load(BEAM);
+  const {inside, distance, sides} = model.predict(COMBINATION, {...POINT, L: [0.5, 1.5, 2.5]}, {location: true});
+  assert.deepEqual(inside.mass, [false, true, false]);
+  assert.deepEqual([...sides.mass.L], [-1, 0, 1]);
+  assert.deepEqual([...sides.mass.b], [0, 0, 0]);
+  assert.ok(distance.mass[0] > distance.mass[1]);
+  const [lowest, highest] = model.sampleRanges(COMBINATION).mass.L;
+  const ends = model.predict(COMBINATION, {...POINT, L: [lowest, highest]}, {location: true});
+  assert.deepEqual(ends.inside.mass, [true, true]);
+  assert.ok(lowest < highest);
 });
 
 test("statuses", async () => {

@@ -10,6 +10,10 @@ const slope: Float64Array | undefined = prediction.gradients?.["mass"]?.["L"];
 model.predict({}, {L: [1, 2], b: 45, h: new Float64Array(2)}, {fast: true});
 model.prepare(model.combinations[0]).predict(new Float64Array(4)).statuses["mass"]?.includes(STATUS.withoutError);
 
+const kind: "none" | "cross-validation" | "all surfaces" | "one surface" | undefined =
+  prediction.errorOrigin?.["mass"]?.kind;
+const lowest: number | undefined = model.sampleRanges({Material: 1})["mass"]?.["L"]?.[0];
+
 // @ts-expect-error A combination holds numbers.
 model.predict({Material: "steel"}, []);
 // @ts-expect-error There is no such option.
@@ -17,4 +21,4 @@ model.predict({}, [], {errors: true});
 // @ts-expect-error Without a question, errors may be missing.
 prediction.errors["mass"];
 
-export {bounds, slope, values};
+export {bounds, kind, lowest, slope, values};
