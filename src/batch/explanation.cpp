@@ -138,6 +138,7 @@ class Neighbours {
 double SpacingOf(const CPreparedModel& prepared, std::size_t output, const Neighbours& neighbours,
                  const std::vector<CInputExplanation>& inputs) {
   std::vector<double> beyond;
+  beyond.reserve(inputs.size());
   for (const CInputExplanation& input : inputs) {
     beyond.push_back(input.highest + (input.highest - input.lowest));
   }
@@ -168,9 +169,11 @@ const CDiscreteCombinations::OutputsByID& OutputsOf(
     const std::vector<std::pair<std::string, int>>& discreteValues) {
   const auto& ranks = *model.GetRegistrationRank();
   std::vector<std::pair<std::int32_t, int>> ranked;
+  ranked.reserve(discreteValues.size());
   for (const auto& [name, value] : discreteValues) ranked.emplace_back(ranks.at(name), value);
   std::sort(ranked.begin(), ranked.end());
   std::vector<int> key;
+  key.reserve(ranked.size());
   for (const auto& [rank, value] : ranked) key.push_back(value);
   const std::int32_t position = model.GetDiscreteCombinationsIndexingPtr()->at(key);
   return (*model.GetOutputsWrtDiscCombPtr())[static_cast<std::size_t>(position)];
@@ -228,7 +231,8 @@ COutputExplanation OutputOf(const CPreparedModel& prepared, const Results& resul
   for (std::size_t k = 0; k < results.inputs; ++k) {
     CInputExplanation input;
     input.gradient = results.gradients[o * results.inputs + k];
-    input.side = results.sides[o * results.inputs + k];
+    const signed char side = results.sides[o * results.inputs + k];
+    input.side = (side > 0 ? 1 : 0) - (side < 0 ? 1 : 0);
     input.lowest = lowest[k];
     input.highest = highest[k];
     const double width = widths[k] > 0.0 ? widths[k] : highest[k] - lowest[k];

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -88,7 +87,7 @@ class Differences {
   void Add(double there, double here, Numbers& numbers) {
     if (std::isnan(there) && std::isnan(here)) return;
     if (std::isfinite(there)) numbers.largest = std::max(numbers.largest, std::fabs(there));
-    if (std::memcmp(&there, &here, sizeof there) == 0) return;
+    if (there == here && std::signbit(there) == std::signbit(here)) return;
     isOther_ = true;
     const double difference = std::fabs(here - there);
     numbers.difference =
