@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 
+#include "batch/prepared_model_access.h"
 #include "families/family.h"
 #include "model/candidate_access.h"
 #include "model/candidate_evaluation.h"
@@ -133,23 +134,6 @@ class Neighbours {
   const std::vector<CInputExplanation>& inputs_;
 };
 
-/// The typical spacing of the samples of an output, in units of the widths of their ranges; NaN if
-/// there is none. It follows from the distance of a point that is no sample: here one outside.
-double SpacingOf(const CPreparedModel& prepared, std::size_t output, const Neighbours& neighbours,
-                 const std::vector<CInputExplanation>& inputs) {
-  std::vector<double> beyond;
-  beyond.reserve(inputs.size());
-  for (const CInputExplanation& input : inputs) {
-    beyond.push_back(input.highest + (input.highest - input.lowest));
-  }
-  const Neighbours::Order nearest = neighbours.Nearest(beyond, 1);
-  std::vector<double> distances(prepared.OutputIDs().size(), kNoNumber);
-  CLocations locations;
-  locations.distances = distances.data();
-  if (nearest.empty() || prepared.LocatePoints(beyond.data(), 1, locations) != 0) return kNoNumber;
-  return nearest.front().first / distances[output];
-}
-
 /// The width of the range of each input: of its bounds, or 0 without bounds.
 std::vector<double> WidthsOf(const CDiscreteCombinations& model,
                              const std::vector<std::string>& inputs) {
@@ -268,7 +252,9 @@ int ExplainPoint(const CDiscreteCombinations& model,
       ExplainSurfaces(*candidate, point.Scaled(), output);
       ExplainFolds(*candidate, point.Scaled(), output);
       const Neighbours neighbours(*candidate, output.inputs);
-      const double spacing = SpacingOf(prepared, o, neighbours, output.inputs);
+      // Without a distance it may be too expensive.
+      const double spacing =
+          std::isnan(output.distance) ? kNoNumber : PreparedModelAccess::Spacing(prepared, o);
       for (const auto& [distance, i] : neighbours.Nearest(made.point, samples)) {
         output.nearest.push_back(neighbours.At(i));
         output.nearest.back().distance = distance / spacing;

@@ -623,6 +623,12 @@ int CPreparedModel::EvaluateGradients(const double* points, std::size_t rows, do
   return 0;
 }
 
+double PreparedModelAccess::Spacing(const CPreparedModel& model, std::size_t output) {
+  const SampledRegion& region = *model.parts_->regions[output];
+  if (!region.IsKnown()) return std::numeric_limits<double>::quiet_NaN();
+  return region.Spacing(*model.parts_->exact);
+}
+
 CPreparedModel PreparedModelAccess::With(const CPreparedModel& model, simd::InstructionSet set) {
   CPreparedModel other;
   const LoopTable* const loops = kernels::FindLoops(set);

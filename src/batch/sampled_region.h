@@ -26,6 +26,10 @@ class SampledRegion {
   /// -1 where `value` lies below the range of input `i`, 1 above it or for a NaN, else 0.
   signed char SideOf(std::size_t i, double value) const;
 
+  /// The typical spacing of the samples, in units of the widths of their ranges; NaN without two
+  /// different samples.
+  double Spacing(const LoopTable& loops) const { return Found(loops).spacing; }
+
   std::size_t WorkSize() const;
   /// The distance of each point of one block to the nearest sample (CPreparedModel::LocatePoints).
   void FindDistances(const Points& points, const LoopTable& loops, double* work,
