@@ -105,6 +105,15 @@ std::string DescriptionOf(const Variable& variable, const std::string& name) {
   return Plain(variable.caption.empty() ? variable.id : variable.id + ": " + variable.caption);
 }
 
+FmuVariable Described(const Variable& of, FmuVariable::Kind kind, UniqueNames& names) {
+  FmuVariable variable;
+  variable.kind = kind;
+  variable.name = names.Of(of.id);
+  variable.description = DescriptionOf(of, variable.name);
+  variable.unit = Plain(of.unit);
+  return variable;
+}
+
 /// A finite number; nothing for another.
 std::string NumberOf(double value) { return std::isfinite(value) ? Literal(value) : ""; }
 
@@ -160,11 +169,7 @@ std::vector<FmuVariable> FmuVariables(const Interface& interface) {
   UniqueNames names;
   std::vector<FmuVariable> variables(1);
   for (const InputWords& input : interface.inputs) {
-    FmuVariable variable;
-    variable.kind = FmuVariable::Input;
-    variable.name = names.Of(input.id);
-    variable.description = DescriptionOf(input, variable.name);
-    variable.unit = Plain(input.unit);
+    FmuVariable variable = Described(input, FmuVariable::Input, names);
     if (input.isBounded) {
       variable.min = NumberOf(input.lower);
       variable.max = NumberOf(input.upper);
@@ -176,19 +181,15 @@ std::vector<FmuVariable> FmuVariables(const Interface& interface) {
     variables.push_back(DiscreteVariable(interface, i, names.Of(interface.discrete[i].id)));
   }
   for (const OutputWords& output : interface.outputs) {
-    FmuVariable variable;
-    variable.kind = FmuVariable::Output;
-    variable.name = names.Of(output.id);
-    variable.description = DescriptionOf(output, variable.name);
-    variable.unit = Plain(output.unit);
-    variables.push_back(variable);
+    variables.push_back(Described(output, FmuVariable::Output, names));
   }
   for (const std::size_t o : OutputsWithErrors(interface)) {
     const OutputWords& output = interface.outputs[o];
     FmuVariable variable;
     variable.kind = FmuVariable::Output;
     variable.name = names.Of(output.id + "_error");
-    variable.description = "Predicted error of " + Plain(output.id) + "; NaN where there is none";
+    variable.description =
+        "Predicted error of " + Plain(output.id) + "; NaN where the model gives no error";
     if (!output.hasUnitOfError) variable.description += "; in the scaled space of its surface";
     if (output.hasUnitOfError) variable.unit = Plain(output.unit);
     variables.push_back(variable);

@@ -14,7 +14,7 @@ struct FmuVariable {
   std::string name;
   std::string description;
   std::string unit;
-  /// Numbers; empty where there is none.
+  /// Numbers, as text; an empty one is left out of the description.
   std::string min;
   std::string max;
   std::string start;

@@ -148,10 +148,6 @@ void PrintText(const Model& model, const Point& point, const pxrom::CExplanation
   }
 }
 
-nlohmann::ordered_json FiniteOrNull(double number) {
-  return std::isfinite(number) ? nlohmann::ordered_json(number) : nlohmann::ordered_json();
-}
-
 nlohmann::ordered_json JsonOfOutput(const Model& model, const pxrom::CExplanation& explanation,
                                     const pxrom::COutputExplanation& output) {
   nlohmann::ordered_json entry;

@@ -1,10 +1,15 @@
 #include "json_text.h"
 
+#include <cmath>
 #include <iostream>
 
 #include "pxrom/inspection.h"
 
 namespace pxrom_command {
+
+nlohmann::ordered_json FiniteOrNull(double number) {
+  return std::isfinite(number) ? nlohmann::ordered_json(number) : nlohmann::ordered_json();
+}
 
 void PrintDocument(const nlohmann::ordered_json& document) {
   constexpr int kIndent = 2;

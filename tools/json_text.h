@@ -29,6 +29,9 @@ nlohmann::ordered_json ObjectOf(const std::vector<std::pair<std::string, Value>>
   return object;
 }
 
+/// Null for a number that is not finite, which JSON can't hold.
+nlohmann::ordered_json FiniteOrNull(double number);
+
 /// Prints a document for programs that is also safe to look at: bytes that are not UTF-8 are
 /// replaced, and characters that change the direction of others become escapes.
 void PrintDocument(const nlohmann::ordered_json& document);

@@ -171,20 +171,16 @@ std::vector<std::string> Failures(const ValidateOptions& options, const Model& m
   return failures;
 }
 
-nlohmann::ordered_json NumberOrNull(double number) {
-  return std::isfinite(number) ? nlohmann::ordered_json(number) : nlohmann::ordered_json();
-}
-
 nlohmann::ordered_json JsonOf(const pxrom::CPredictionScores& scores) {
   nlohmann::ordered_json entry;
   entry["count"] = scores.count;
   entry["missing"] = scores.missing;
   entry["failed"] = scores.failed;
-  entry["r2"] = NumberOrNull(scores.r2);
-  entry["rmse"] = NumberOrNull(scores.rmse);
-  entry["mean_absolute_error"] = NumberOrNull(scores.meanAbsoluteError);
-  entry["largest_absolute_error"] = NumberOrNull(scores.largestAbsoluteError);
-  entry["bias"] = NumberOrNull(scores.bias);
+  entry["r2"] = FiniteOrNull(scores.r2);
+  entry["rmse"] = FiniteOrNull(scores.rmse);
+  entry["mean_absolute_error"] = FiniteOrNull(scores.meanAbsoluteError);
+  entry["largest_absolute_error"] = FiniteOrNull(scores.largestAbsoluteError);
+  entry["bias"] = FiniteOrNull(scores.bias);
   entry["with_error"] = scores.withError;
   entry["within"] = scores.within;
   return entry;
@@ -212,7 +208,7 @@ void PrintJson(const ValidateOptions& options, const Model& model, const Validat
                                 {"discrete", ObjectOf(pair.discrete)},
                                 {"measured", pair.measured},
                                 {"predicted", pair.predicted},
-                                {"error", NumberOrNull(pair.error)}});
+                                {"error", FiniteOrNull(pair.error)}});
     }
     outputs.push_back(entry);
   }

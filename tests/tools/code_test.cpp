@@ -1,6 +1,5 @@
 // Models as C: compiled by the compiler of this build, the code gives the same bits as the library.
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -18,6 +18,7 @@
 #include "pxrom/constant.h"
 #include "pxrom/regression.h"
 #include "support/model_files.h"
+#include "support/shared_library.h"
 #include "support/source_path.h"
 #include "support/surfaces.h"
 #include "testing/random_models.h"
@@ -52,23 +53,17 @@ class Loaded {
                        "-ffp-contract=off -O1 -fPIC -shared " +
                        flags + " -o " + name + ".so " + name + ".c -lm");
     EXPECT_EQ(built.err, "");
-    library_ = dlopen((command::Here() / (name + ".so")).c_str(), RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(library_, nullptr);
-  }
-  Loaded(const Loaded&) = delete;
-  Loaded& operator=(const Loaded&) = delete;
-  ~Loaded() {
-    if (library_ != nullptr) dlclose(library_);
+    library_.emplace((command::Here() / (name + ".so")).string());
   }
 
   template <class Function>
   Function* Find(const std::string& function) const {
-    return reinterpret_cast<Function*>(dlsym(library_, (name_ + "_" + function).c_str()));
+    return library_->Find<Function>(name_ + "_" + function);
   }
 
  private:
   std::string name_;
-  void* library_ = nullptr;
+  std::optional<SharedLibrary> library_;
 };
 
 using Evaluate = int(const int*, const double*, double*, int*);

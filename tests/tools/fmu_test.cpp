@@ -1,13 +1,13 @@
 // Models as FMUs: an importer runs them with the compiler of this build, and gets the bits of the
 // library.
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -18,6 +18,7 @@
 #include "pxrom/codegen.h"
 #include "pxrom/constant.h"
 #include "support/model_files.h"
+#include "support/shared_library.h"
 #include "support/source_path.h"
 #include "support/surfaces.h"
 
@@ -93,20 +94,13 @@ class Loaded {
                              "-fPIC -shared -fvisibility=hidden -o " + library + sources + " -lm")
                   .err,
               "");
-    library_ = dlopen((command::Here() / library).c_str(), RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(library_, nullptr);
-  }
-  Loaded(const Loaded&) = delete;
-  Loaded& operator=(const Loaded&) = delete;
-  ~Loaded() {
-    if (library_ != nullptr) dlclose(library_);
+    library_.emplace((command::Here() / library).string());
   }
 
   /// A function of the standard, without "fmi2" or "fmi3".
   template <class Function>
   Function* Find(const std::string& name) const {
-    return reinterpret_cast<Function*>(
-        dlsym(library_, ("fmi" + std::to_string(version) + name).c_str()));
+    return library_->Find<Function>("fmi" + std::to_string(version) + name);
   }
   unsigned Reference(const std::string& name) const {
     return static_cast<unsigned>(std::stoul(AttributeOf(description, name, "valueReference")));
@@ -116,7 +110,7 @@ class Loaded {
   const std::string description;
 
  private:
-  void* library_ = nullptr;
+  std::optional<SharedLibrary> library_;
 };
 
 struct Callbacks {
