@@ -52,8 +52,8 @@ c_id_attributes = ["PXROM_API"]
 autodoc_member_order = "bysource"
 autodoc_typehints = "description"
 
-# What Breathe looks up by the name that stands in a declaration: it finds neither enumerators nor names
-# of the standard library. script/check-site finds links that lead nowhere.
+# Breathe looks up each name in a declaration, and finds neither enumerators nor names of the standard
+# library. script/check-site finds links that lead nowhere.
 suppress_warnings = ["ref.ref"]
 nitpick_ignore_regex = [(r"(c|cpp):.*", r".*"), (r"py:.*", r"(?!pxrom\.).*|pxrom\._.*")]
 

@@ -120,7 +120,7 @@ class WindowsFile : public ReplacedFile {
 
   /// The file to be replaced; empty when it is written directly.
   std::wstring target_;
-  /// The new file; empty when there is none.
+  /// The name of the new file; empty while it does not exist.
   std::wstring temporary_;
   Handle file_;
 };

@@ -20,7 +20,7 @@ struct MeasuredPair {
   std::vector<std::pair<std::string, int>> discrete;
   double measured = 0.0;
   double predicted = 0.0;
-  /// In the unit of the output; NaN if there is none.
+  /// In the unit of the output; NaN for an output without an error.
   double error = std::numeric_limits<double>::quiet_NaN();
 
   double Difference() const { return predicted - measured; }

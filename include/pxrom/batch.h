@@ -27,7 +27,7 @@ enum E_PrecisionMode : std::int32_t {
 
 /// Whose error the error of an output is.
 enum E_ErrorOrigin : std::int32_t {
-  /// There is none.
+  /// The output has no error.
   ErrorNone = 0,
   /// The spread of the predictions that leave out one fold each (fitting_candidates.h).
   ErrorFromCrossValidation = 1,
@@ -55,7 +55,7 @@ struct CResultsInUnits {
   double* values = nullptr;
   /// In the unit of the output, never negative.
   double* errors = nullptr;
-  /// The ends of the interval that the error stands for: value - error and value + error, and
+  /// The ends of the interval that the error means: value - error and value + error, and
   /// through an output transformation the images of the ends before it, which need not be as far
   /// from the value as the error is. An end that the transformation refuses is infinite. Where the
   /// transformation is not monotonic between the ends, value - error and value + error again.
@@ -196,7 +196,7 @@ class PXROM_API CPreparedModel {
                    std::vector<double>& upper) const;
 
   /// The first output that was fitted to the same samples as output number `output`, and so has
-  /// the same ranges and locations: often 0 for all of them. `output` itself if there is none.
+  /// the same ranges and locations: often 0 for all of them. `output` itself if no other has them.
   std::size_t FirstWithSamplesOf(std::size_t output) const;
 
   /// Where points are relative to the samples of each output.

@@ -37,7 +37,7 @@ struct CSampleExplanation {
 
 /// One input of an output at a point.
 struct CInputExplanation {
-  /// The derivative of the value, in physical units; NaN where there is none.
+  /// The derivative of the value, in physical units; NaN where the value has no derivative.
   double gradient = std::numeric_limits<double>::quiet_NaN();
   /// The change of the value, to first order, for a change of one percent of the range of the
   /// input: of its bounds or, without bounds, of its samples.

@@ -33,7 +33,7 @@ using ErrorOrigin = Tarvane::Plexura::PXROM::CErrorOrigin;
 /// One output at one point. CPreparedModel says what its numbers mean (batch.h).
 struct Prediction {
   double value = 0.0;
-  /// In the unit of the output; NaN, as the ends of its interval, if there is none.
+  /// In the unit of the output. Without an error, this and both ends of the interval are NaN.
   double error = 0.0;
   double lower = 0.0;
   double upper = 0.0;
@@ -60,7 +60,7 @@ class PXROM_API Answer {
 };
 
 /// Values and errors of many points: tables of one row for each point and one column for each
-/// output. Both are NaN where there is none.
+/// output. A missing value or error is NaN.
 struct Table {
   std::vector<std::string> outputs;
   std::vector<double> values;

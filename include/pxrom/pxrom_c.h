@@ -192,7 +192,7 @@ PXROM_API int32_t pxrom_prepared_error_origin(const pxrom_prepared* prepared, si
 
 /* Values at `rows` points with errors in the unit of their outputs, for every family: a family
  * without a predicted error gives PXROM_POINT_WITHOUT_ERROR and its value. `errors` are not
- * negative; `lower` and `upper` are the ends of the interval that they stand for, which need not be
+ * negative; `lower` and `upper` are the ends of the interval that they mean, which need not be
  * as far from the value through an output transformation; `raw_errors` are those of
  * pxrom_prepared_evaluate, as the surface reports them. Each table may be null. The rest is as for
  * pxrom_prepared_evaluate. */

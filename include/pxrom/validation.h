@@ -46,8 +46,8 @@ struct CPredictionScores {
 class PXROM_API CPredictionComparison {
  public:
   /// Adds a pair. A `measured` that is not finite counts as missing, otherwise a `predicted` that
-  /// is not finite as failed. `error` is in the unit of the output, NaN if there is none; its sign
-  /// does not matter.
+  /// is not finite as failed. `error` is in the unit of the output, NaN for a missing error; its
+  /// sign does not matter.
   void Add(double measured, double predicted,
            double error = std::numeric_limits<double>::quiet_NaN());
   CPredictionScores Scores() const;

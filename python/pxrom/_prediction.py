@@ -74,7 +74,7 @@ class Prediction:
         inputs: the d names, in the order of the last axis of gradients.
         values: :class:`Columns` of the shape (n, m). NaN where the status is 1.
         errors: the same for predicted errors, in the unit of the output and never negative, NaN
-            where there is none; ``None`` unless asked for, and so are the next four.
+            for a missing error; ``None`` unless asked for, and so are the next four.
         lower: the lower end of the interval that the error means: value minus error, unless the
             surface transforms the output, which makes the interval skewed.
         upper: the upper end.
@@ -86,7 +86,7 @@ class Prediction:
         statuses: integers (n, m): 0 success; -2 the value is valid, and there is no predicted
             error; 1 there is no value. Without errors there is no -2.
         gradients: (n, m, d), the derivative of output j with respect to input k at point i in
-            physical units, NaN where there is none; ``None`` unless asked for.
+            physical units, NaN where it does not exist; ``None`` unless asked for.
         scaled_errors: the outputs whose raw error is in a scaled space, that of its ensemble or
             surface. Those from cross-validation are in the unit.
         inside: booleans (n, m), whether all inputs are within the range of the samples that the

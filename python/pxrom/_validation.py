@@ -43,7 +43,7 @@ class Validation:
         combinations: the combinations of discrete values in the rows, ascending.
         measured: :class:`Columns` of the shape (n, m), NaN where a value is missing.
         predicted: the same for the values of the model, NaN where it has none.
-        errors: the same for predicted errors in the unit of the output, NaN where there is none.
+        errors: the same for predicted errors in the unit of the output, NaN for a missing one.
         rows: the number of the combination of each row.
 
     ``validation["mass"]`` gives the :class:`Scores` of one output over all rows.

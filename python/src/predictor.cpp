@@ -176,9 +176,9 @@ void BindPredictor(py::module_& module) {
       .def(py::init<pxrom::CPreparedModel, bool, py::object, std::string>(), py::arg("prepared"),
            py::arg("is_one_output"), py::arg("as_point"), py::arg("gradient_hint"))
       .def("__call__", &Predictor::Value, py::arg("x"),
-           "The value at a point; NaN where there is none.")
+           "The value at a point; NaN where it can't be evaluated.")
       .def("value_and_error", &Predictor::ValueAndError, py::arg("x"),
-           "(value, predicted error). The error is NaN where there is none.")
+           "(value, predicted error). A missing error is NaN.")
       .def("gradient", &Predictor::Gradient, py::arg("x"),
            "The derivatives of the value with respect to the inputs; NaN where there are none.")
       .def("value_and_gradient", &Predictor::ValueAndGradient, py::arg("x"),

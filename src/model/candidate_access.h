@@ -47,7 +47,7 @@ struct CandidateAccess {
   }
   /// The same address for candidates that hold one content together.
   static const void* Identity(const CFittingCandidate& candidate) { return &candidate.Read(); }
-  /// That of the candidate that is evaluated, null if there is none.
+  /// That of the candidate that is evaluated, null if none was chosen.
   static const void* IdentityForEvaluation(const CFittingCandidates& list) {
     const CFittingCandidate* const candidate = list.GetEvaluationCandidatePtr();
     return candidate != nullptr ? Identity(*candidate) : nullptr;
